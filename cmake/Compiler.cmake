@@ -1,0 +1,15 @@
+# What every target of this project is compiled with: the interface target `house`.
+add_library(house INTERFACE)
+target_include_directories(house INTERFACE ${CMAKE_SOURCE_DIR}/src)
+if(MSVC)
+    target_compile_options(house INTERFACE /W4 /utf-8 /permissive-)
+    target_compile_definitions(house INTERFACE NOMINMAX WIN32_LEAN_AND_MEAN)
+else()
+    target_compile_options(house INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor
+        -Wold-style-cast -Woverloaded-virtual -Wnull-dereference -Wimplicit-fallthrough)
+endif()
+if(TRAMBLE_SANITIZE)
+    target_compile_options(house INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=undefined
+        -fno-omit-frame-pointer)
+    target_link_options(house INTERFACE -fsanitize=address,undefined)
+endif()

@@ -1,0 +1,1 @@
+# What is made at build time from resources/.
