@@ -1,0 +1,178 @@
+#include "core/Disk.h"
+
+#ifndef _WIN32
+
+#include "core/Failure.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+int NumberFor(int error, int other) {
+    switch (error) {
+    case ENOENT: return 53;
+    case ENOTDIR: return 76;
+    case EACCES:
+    case EPERM:
+    case EROFS:
+    case ETXTBSY: return 70;
+    case ENOSPC:
+    case EDQUOT: return 61;
+    default: return other;
+    }
+}
+
+class PosixFile final : public DiskFile {
+public:
+    PosixFile(int descriptor, std::string path) : descriptor_(descriptor), path_(std::move(path)) {}
+    PosixFile(const PosixFile&) = delete;
+    PosixFile& operator=(const PosixFile&) = delete;
+    ~PosixFile() override { ::close(descriptor_); }
+
+    std::size_t ReadAt(std::uint64_t offset, void* to, std::size_t size) override {
+        std::size_t done = 0;
+        while (done < size) {
+            const ssize_t got = ::pread(descriptor_, static_cast<char*>(to) + done, size - done,
+                                        static_cast<off_t>(offset + done));
+            if (got == 0) break;
+            if (got < 0) {
+                if (errno == EINTR) continue;
+                throw RunTimeFailure(NumberFor(errno, 57), path_);
+            }
+            done += static_cast<std::size_t>(got);
+        }
+        return done;
+    }
+
+    void WriteAt(std::uint64_t offset, std::string_view bytes) override {
+        std::size_t done = 0;
+        while (done < bytes.size()) {
+            const ssize_t put = ::pwrite(descriptor_, bytes.data() + done, bytes.size() - done,
+                                         static_cast<off_t>(offset + done));
+            if (put < 0) {
+                if (errno == EINTR) continue;
+                throw RunTimeFailure(NumberFor(errno, 57), path_);
+            }
+            done += static_cast<std::size_t>(put);
+        }
+    }
+
+    std::uint64_t Size() override {
+        struct stat info{};
+        if (::fstat(descriptor_, &info) != 0) throw RunTimeFailure(57, path_);
+        return static_cast<std::uint64_t>(info.st_size);
+    }
+
+    void Flush() override {
+        while (::fsync(descriptor_) != 0) {
+            if (errno != EINTR) throw RunTimeFailure(NumberFor(errno, 57), path_);
+        }
+    }
+
+private:
+    int descriptor_;
+    std::string path_;
+};
+
+class PosixDisk final : public Disk {
+public:
+    std::unique_ptr<DiskFile> Open(const std::string& path, Access access) override {
+        int flags = O_CLOEXEC;
+        if (access == Access::Read) flags |= O_RDONLY;
+        if (access == Access::ReadWrite) flags |= O_RDWR;
+        if (access == Access::Create) flags |= O_RDWR | O_CREAT | O_TRUNC;
+        const int descriptor = ::open(path.c_str(), flags, 0666);
+        if (descriptor < 0) {
+            const bool noFolder = errno == ENOENT && access == Access::Create;
+            throw RunTimeFailure(noFolder ? 76 : NumberFor(errno, 75), path);
+        }
+        auto file = std::make_unique<PosixFile>(descriptor, path);
+        if (IsFolder(path)) throw RunTimeFailure(75, path);
+        return file;
+    }
+
+    void Rename(const std::string& from, const std::string& to) override {
+        if (::rename(from.c_str(), to.c_str()) != 0) throw RunTimeFailure(NumberFor(errno, 75), to);
+    }
+
+    void FlushFolder(const std::string& folder) override {
+        const int descriptor = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        if (descriptor < 0) return;
+        ::fsync(descriptor);
+        ::close(descriptor);
+    }
+
+    bool Remove(const std::string& path) override {
+        if (::unlink(path.c_str()) == 0) return true;
+        if (errno == ENOENT || errno == ENOTDIR) return false;
+        throw RunTimeFailure(NumberFor(errno, 75), path);
+    }
+
+    void MakeFolder(const std::string& path) override {
+        if (::mkdir(path.c_str(), 0777) == 0) return;
+        if (errno == EEXIST && IsFolder(path)) return;
+        throw RunTimeFailure(NumberFor(errno, 75), path);
+    }
+
+    bool RemoveFolder(const std::string& path) override { return ::rmdir(path.c_str()) == 0; }
+
+    bool IsFile(const std::string& path) override {
+        struct stat info{};
+        return ::stat(path.c_str(), &info) == 0 && S_ISREG(info.st_mode);
+    }
+
+    bool IsFolder(const std::string& path) override {
+        struct stat info{};
+        return ::stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
+    }
+
+    std::vector<std::string> FilesIn(const std::string& folder) override { return Names(folder, false); }
+    std::vector<std::string> FoldersIn(const std::string& folder) override { return Names(folder, true); }
+
+    bool LockedByAnother(const std::string& path) override {
+        const std::size_t slash = path.find_last_of('/');
+        const std::size_t begin = slash == std::string::npos ? 0 : slash + 1;
+        if (IsFile(path.substr(0, begin) + ".~lock." + path.substr(begin) + "#")) return true;
+
+        const int descriptor = ::open(path.c_str(), O_RDWR | O_CLOEXEC);
+        if (descriptor < 0) return false;
+        struct flock range{};
+        range.l_type = F_WRLCK;
+        range.l_whence = SEEK_SET;
+        bool locked = ::fcntl(descriptor, F_GETLK, &range) == 0 && range.l_type != F_UNLCK;
+        if (::flock(descriptor, LOCK_EX | LOCK_NB) != 0) locked = locked || errno == EWOULDBLOCK;
+        ::close(descriptor);
+        return locked;
+    }
+
+private:
+    std::vector<std::string> Names(const std::string& folder, bool folders) {
+        std::vector<std::string> names;
+        DIR* list = ::opendir(folder.empty() ? "." : folder.c_str());
+        if (!list) return names;
+        const std::string base = folder.empty() || folder.back() == '/' ? folder : folder + '/';
+        while (const dirent* entry = ::readdir(list)) {
+            const std::string name = entry->d_name;
+            if (name == "." || name == "..") continue;
+            if (folders ? IsFolder(base + name) : IsFile(base + name)) names.push_back(name);
+        }
+        ::closedir(list);
+        std::sort(names.begin(), names.end());
+        return names;
+    }
+};
+
+} // namespace
+
+Disk& NativeDisk() {
+    static PosixDisk disk;
+    return disk;
+}
+
+#endif

@@ -1,0 +1,94 @@
+#pragma once
+
+#include "core/Dates.h"
+#include "core/Disk.h"
+#include "core/FileNumbers.h"
+#include "core/Trace.h"
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+/// The tables that a viewer can be opened on, in the order of the View menu.
+enum class ViewTable {
+    None, Comp, Link, Pay, Print, STax, Setup, Cust, Item, OrHdr, OrLin, AudtH, AudtL, AudHH, BarIn, PRN, TotalPC
+};
+
+/// What `frmProgress` does when it is loaded, in the order in which it looks.
+enum class ProgressFlag {
+    Export, QualCheck, UploadAdd, UploadReplace, Clear, Clear2, ImportReplace, ImportAdd, Import2Replace,
+    Import2Add, Restore
+};
+inline constexpr std::size_t ProgressFlags = 11;
+
+/// All state of the process that outlives a routine. Nothing else in the program is global; a test
+/// starts with a fresh one.
+struct Globals {
+    // The machine under it.
+    Disk* TheDisk = &NativeDisk();
+    DateTime (*Clock)() = nullptr; ///< in place of the system's clock when set; see Now
+    FileNumbers Files;
+    TraceRing Events;
+
+    // Paths, each with a trailing separator, empty until start-up has set them.
+    std::string AppPath, InstallPath, GraphicsPath, DBFPath, ImagesPath, HHTotalsPath, DBFEmptyPath;
+    std::string DataInPath, DataOutPath, BackupPath, UpdatesPath, TemplatesPath;
+    std::string ImportTemplates, ExportTemplates, DownloadTemplates, UploadTemplates, ClearPCTemplates;
+    std::string QuickButtonTemplates, UnattendedTemplates;
+    std::string IniFile;
+
+    // Settings, as in ZUKTramble.ini.
+    bool PurgeBackup = true;
+    std::int16_t PurgeDays = 7;
+    std::string RemoteSyncSettings;
+    bool RemoteSelect = false;
+    std::string RemoteSelSettings;
+    bool RemoteClearSelect = false;
+    std::string RemoteClearSettings;
+    bool UploadSelect = false;
+    std::string UploadSelSettings;
+    bool UpdateDemoTemplates = true;
+    std::int16_t WindowState = 0; ///< 0 normal, 1 minimised, 2 maximised
+    std::int32_t MainTop = 0, MainLeft = 0, MainHeight = 0, MainWidth = 0; ///< twips
+    DateTime LastReset;           ///< zero: never, or not read yet
+
+    // The company and the handheld application.
+    std::string CreatorID;
+    std::string CompanyName; ///< field 1 of the company table's first record, trimmed
+
+    // Totals of the order tables; see maintenance/Totals.h.
+    std::int32_t CurHeaders = 0, CurLines = 0;
+    double CurDollars = 0;
+    std::int32_t OldOrderCount = 0, OldLineCount = 0;
+    double OldLineTotal = 0;
+    std::string HHLastOrder, CurrentHotSyncID;
+    DateTime BackupTime; ///< the moment of the last MakeBackup; zero once a totals event has taken it
+    bool UploadClosing = false; ///< flag "upload added" of `frmProgress`, for `frmTotalsMsg`
+    bool RefreshTotals = false; ///< the main screen's totals are out of date
+
+    // Handhelds, parallel arrays whose entry 0 is not used; see sync/Status.h.
+    std::int32_t HHCount = 0;
+    std::vector<std::string> HHSyncID{""}, HHStatus{""}, HHStatusStd{""};
+    std::vector<std::string> HHStatusInst{""}, HHStatusDT{""}, HHStatusType{""};
+    std::int32_t LinkRecordToShow = 0;
+
+    // Flags by which forms talk to each other.
+    bool MessageAnswer = false;
+    std::array<bool, ProgressFlags> Progress{};
+    ViewTable View = ViewTable::None;
+    bool TemplateEditMode = false;
+    bool QBRunning = false;
+    bool UnloadingForms = false;
+    bool TemporaryDirectory = false; ///< "ZUKTemp" was made and is removed by UnloadForms
+    bool UnattendedActive = false;
+    bool MainSyncLoaded = false;
+};
+
+extern Globals Global;
+
+/// The present date and time of this place, to the second; `Global.Clock` when that is set.
+DateTime Now();
+
+/// The present day, midnight.
+DateTime Today();

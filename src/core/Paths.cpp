@@ -1,0 +1,159 @@
+#include "core/Paths.h"
+
+#include "core/CodePage.h"
+#include "core/Disk.h"
+#include "core/Failure.h"
+#include "core/Globals.h"
+#include "core/SafeFile.h"
+
+#include <algorithm>
+
+namespace {
+
+#ifdef _WIN32
+constexpr char Separator = '\\';
+#else
+constexpr char Separator = '/';
+#endif
+
+bool IsSeparator(char c) { return c == '/' || c == '\\'; }
+
+std::string Native(std::string_view path) {
+    std::string text(path);
+    std::replace_if(text.begin(), text.end(), IsSeparator, Separator);
+    return text;
+}
+
+std::string_view WithoutTrailingSeparator(std::string_view path) {
+    while (path.size() > 1 && IsSeparator(path.back())) path.remove_suffix(1);
+    return path;
+}
+
+/// A name in one case: ASCII letters and the Latin letters with accents as UTF-8 writes them.
+std::string FoldName(std::string_view name) {
+    std::string folded(name);
+    for (std::size_t i = 0; i < folded.size(); ++i) {
+        const auto c = static_cast<unsigned char>(folded[i]);
+        if (c >= 'a' && c <= 'z') folded[i] = static_cast<char>(c - 32);
+        if (i == 0 || static_cast<unsigned char>(folded[i - 1]) != 0xC3) continue;
+        if (c >= 0xA0 && c <= 0xBE && c != 0xB7) folded[i] = static_cast<char>(c - 0x20);
+    }
+    return folded;
+}
+
+/// The name in `folder` that differs from `name` only in case; `name` itself when there is none.
+std::string Spelling(const std::string& folder, const std::string& name) {
+    const std::string wanted = FoldName(name);
+    std::string found;
+    const auto look = [&](const std::vector<std::string>& names) {
+        for (const std::string& each : names) {
+            if (FoldName(each) == wanted && (found.empty() || each < found)) found = each;
+        }
+    };
+    look(Global.TheDisk->FilesIn(folder));
+    look(Global.TheDisk->FoldersIn(folder));
+    return found.empty() ? name : found;
+}
+
+} // namespace
+
+std::string AddBackslash(std::string_view path) {
+    while (!path.empty() && path.back() == ' ') path.remove_suffix(1);
+    std::string text(path);
+    if (text.empty() || !IsSeparator(text.back())) text += Separator;
+    return text;
+}
+
+bool FileExists(std::string_view path) {
+    try {
+        const std::string resolved = ResolvePath(WithoutTrailingSeparator(path));
+        if (!Global.TheDisk->IsFile(resolved)) return false;
+        Global.TheDisk->Open(resolved, Access::Read);
+        return true;
+    } catch (const RunTimeFailure&) {
+        return false;
+    }
+}
+
+void MakePath(std::string_view path) {
+    const std::string native = Native(path);
+    for (std::size_t end = native.find(Separator, 1); true; end = native.find(Separator, end + 1)) {
+        const std::string step = ResolvePath(native.substr(0, end));
+        if (!step.empty() && step.back() != ':' && !Global.TheDisk->IsFolder(step)) {
+            Global.TheDisk->MakeFolder(step);
+        }
+        if (end == std::string::npos || end + 1 == native.size()) return;
+    }
+}
+
+std::string ResolvePath(std::string_view path) {
+    std::string native = Native(path);
+    if (native.empty() || Global.TheDisk->IsFile(native) || Global.TheDisk->IsFolder(native)) return native;
+
+    std::string done;
+    std::size_t begin = 0;
+    while (begin < native.size()) {
+        std::size_t end = native.find(Separator, begin);
+        if (end == std::string::npos) end = native.size();
+        const std::string name = native.substr(begin, end - begin);
+        if (!name.empty() && name != "." && name != ".." && name.back() != ':') {
+            const std::string exact = done + name;
+            const bool there = Global.TheDisk->IsFile(exact) || Global.TheDisk->IsFolder(exact);
+            done = there ? exact : done + Spelling(done, name);
+        } else {
+            done += name;
+        }
+        if (end < native.size()) done += Separator;
+        begin = end + 1;
+    }
+    return done;
+}
+
+std::string_view FileNameOf(std::string_view path) {
+    const std::size_t slash = path.find_last_of("/\\");
+    return slash == std::string_view::npos ? path : path.substr(slash + 1);
+}
+
+std::string_view FolderOf(std::string_view path) { return path.substr(0, path.size() - FileNameOf(path).size()); }
+
+std::string_view ExtensionOf(std::string_view path) {
+    const std::string_view name = FileNameOf(path);
+    const std::size_t point = name.find_last_of('.');
+    return point == std::string_view::npos ? std::string_view() : name.substr(point);
+}
+
+std::string NameToPath(std::string_view codePageName) { return CodePageToUtf8(codePageName); }
+
+std::string PathToName(std::string_view path) { return Utf8ToCodePage(path); }
+
+bool IsPlainFileName(std::string_view name) {
+    if (name.empty() || name == "." || name == "..") return false;
+    return std::none_of(name.begin(), name.end(), [](char c) {
+        return IsSeparator(c) || c == ':' || static_cast<unsigned char>(c) < 32 || c == 127;
+    });
+}
+
+std::vector<std::string> FilesWithExtension(std::string_view folder, std::string_view extension) {
+    std::vector<std::string> names = Global.TheDisk->FilesIn(ResolvePath(folder));
+    const std::string wanted = FoldName(extension);
+    std::erase_if(names, [&](const std::string& name) {
+        return !wanted.empty() && FoldName(ExtensionOf(name)) != wanted;
+    });
+    std::stable_sort(names.begin(), names.end(), [](const std::string& a, const std::string& b) {
+        return FoldName(a) < FoldName(b);
+    });
+    return names;
+}
+
+void CopyOver(std::string_view from, std::string_view to, bool flush) {
+    const auto source = Global.TheDisk->Open(ResolvePath(from), Access::Read);
+    SafeFile target(to);
+    std::string block(std::size_t{1} << 18, '\0');
+    for (std::uint64_t offset = 0; true;) {
+        const std::size_t got = source->ReadAt(offset, block.data(), block.size());
+        if (got == 0) break;
+        target.Write(std::string_view(block.data(), got));
+        offset += got;
+    }
+    target.Commit(flush);
+}

@@ -1,0 +1,77 @@
+#include "core/SafeFile.h"
+
+#include "core/Failure.h"
+#include "core/Globals.h"
+#include "core/Paths.h"
+
+namespace {
+
+constexpr std::size_t BlockSize = std::size_t{1} << 18;
+
+} // namespace
+
+SafeFile::SafeFile(std::string_view path) : path_(ResolvePath(path)), work_(path_ + std::string(WorkExtension)) {
+    // A file that may not be written must not be replaced by way of its folder.
+    if (Global.TheDisk->IsFile(path_)) Global.TheDisk->Open(path_, Access::ReadWrite);
+    if (Global.TheDisk->IsFolder(path_)) throw RunTimeFailure(75, path_);
+    file_ = Global.Files.Open(*Global.TheDisk, work_, Access::Create);
+}
+
+SafeFile::~SafeFile() {
+    if (!done_) Discard();
+}
+
+void SafeFile::Discard() noexcept {
+    try {
+        Global.Files.Close(file_);
+        Global.TheDisk->Remove(work_);
+    } catch (...) { // the work file stays behind; the next start removes it
+    }
+}
+
+void SafeFile::Drain() {
+    Global.Files.Use(file_).WriteAt(written_, pending_);
+    written_ += pending_.size();
+    pending_.clear();
+}
+
+void SafeFile::Write(std::string_view bytes) {
+    pending_ += bytes;
+    if (pending_.size() >= BlockSize) Drain();
+}
+
+void SafeFile::WriteLine(std::string_view line) {
+    pending_ += line;
+    Write("\r\n");
+}
+
+void SafeFile::Overwrite(std::uint64_t offset, std::string_view bytes) {
+    if (offset + bytes.size() > Size()) throw RunTimeFailure(5, path_);
+    Drain();
+    Global.Files.Use(file_).WriteAt(offset, bytes);
+}
+
+void SafeFile::Commit(bool flush) {
+    Drain();
+    if (flush) Global.Files.Use(file_).Flush();
+    Global.Files.Close(file_);
+    Global.TheDisk->Rename(work_, path_);
+    done_ = true;
+    if (flush) Global.TheDisk->FlushFolder(std::string(FolderOf(path_)));
+}
+
+void WriteWholeFile(std::string_view path, std::string_view content, bool flush) {
+    SafeFile file(path);
+    file.Write(content);
+    file.Commit(flush);
+}
+
+std::string ReadWholeFile(std::string_view path, std::uint64_t limit) {
+    const std::string resolved = ResolvePath(path);
+    const auto file = Global.TheDisk->Open(resolved, Access::Read);
+    const std::uint64_t size = file->Size();
+    if (size > limit) throw RunTimeFailure(6, resolved);
+    std::string content(static_cast<std::size_t>(size), '\0');
+    content.resize(file->ReadAt(0, content.data(), content.size()));
+    return content;
+}

@@ -1,0 +1,57 @@
+#pragma once
+
+#include "core/FileNumbers.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+/// A file that is replaced whole. What is written goes to a work file beside it; Commit flushes
+/// that and puts it in the file's place. Killed at any instant, the old content stands or the
+/// new one. An object that ends without Commit removes its work file.
+class SafeFile {
+public:
+    /// The extension of work files. Strays of a killed run are removed at the next start.
+    static constexpr std::string_view WorkExtension = ".zuk~";
+
+    /// Opens the work file under a file number of its own. `path` is resolved here.
+    /// RunTimeFailure as Disk::Open; 70 when the file stands there and may not be written.
+    explicit SafeFile(std::string_view path);
+    SafeFile(const SafeFile&) = delete;
+    SafeFile& operator=(const SafeFile&) = delete;
+    ~SafeFile();
+
+    /// Adds bytes at the end. RunTimeFailure 61 or 57 from the disk, 52 when another has closed
+    /// this file's number.
+    void Write(std::string_view bytes);
+
+    /// Adds a line and the line end of all text files, carriage return and line feed.
+    void WriteLine(std::string_view line);
+
+    /// Writes bytes over what was written before; `offset` plus their number lies within it.
+    void Overwrite(std::uint64_t offset, std::string_view bytes);
+
+    /// Bytes written so far.
+    std::uint64_t Size() const { return written_ + pending_.size(); }
+
+    /// Puts the new content in place. `flush` off leaves the moment of writing to the system:
+    /// only for what is made again at each start, and for the trace.
+    void Commit(bool flush = true);
+
+private:
+    void Drain();
+    void Discard() noexcept;
+
+    std::string path_;
+    std::string work_;
+    FileNumbers::Claim file_;
+    std::string pending_;
+    std::uint64_t written_ = 0;
+    bool done_ = false;
+};
+
+/// Replaces a file's whole content. Failures as SafeFile.
+void WriteWholeFile(std::string_view path, std::string_view content, bool flush = true);
+
+/// A file's whole content. RunTimeFailure as Disk::Open; 6 when it holds more than `limit` bytes.
+std::string ReadWholeFile(std::string_view path, std::uint64_t limit = std::uint64_t{64} << 20);

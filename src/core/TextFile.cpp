@@ -1,0 +1,61 @@
+#include "core/TextFile.h"
+
+#include "core/Failure.h"
+#include "core/Globals.h"
+#include "core/Paths.h"
+
+namespace {
+
+constexpr std::size_t BlockSize = std::size_t{1} << 17;
+
+} // namespace
+
+TextReader::TextReader(std::string_view path) : path_(ResolvePath(path)) {
+    file_ = Global.Files.Open(*Global.TheDisk, path_, Access::Read);
+}
+
+TextReader::~TextReader() { Global.Files.Close(file_); }
+
+bool TextReader::Fill() {
+    block_.resize(BlockSize);
+    block_.resize(Global.Files.Use(file_).ReadAt(offset_, block_.data(), BlockSize));
+    offset_ += block_.size();
+    at_ = 0;
+    return !block_.empty();
+}
+
+bool TextReader::Peek(char& c) {
+    if (at_ == block_.size() && !Fill()) return false;
+    c = block_[at_];
+    return true;
+}
+
+bool TextReader::AtEnd() {
+    char c = 0;
+    return !Peek(c);
+}
+
+bool TextReader::ReadLine(std::string& line) {
+    line.clear();
+    char c = 0;
+    if (!Peek(c)) return false;
+    ++line_;
+    while (Peek(c)) {
+        const std::size_t end = block_.find_first_of("\r\n", at_);
+        const std::size_t stop = end == std::string::npos ? block_.size() : end;
+        line.append(block_, at_, stop - at_);
+        if (line.size() > MaxLine) throw RunTimeFailure(6, path_ + ", line " + std::to_string(line_));
+        at_ = stop;
+        if (end == std::string::npos) continue;
+        const char first = block_[at_++];
+        if (first == '\r' && Peek(c) && c == '\n') ++at_;
+        break;
+    }
+    return true;
+}
+
+std::string TextReader::RequireLine() {
+    std::string line;
+    if (!ReadLine(line)) throw RunTimeFailure(62, path_);
+    return line;
+}

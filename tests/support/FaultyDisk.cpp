@@ -1,0 +1,51 @@
+#include "support/FaultyDisk.h"
+
+#include "core/Failure.h"
+
+namespace {
+
+class FaultyFile final : public DiskFile {
+public:
+    FaultyFile(std::unique_ptr<DiskFile> under, FaultyDisk& disk, std::string path)
+        : under_(std::move(under)), disk_(disk), path_(std::move(path)) {}
+
+    std::size_t ReadAt(std::uint64_t offset, void* to, std::size_t size) override {
+        return under_->ReadAt(offset, to, size);
+    }
+    void WriteAt(std::uint64_t offset, std::string_view bytes) override {
+        disk_.Step(path_);
+        under_->WriteAt(offset, bytes);
+    }
+    std::uint64_t Size() override { return under_->Size(); }
+    void Flush() override {
+        disk_.Step(path_);
+        under_->Flush();
+    }
+
+private:
+    std::unique_ptr<DiskFile> under_;
+    FaultyDisk& disk_;
+    std::string path_;
+};
+
+} // namespace
+
+void FaultyDisk::Step(const std::string& path) {
+    ++calls_;
+    if (failAt_ != 0 && calls_ >= failAt_) throw RunTimeFailure(number_, path);
+}
+
+std::unique_ptr<DiskFile> FaultyDisk::Open(const std::string& path, Access access) {
+    if (access == Access::Create) Step(path);
+    return std::make_unique<FaultyFile>(under_.Open(path, access), *this, path);
+}
+
+void FaultyDisk::Rename(const std::string& from, const std::string& to) {
+    Step(to);
+    under_.Rename(from, to);
+}
+
+void FaultyDisk::MakeFolder(const std::string& path) {
+    Step(path);
+    under_.MakeFolder(path);
+}
