@@ -7,8 +7,11 @@
 
 #include <array>
 #include <cstdint>
+#include <map>
 #include <string>
 #include <vector>
+
+class Operator;
 
 /// The tables that a viewer can be opened on, in the order of the View menu.
 enum class ViewTable {
@@ -27,9 +30,19 @@ inline constexpr std::size_t ProgressFlags = 11;
 struct Globals {
     // The machine under it.
     Disk* TheDisk = &NativeDisk();
+    Operator* TheOperator = nullptr; ///< set by the program, or by a test's script, before any form loads
+    bool InstantPauses = false;      ///< short pauses end at once
+    bool Ending = false;             ///< the process is on its way out; every wait ends
     DateTime (*Clock)() = nullptr; ///< in place of the system's clock when set; see Now
     FileNumbers Files;
     TraceRing Events;
+
+    // Texts of `Messages.tsv` that stand in place of the built-in ones, by number.
+    struct Replacement {
+        std::string Words; ///< UTF-8
+        char Mnemonic = 0;
+    };
+    std::map<std::uint16_t, Replacement> Replacements;
 
     // Paths, each with a trailing separator, empty until start-up has set them.
     std::string AppPath, InstallPath, GraphicsPath, DBFPath, ImagesPath, HHTotalsPath, DBFEmptyPath;

@@ -1,0 +1,102 @@
+#include "core/Catalogue.h"
+
+#include "core/CodePage.h"
+#include "core/Failure.h"
+#include "core/Globals.h"
+#include "core/Paths.h"
+#include "core/TextFile.h"
+
+#include <algorithm>
+#include <charconv>
+
+namespace {
+
+const CatalogueRow* BuiltIn(MessageId entry) {
+    const CatalogueRow* end = CatalogueRows + CatalogueRowCount;
+    const CatalogueRow* row = std::lower_bound(CatalogueRows, end, entry.Number,
+                                               [](const CatalogueRow& r, int number) { return r.Number < number; });
+    return row != end && row->Number == entry.Number ? row : nullptr;
+}
+
+std::vector<std::string_view> SplitTabs(std::string_view line) {
+    std::vector<std::string_view> cells;
+    for (std::size_t tab = line.find('\t'); tab != std::string_view::npos; tab = line.find('\t')) {
+        cells.push_back(line.substr(0, tab));
+        line.remove_prefix(tab + 1);
+    }
+    cells.push_back(line);
+    return cells;
+}
+
+/// What is wrong with a row, or nothing when it went into the catalogue.
+const char* TakeRow(std::string_view line) {
+    const std::vector<std::string_view> cells = SplitTabs(line);
+    if (cells.size() != 2 && cells.size() != 4) return "a row has two or four columns";
+    std::uint16_t number = 0;
+    const auto [end, error] = std::from_chars(cells[0].data(), cells[0].data() + cells[0].size(), number);
+    if (error != std::errc{} || end != cells[0].data() + cells[0].size()) return "the first column is no number";
+    if (!CatalogueHas({number})) return "there is no text of this number";
+    const std::string_view quoted = cells.back();
+    if (quoted.size() < 2 || quoted.front() != '"' || quoted.back() != '"') return "the text is not in quotes";
+    if (!IsValidUtf8(quoted)) return "the text is not in UTF-8";
+
+    Globals::Replacement replacement;
+    for (std::size_t i = 1; i + 1 < quoted.size(); ++i) {
+        char c = quoted[i];
+        if (c == '\\' && i + 2 < quoted.size()) {
+            c = quoted[++i];
+            if (c == 'n') c = '\n';
+            else if (c == 't') c = '\t';
+            else if (c != '\\') return "behind a backslash only n, t and a backslash can stand";
+        }
+        replacement.Words += c;
+    }
+    if (cells.size() == 4 && cells[2].size() == 1) replacement.Mnemonic = cells[2][0];
+    Global.Replacements[number] = replacement;
+    return nullptr;
+}
+
+} // namespace
+
+bool CatalogueHas(MessageId entry) { return BuiltIn(entry) != nullptr; }
+
+std::string CatalogueText(MessageId entry) {
+    const CatalogueRow* row = BuiltIn(entry);
+    if (!row) throw RunTimeFailure(9, "text " + std::to_string(entry.Number));
+    const auto found = Global.Replacements.find(entry.Number);
+    return found == Global.Replacements.end() ? row->Words : found->second.Words;
+}
+
+std::string CatalogueCaption(MessageId entry) {
+    const std::string text = CatalogueText(entry);
+    const auto found = Global.Replacements.find(entry.Number);
+    const char mnemonic = found == Global.Replacements.end() ? BuiltIn(entry)->Mnemonic : found->second.Mnemonic;
+    const std::size_t place = mnemonic ? text.find(mnemonic) : std::string::npos;
+    std::string caption;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (i == place || text[i] == '&') caption += '&';
+        caption += text[i];
+    }
+    return caption;
+}
+
+std::string LoadMessages(std::string_view path) {
+    Global.Replacements.clear();
+    if (!FileExists(path)) return {};
+    std::string problems;
+    const auto report = [&](std::int64_t line, const char* reason) {
+        problems += std::string(FileNameOf(path)) + ", line " + std::to_string(line) + ": " + reason + "\n";
+    };
+    try {
+        TextReader file(path);
+        std::string line;
+        while (file.ReadLine(line)) {
+            if (file.LineNumber() == 1 && line.starts_with("\xEF\xBB\xBF")) line.erase(0, 3);
+            if (line.empty() || line.front() == '#') continue;
+            if (const char* reason = TakeRow(line)) report(file.LineNumber(), reason);
+        }
+    } catch (const RunTimeFailure& failure) {
+        problems += std::string(failure.what()) + "\n";
+    }
+    return problems;
+}

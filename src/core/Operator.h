@@ -1,0 +1,43 @@
+#pragma once
+
+#include "core/Text.h"
+
+#include <optional>
+#include <string>
+
+enum class Answer { Ok, Yes, No };
+enum class Buttons { Ok, YesNo };
+enum class Icon { None, Information, Question, Warning, Stop };
+
+/// The shared question form: a title, a text, and two buttons whose captions the caller gives.
+/// An empty second caption makes a notice of one button.
+struct Question {
+    Text Message;
+    Text YesCaption;
+    Text NoCaption;
+    std::string HelpTopic; ///< shows the help button when not empty
+};
+
+/// The one way to the operator. All boxes bear the program's title.
+class Operator {
+public:
+    virtual ~Operator() = default;
+
+    /// A message box. With Buttons::YesNo the answer is Yes or No, and closing the box is No.
+    virtual Answer MsgBox(const Text& message, Icon icon, Buttons buttons) = 0;
+
+    /// Asks for a line of text, in code page 1252. Nothing when the operator gives up.
+    virtual std::optional<std::string> InputBox(const Text& prompt, const std::string& preset) = 0;
+
+    /// Shows the shared question form; true when it left MessageAnswer true.
+    virtual bool Ask(const Question& question) = 0;
+
+    /// A short sound.
+    virtual void Beep() = 0;
+};
+
+/// A box with one button.
+void Tell(const Text& message, Icon icon = Icon::None);
+
+/// A box with Yes and No; true for Yes.
+bool AskYesNo(const Text& message, Icon icon = Icon::Question);

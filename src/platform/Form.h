@@ -1,0 +1,153 @@
+#pragma once
+
+#include <QDialog>
+#include <QMainWindow>
+#include <QPointer>
+#include <QStringList>
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+enum class ShowMode { Modeless, Modal };
+
+/// What every screen of the program is, whatever its window: one instance made on first use,
+/// wired and captioned by names, with `Form_Load`, `Form_GotFocus` and `Form_Unload`.
+///
+/// A handler is a private slot named after its control and event: `cmdOK_Click`,
+/// `lstSelected_DblClick`, `cboSettings_Change`, `Timer2_Timer`, `FG1_ColumnClick(int)`. The
+/// elements `cmdX_1`, `cmdX_2` of a control array share `cmdX_Click(int index)`.
+class FormBehaviour {
+public:
+    virtual ~FormBehaviour() = default;
+    FormBehaviour(const FormBehaviour&) = delete;
+    FormBehaviour& operator=(const FormBehaviour&) = delete;
+
+    virtual QWidget& Window() = 0;
+
+    /// Shows the form and calls `Form_GotFocus` behind the first paint. Modal is modal to the whole
+    /// program and returns when the form has gone. A form that has gone is not shown again.
+    void Show(ShowMode mode = ShowMode::Modeless);
+
+    /// Runs `Form_Unload`, hides and forgets the form at once. The object stays until the last of
+    /// its handlers has returned.
+    void Unload();
+
+    bool IsGone() const { return gone_; }
+
+    /// Connects the handlers of one control that was made after the form was loaded.
+    void WireControl(QObject& control);
+
+    /// Handlers without a control, and enabled buttons and menu entries without a handler.
+    QStringList WiringProblems() const;
+
+    /// Blocks in the event loop while the condition holds. Ends at once when the form has gone or
+    /// the process is ending.
+    void WaitWhile(const std::function<bool()>& condition);
+
+    /// A short pause in which the screen paints.
+    void PauseFor(double seconds);
+
+protected:
+    FormBehaviour() = default;
+
+    virtual void Form_Load() {}
+    virtual void Form_GotFocus() {}
+    virtual void Form_Unload() {}
+
+    /// Esc: presses `cmdCancel`, or `cmdOK` where there is no such button.
+    void PressEscape();
+
+private:
+    friend class FormRegistry;
+
+    void LoadNow();
+    void Run(const std::function<void()>& handler);
+    void RunMethod(int method, int index);
+    void Connect(QObject& control, const QString& event, int method, int index);
+    void QueueGotFocus();
+
+    int running_ = 0;
+    bool gone_ = false;
+    bool shown_ = false;
+};
+
+/// A dialog of the program. Enter presses the default button.
+class Form : public QDialog, public FormBehaviour {
+public:
+    QWidget& Window() override { return *this; }
+    void reject() override { PressEscape(); }
+
+protected:
+    Form();
+    void closeEvent(QCloseEvent* event) override;
+};
+
+/// The main screen's window: Esc and Enter do nothing.
+class MainForm : public QMainWindow, public FormBehaviour {
+public:
+    QWidget& Window() override { return *this; }
+
+protected:
+    MainForm() = default;
+    void closeEvent(QCloseEvent* event) override;
+};
+
+/// The forms that are loaded, by class name.
+class FormRegistry {
+public:
+    static FormRegistry& Instance();
+
+    FormBehaviour* Find(const char* className);
+    FormBehaviour& Adopt(std::unique_ptr<FormBehaviour> form);
+
+    /// Names of the loaded forms, in the order of the names without regard to case.
+    QStringList Names() const;
+
+    /// Unloads every form but the main screen, in the order of the forms' names.
+    void UnloadSecondary();
+
+    /// Unloads all, the main screen last, and destroys them: for the end of a program or a test.
+    void Clear();
+
+private:
+    friend class FormBehaviour;
+
+    void Forget(FormBehaviour& form);
+    void Release(FormBehaviour& form);
+    void FocusTopmost();
+    void Raise(FormBehaviour& form);
+
+    std::vector<std::unique_ptr<FormBehaviour>> forms_;
+    std::vector<std::unique_ptr<FormBehaviour>> leaving_; ///< unloaded, with a handler still running
+    std::vector<FormBehaviour*> shown_;                   ///< the lowest first
+};
+
+/// The one instance of a form, loaded on first use.
+template <class F>
+F& The() {
+    const char* name = F::staticMetaObject.className();
+    FormBehaviour* form = FormRegistry::Instance().Find(name);
+    if (!form) form = &FormRegistry::Instance().Adopt(std::make_unique<F>());
+    return static_cast<F&>(*form);
+}
+
+/// The form if it is loaded, else nothing.
+template <class F>
+F* IfLoaded() {
+    return static_cast<F*>(FormRegistry::Instance().Find(F::staticMetaObject.className()));
+}
+
+/// Fills the captions of a window and all in it from the catalogue: property "Tag" the text's
+/// number, "TipTag" the number of its tool tip and accessible name.
+void FillCaptions(QWidget& window);
+
+/// Ends the process: every wait and loop returns.
+void EndProgram(int exitCode);
+
+/// Tells the operator of a failure that no handler caught, with the last trace line, and ends the
+/// process.
+void FailUnexpectedly(const std::exception& failure);
+
+/// Blocks in the event loop while the condition holds and the process is not ending.
+void WaitInLoop(const std::function<bool()>& condition);

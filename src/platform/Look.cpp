@@ -1,0 +1,92 @@
+#include "platform/Look.h"
+
+#include "core/Globals.h"
+#include "core/Paths.h"
+#include "platform/Convert.h"
+
+#include <QApplication>
+#include <QFile>
+#include <QPainter>
+#include <QPalette>
+#include <QStyleFactory>
+
+namespace {
+
+struct Tones {
+    QColor Window, Base, Alternate, Text, Button, Disabled, Highlight, Link;
+};
+
+QPalette MakePalette(const Tones& tones) {
+    QPalette palette;
+    palette.setColor(QPalette::Window, tones.Window);
+    palette.setColor(QPalette::WindowText, tones.Text);
+    palette.setColor(QPalette::Base, tones.Base);
+    palette.setColor(QPalette::AlternateBase, tones.Alternate);
+    palette.setColor(QPalette::ToolTipBase, tones.Alternate);
+    palette.setColor(QPalette::ToolTipText, tones.Text);
+    palette.setColor(QPalette::Text, tones.Text);
+    palette.setColor(QPalette::Button, tones.Button);
+    palette.setColor(QPalette::ButtonText, tones.Text);
+    palette.setColor(QPalette::BrightText, Qt::white);
+    palette.setColor(QPalette::Highlight, tones.Highlight);
+    palette.setColor(QPalette::HighlightedText, Qt::white);
+    palette.setColor(QPalette::Link, tones.Link);
+    palette.setColor(QPalette::PlaceholderText, tones.Disabled);
+    palette.setColor(QPalette::Light, tones.Button.lighter(130));
+    palette.setColor(QPalette::Midlight, tones.Button.lighter(112));
+    palette.setColor(QPalette::Mid, tones.Button.darker(130));
+    palette.setColor(QPalette::Dark, tones.Button.darker(160));
+    palette.setColor(QPalette::Shadow, tones.Button.darker(220));
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
+        palette.setColor(QPalette::Disabled, role, tones.Disabled);
+    }
+    palette.setColor(QPalette::Disabled, QPalette::Highlight, tones.Disabled);
+    return palette;
+}
+
+const Tones Light{QColor(0xf1f3f5), QColor(0xffffff), QColor(0xf6f8fa), QColor(0x1c2430),
+                  QColor(0xe6eaee), QColor(0x8a94a0), QColor(0x1f6fb2), QColor(0x1a5c94)};
+const Tones Dark{QColor(0x22272e), QColor(0x1a1e24), QColor(0x262c34), QColor(0xe4e8ec),
+                 QColor(0x323a44), QColor(0x7c8794), QColor(0x2f7fc4), QColor(0x7db8ea)};
+
+} // namespace
+
+void ApplyLook(QApplication& application, bool dark) {
+    application.setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    application.setPalette(MakePalette(dark ? Dark : Light));
+}
+
+bool IsDarkLook() { return QApplication::palette().color(QPalette::Window).lightness() < 128; }
+
+QIcon Picture(std::string_view name) {
+    const std::string_view extension = ExtensionOf(name);
+    const std::string base(name.substr(0, name.size() - extension.size()));
+    if (!Global.GraphicsPath.empty()) {
+        const std::string own = ResolvePath(Global.GraphicsPath + base + ".svg");
+        if (FileExists(own)) return QIcon(PathToQt(own));
+    }
+    const QString builtIn = QStringLiteral(":/graphics/") + PathToQt(base) + QStringLiteral(".svg");
+    return QFile::exists(builtIn) ? QIcon(builtIn) : QIcon();
+}
+
+TitleBox::TitleBox(QWidget* parent) : QWidget(parent) {
+    QFont bold = font();
+    bold.setBold(true);
+    setFont(bold);
+}
+
+void TitleBox::ShadeObject(QPainter& painter) const {
+    const QColor from(0x2b6ea6);
+    const QColor to(0x17456d);
+    const int steps = std::max(1, height() - 1);
+    for (int y = 0; y < height(); ++y) {
+        const auto mix = [&](int a, int b) { return a + (b - a) * y / steps; };
+        painter.setPen(QColor(mix(from.red(), to.red()), mix(from.green(), to.green()), mix(from.blue(), to.blue())));
+        painter.drawLine(0, y, width(), y);
+    }
+}
+
+void TitleBox::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    ShadeObject(painter);
+}

@@ -1,0 +1,97 @@
+#include "platform/QtOperator.h"
+
+#include "core/Catalogue.h"
+#include "core/Globals.h"
+#include "core/Messages.h"
+#include "core/forms/frmMessage.h"
+#include "platform/Convert.h"
+
+#include <QApplication>
+#include <QDialogButtonBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace {
+
+QMessageBox::Icon BoxIcon(Icon icon) {
+    switch (icon) {
+    case Icon::Information: return QMessageBox::Information;
+    case Icon::Question: return QMessageBox::Question;
+    case Icon::Warning: return QMessageBox::Warning;
+    case Icon::Stop: return QMessageBox::Critical;
+    case Icon::None: break;
+    }
+    return QMessageBox::NoIcon;
+}
+
+QPushButton* AddButton(QMessageBox& box, MessageId caption, const QString& name, QMessageBox::ButtonRole role) {
+    QPushButton* button = box.addButton(QString::fromStdString(CatalogueCaption(caption)), role);
+    button->setObjectName(name);
+    button->setAutoDefault(true);
+    return button;
+}
+
+} // namespace
+
+Answer QtOperator::MsgBox(const Text& message, Icon icon, Buttons buttons) {
+    QMessageBox box(QApplication::activeWindow());
+    box.setObjectName(QStringLiteral("MsgBox"));
+    box.setWindowTitle(ToQt(Text(msg::Title)));
+    box.setTextFormat(Qt::PlainText);
+    box.setText(ToQt(message));
+    box.setIcon(BoxIcon(icon));
+    box.setWindowModality(Qt::ApplicationModal);
+    if (buttons == Buttons::Ok) {
+        box.setEscapeButton(AddButton(box, msg::Ok, QStringLiteral("Ok"), QMessageBox::AcceptRole));
+        box.exec();
+        return Answer::Ok;
+    }
+    QPushButton* yes = AddButton(box, msg::Yes, QStringLiteral("Yes"), QMessageBox::YesRole);
+    QPushButton* no = AddButton(box, msg::No, QStringLiteral("No"), QMessageBox::NoRole);
+    box.setDefaultButton(icon == Icon::Warning ? no : yes);
+    box.setEscapeButton(no);
+    box.exec();
+    return box.clickedButton() == yes ? Answer::Yes : Answer::No;
+}
+
+std::optional<std::string> QtOperator::InputBox(const Text& prompt, const std::string& preset) {
+    QDialog box(QApplication::activeWindow());
+    box.setObjectName(QStringLiteral("InputBox"));
+    box.setWindowTitle(ToQt(Text(msg::Title)));
+    box.setWindowModality(Qt::ApplicationModal);
+    auto* label = new QLabel(ToQt(prompt), &box);
+    label->setTextFormat(Qt::PlainText);
+    label->setWordWrap(true);
+    auto* answer = new QLineEdit(ToQt(preset), &box);
+    answer->setObjectName(QStringLiteral("txtAnswer"));
+    answer->setMinimumWidth(360);
+    label->setBuddy(answer);
+    auto* buttons = new QDialogButtonBox(&box);
+    QPushButton* ok = buttons->addButton(QString::fromStdString(CatalogueCaption(msg::Ok)), QDialogButtonBox::AcceptRole);
+    ok->setObjectName(QStringLiteral("Ok"));
+    ok->setDefault(true);
+    QPushButton* cancel =
+        buttons->addButton(QString::fromStdString(CatalogueCaption(msg::Cancel)), QDialogButtonBox::RejectRole);
+    cancel->setObjectName(QStringLiteral("Cancel"));
+    QObject::connect(buttons, &QDialogButtonBox::accepted, &box, &QDialog::accept);
+    QObject::connect(buttons, &QDialogButtonBox::rejected, &box, &QDialog::reject);
+    auto* layout = new QVBoxLayout(&box);
+    layout->addWidget(label);
+    layout->addWidget(answer);
+    layout->addWidget(buttons);
+    answer->selectAll();
+    if (box.exec() != QDialog::Accepted) return std::nullopt;
+    return FromQt(answer->text());
+}
+
+bool QtOperator::Ask(const Question& question) {
+    auto& form = The<frmMessage>();
+    form.Fill(question);
+    form.Show(ShowMode::Modal);
+    return Global.MessageAnswer;
+}
+
+void QtOperator::Beep() { QApplication::beep(); }

@@ -1,0 +1,62 @@
+#include "platform/Registry.h"
+
+#include "core/Globals.h"
+#include "platform/Convert.h"
+
+#include <QCryptographicHash>
+#include <QSettings>
+
+namespace {
+
+#ifdef _WIN32
+constexpr auto Kind = QSettings::NativeFormat;
+#else
+constexpr auto Kind = QSettings::IniFormat;
+#endif
+
+/// The part of the registry that belongs to this application directory.
+QString Office() {
+    const QByteArray path = QByteArray::fromStdString(Global.AppPath);
+    return QString::fromLatin1(QCryptographicHash::hash(path, QCryptographicHash::Sha1).toHex().left(12));
+}
+
+QSettings Own() { return QSettings(Kind, QSettings::UserScope, QStringLiteral("ZUK"), QStringLiteral("ZUKTramble")); }
+
+QString StatusGroup() { return Office() + QStringLiteral("/ZUK Tramble PC HHStatus"); }
+
+QString StatusKey(std::string_view section, std::string_view key) {
+    return StatusGroup() + QLatin1Char('/') + ToQt(section) + QLatin1Char('/') + ToQt(key);
+}
+
+QString DarkKey() { return Office() + QStringLiteral("/DarkLook"); }
+
+} // namespace
+
+std::optional<std::string> Registry::HotSyncManagerValue(std::string_view name) {
+#ifdef _WIN32
+    QSettings core(QStringLiteral("HKEY_CURRENT_USER\\Software\\U.S. Robotics\\Pilot Desktop\\Core"), Kind);
+#else
+    QSettings core(Kind, QSettings::UserScope, QStringLiteral("U.S. Robotics"), QStringLiteral("Pilot Desktop"));
+    core.beginGroup(QStringLiteral("Core"));
+#endif
+    const QString value = core.value(PathToQt(name)).toString();
+    if (value.isEmpty()) return std::nullopt;
+    return PathFromQt(value);
+}
+
+std::optional<std::string> Registry::Read(std::string_view section, std::string_view key) const {
+    const QSettings settings = Own();
+    const QVariant value = settings.value(StatusKey(section, key));
+    if (!value.isValid()) return std::nullopt;
+    return FromQt(value.toString());
+}
+
+void Registry::Write(std::string_view section, std::string_view key, std::string_view value) {
+    Own().setValue(StatusKey(section, key), ToQt(value));
+}
+
+void Registry::RemoveAll() { Own().remove(StatusGroup()); }
+
+bool Registry::DarkLook() { return Own().value(DarkKey()).toBool(); }
+
+void Registry::SetDarkLook(bool dark) { Own().setValue(DarkKey(), dark); }

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "sync/StatusStore.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+/// The machine's registry: the native one on Windows, elsewhere an INI file in the user's
+/// configuration folder. Values below "ZUK Tramble PC" are kept by application directory, so that
+/// two offices do not mix. Texts are code page 1252 but for paths.
+class Registry final : public StatusStore {
+public:
+    /// A path below "Software\U.S. Robotics\Pilot Desktop\Core", such as "HotSyncPath", in the file
+    /// system's encoding; nothing when there is none.
+    static std::optional<std::string> HotSyncManagerValue(std::string_view name);
+
+    std::optional<std::string> Read(std::string_view section, std::string_view key) const override;
+    void Write(std::string_view section, std::string_view key, std::string_view value) override;
+    void RemoveAll() override;
+
+    /// Whether the operator has chosen the dark look for this office.
+    static bool DarkLook();
+    static void SetDarkLook(bool dark);
+};
