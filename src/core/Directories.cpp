@@ -1,0 +1,191 @@
+#include "core/Directories.h"
+
+#include "core/Failure.h"
+#include "core/Globals.h"
+#include "core/Paths.h"
+#include "core/SafeFile.h"
+#include "core/Settings.h"
+#include "core/TextCompare.h"
+#include "store/DBFEdit.h"
+#include "store/TableCatalogue.h"
+#include "store/TableRewrite.h"
+
+#include <array>
+#include <filesystem>
+#include <string_view>
+#include <utility>
+
+namespace {
+
+void SetAndMake(std::string& path, const std::string& where) {
+    path = AddBackslash(where);
+    MakePath(path);
+}
+
+/// Where a template goes by its extension.
+struct TemplateKind {
+    std::string_view Extension;
+    std::string Globals::*Folder;
+};
+
+constexpr std::array TemplateKinds = {
+    TemplateKind{".xah", &Globals::ExportTemplates},      TemplateKind{".xal", &Globals::ExportTemplates},
+    TemplateKind{".xhh", &Globals::ExportTemplates},      TemplateKind{".xic", &Globals::ExportTemplates},
+    TemplateKind{".xiq", &Globals::ExportTemplates},      TemplateKind{".xor", &Globals::ExportTemplates},
+    TemplateKind{".dst", &Globals::DownloadTemplates},    TemplateKind{".ust", &Globals::UploadTemplates},
+    TemplateKind{".dct", &Globals::DownloadTemplates},    TemplateKind{".cst", &Globals::ImportTemplates},
+    TemplateKind{".itm", &Globals::ImportTemplates},      TemplateKind{".orh", &Globals::ImportTemplates},
+    TemplateKind{".orl", &Globals::ImportTemplates},      TemplateKind{".stx", &Globals::ImportTemplates},
+    TemplateKind{".pct", &Globals::ClearPCTemplates},     TemplateKind{".xpm", &Globals::QuickButtonTemplates},
+    TemplateKind{".ipm", &Globals::QuickButtonTemplates}, TemplateKind{".dlm", &Globals::QuickButtonTemplates},
+    TemplateKind{".ulm", &Globals::QuickButtonTemplates}, TemplateKind{".uhs", &Globals::UnattendedTemplates},
+    TemplateKind{".ctm", &Globals::QuickButtonTemplates},
+};
+
+void SetTemplateSubdirectories() {
+    SetAndMake(Global.ImportTemplates, Global.TemplatesPath + "Import");
+    SetAndMake(Global.ExportTemplates, Global.TemplatesPath + "Export");
+    SetAndMake(Global.DownloadTemplates, Global.TemplatesPath + "Download");
+    SetAndMake(Global.UploadTemplates, Global.TemplatesPath + "Upload");
+    SetAndMake(Global.ClearPCTemplates, Global.TemplatesPath + "ClearPC");
+    SetAndMake(Global.QuickButtonTemplates, Global.TemplatesPath + "QuickButtons");
+    SetAndMake(Global.UnattendedTemplates, Global.TemplatesPath + "UnattendedHotsync");
+}
+
+/// The first pass copies over what is there and leaves the source; the second fills gaps and moves.
+void CarryTemplates(const std::string& source, bool secondPass) {
+    for (const TemplateKind& kind : TemplateKinds) {
+        for (const std::string& name : FilesWithExtension(source, kind.Extension)) {
+            const std::string target = Global.*kind.Folder + name;
+            if (!secondPass || !FileExists(target)) CopyOver(source + name, target);
+            if (secondPass) Global.TheDisk->Remove(ResolvePath(source + name));
+        }
+    }
+}
+
+void CheckDownloadSelection(const std::function<void()>& selectionMissing) {
+    if (!Global.RemoteSelect) return;
+    if (FileExists(Global.DownloadTemplates + NameToPath(Global.RemoteSelSettings) + ".dst")) return;
+    selectionMissing();
+    DeselectRemoteSelect();
+    GetIniFile();
+}
+
+void RemoveFiles(const std::string& folder, std::string_view extension) {
+    for (const std::string& name : FilesWithExtension(folder, extension)) {
+        Global.TheDisk->Remove(ResolvePath(folder + name));
+    }
+}
+
+} // namespace
+
+void SetTablesAndInstall() {
+    SetAndMake(Global.DBFPath, Global.AppPath + "DBFFiles");
+    Global.InstallPath = AddBackslash(Global.AppPath + "Install");
+}
+
+void SetGraphics() { SetAndMake(Global.GraphicsPath, Global.InstallPath + "Graphics"); }
+
+void SetImagesAndTotals() {
+    SetAndMake(Global.ImagesPath, Global.DBFPath + "Images");
+    SetAndMake(Global.HHTotalsPath, Global.DBFPath + "HHTotals");
+}
+
+std::string ReadCompanyName() {
+    std::string path = Global.DBFPath + "ZUKComp.dbf";
+    if (!FileExists(path)) path = Global.InstallPath + "ZUKCOMP.DBF";
+    if (!FileExists(path)) return {};
+    DBFEdit company;
+    company.FileOpen(path);
+    company.Go(-1);
+    const std::string name = company.GetData(FieldKey(1));
+    company.FileClose();
+    return std::string(Trim(name));
+}
+
+void CopyNotes() {
+    if (FileExists(Global.DBFPath + "Notes.dat")) return;
+    try {
+        CopyOver(Global.InstallPath + "Notes.dat", Global.DBFPath + "Notes.dat");
+    } catch (const RunTimeFailure&) { // the notes screen makes a file of its own
+    }
+}
+
+void MakeEmptyTwins() {
+    SetAndMake(Global.DBFEmptyPath, Global.AppPath + "DBFEmpty");
+    RemoveFiles(Global.DBFEmptyPath, ".dbf");
+    for (const TableEntry& table : AllTables().first(TwinTables)) {
+        const std::string name = std::string(table.Name) + ".dbf";
+        CopyOver(Global.InstallPath + name, Global.DBFEmptyPath + name, false);
+        EmptyTable(Global.DBFEmptyPath + name, false);
+    }
+}
+
+void SetDataIn() {
+    SetAndMake(Global.DataInPath, Global.AppPath + "DataIn");
+    for (const std::string& name : FilesWithExtension(Global.AppPath, ".csv")) {
+        CopyOver(Global.AppPath + name, Global.DataInPath + name);
+        Global.TheDisk->Remove(ResolvePath(Global.AppPath + name));
+    }
+}
+
+void SetDataOutBackupTemplates() {
+    SetAndMake(Global.DataOutPath, Global.AppPath + "DataOut");
+    SetAndMake(Global.BackupPath, Global.AppPath + "Backup");
+    SetAndMake(Global.TemplatesPath, Global.AppPath + "Templates");
+}
+
+void TemplatePass(const std::function<void()>& selectionMissing) {
+    const std::string source = Global.TemplatesPath;
+    const bool demo = Global.UpdateDemoTemplates;
+    if (demo) {
+        SetAndMake(Global.TemplatesPath, source + "Demo");
+        SetTemplateSubdirectories();
+        CarryTemplates(source, false);
+        Global.TemplatesPath = source;
+    }
+    SetTemplateSubdirectories();
+    CheckDownloadSelection(selectionMissing);
+    CarryTemplates(source, demo);
+}
+
+void SetUpdates() { SetAndMake(Global.UpdatesPath, Global.AppPath + "Updates"); }
+
+void MoveNewBitmaps() {
+    const std::string source = AddBackslash(Global.AppPath + "DBFNew");
+    for (const std::string& name : FilesWithExtension(source, ".bmp")) {
+        if (!FileExists(Global.ImagesPath + name)) CopyOver(source + name, Global.ImagesPath + name);
+        Global.TheDisk->Remove(ResolvePath(source + name));
+    }
+}
+
+void RemoveStrays() {
+    const std::string* folders[] = {
+        &Global.AppPath,         &Global.InstallPath,       &Global.DBFPath,          &Global.ImagesPath,
+        &Global.DBFEmptyPath,    &Global.DataInPath,        &Global.DataOutPath,      &Global.ImportTemplates,
+        &Global.ExportTemplates, &Global.DownloadTemplates, &Global.UploadTemplates,  &Global.ClearPCTemplates,
+        &Global.TemplatesPath,   &Global.UnattendedTemplates, &Global.QuickButtonTemplates};
+    for (const std::string* folder : folders) {
+        if (!folder->empty()) RemoveFiles(*folder, SafeFile::WorkExtension);
+    }
+    // The compaction of a table works in a file of the table's name and this extension.
+    for (const std::string& name : FilesWithExtension(Global.DBFPath, ".idx")) {
+        const std::string table = Global.DBFPath + name.substr(0, name.size() - 3) + "dbf";
+        if (FileExists(table)) Global.TheDisk->Remove(ResolvePath(Global.DBFPath + name));
+    }
+}
+
+std::string TemporaryDirectory() {
+    std::error_code failed;
+    const auto base = std::filesystem::temp_directory_path(failed).u8string();
+    return AddBackslash(AddBackslash(std::string(base.begin(), base.end())) + "ZUKTemp");
+}
+
+void RemoveTemporaryDirectory() {
+    try {
+        const std::string folder = TemporaryDirectory();
+        RemoveFiles(folder, "");
+        Global.TheDisk->RemoveFolder(folder.substr(0, folder.size() - 1));
+    } catch (const RunTimeFailure&) { // what is left there harms nobody
+    }
+}

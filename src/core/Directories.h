@@ -1,0 +1,53 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+/// The directories of an application directory and what start-up does in them. Each routine sets
+/// its global paths, makes what is missing, and passes a RunTimeFailure on.
+
+/// `DBFFiles` and `Install`; the latter is not made: it comes with the installation.
+void SetTablesAndInstall();
+
+/// `Install/Graphics`, then `DBFFiles/Images` and `DBFFiles/HHTotals`.
+void SetGraphics();
+void SetImagesAndTotals();
+
+/// The company's name: field 1 of the first record of the company table, in the tables directory or
+/// else in the install directory, trimmed. Empty when neither is there.
+std::string ReadCompanyName();
+
+/// Copies `Notes.dat` from the install directory when the tables directory has none.
+void CopyNotes();
+
+/// Makes `DBFEmpty` afresh: no stray table in it, and an empty twin of each of the 24 tables.
+/// RunTimeFailure 53 names a table that the install directory lacks.
+void MakeEmptyTwins();
+
+/// `DataIn`, with every *.csv of the application directory moved into it.
+void SetDataIn();
+
+/// `DataOut`, `Backup` and `Templates`.
+void SetDataOutBackupTemplates();
+
+/// The template subdirectories, and the pass over the files in the templates directory's root.
+/// `selectionMissing` is called when the saved download selection is gone; the settings have it off
+/// afterwards.
+void TemplatePass(const std::function<void()>& selectionMissing);
+
+/// `Updates`.
+void SetUpdates();
+
+/// Moves each *.bmp from `DBFNew` into the images directory. A name that is there already is kept,
+/// and the one in `DBFNew` deleted.
+void MoveNewBitmaps();
+
+/// Removes work files that a killed run has left in the application directory's folders.
+void RemoveStrays();
+
+/// Removes the temporary directory "ZUKTemp" and the files in it. Never fails.
+void RemoveTemporaryDirectory();
+
+/// Where "ZUKTemp" lies, with a trailing separator: below the system's temporary folder.
+std::string TemporaryDirectory();

@@ -1,0 +1,112 @@
+#include "maintenance/Backup.h"
+
+#include "core/Failure.h"
+#include "core/Globals.h"
+#include "core/Numbers.h"
+#include "core/Paths.h"
+#include "core/Progress.h"
+#include "core/SafeFile.h"
+#include "core/TextCompare.h"
+#include "maintenance/Totals.h"
+#include "store/TableLock.h"
+#include "store/TableScan.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstdint>
+#include <optional>
+
+namespace {
+
+constexpr const char* BackupTables[] = {"ZUKOrHdr.dbf", "ZUKOrLin.dbf", "ZUKAudTH.dbf", "ZUKAudTL.dbf",
+                                        "ZUKAudHH.dbf"};
+
+std::string TwoDigits(int value) { return {static_cast<char>('0' + value / 10 % 10), static_cast<char>('0' + value % 10)}; }
+
+std::string MachineNumber() {
+    TableScan links(Global.DBFPath + "ZUKLINK.DBF");
+    FieldKey idKey("LK_HOTSYNC");
+    FieldKey machineKey("LK_MACH_ID");
+    const int id = links.Layout().Find(idKey);
+    const int machine = links.Layout().Find(machineKey);
+    while (links.Next()) {
+        if (SameText(links.Trimmed(id), Global.CurrentHotSyncID)) return std::string(links.Trimmed(machine));
+    }
+    return {};
+}
+
+void CopyTables(std::string_view event) {
+    const std::string folder = AddBackslash(Global.BackupPath + BackupName(Global.BackupTime));
+    MakePath(folder);
+    for (const char* table : BackupTables) CopyOver(Global.DBFPath + table, folder + table);
+
+    NoProgress silent;
+    CountOrders(silent);
+    SafeFile about(folder + "Backup.txt");
+    about.WriteLine(event);
+    about.WriteLine(DateAndTime(Global.BackupTime));
+    about.WriteLine(std::to_string(Global.CurHeaders));
+    about.WriteLine(std::to_string(Global.CurLines));
+    about.WriteLine(NumberToText(Global.CurDollars));
+    about.WriteLine(Global.CurrentHotSyncID);
+    about.WriteLine(event == "EXPORT" ? std::string() : MachineNumber());
+    about.WriteLine(Global.HHLastOrder);
+    about.Commit();
+    Global.CurHeaders = Global.CurLines = 0;
+    Global.CurDollars = 0;
+}
+
+/// A directory's name as a number; nothing when it is none.
+std::optional<std::int64_t> NumberOf(std::string_view name) {
+    std::int64_t number = 0;
+    const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), number);
+    if (error != std::errc{} || end != name.data() + name.size() || number < 0) return std::nullopt;
+    return number;
+}
+
+} // namespace
+
+std::string BackupName(const DateTime& moment) {
+    std::string name{static_cast<char>('0' + moment.Year % 10)};
+    for (const int part : {moment.Month, moment.Day, moment.Hour, moment.Minute, moment.Second}) name += TwoDigits(part);
+    return name;
+}
+
+bool MakeBackup(std::string_view event) {
+    TraceEvent("basCommon:MakeBackup");
+    const bool free = std::none_of(std::begin(BackupTables), std::end(BackupTables),
+                                   [](const char* table) { return TableIsLocked(Global.DBFPath + table); });
+    if (!free) return false;
+    Global.BackupTime = Now();
+    try {
+        CopyTables(event);
+        return true;
+    } catch (const RunTimeFailure&) {
+        Global.BackupTime = {};
+        return false;
+    }
+}
+
+int PurgeBackups(const DateTime& limit, const std::function<void(std::string_view)>& cannotDelete) {
+    const std::int64_t last = NumberOf(BackupName(limit)).value_or(0);
+    int deleted = 0;
+    for (const std::string& name : Global.TheDisk->FoldersIn(ResolvePath(Global.BackupPath))) {
+        const auto number = NumberOf(name);
+        if (!number || *number > last) continue;
+        const std::string folder = AddBackslash(Global.BackupPath + name);
+        for (const std::string& table : FilesWithExtension(folder, ".dbf")) {
+            try {
+                deleted += Global.TheDisk->Remove(ResolvePath(folder + table)) ? 1 : 0;
+            } catch (const RunTimeFailure&) {
+                cannotDelete(folder + table);
+            }
+        }
+        Global.TheDisk->RemoveFolder(ResolvePath(folder.substr(0, folder.size() - 1)));
+    }
+    return deleted;
+}
+
+void DeleteBackupTables(const std::function<void(std::string_view)>& cannotDelete) {
+    TraceEvent("frmMain1:DeleteBackupTables");
+    PurgeBackups(AddDays(Now(), -Global.PurgeDays), cannotDelete);
+}

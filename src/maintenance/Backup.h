@@ -1,0 +1,25 @@
+#pragma once
+
+#include "core/Dates.h"
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+/// Copies the order and audit tables into a new directory under `Backup`, with a `Backup.txt` that
+/// says what happened, and keeps the moment in Global.BackupTime. Events: "EXPORT", "QUALCHECK",
+/// "RESTORE", "UPLOAD-ADD", "CLEAR". False when a table is locked or missing, before anything was
+/// made, or when a copy fails.
+bool MakeBackup(std::string_view event);
+
+/// The directory's name for a moment: the year's last digit, then month, day, hour, minute and
+/// second with two digits each.
+std::string BackupName(const DateTime& moment);
+
+/// Deletes the tables of all backups up to `limit`, then each directory that is empty after it; one
+/// that still holds its `Backup.txt` stays. `cannotDelete` is told the name of each file that could
+/// not go. Returns how many tables were deleted. A directory whose name is no number is passed over.
+int PurgeBackups(const DateTime& limit, const std::function<void(std::string_view)>& cannotDelete);
+
+/// PurgeBackups up to the present less Global.PurgeDays days.
+void DeleteBackupTables(const std::function<void(std::string_view)>& cannotDelete);

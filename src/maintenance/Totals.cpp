@@ -1,0 +1,131 @@
+#include "maintenance/Totals.h"
+
+#include "core/Globals.h"
+#include "core/Messages.h"
+#include "core/Numbers.h"
+#include "core/TextCompare.h"
+#include "store/DBFEdit.h"
+#include "store/TableRewrite.h"
+#include "store/TableScan.h"
+
+#include <array>
+#include <cstdint>
+
+namespace {
+
+/// Places of the fields of the totals table, whose order is binding.
+enum TotalsField : int {
+    NumHead = 1, NumLine, DolLin, CurHead, CurLine, CurDol, Machine, Event, DateTim, HotSync, LstONu
+};
+
+std::string TotalsTable() { return Global.DBFPath + "ZUKTOTALPC.DBF"; }
+
+bool IsUpload(std::string_view event) { return event == "UPLOAD-ADD" || event == "UPLOAD-REPLACE"; }
+
+/// The name under which a second half is recorded; empty for any other event.
+std::string_view SecondHalfName(std::string_view event) {
+    if (event == "IMPORT2ADD") return "IMPORT-ADD";
+    if (event == "IMPORT2REPLACE") return "IMPORT-REPLACE";
+    if (event == "CLEAR2") return "CLEAR";
+    return {};
+}
+
+bool HasSecondHalf(std::string_view event) {
+    return event == "IMPORT-ADD" || event == "IMPORT-REPLACE" || event == "CLEAR";
+}
+
+std::string MoneyText(double amount) { return Fixed4ToText(ToFixed4(amount)); }
+
+std::string MachineOf(std::string_view id) {
+    std::string machine;
+    if (id.empty()) return machine;
+    TableScan links(Global.DBFPath + "ZUKLINK.DBF");
+    FieldKey idKey("LK_HOTSYNC");
+    FieldKey machineKey("LK_MACH_ID");
+    const int idField = links.Layout().Find(idKey);
+    const int machineField = links.Layout().Find(machineKey);
+    while (links.Next()) {
+        if (SameText(links.Trimmed(idField), id)) machine = links.Trimmed(machineField);
+    }
+    return machine;
+}
+
+/// The moment of the operation's backup, once; else the present.
+DateTime TakeEventTime(std::string_view event) {
+    const DateTime time = Global.BackupTime.IsZero() ? Now() : Global.BackupTime;
+    if (!HasSecondHalf(event)) Global.BackupTime = {};
+    return time;
+}
+
+} // namespace
+
+void CountOrders(Progress& progress) {
+    {
+        const TableScan headers(Global.DBFPath + "ZUKORHDR.DBF");
+        Global.CurHeaders = headers.RecordCount();
+    }
+    TableScan lines(Global.DBFPath + "ZUKORLIN.DBF");
+    Global.CurLines = lines.RecordCount();
+    Global.CurDollars = 0;
+    FieldKey key("L_TOTPRICE");
+    const int price = lines.Layout().Find(key);
+    progress.Begin(msg::ProcessingData, Global.CurLines);
+    while (lines.Next()) {
+        Global.CurDollars += ToNumber(lines.Trimmed(price));
+        progress.Show(lines.RecordNumber());
+    }
+}
+
+void CalcPCTotals(std::string_view event, Progress& progress) {
+    TraceEvent("frmProgress:CalcPCTotals");
+    CountOrders(progress);
+
+    const bool upload = IsUpload(event);
+    const std::string id = upload ? Global.CurrentHotSyncID : std::string();
+    const std::string_view secondHalf = SecondHalfName(event);
+
+    std::array<std::string, LstONu + 1> values;
+    if (secondHalf.empty()) {
+        const bool added = event == "UPLOAD-ADD" || event == "IMPORT-ADD";
+        values[NumHead] = std::to_string(Global.CurHeaders - (added ? Global.OldOrderCount : 0));
+        values[NumLine] = std::to_string(Global.CurLines - (added ? Global.OldLineCount : 0));
+        values[DolLin] = MoneyText(Global.CurDollars - (added ? Global.OldLineTotal : 0));
+    }
+    values[CurHead] = std::to_string(Global.CurHeaders);
+    values[CurLine] = std::to_string(Global.CurLines);
+    values[CurDol] = MoneyText(Global.CurDollars);
+    if (event != "EXPORT") values[Machine] = MachineOf(id);
+    values[Event] = secondHalf.empty() ? event : secondHalf;
+    values[DateTim] = DateAndTime(TakeEventTime(event));
+    values[HotSync] = id;
+    if (upload) values[LstONu] = Global.HHLastOrder;
+
+    if (secondHalf.empty()) {
+        ShiftDown(TotalsTable(), std::span<const std::string>(values).subspan(NumHead));
+        return;
+    }
+    DBFEdit totals;
+    totals.FileOpen(TotalsTable());
+    totals.Go(-1);
+    for (int field = CurHead; field <= LstONu; ++field) {
+        totals.WriteData(FieldKey(field), values[static_cast<std::size_t>(field)]);
+    }
+    totals.UpDate();
+    totals.FileClose();
+}
+
+std::vector<UploadRow> GetPCTotals() {
+    TraceEvent("basCommon:GetPCTotals");
+    const std::string since = DateAndTime(Global.LastReset);
+    std::vector<UploadRow> rows;
+    TableScan totals(TotalsTable());
+    while (rows.size() < MaxUploadRows && totals.Next()) {
+        if (TextCompare(totals.Trimmed(DateTim), since) <= 0) continue;
+        const std::string_view event = totals.Trimmed(Event);
+        if (!SameText(event, "UPLOAD-ADD") && !SameText(event, "UPLOAD-REPLACE")) continue;
+        rows.push_back({std::string(totals.Trimmed(HotSync)), std::string(totals.Trimmed(DateTim)),
+                        std::string(totals.Trimmed(NumHead)), std::string(totals.Trimmed(NumLine)),
+                        Money(ToNumber(totals.Trimmed(DolLin)))});
+    }
+    return rows;
+}

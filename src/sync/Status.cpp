@@ -1,0 +1,125 @@
+#include "sync/Status.h"
+
+#include "core/Failure.h"
+#include "core/Globals.h"
+#include "core/Paths.h"
+#include "core/SafeFile.h"
+#include "core/TextCompare.h"
+#include "core/TextFile.h"
+#include "store/TableScan.h"
+
+#include <string_view>
+
+namespace {
+
+constexpr std::size_t IdWidth = 30;
+constexpr std::size_t StatusWidth = 30;
+
+std::string StatusFile() { return Global.InstallPath + "HSStatus.dat"; }
+
+std::string Padded(std::string text, std::size_t width) {
+    if (text.size() < width) text.resize(width, ' ');
+    return text;
+}
+
+std::string Column(const std::string& line, std::size_t from, std::size_t width) {
+    if (line.size() <= from) return {};
+    return std::string(Trim(std::string_view(line).substr(from, width)));
+}
+
+std::string Section(std::size_t row) { return "HH" + std::to_string(row); }
+
+void EmptyLists() {
+    Global.HHCount = 0;
+    for (auto* list : {&Global.HHSyncID, &Global.HHStatus, &Global.HHStatusStd}) list->assign(1, "");
+}
+
+} // namespace
+
+std::vector<std::string> LinkIDs() {
+    const std::string path = Global.DBFPath + "ZUKLINK.DBF";
+    std::vector<std::string> ids;
+    if (!FileExists(path)) return ids;
+    TableScan links(path);
+    FieldKey key("LK_HOTSYNC");
+    const int field = links.Layout().Find(key);
+    while (links.Next()) ids.emplace_back(field == 0 ? std::string_view() : links.Trimmed(field));
+    return ids;
+}
+
+void MakeHHStatusFile() {
+    TraceEvent("basCommon:MakeHHStatusFile");
+    SafeFile file(StatusFile());
+    for (const std::string& id : LinkIDs()) file.WriteLine(id);
+    file.Commit();
+}
+
+void GetHHStatus() {
+    TraceEvent("basCommon:GetHHStatus");
+    EmptyLists();
+    if (!FileExists(StatusFile())) MakeHHStatusFile();
+    TextReader file(StatusFile());
+    std::string line;
+    while (file.ReadLine(line)) {
+        ++Global.HHCount;
+        Global.HHSyncID.push_back(Column(line, 0, IdWidth));
+        Global.HHStatus.push_back(Column(line, IdWidth, StatusWidth));
+        Global.HHStatusStd.push_back(Column(line, IdWidth + StatusWidth, std::string::npos));
+    }
+}
+
+void UpdateHHStatus() {
+    TraceEvent("basCommon:UpdateHHStatus");
+    SafeFile file(StatusFile());
+    for (std::size_t i = 1; i <= static_cast<std::size_t>(Global.HHCount); ++i) {
+        const std::string head = Padded(Padded(Global.HHSyncID[i], IdWidth) + Global.HHStatus[i], IdWidth + StatusWidth);
+        file.WriteLine(head + Global.HHStatusStd[i]);
+    }
+    file.Commit();
+}
+
+void ClearHHStatus() {
+    for (auto* list : {&Global.HHStatus, &Global.HHStatusStd}) {
+        for (std::string& entry : *list) entry.clear();
+    }
+}
+
+void MakeHHStatus(StatusStore& store) {
+    TraceEvent("basCommon:MakeHHStatus");
+    store.RemoveAll();
+    std::size_t row = 0;
+    for (const std::string& id : LinkIDs()) {
+        const std::string section = Section(++row);
+        store.Write(section, "HHSyncID", id);
+        for (const char* key : {"HHStatusInst", "HHStatusDT", "HHStatusType"}) store.Write(section, key, "");
+    }
+}
+
+void GetHHStatusInst(StatusStore& store) {
+    TraceEvent("basCommon:GetHHStatusInst");
+    if (!store.Read(Section(1), "HHSyncID")) MakeHHStatus(store);
+    Global.HHCount = 0;
+    for (auto* list : {&Global.HHSyncID, &Global.HHStatusInst, &Global.HHStatusDT, &Global.HHStatusType}) {
+        list->assign(1, "");
+    }
+    for (std::size_t row = 1; const auto id = store.Read(Section(row), "HHSyncID"); ++row) {
+        const std::string section = Section(row);
+        ++Global.HHCount;
+        Global.HHSyncID.push_back(*id);
+        Global.HHStatusInst.push_back(store.Read(section, "HHStatusInst").value_or(""));
+        Global.HHStatusDT.push_back(store.Read(section, "HHStatusDT").value_or(""));
+        Global.HHStatusType.push_back(store.Read(section, "HHStatusType").value_or(""));
+    }
+}
+
+void UpdateHHStatusInst(StatusStore& store) {
+    TraceEvent("basCommon:UpdateHHStatusInst");
+    store.RemoveAll();
+    for (std::size_t i = 1; i <= static_cast<std::size_t>(Global.HHCount); ++i) {
+        const std::string section = Section(i);
+        store.Write(section, "HHSyncID", Global.HHSyncID[i]);
+        store.Write(section, "HHStatusInst", Global.HHStatusInst[i]);
+        store.Write(section, "HHStatusDT", Global.HHStatusDT[i]);
+        store.Write(section, "HHStatusType", Global.HHStatusType[i]);
+    }
+}
