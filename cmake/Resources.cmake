@@ -1,1 +1,40 @@
-# What is made at build time from resources/.
+# What is made at build time from resources/: the message catalogue, the list of tables, and the
+# set of empty tables that an office is laid out with.
+set(TRAMBLE_GENERATED ${CMAKE_BINARY_DIR}/generated)
+set(TRAMBLE_INSTALLED ${CMAKE_BINARY_DIR}/installed)
+
+add_executable(makeresources ${CMAKE_SOURCE_DIR}/tools/makeresources.cpp)
+target_link_libraries(makeresources PRIVATE house)
+
+file(GLOB table_files CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/resources/tables/*.tsv)
+set(generated_files ${TRAMBLE_GENERATED}/core/Messages.h ${TRAMBLE_GENERATED}/MessageTable.cpp
+    ${TRAMBLE_GENERATED}/TableList.cpp)
+add_custom_command(
+    OUTPUT ${generated_files}
+    COMMAND makeresources ${CMAKE_SOURCE_DIR}/resources ${TRAMBLE_GENERATED}
+    DEPENDS makeresources ${CMAKE_SOURCE_DIR}/resources/messages.tsv ${table_files}
+    COMMENT "Making the catalogue and the list of tables"
+    VERBATIM)
+target_sources(engine PRIVATE ${generated_files})
+target_include_directories(engine PUBLIC ${TRAMBLE_GENERATED})
+add_custom_target(catalogue DEPENDS ${generated_files})
+
+add_executable(makeinstall ${CMAKE_SOURCE_DIR}/tools/makeinstall.cpp)
+target_link_libraries(makeinstall PRIVATE engine)
+file(GLOB install_inputs CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/resources/graphics/*.svg
+    ${CMAKE_SOURCE_DIR}/resources/templates/*)
+add_custom_command(
+    OUTPUT ${TRAMBLE_INSTALLED}/complete.txt
+    COMMAND makeinstall ${CMAKE_SOURCE_DIR}/resources ${TRAMBLE_INSTALLED}
+    DEPENDS makeinstall ${install_inputs}
+    COMMENT "Making the installed set"
+    VERBATIM)
+add_custom_target(installed_set ALL DEPENDS ${TRAMBLE_INSTALLED}/complete.txt)
+
+# Lays out an application directory from the installed set: layoutoffice INSTALLED OFFICE
+add_executable(layoutoffice ${CMAKE_SOURCE_DIR}/tools/layoutoffice.cpp)
+target_link_libraries(layoutoffice PRIVATE engine)
+
+# Fills tables from text files of rows: filltables OFFICE FILE...
+add_executable(filltables ${CMAKE_SOURCE_DIR}/tools/filltables.cpp)
+target_link_libraries(filltables PRIVATE engine)

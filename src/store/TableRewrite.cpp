@@ -90,7 +90,7 @@ void EmptyTable(std::string_view path, bool flush) {
     rewrite.Commit(flush);
 }
 
-void ShiftDown(std::string_view path) {
+void ShiftDown(std::string_view path, std::span<const std::string> first) {
     TableScan scan(path);
     TableRewrite rewrite(path);
     const TableLayout& layout = scan.Layout();
@@ -101,6 +101,8 @@ void ShiftDown(std::string_view path) {
         for (int k = 1; k <= layout.FieldCount(); ++k) {
             rewrite.Write(k, hasAbove ? std::string(layout.Get(k, above)) : std::string());
         }
+        if (hasAbove) return;
+        for (std::size_t k = 0; k < first.size(); ++k) rewrite.Write(static_cast<int>(k) + 1, first[k]);
     };
     while (scan.Next()) {
         rewrite.AppendRaw(scan.Flag(), scan.Record());

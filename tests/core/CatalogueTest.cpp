@@ -19,7 +19,7 @@ TEST_F(CatalogueTest, ANumberThatIsFreeIsAFailureAndNeverAText) {
 
 TEST_F(CatalogueTest, TheRowsStandInTheOrderOfTheirNumbersAndNoneIsAFreeRowOrABanner) {
     for (std::size_t i = 0; i < CatalogueRowCount; ++i) {
-        if (i > 0) EXPECT_LT(CatalogueRows[i - 1].Number, CatalogueRows[i].Number);
+        if (i > 0) { EXPECT_LT(CatalogueRows[i - 1].Number, CatalogueRows[i].Number); }
         EXPECT_STRNE(CatalogueRows[i].Words, "x");
         EXPECT_FALSE(std::string(CatalogueRows[i].Words).starts_with("<<<"));
     }

@@ -1,0 +1,88 @@
+#include "core/Office.h"
+
+#include "core/Failure.h"
+#include "core/Globals.h"
+#include "core/Paths.h"
+#include "core/SafeFile.h"
+#include "store/DBFEdit.h"
+#include "store/TableCatalogue.h"
+
+namespace {
+
+/// Stands in `Install` once a layout is complete.
+constexpr std::string_view Mark = "Office.txt";
+
+void CopyMissing(const std::string& from, const std::string& to) {
+    if (!FileExists(to)) CopyOver(from, to);
+}
+
+void CopyMissingFiles(const std::string& from, const std::string& to) {
+    MakePath(to);
+    for (const std::string& name : FilesWithExtension(from, "")) CopyMissing(from + name, to + name);
+}
+
+/// A table of settings has one record from the start.
+void AppendOneRecord(const std::string& path) {
+    DBFEdit table;
+    table.FileOpen(path);
+    if (table.RecordCount == 0) {
+        table.Go(-2);
+        table.KillEOFFlag();
+        table.Go(-5);
+    }
+    table.FileClose();
+}
+
+void CopyTables(const std::string& install, const std::string& tables) {
+    MakePath(tables);
+    for (const TableEntry& table : AllTables()) {
+        const std::string name = std::string(table.Name) + ".dbf";
+        if (FileExists(tables + name)) continue;
+        const std::string_view plain = table.Name;
+        const bool oneRecord = plain == "ZUKComp" || plain == "ZUKPrint" || plain == "ZUKSetup";
+        if (!oneRecord) {
+            CopyOver(install + name, tables + name);
+            continue;
+        }
+        // Its record is there before the table stands under its name.
+        const std::string work = tables + name + std::string(SafeFile::WorkExtension);
+        CopyOver(install + name, work);
+        AppendOneRecord(work);
+        Global.TheDisk->Rename(ResolvePath(work), ResolvePath(tables + name));
+    }
+}
+
+bool CanBeWritten(const std::string& folder) {
+    try {
+        const std::string probe = folder + "probe" + std::string(SafeFile::WorkExtension);
+        Global.TheDisk->Open(probe, Access::Create);
+        Global.TheDisk->Remove(probe);
+        return true;
+    } catch (const RunTimeFailure&) {
+        return false;
+    }
+}
+
+} // namespace
+
+void LayOutOffice(std::string_view installedSet, std::string_view office) {
+    const std::string set = AddBackslash(installedSet);
+    const std::string app = AddBackslash(office);
+    const std::string install = AddBackslash(app + "Install");
+    if (FileExists(install + std::string(Mark))) return;
+
+    CopyMissingFiles(AddBackslash(set + "Install"), install);
+    CopyMissingFiles(AddBackslash(set + "Install/Graphics"), AddBackslash(install + "Graphics"));
+    CopyTables(install, AddBackslash(app + "DBFFiles"));
+    CopyMissing(install + "Notes.dat", app + "DBFFiles/Notes.dat");
+    CopyMissingFiles(AddBackslash(set + "Templates"), AddBackslash(app + "Templates"));
+    WriteWholeFile(install + std::string(Mark), "This office has been laid out. Nothing is laid out again while this file is here.\r\n");
+}
+
+std::string ApplicationDirectory(std::string_view programFolder, std::string_view userDataFolder) {
+    const std::string own = AddBackslash(programFolder);
+    if (CanBeWritten(own)) return own;
+    const std::string app = AddBackslash(AddBackslash(userDataFolder) + "ZUKTramble");
+    LayOutOffice(own, app);
+    return app;
+}

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+/// Lays out an application directory from the installed set, once: `Install` with tables and
+/// graphics; in `DBFFiles` every table, with one record in the company, print and setup tables;
+/// `Notes.dat`; in the templates directory's root the demonstration templates and activities.
+/// What stands there is never touched. A layout that was cut off is completed by the next call; one
+/// that was completed is not done again, so that a table that goes missing later stays missing.
+/// Both paths with or without a trailing separator. RunTimeFailure from the disk; 53 when the
+/// installed set lacks a table.
+void LayOutOffice(std::string_view installedSet, std::string_view office);
+
+/// The application directory of a program that lies in `programFolder`: that folder when it can be
+/// written, else "ZUKTramble" in the user's data folder, laid out at its first use from the
+/// installed set beside the program. With a trailing separator. RunTimeFailure as LayOutOffice.
+std::string ApplicationDirectory(std::string_view programFolder, std::string_view userDataFolder);
