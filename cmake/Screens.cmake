@@ -1,0 +1,49 @@
+# The screens: all forms and what stands in for the platform, one static library that links the
+# engine; and the programs.
+find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets Network)
+
+set(CMAKE_AUTOMOC ON)
+set(CMAKE_AUTOUIC ON)
+set(CMAKE_AUTORCC ON)
+
+file(GLOB screen_sources CONFIGURE_DEPENDS
+    ${CMAKE_SOURCE_DIR}/src/platform/*.cpp ${CMAKE_SOURCE_DIR}/src/platform/*.h
+    ${CMAKE_SOURCE_DIR}/src/*/forms/*.cpp ${CMAKE_SOURCE_DIR}/src/*/forms/*.h
+    ${CMAKE_SOURCE_DIR}/src/*/forms/*.ui)
+file(GLOB form_uis CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/*/forms/*.ui)
+file(GLOB pictures CONFIGURE_DEPENDS RELATIVE ${CMAKE_SOURCE_DIR}/resources ${CMAKE_SOURCE_DIR}/resources/graphics/*.svg)
+
+add_library(screens STATIC ${screen_sources})
+target_link_libraries(screens PUBLIC engine Qt6::Widgets Qt6::Network)
+target_precompile_headers(screens PRIVATE <QtWidgets> <string> <vector>)
+foreach(ui IN LISTS form_uis)
+    get_filename_component(folder ${ui} DIRECTORY)
+    set_property(TARGET screens APPEND PROPERTY AUTOUIC_SEARCH_PATHS ${folder})
+endforeach()
+
+# Every form of the program by its name, for what looks at all of them.
+set(all_forms "// Made by the build: every form of the program.\n")
+set(form_list "")
+foreach(ui IN LISTS form_uis)
+    get_filename_component(form ${ui} NAME_WE)
+    file(RELATIVE_PATH header ${CMAKE_SOURCE_DIR}/src ${ui})
+    string(REPLACE ".ui" ".h" header ${header})
+    string(APPEND all_forms "#include \"${header}\"\n")
+    string(APPEND form_list " \\\n    FORM(${form})")
+endforeach()
+file(CONFIGURE OUTPUT ${TRAMBLE_GENERATED}/AllForms.h
+    CONTENT "${all_forms}#define ALL_FORMS(FORM)${form_list}\n" @ONLY)
+
+# The pictures go into the programs, below :/graphics.
+set(qrc "<RCC><qresource prefix=\"/\">\n")
+foreach(picture IN LISTS pictures)
+    string(APPEND qrc "<file alias=\"${picture}\">${CMAKE_SOURCE_DIR}/resources/${picture}</file>\n")
+endforeach()
+file(CONFIGURE OUTPUT ${TRAMBLE_GENERATED}/pictures.qrc CONTENT "${qrc}</qresource></RCC>\n" @ONLY)
+add_library(pictures OBJECT ${TRAMBLE_GENERATED}/pictures.qrc)
+target_link_libraries(pictures PRIVATE Qt6::Core)
+
+add_executable(ZUKTramble ${CMAKE_SOURCE_DIR}/src/main.cpp)
+target_link_libraries(ZUKTramble PRIVATE screens pictures)
+target_compile_definitions(ZUKTramble PRIVATE TRAMBLE_VERSION="${PROJECT_VERSION}")
+set_target_properties(ZUKTramble PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin WIN32_EXECUTABLE ON)

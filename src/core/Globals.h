@@ -33,6 +33,7 @@ struct Globals {
     Operator* TheOperator = nullptr; ///< set by the program, or by a test's script, before any form loads
     bool InstantPauses = false;      ///< short pauses end at once
     bool Ending = false;             ///< the process is on its way out; every wait ends
+    int ExitCode = 0;                ///< once Ending is set
     DateTime (*Clock)() = nullptr; ///< in place of the system's clock when set; see Now
     FileNumbers Files;
     TraceRing Events;

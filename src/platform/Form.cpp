@@ -148,7 +148,7 @@ void FormBehaviour::Run(const std::function<void()>& handler) {
     } catch (const std::exception& failure) {
         FailUnexpectedly(failure);
     }
-    if (--running_ == 0 && gone_) FormRegistry::Instance().Release(*this);
+    Leave();
 }
 
 void FormBehaviour::RunMethod(int method, int index) {
@@ -236,7 +236,8 @@ QStringList FormBehaviour::WiringProblems() const {
 // ---- the life of a form ----
 
 void FormBehaviour::LoadNow() {
-    Run([this] {
+    ++running_;
+    try {
         QWidget& window = Window();
         window.setObjectName(QString::fromLatin1(window.metaObject()->className()));
         for (QObject* child : window.findChildren<QObject*>()) {
@@ -244,7 +245,17 @@ void FormBehaviour::LoadNow() {
         }
         FillCaptions(window);
         Form_Load();
-    });
+    } catch (...) {
+        // The failure is the caller's, who asked for the form; half a form is no form.
+        Unload();
+        Leave();
+        throw;
+    }
+    Leave();
+}
+
+void FormBehaviour::Leave() {
+    if (--running_ == 0 && gone_) FormRegistry::Instance().Release(*this);
 }
 
 void FormBehaviour::QueueGotFocus() {
@@ -265,7 +276,7 @@ void FormBehaviour::Show(ShowMode mode) {
     window.raise();
     window.activateWindow();
     if (mode == ShowMode::Modal) WaitInLoop([this] { return !gone_; });
-    if (--running_ == 0 && gone_) FormRegistry::Instance().Release(*this);
+    Leave();
 }
 
 void FormBehaviour::Unload() {
@@ -280,7 +291,7 @@ void FormBehaviour::Unload() {
     }
     Window().hide();
     FormRegistry::Instance().Forget(*this);
-    if (--running_ == 0) FormRegistry::Instance().Release(*this);
+    Leave();
 }
 
 void FormBehaviour::PressEscape() {
@@ -402,8 +413,10 @@ void FillCaptions(QWidget& window) {
 }
 
 void EndProgram(int exitCode) {
+    // The first reason to end is the one that counts.
+    if (!Global.Ending) Global.ExitCode = exitCode;
     Global.Ending = true;
-    QCoreApplication::exit(exitCode);
+    QCoreApplication::exit(Global.ExitCode);
 }
 
 void FailUnexpectedly(const std::exception& failure) {

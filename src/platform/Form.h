@@ -62,6 +62,7 @@ private:
     friend class FormRegistry;
 
     void LoadNow();
+    void Leave();
     void Run(const std::function<void()>& handler);
     void RunMethod(int method, int index);
     void Connect(QObject& control, const QString& event, int method, int index);

@@ -73,6 +73,10 @@ TitleBox::TitleBox(QWidget* parent) : QWidget(parent) {
     QFont bold = font();
     bold.setBold(true);
     setFont(bold);
+    QPalette white = palette();
+    white.setColor(QPalette::WindowText, Qt::white);
+    white.setColor(QPalette::ButtonText, Qt::white);
+    setPalette(white);
 }
 
 void TitleBox::ShadeObject(QPainter& painter) const {

@@ -1,0 +1,411 @@
+#include "core/forms/frmMain1.h"
+
+#include "core/Catalogue.h"
+#include "core/Directories.h"
+#include "core/Failure.h"
+#include "core/Globals.h"
+#include "core/Messages.h"
+#include "core/Operator.h"
+#include "core/Paths.h"
+#include "core/Settings.h"
+#include "exchange/forms/frmQBExport.h"
+#include "exchange/forms/frmQBImport.h"
+#include "maintenance/Backup.h"
+#include "maintenance/Totals.h"
+#include "platform/Convert.h"
+#include "platform/Look.h"
+#include "platform/Registry.h"
+#include "platform/SingleInstance.h"
+#include "store/TableScan.h"
+#include "sync/Status.h"
+#include "tools/forms/frmAbout.h"
+
+#include <QApplication>
+#include <QHeaderView>
+#include <QProcess>
+
+namespace {
+
+constexpr int TwipsPerPixel = 15; // 1440 to the inch, 96 pixels
+constexpr int BricksInRow = 5;
+constexpr QSize IconSize(28, 28);
+
+/// Pages of the Tools quadrant, in the order of `lblPrev`.
+enum Page { PageTools, PageQuickStart, PageSummary, Pages };
+
+constexpr MessageId PageTitles[] = {msg::pageTools, msg::pageQuickStart, msg::pageSummary};
+constexpr const char* PagePictures[] = {"tools", "quickstart", "summary"};
+
+std::string CountOf(const std::string& table) {
+    const std::string path = Global.DBFPath + table;
+    return FileExists(path) ? std::to_string(TableScan(path).RecordCount()) : std::string();
+}
+
+/// An icon that looks the same on a button that cannot be pressed: a brick tells its state either way.
+QIcon StateIcon(std::string_view name) {
+    const QIcon plain = Picture(name);
+    QIcon icon;
+    for (const auto mode : {QIcon::Normal, QIcon::Disabled}) icon.addPixmap(plain.pixmap(16, 16), mode);
+    return icon;
+}
+
+} // namespace
+
+frmMain1::frmMain1() : totals_(new GridModel(this)) { setupUi(this); }
+
+// ---- start ----
+
+void frmMain1::Form_Load() {
+    try {
+        StartUp();
+    } catch (const RunTimeFailure& failure) {
+        StopStart(Lines(msg::StartFileError, Text::Path(std::string_view(failure.what()))));
+    }
+}
+
+void frmMain1::StopStart(const Text& reason) {
+    Tell(reason, Icon::Stop);
+    Unload();
+    EndProgram(1);
+}
+
+void frmMain1::StartUp() {
+    if (!SingleInstance::Take(Global.AppPath)) return StopStart(msg::AlreadyRunning);
+    Global.CreatorID = "ZUK2";
+    LoadEvents();
+    TraceEvent("frmMain1:Form_Load");
+    if (const std::string problems = LoadMessages(Global.AppPath + "Messages.tsv"); !problems.empty()) {
+        Tell(Lines(msg::TextsCannotBeRead, Text::Path(std::string_view(problems))), Icon::Warning);
+    }
+    FillCaptions(*this);
+    IsHotSyncActive();
+
+    Global.IniFile = Global.AppPath + "ZUKTramble.ini";
+    TakeWindowPosition();
+    try {
+        GetIniFile();
+    } catch (const RunTimeFailure& failure) {
+        if (failure.Number() == 13 || failure.Number() == 6) throw;
+        return StopStart(Lines(msg::ConfigurationError, Text::Path(std::string_view(failure.what()))));
+    }
+    SetTablesAndInstall();
+    if (!FileExists(Global.InstallPath + "ZUKOrHdr.dbf")) return StopStart(msg::TablesMissing);
+    SetGraphics();
+    Global.CompanyName = ReadCompanyName();
+    SetImagesAndTotals();
+    CopyNotes();
+    MakeEmptyTwins();
+    SetDataIn();
+    SetDataOutBackupTemplates();
+    TemplatePass([] { Tell(msg::DownloadSelectionMissing, Icon::Information); });
+    SetUpdates();
+    RemoveStrays();
+    MoveNewBitmaps();
+    LoadIcons();
+    SetUpTotalsGrid();
+    GetPCTotals();
+    if (!WriteStatus()) return;
+    GetHHBricksStd();
+    if (Global.PurgeBackup) {
+        DeleteBackupTables([](std::string_view file) {
+            Tell(Words(msg::CannotDelete, Text::Path(file)), Icon::Information);
+        });
+    }
+    RestoreWindow();
+    SetLLQStandard();
+    operating_ = true;
+    WriteSettings();
+}
+
+void frmMain1::IsHotSyncActive() {
+    TraceEvent("basCommon:IsHotSyncActive");
+    if (const auto manager = Registry::HotSyncManagerValue("HotSyncPath")) {
+        QProcess::startDetached(PathToQt(*manager), {});
+        return;
+    }
+    Tell(msg::PalmDesktopMissing, Icon::Information);
+}
+
+void frmMain1::LoadIcons() {
+    setWindowIcon(Picture("zuk1.ico"));
+    const auto label = [](QLabel& where, const char* name, int size) {
+        where.setPixmap(Picture(name).pixmap(size, size));
+    };
+    label(*imgHHStatus, "handheld", 20);
+    label(*imgMatrix, "uploads", 20);
+    label(*imgQB, "quickbuttons", 20);
+    label(*imgNotSynced, "brick-notsynced", 16);
+    label(*imgSyncOK, "brick-syncok", 16);
+    label(*imgBadSync, "brick-badsync", 16);
+    label(*imgSysCust, "tool-customers", 28);
+    label(*imgSysItems, "tool-items", 28);
+    label(*imgSysOrders, "tool-orders-count", 28);
+    const std::pair<QToolButton*, const char*> buttons[] = {
+        {lblImportBtn, "tool-import"},       {lblExportBtn, "tool-export"},
+        {lblDownloadBtn, "tool-download"},   {lblUploadBtn, "tool-upload"},
+        {lblPCTables, "tool-tables"},        {lblClearPC, "tool-clear"},
+        {lblUA, "tool-unattended"},          {lblUpdateHSUsers, "UpDtHSUsers32x32-16M"},
+        {lblConfigurator, "tool-configurator"}, {lblInstallHH, "tool-install"},
+        {lblNotes, "tool-notes"},            {lblRestore, "Restore"},
+        {lblPurgeBU, "tool-purge"},          {lblSetupPC, "tool-setup"},
+        {lblQC, "tool-check"},               {lblDemoInstall, "tool-demo"},
+        {lblHelpOrders, "tool-orders"},      {lblHelpCompany, "tool-company"},
+        {lblPrev, "arrow-left"},             {lblNext, "arrow-right"},
+        {imgHHStatusHelp, "helpico16-256"},  {imgMatrixHelp, "helpico16-256"},
+        {imgQBHelp, "helpico16-256"},        {imgToolsHelp, "helpico16-256"},
+    };
+    for (const auto& [button, name] : buttons) button->setIcon(Picture(name));
+    for (QWidget* page : {static_cast<QWidget*>(picQB), static_cast<QWidget*>(picRemoteSync)}) {
+        for (QToolButton* button : page->findChildren<QToolButton*>()) button->setIconSize(IconSize);
+    }
+}
+
+void frmMain1::SetLLQStandard() {
+    TraceEvent("frmMain1:SetLLQStandard");
+    ShowPage(PageTools);
+    picQB->show();
+    mnuDarkLook->setChecked(IsDarkLook());
+    lblImportBtn->setFocus();
+}
+
+// ---- the end ----
+
+void frmMain1::mnuExit_Click() {
+    TraceEvent("frmMain1:mnuExit_Click");
+    Unload();
+}
+
+void frmMain1::Form_Unload() {
+    if (operating_) {
+        TraceEvent("frmMain1:Form_Unload");
+        for (std::string& status : Global.HHStatus) status.clear();
+        WriteStatus();
+        TakeWindowPosition();
+        WriteSettings();
+        FormRegistry::Instance().UnloadSecondary();
+    }
+    SingleInstance::Release();
+    EndProgram(0);
+}
+
+void frmMain1::UnloadForms() {
+    TraceEvent("frmMain1:UnloadForms");
+    Global.UnloadingForms = true;
+    if (Global.TemporaryDirectory) RemoveTemporaryDirectory();
+    Global.TemporaryDirectory = false;
+    FormRegistry::Instance().UnloadSecondary();
+    Global.UnloadingForms = false;
+}
+
+// ---- the window's place ----
+
+void frmMain1::TakeWindowPosition() {
+    Global.WindowState = isMinimized() ? std::int16_t{1} : isMaximized() ? std::int16_t{2} : std::int16_t{0};
+    const QRect place = isMaximized() ? normalGeometry() : geometry();
+    // A window that was not moved keeps the numbers it was read with, whatever the rounding.
+    if (place == restored_ || Global.WindowState == 1) return;
+    Global.MainTop = place.top() * TwipsPerPixel;
+    Global.MainLeft = place.left() * TwipsPerPixel;
+    Global.MainHeight = place.height() * TwipsPerPixel;
+    Global.MainWidth = place.width() * TwipsPerPixel;
+}
+
+void frmMain1::RestoreWindow() {
+    if (Global.WindowState == 0) {
+        move(Global.MainLeft / TwipsPerPixel, Global.MainTop / TwipsPerPixel);
+        if (Global.MainHeight > 0 && Global.MainWidth > 0) {
+            resize(Global.MainWidth / TwipsPerPixel, Global.MainHeight / TwipsPerPixel);
+        }
+    } else if (Global.WindowState == 1) {
+        setWindowState(Qt::WindowNoState);
+    } else {
+        setWindowState(Qt::WindowMaximized);
+    }
+    restored_ = geometry();
+}
+
+// ---- status and settings on disk ----
+
+/// Reads the status list when there is none yet, else writes it. False when the program ends of it.
+bool frmMain1::WriteStatus() {
+    try {
+        operating_ ? UpdateHHStatus() : GetHHStatus();
+        return true;
+    } catch (const RunTimeFailure& failure) {
+        Tell(Lines(msg::ConfigurationError, Text::Path(std::string_view(failure.what()))), Icon::Stop);
+        TraceEvent("basCommon:EndProcess");
+        hide();
+        EndProgram(1);
+        return false;
+    }
+}
+
+void frmMain1::WriteSettings() {
+    try {
+        UpdateIniFile();
+    } catch (const RunTimeFailure& failure) {
+        Tell(Lines(msg::ConfigurationError, Text::Path(std::string_view(failure.what()))), Icon::Stop);
+    }
+}
+
+// ---- handheld status ----
+
+void frmMain1::DrawBricks(const QString& family, const std::function<QIcon(std::size_t)>& picture,
+                          const std::function<Text(std::size_t)>& state) {
+    while (QLayoutItem* item = grdBricks->takeAt(0)) {
+        delete item->widget();
+        delete item;
+    }
+    std::size_t row = 0;
+    for (const std::string& id : LinkIDs()) {
+        const int place = static_cast<int>(row);
+        ++row;
+        auto* brick = new QToolButton(picHHStatus);
+        brick->setObjectName(family + QLatin1Char('_') + QString::number(row));
+        brick->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+        brick->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+        brick->setText(ToQt(std::string_view(id)));
+        brick->setIcon(picture(row));
+        brick->setToolTip(ToQt(Text::Value(id)) + QStringLiteral(": ") + ToQt(state(row)));
+        brick->setAccessibleName(brick->toolTip());
+        brick->setEnabled(false);
+        WireControl(*brick);
+        grdBricks->addWidget(brick, place / BricksInRow, place % BricksInRow);
+    }
+    for (int column = 0; column < BricksInRow; ++column) grdBricks->setColumnStretch(column, 1);
+    grdBricks->setRowStretch(static_cast<int>(row) / BricksInRow + 1, 1);
+    lblNoHandhelds->setVisible(row == 0);
+    scrHHStatus->setVisible(row != 0);
+}
+
+void frmMain1::GetHHBricks() {
+    TraceEvent("frmMain1:GetHHBricks");
+    GetHHStatus();
+    const auto letter = [](std::size_t row) { return row < Global.HHStatus.size() ? Global.HHStatus[row] : std::string(); };
+    DrawBricks(
+        QStringLiteral("cmdHHHSID"),
+        [&](std::size_t row) {
+            return StateIcon(letter(row) == "G" ? "brick-syncok" : letter(row) == "B" ? "brick-badsync" : "brick-notsynced");
+        },
+        [&](std::size_t row) {
+            return Text(letter(row) == "G" ? msg::lblSyncOK : letter(row) == "B" ? msg::lblBadSync : msg::lblNotSynced);
+        });
+}
+
+void frmMain1::GetHHBricksStd() {
+    TraceEvent("frmMain1:GetHHBricksStd");
+    GetHHStatus();
+    const auto done = [](std::size_t row) { return row < Global.HHStatusStd.size() && Global.HHStatusStd[row] == "S"; };
+    DrawBricks(
+        QStringLiteral("cmdHHHSIDStd"), [&](std::size_t row) { return done(row) ? StateIcon("Hotsync16-256.ico") : QIcon(); },
+        [&](std::size_t row) { return Text(done(row) ? msg::lblSyncOK : msg::lblNotSynced); });
+}
+
+void frmMain1::GetHHBricksInst() {
+    TraceEvent("frmMain1:GetHHBricksInst");
+    Registry registry;
+    GetHHStatusInst(registry);
+    const auto done = [](std::size_t row) {
+        return row < Global.HHStatusInst.size() && !Global.HHStatusInst[row].empty();
+    };
+    DrawBricks(
+        QStringLiteral("cmdHHHSIDInst"), [&](std::size_t row) { return done(row) ? StateIcon("Hotsync16-256.ico") : QIcon(); },
+        [&](std::size_t row) { return Text(done(row) ? msg::lblSyncOK : msg::lblNotSynced); });
+}
+
+void frmMain1::cmdReset_Click() {
+    TraceEvent("frmMain1:cmdReset_Click");
+    if (!Global.TheOperator->Ask({msg::ResetQuestion, msg::Yes, msg::No, {}})) return;
+    Global.LastReset = Now();
+    ClearHHStatus();
+    if (!WriteStatus()) return;
+    GetHHBricksStd();
+    GetPCTotals();
+}
+
+// ---- recent uploads ----
+
+void frmMain1::SetUpTotalsGrid() {
+    const Qt::Alignment left = Qt::AlignLeft;
+    const Qt::Alignment right = Qt::AlignRight;
+    totals_->SetHeadings({ToQt(Text(msg::FGTotID)), ToQt(Text(msg::FGTotDateTime)), ToQt(Text(msg::FGTotOrders)),
+                          ToQt(Text(msg::FGTotLines)), ToQt(Text(msg::FGTotDollars))},
+                         {left, left, right, right, right});
+    FGTot->setModel(totals_);
+    FGTot->verticalHeader()->hide();
+    FGTot->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    FGTot->horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch);
+    FGTot->horizontalHeader()->setHighlightSections(false);
+    FGTot->setAccessibleName(ToQt(Text(msg::lblMatrix)));
+}
+
+void frmMain1::GetPCTotals() {
+    std::vector<QStringList> rows;
+    for (const UploadRow& row : ::GetPCTotals()) {
+        QStringList cells;
+        for (const std::string* cell : {&row.HotSyncID, &row.DateTime, &row.Orders, &row.Lines, &row.Dollars}) {
+            cells << ToQt(std::string_view(*cell));
+        }
+        rows.push_back(cells);
+    }
+    lblNoUploads->setVisible(rows.empty());
+    FGTot->setVisible(!rows.empty());
+    totals_->SetRows(std::move(rows));
+    Global.RefreshTotals = false;
+}
+
+void frmMain1::Form_GotFocus() {
+    if (Global.RefreshTotals) GetPCTotals();
+}
+
+// ---- tools ----
+
+void frmMain1::ShowPage(int page) {
+    picRemoteSync->setCurrentIndex(page);
+    lblRemoteSync->setText(ToQt(Text(PageTitles[page])));
+    imgTools->setPixmap(Picture(PagePictures[page]).pixmap(20, 20));
+    if (page == PageSummary) RefreshRecordCounts();
+}
+
+void frmMain1::lblPrev_Click() {
+    TraceEvent("frmMain1:lblPrev_Click");
+    ShowPage((picRemoteSync->currentIndex() + 1) % Pages);
+}
+
+void frmMain1::lblNext_Click() {
+    TraceEvent("frmMain1:lblNext_Click");
+    ShowPage((picRemoteSync->currentIndex() + Pages - 1) % Pages);
+}
+
+void frmMain1::RefreshRecordCounts() {
+    TraceEvent("basCommon:RefreshRecordCounts");
+    lblSysCust1->setText(ToQt(std::string_view(CountOf("ZUKCUST.DBF"))));
+    lblSysItems1->setText(ToQt(std::string_view(CountOf("ZUKITEM.DBF"))));
+    lblSysOrders1->setText(ToQt(std::string_view(CountOf("ZUKORHDR.DBF"))));
+}
+
+// ---- the ways to other screens ----
+
+void frmMain1::lblImportBtn_Click() {
+    TraceEvent("frmMain1:lblImportBtn_Click");
+    UnloadForms();
+    The<frmQBImport>().Show();
+}
+
+void frmMain1::lblExportBtn_Click() {
+    TraceEvent("frmMain1:lblExportBtn_Click");
+    UnloadForms();
+    The<frmQBExport>().Show();
+}
+
+void frmMain1::mnuMainAbout_Click() {
+    TraceEvent("frmMain1:mnuMainAbout_Click");
+    UnloadForms();
+    The<frmAbout>().Show(ShowMode::Modal);
+}
+
+void frmMain1::mnuDarkLook_Click() {
+    TraceEvent("frmMain1:mnuDarkLook_Click");
+    Registry::SetDarkLook(mnuDarkLook->isChecked());
+    ApplyLook(*qApp, mnuDarkLook->isChecked());
+}

@@ -1,0 +1,64 @@
+#pragma once
+
+#include "platform/Form.h"
+#include "platform/GridModel.h"
+#include "ui_frmMain1.h"
+
+#include <functional>
+
+/// The system's home: the state of the handhelds, the recent uploads, the daily activities and the
+/// tools. Its load is the start of the program, its unload the end.
+class frmMain1 final : public MainForm, private Ui::frmMain1 {
+    Q_OBJECT
+
+public:
+    frmMain1();
+
+    /// Fills the grid of recent uploads.
+    void GetPCTotals();
+
+    /// Writes the record counts of customers, items and orders on the page "System Summary".
+    void RefreshRecordCounts();
+
+    /// Draws the bricks of a family, one for each record of the Links table, and hides the others.
+    void GetHHBricks();
+    void GetHHBricksStd();
+    void GetHHBricksInst();
+
+    /// Closes every secondary form.
+    void UnloadForms();
+
+private slots:
+    void mnuExit_Click();
+    void mnuMainAbout_Click();
+    void mnuDarkLook_Click();
+    void cmdReset_Click();
+    void lblImportBtn_Click();
+    void lblExportBtn_Click();
+    void lblPrev_Click();
+    void lblNext_Click();
+
+protected:
+    void Form_Load() override;
+    void Form_GotFocus() override;
+    void Form_Unload() override;
+
+private:
+    void StartUp();
+    void StopStart(const Text& reason);
+    void IsHotSyncActive();
+    void LoadIcons();
+    void SetLLQStandard();
+    void SetUpTotalsGrid();
+    void ShowPage(int page);
+    void DrawBricks(const QString& family, const std::function<QIcon(std::size_t)>& picture,
+                    const std::function<Text(std::size_t)>& state);
+    void RestoreWindow();
+    void TakeWindowPosition();
+    bool WriteStatus();
+    void WriteSettings();
+
+    GridModel* totals_;
+    QRect restored_;         ///< the place that was set from the settings, in pixels
+    bool operating_ = false; ///< start-up has come to its end
+};

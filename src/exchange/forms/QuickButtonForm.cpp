@@ -1,0 +1,155 @@
+#include "exchange/forms/QuickButtonForm.h"
+
+#include "core/Catalogue.h"
+#include "core/Failure.h"
+#include "core/Globals.h"
+#include "core/Messages.h"
+#include "core/Operator.h"
+#include "core/Paths.h"
+#include "exchange/Activity.h"
+#include "platform/Convert.h"
+#include "platform/Look.h"
+
+#include <QComboBox>
+#include <QLabel>
+#include <QProgressBar>
+#include <QPushButton>
+
+void QuickButtonForm::Bind() {
+    const auto bind = [this](auto*& control, const char* name) {
+        control = findChild<std::remove_pointer_t<std::remove_reference_t<decltype(control)>>*>(QLatin1String(name));
+    };
+    bind(cboMaster, "cboMaster");
+    bind(lblNoActivity, "lblNoActivity");
+    bind(lblSSHeading, "lblSSHeading");
+    bind(lblHeading1, "lblHeading1");
+    bind(lblHeading2, "lblHeading2");
+    bind(imgSuccess[0], "imgSuccess_1");
+    bind(imgSuccess[1], "imgSuccess_2");
+    bind(lblSS[0], "lblSS_1");
+    bind(lblSS[1], "lblSS_2");
+    bind(lblSST[0], "lblSST_1");
+    bind(lblSST[1], "lblSST_2");
+    bind(lblProgress, "lblProgress");
+    bind(pgbProgress, "pgbProgress");
+    bind(cmdOK, "cmdOK");
+    bind(cmdCancel, "cmdCancel");
+    bind(cmdSetup, "cmdSetup");
+}
+
+void QuickButtonForm::Trace(std::string_view routine) const {
+    TraceEvent(std::string(metaObject()->className()) + ":" + std::string(routine));
+}
+
+void QuickButtonForm::Form_Load() {
+    Trace("Form_Load");
+    lblProgress->hide();
+    pgbProgress->hide();
+    PopMaster();
+    EmptyRows();
+}
+
+void QuickButtonForm::PopMaster() {
+    Trace("PopMaster");
+    for (const std::string& name : ListActivities(Global.QuickButtonTemplates, extension_)) {
+        cboMaster->addItem(PathToQt(name));
+    }
+    cboMaster->setCurrentIndex(-1);
+    lblNoActivity->setVisible(cboMaster->count() == 0);
+    cboMaster->setFocus();
+}
+
+void QuickButtonForm::EmptyRows() {
+    templates_ = {};
+    lblSSHeading->clear();
+    for (std::size_t row = 0; row < templates_.size(); ++row) {
+        imgSuccess[row]->clear();
+        lblSS[row]->clear();
+        lblSST[row]->clear();
+    }
+    cmdOK->setEnabled(false);
+}
+
+void QuickButtonForm::cboMaster_Click() {
+    Trace("cboMaster_Click");
+    EmptyRows();
+    if (cboMaster->currentIndex() >= 0) ShowActivity();
+}
+
+void QuickButtonForm::ShowActivity() {
+    Activity activity;
+    try {
+        activity = ReadActivity(Global.QuickButtonTemplates + PathFromQt(cboMaster->currentText()) + extension_);
+    } catch (const RunTimeFailure&) {
+        Tell(msg::ActivityError, Icon::Warning);
+        cboMaster->setCurrentIndex(-1);
+        return;
+    }
+    lblSSHeading->setText(ToQt(Text(msg::ActivityContents)));
+    for (std::size_t row = 0; row < templates_.size(); ++row) {
+        templates_[row] = activity.Rows[row].Template;
+        lblSS[row]->setText(ToQt(std::string_view(activity.Rows[row].Label)));
+        lblSST[row]->setText(ToQt(templates_[row].empty() ? Text(msg::None) : Text::Value(templates_[row])));
+    }
+    cmdOK->setEnabled(true);
+}
+
+void QuickButtonForm::MarkRow(std::size_t row, bool worked) {
+    imgSuccess[row]->setPixmap(Picture(worked ? "success" : "failure").pixmap(20, 20));
+    imgSuccess[row]->setAccessibleName(ToQt(Text(worked ? msg::RowWorked : msg::RowFailed)));
+}
+
+void QuickButtonForm::cmdOK_Click() {
+    Trace("cmdOK_Click");
+    const Text name = Text::Path(std::string_view(PathFromQt(cboMaster->currentText())));
+    if (!AskYesNo(Words(msg::Perform, name) + msg::IsThatCorrect)) return;
+
+    for (QWidget* control : {static_cast<QWidget*>(cmdOK), static_cast<QWidget*>(cmdCancel),
+                             static_cast<QWidget*>(cmdSetup), static_cast<QWidget*>(cboMaster)}) {
+        control->setEnabled(false);
+    }
+    lblProgress->clear();
+    lblProgress->show();
+    pgbProgress->reset();
+    pgbProgress->show();
+    ShowHeadings();
+
+    std::int64_t errors = 0;
+    bool anyWorked = false;
+    for (std::size_t row = 0; row < templates_.size(); ++row) {
+        if (templates_[row].empty()) continue;
+        const RowResult result = RunRow(row, templates_[row]);
+        if (IsGone() || Global.Ending) return;
+        MarkRow(row, result.Worked);
+        if (result.Report) lblSST[row]->setText(ToQt(*result.Report));
+        if (!result.Worked) ++errors;
+        anyWorked = anyWorked || result.Worked;
+    }
+    FinishRun(anyWorked);
+
+    pgbProgress->hide();
+    Global.TheOperator->Beep();
+    const Text count = errors == 0   ? Text(msg::NoErrors)
+                       : errors == 1 ? Text(msg::OneError)
+                                     : Words(Text::Value(errors), msg::Errors);
+    lblProgress->setText(ToQt(Words(msg::CompletedWith, count)));
+    cmdCancel->setText(QString::fromStdString(CatalogueCaption(msg::Done)));
+    cmdCancel->setEnabled(true);
+    cmdCancel->setDefault(true);
+    cmdCancel->setFocus();
+}
+
+void QuickButtonForm::cmdCancel_Click() {
+    Trace("cmdCancel_Click");
+    Unload();
+}
+
+void EnsureDataDirectory(std::string& path, std::string_view name, MessageId lost) {
+    if (Global.TheDisk->IsFolder(ResolvePath(path))) return;
+    const std::string old = path;
+    path = AddBackslash(Global.AppPath + std::string(name));
+    MakePath(path);
+    Tell(Text(lost) + Text::Path(std::string_view(old)) + msg::PathChanged + Text::Path(std::string_view(path)) +
+             msg::PathChangedEnd,
+         Icon::Information);
+}

@@ -1,0 +1,78 @@
+#pragma once
+
+#include "core/Text.h"
+#include "platform/Form.h"
+
+#include <array>
+#include <optional>
+#include <string>
+#include <string_view>
+
+class QComboBox;
+class QLabel;
+class QProgressBar;
+class QPushButton;
+
+/// What the QuickButton screens share: the droplist of activities, the report of two rows, and the
+/// run that goes on from a failed row to the next.
+class QuickButtonForm : public Form {
+    Q_OBJECT
+
+private slots:
+    void cboMaster_Click();
+    void cmdOK_Click();
+    void cmdCancel_Click();
+
+protected:
+    /// What one row's run came to.
+    struct RowResult {
+        bool Worked = false;
+        std::optional<Text> Report; ///< takes the place of the row's value
+    };
+
+    /// `extension`: that of the screen's activities, as ".ipm".
+    explicit QuickButtonForm(std::string_view extension) : extension_(extension) {}
+
+    /// Binds the controls that every such screen has under the same names. After setupUi.
+    void Bind();
+
+    void Form_Load() override;
+
+    /// The headings of the report while an activity runs.
+    virtual void ShowHeadings() = 0;
+
+    /// Runs the template that a row names, and tells the operator of what stops it.
+    virtual RowResult RunRow(std::size_t row, const std::string& templateName) = 0;
+
+    /// After the last row; `anyWorked` when at least one row did.
+    virtual void FinishRun(bool anyWorked) = 0;
+
+    /// Trace text "form:routine".
+    void Trace(std::string_view routine) const;
+
+    QComboBox* cboMaster = nullptr;
+    QLabel* lblNoActivity = nullptr;
+    QLabel* lblSSHeading = nullptr;
+    QLabel* lblHeading1 = nullptr;
+    QLabel* lblHeading2 = nullptr;
+    std::array<QLabel*, 2> imgSuccess{};
+    std::array<QLabel*, 2> lblSS{};
+    std::array<QLabel*, 2> lblSST{};
+    QLabel* lblProgress = nullptr;
+    QProgressBar* pgbProgress = nullptr;
+    QPushButton* cmdOK = nullptr;
+    QPushButton* cmdCancel = nullptr;
+    QPushButton* cmdSetup = nullptr;
+
+private:
+    void PopMaster();
+    void ShowActivity();
+    void EmptyRows();
+    void MarkRow(std::size_t row, bool worked);
+
+    std::string extension_;
+    std::array<std::string, 2> templates_; ///< of the activity shown; empty for "None"
+};
+
+/// Makes a data directory that is gone, and tells the operator: "`lost` (old) is not available ...".
+void EnsureDataDirectory(std::string& path, std::string_view name, MessageId lost);

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "exchange/Export.h"
+#include "exchange/forms/QuickButtonForm.h"
+
+/// Runs an export activity: up to two saved export templates, one after the other.
+class frmQBExport final : public QuickButtonForm {
+    Q_OBJECT
+
+public:
+    frmQBExport();
+
+protected:
+    void ShowHeadings() override;
+    RowResult RunRow(std::size_t row, const std::string& templateName) override;
+    void FinishRun(bool anyWorked) override;
+
+private:
+    void OfferDeletion();
+};

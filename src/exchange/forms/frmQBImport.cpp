@@ -1,0 +1,80 @@
+#include "exchange/forms/frmQBImport.h"
+
+#include "core/Failure.h"
+#include "core/Globals.h"
+#include "core/Messages.h"
+#include "core/Operator.h"
+#include "core/Paths.h"
+#include "core/forms/frmMain1.h"
+#include "exchange/Activity.h"
+#include "exchange/Import.h"
+#include "exchange/ImportTemplate.h"
+#include "platform/BarProgress.h"
+#include "platform/Convert.h"
+#include "ui_frmQBImport.h"
+
+#include <QLabel>
+
+frmQBImport::frmQBImport() : QuickButtonForm(ImportActivities) {
+    Ui::frmQBImport().setupUi(this);
+    Bind();
+}
+
+void frmQBImport::ShowHeadings() {
+    lblHeading1->setText(ToQt(Text(msg::HeadingTable)));
+    lblHeading2->setText(ToQt(Text(msg::HeadingLinesImported)));
+}
+
+QuickButtonForm::RowResult frmQBImport::RunRow(std::size_t row, const std::string& templateName) {
+    const Text name = Text::Value(templateName);
+    const ImportTemplateRead read = ReadImportTemplate(Global.ImportTemplates + NameToPath(templateName));
+    if (!read.Opened) {
+        Tell(Words(msg::ErrorOpening, name) + msg::MakeSureFileExists, Icon::Warning);
+        return {};
+    }
+    EnsureDataDirectory(Global.DataInPath, "DataIn", msg::DataInUnavailable);
+
+    const auto kind = TemplateKindOf(templateName);
+    const std::string dataFile = Global.DataInPath + NameToPath(read.Template.DataFile);
+    if (!kind || read.BadDataFile || !FileExists(dataFile)) {
+        Tell(Words(msg::ImportFileError, name) + msg::AndOldTemplate, Icon::Warning);
+        return {};
+    }
+    const bool customers = *kind == TemplateKind::Cust;
+    const Text table = customers ? msg::lblSysCust : msg::lblSysItems;
+    lblSS[row]->setText(ToQt(table));
+    lblSS[row]->setToolTip(ToQt(name));
+
+    ImportJob job;
+    job.ImportFile = dataFile;
+    job.TableFile = Global.DBFPath + std::string(TableFileOf(*kind));
+    job.Delimiter = read.Template.Delimiter.value_or(Delimiter::Csv);
+    job.StartLine = StartLineNumber(read.Template.StartLine);
+    job.SelectedFields = read.Template.Fields;
+    job.Literals = read.Template.Literals;
+    try {
+        job.LineCount = CountLines(dataFile);
+        BarProgress progress(lblProgress, *pgbProgress);
+        progress.Begin(Words(customers ? msg::ImportingCustomers : msg::ImportingItems,
+                             Text::Value(read.Template.DataFile)),
+                       100);
+        PauseFor(0.2);
+        if (IsGone()) return {};
+        job.AvailableFields = AvailableFieldsOf(job.TableFile);
+        const ImportResult result = ImportDataFile(job, progress);
+        const std::int32_t good = result.FieldCountMismatch ? 0 : result.LinesRead - result.LinesFailed;
+        if (result.FieldCountMismatch) Tell(msg::FieldsDoNotMatch, Icon::Warning);
+        return {!result.FieldCountMismatch, Words(Text::Value(good), msg::Of, Text::Value(job.LineCount))};
+    } catch (const RunTimeFailure& failure) {
+        Tell(Lines(msg::ImportStopped, Text::Path(std::string_view(failure.what()))), Icon::Stop);
+        return {false, Words(Text::Value(0), msg::Of, Text::Value(job.LineCount))};
+    }
+}
+
+void frmQBImport::FinishRun(bool anyWorked) {
+    if (anyWorked) Global.RefreshTotals = true;
+    auto* main = IfLoaded<frmMain1>();
+    if (!main || !anyWorked) return;
+    main->GetPCTotals();
+    main->RefreshRecordCounts();
+}
