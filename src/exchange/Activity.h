@@ -1,0 +1,33 @@
+#pragma once
+
+#include <array>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// The extensions of activity files, by the screen that runs them.
+inline constexpr std::string_view ImportActivities = ".ipm";
+inline constexpr std::string_view ExportActivities = ".xpm";
+inline constexpr std::string_view ClearPCActivities = ".ctm";
+
+/// One row of an activity, in code page 1252.
+struct ActivityRow {
+    std::string Label;    ///< "Saved Setting 1:"
+    std::string Template; ///< a plain file name with its extension; empty for "None"
+};
+
+/// What a QuickButton runs: up to two templates, one after the other.
+struct Activity {
+    std::array<ActivityRow, 2> Rows;
+};
+
+/// Reads an activity file. RunTimeFailure as TextReader, 62 when it has fewer than two lines, 52 for
+/// a template that is not a plain file name.
+Activity ReadActivity(std::string_view path);
+
+/// Writes an activity file with its own labels. RunTimeFailure 52 for a template that is not a plain
+/// file name or holds a semicolon, otherwise as SafeFile.
+void WriteActivity(std::string_view path, const Activity& activity);
+
+/// The activities of a folder, without their extension, in the order of their names.
+std::vector<std::string> ListActivities(std::string_view folder, std::string_view extension);

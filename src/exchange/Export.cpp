@@ -1,0 +1,353 @@
+#include "exchange/Export.h"
+
+#include "core/Dates.h"
+#include "core/Failure.h"
+#include "core/Numbers.h"
+#include "core/Paths.h"
+#include "core/SafeFile.h"
+#include "core/TextCompare.h"
+#include "store/TableCatalogue.h"
+
+#include <algorithm>
+#include <array>
+#include <limits>
+#include <memory>
+#include <optional>
+#include <unordered_map>
+
+namespace {
+
+constexpr std::string_view Equals = " = ";
+constexpr std::string_view FormatWord = "Format:";
+constexpr std::array<std::string_view, 4> Operators{" + ", " - ", " * ", " / "}; ///< in the order they are looked for
+
+std::span<const TableField> FieldsOf(std::string_view table) {
+    const TableEntry* entry = FindTable(table);
+    if (entry == nullptr) throw RunTimeFailure(9, std::string(table));
+    return entry->Fields;
+}
+
+/// Position of a field by its whole name, from 1; 0 when the table has none of that name.
+int PositionOf(std::span<const TableField> fields, std::string_view name) {
+    const auto found = std::find_if(fields.begin(), fields.end(),
+                                    [&](const TableField& field) { return SameText(field.Name, name); });
+    return found == fields.end() ? 0 : static_cast<int>(found - fields.begin()) + 1;
+}
+
+/// A field of the current header or of the current line.
+struct FieldPlace {
+    enum class Table { None, Header, Line } Of = Table::None;
+    int Position = 0;
+};
+
+/// The records that a row of output is built from.
+struct Current {
+    const OrderTables& Tables;
+    std::int32_t Header = 0;
+    std::int32_t Line = 0;
+
+    /// Nothing when the table in the file has fewer fields than it should.
+    std::optional<std::string_view> Value(const FieldPlace& place) const {
+        const bool ofLine = place.Of == FieldPlace::Table::Line;
+        const OrderTable& table = ofLine ? Tables.FGLin : Tables.FGHdr;
+        if (place.Of == FieldPlace::Table::None || place.Position > table.FieldCount()) return std::nullopt;
+        return table.Cell(ofLine ? Line : Header, place.Position);
+    }
+};
+
+class FieldNames {
+public:
+    explicit FieldNames(bool withLines) :
+        header_(FieldsOf("ZUKORHDR")), line_(withLines ? FieldsOf("ZUKORLIN") : std::span<const TableField>()) {}
+
+    FieldPlace FindHeader(std::string_view name) const {
+        const int position = PositionOf(header_, name);
+        return position > 0 ? FieldPlace{FieldPlace::Table::Header, position} : FieldPlace{};
+    }
+
+    FieldPlace Find(std::string_view name) const {
+        const FieldPlace place = FindHeader(name);
+        if (place.Of != FieldPlace::Table::None) return place;
+        const int position = PositionOf(line_, name);
+        return position > 0 ? FieldPlace{FieldPlace::Table::Line, position} : FieldPlace{};
+    }
+
+private:
+    std::span<const TableField> header_;
+    std::span<const TableField> line_;
+};
+
+/// One side of a calculation: a constant, or a field, or neither, which leaves the value of the last
+/// calculation in place.
+struct Operand {
+    Operand() = default;
+    Operand(std::string_view text, const FieldNames& names) {
+        if (FindText(text, "[") == std::string_view::npos) {
+            Place = names.Find(text);
+            return;
+        }
+        // What stands between the first character and the closing bracket, whatever the first is.
+        const std::size_t end = text.find(']');
+        if (end != std::string_view::npos && end > 0) Constant = text.substr(1, end - 1);
+    }
+
+    void Evaluate(const Current& current, std::string& value) const {
+        if (Constant) value = *Constant;
+        else if (const auto field = current.Value(Place)) value = *field;
+    }
+
+    std::optional<std::string> Constant;
+    FieldPlace Place;
+};
+
+/// The date in eight digits by a format; nothing when they are no date.
+std::optional<std::string> FormatDate(std::string_view digits, const std::string& format) {
+    const auto part = [&](std::size_t from, std::size_t size) {
+        return std::string(digits.substr(std::min(from, digits.size()), size));
+    };
+    try {
+        const auto date = CDate(part(0, 4) + "/" + part(4, 2) + "/" + part(6, 2));
+        if (!date) return std::nullopt;
+        return std::string(Trim(Format(*date, format)));
+    } catch (const RunTimeFailure&) {
+        return std::nullopt;
+    }
+}
+
+/// The result as a number's text; nothing when there is none, as for a division by 0.
+std::optional<std::string> Calculate(double left, char operation, double right) {
+    if (operation == '/' && right == 0) return std::nullopt;
+    double result = 0;
+    switch (operation) {
+    case '+': result = left + right; break;
+    case '-': result = left - right; break;
+    case '*': result = left * right; break;
+    default: result = left / right;
+    }
+    try {
+        return NumberToText(result == 0 ? 0 : result); // no negative zero
+    } catch (const RunTimeFailure&) {
+        return std::nullopt;
+    }
+}
+
+/// The operands of the last calculation, shared by all columns and records.
+struct Operands {
+    std::string Left;
+    std::string Right;
+};
+
+/// One output column, its row taken apart once.
+class Column {
+public:
+    Column(std::string_view row, const FieldNames& names) {
+        const std::size_t equals = row.find(Equals);
+        if (equals != std::string_view::npos) literal_ = std::string(Trim(row.substr(equals + Equals.size())));
+        for (const std::string_view each : Operators) {
+            const std::size_t at = row.find(each);
+            if (at == std::string_view::npos) continue;
+            operator_ = each;
+            left_ = Operand(row.substr(0, at), names);
+            right_ = Operand(row.substr(at + each.size()), names);
+            return;
+        }
+        const std::size_t format = FindText(row, FormatWord);
+        if (format != std::string_view::npos && format > 0) {
+            place_ = names.FindHeader(row.substr(0, format - 1));
+            if (place_.Of != FieldPlace::Table::None) format_ = std::string(row.substr(format + FormatWord.size()));
+        }
+        if (!format_) place_ = names.Find(row);
+    }
+
+    void Fill(const Current& current, Operands& operands, std::string& cell) const {
+        if (literal_) cell = *literal_;
+        if (!operator_.empty()) FillCalculation(current, operands, cell);
+        else if (const auto value = current.Value(place_)) FillField(*value, cell);
+    }
+
+private:
+    void FillCalculation(const Current& current, Operands& operands, std::string& cell) const {
+        left_.Evaluate(current, operands.Left);
+        right_.Evaluate(current, operands.Right);
+        if (IsNumeric(operands.Left) && IsNumeric(operands.Right)) {
+            if (auto result = Calculate(ToNumber(operands.Left), operator_[1], ToNumber(operands.Right))) {
+                cell = std::move(*result);
+            }
+            return;
+        }
+        cell = operands.Left;
+        cell += operator_;
+        cell += operands.Right;
+    }
+
+    void FillField(std::string_view value, std::string& cell) const {
+        if (!format_ || value.empty()) {
+            cell = value;
+        } else if (auto date = FormatDate(value, *format_)) {
+            cell = std::move(*date);
+        }
+    }
+
+    std::optional<std::string> literal_;
+    std::string_view operator_;
+    Operand left_;
+    Operand right_;
+    FieldPlace place_;
+    std::optional<std::string> format_;
+};
+
+/// Finds an order's header: the first record whose first field is the code, case not regarded.
+class HeaderIndex {
+public:
+    explicit HeaderIndex(const OrderTable& headers) {
+        for (std::int32_t k = 1; k <= headers.RecordCount(); ++k) {
+            first_.try_emplace(FoldCase(headers.CellOrEmpty(k, 1)), k);
+        }
+    }
+
+    /// 0 when there is none.
+    std::int32_t Find(std::string_view code) {
+        if (code == lastCode_ && lastFound_ >= 0) return lastFound_;
+        const auto found = first_.find(FoldCase(code));
+        lastCode_ = code;
+        lastFound_ = found == first_.end() ? 0 : found->second;
+        return lastFound_;
+    }
+
+private:
+    std::unordered_map<std::string, std::int32_t> first_;
+    std::string lastCode_; ///< lines of an order mostly stand together
+    std::int32_t lastFound_ = -1;
+};
+
+void AppendQuoted(std::string& line, std::string_view text) {
+    line += '"';
+    line += text;
+    line += '"';
+}
+
+class Run {
+public:
+    Run(const ExportJob& job, const OrderTables& tables, bool withLines, SafeFile& file, Progress& progress) :
+        job_(job), tables_(tables), file_(file), progress_(progress), cells_(job.Columns.size()) {
+        const FieldNames names(withLines);
+        for (const std::string& row : job.Columns) columns_.emplace_back(row, names);
+    }
+
+    void WriteHeadings() {
+        StartLine();
+        for (const std::string& row : job_.Columns) {
+            Separate();
+            if (job_.Delimiter == Delimiter::CsvQuotes) AppendQuoted(line_, Trim(row));
+            else line_ += row;
+        }
+        file_.WriteLine(line_);
+    }
+
+    ExportResult WalkHeaders() {
+        result_.Walked = tables_.FGHdr.RecordCount();
+        for (std::int32_t header = 1; header <= result_.Walked; ++header) {
+            WriteRecord({tables_, header, 0});
+            if (job_.AddBlankLine) file_.WriteLine("");
+        }
+        return result_;
+    }
+
+    ExportResult WalkLines() {
+        HeaderIndex headers(tables_.FGHdr);
+        std::string lastOrder;
+        result_.Walked = tables_.FGLin.RecordCount();
+        for (std::int32_t line = 1; line <= result_.Walked; ++line) {
+            const std::string_view order = tables_.FGLin.CellOrEmpty(line, 1);
+            const std::int32_t header = headers.Find(order);
+            if (header == 0) {
+                if (result_.OrphanLines < std::numeric_limits<std::int16_t>::max()) ++result_.OrphanLines;
+                continue;
+            }
+            if (!SameText(order, lastOrder)) {
+                lastOrder = order;
+                if (job_.AddBlankLine) file_.WriteLine("");
+            }
+            WriteRecord({tables_, header, line});
+        }
+        return result_;
+    }
+
+private:
+    void StartLine() {
+        line_.clear();
+        started_ = false;
+    }
+
+    void Separate() {
+        if (started_) line_ += DelimiterText(job_.Delimiter);
+        started_ = true;
+    }
+
+    void AppendCell(const std::string& cell) {
+        if (job_.Delimiter != Delimiter::CsvQuotes || IsNumeric(cell)) {
+            line_ += cell;
+            return;
+        }
+        const std::string_view text = Trim(cell);
+        if (text.starts_with('"') && text.ends_with('"')) line_ += text;
+        else AppendQuoted(line_, text);
+    }
+
+    void WriteRecord(const Current& current) {
+        StartLine();
+        for (std::size_t k = 0; k < columns_.size(); ++k) {
+            columns_[k].Fill(current, operands_, cells_[k]);
+            Separate();
+            AppendCell(cells_[k]);
+        }
+        file_.WriteLine(line_);
+        progress_.Show(++result_.Exported);
+    }
+
+    const ExportJob& job_;
+    const OrderTables& tables_;
+    SafeFile& file_;
+    Progress& progress_;
+    std::vector<Column> columns_;
+    std::vector<std::string> cells_; ///< keep their values from record to record
+    Operands operands_;
+    std::string line_;
+    bool started_ = false;
+    ExportResult result_;
+};
+
+} // namespace
+
+bool HasLineFields(std::span<const std::string> columns) {
+    const std::span<const TableField> fields = FieldsOf("ZUKORLIN");
+    return std::any_of(columns.begin(), columns.end(), [&](const std::string& row) {
+        return std::any_of(fields.begin(), fields.end(), [&](const TableField& field) {
+            return FindText(row, field.Name) != std::string_view::npos;
+        });
+    });
+}
+
+ExportResult ExportOrders(const ExportJob& job, const OrderTables& tables, Progress& progress) {
+    const bool withLines = HasLineFields(job.Columns);
+    std::unique_ptr<SafeFile> file;
+    try {
+        file = std::make_unique<SafeFile>(job.ExportFile);
+    } catch (const RunTimeFailure&) {
+        ExportResult refused;
+        refused.Walked = withLines ? tables.FGLin.RecordCount() : tables.FGHdr.RecordCount();
+        refused.CouldNotOpen = true;
+        return refused;
+    }
+    Run run(job, tables, withLines, *file, progress);
+    if (job.AddHeadings) run.WriteHeadings();
+    const ExportResult result = withLines ? run.WalkLines() : run.WalkHeaders();
+    file->Commit();
+    return result;
+}
+
+std::string ExportFileName(std::string_view text, Delimiter delimiter) {
+    std::string name(text);
+    if (ExtensionOf(text).empty()) name += delimiter == Delimiter::Tab ? ".txt" : ".csv";
+    return name;
+}

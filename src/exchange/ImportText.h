@@ -1,0 +1,49 @@
+#pragma once
+
+#include "core/TextFile.h"
+#include "exchange/Delimiter.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+/// What one pass over a text file from an accounting system tells of it.
+struct ImportSurvey {
+    std::int32_t LineCount = 0; ///< lines that are not empty
+    bool Utf8 = false;          ///< begins with the mark of UTF-8, or is valid UTF-8 with bytes above 127
+};
+
+/// Reads the file once, in blocks. RunTimeFailure as TextReader.
+ImportSurvey SurveyImportFile(std::string_view path);
+
+/// The number of non-empty lines. RunTimeFailure as TextReader.
+std::int32_t CountLines(std::string_view path);
+
+/// Reads the lines of a text file from an accounting system as code page 1252.
+class ImportReader {
+public:
+    /// `utf8` as SurveyImportFile found it. RunTimeFailure as TextReader.
+    ImportReader(std::string_view path, bool utf8);
+
+    /// The next line without its end and without a mark of UTF-8; false at the end of the file.
+    /// RunTimeFailure 6 for a line longer than TextReader::MaxLine, which is then passed: the next
+    /// call goes on behind it. Otherwise as TextReader.
+    bool ReadLine(std::string& line);
+
+    /// True once a first line with the mark of UTF-8 has been read.
+    bool HasMark() const { return hasMark_; }
+
+private:
+    void PassLongLine();
+
+    TextReader file_;
+    bool utf8_;
+    bool first_ = true;
+    bool hasMark_ = false;
+};
+
+/// The delimiter of a file by its first line that shows one: CSV Quotes for a double quote directly
+/// followed by a comma, else CSV for a comma, else TAB for a tab character. Nothing when no line
+/// shows any. RunTimeFailure as TextReader.
+std::optional<Delimiter> RecogniseDelimiter(std::string_view path);
