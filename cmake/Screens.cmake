@@ -5,6 +5,8 @@ find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets Network)
 set(CMAKE_AUTOMOC ON)
 set(CMAKE_AUTOUIC ON)
 set(CMAKE_AUTORCC ON)
+# moc cannot read the standard library's concepts; told nothing of C++20 it passes them by.
+set(CMAKE_AUTOMOC_COMPILER_PREDEFINES OFF)
 
 file(GLOB screen_sources CONFIGURE_DEPENDS
     ${CMAKE_SOURCE_DIR}/src/platform/*.cpp ${CMAKE_SOURCE_DIR}/src/platform/*.h

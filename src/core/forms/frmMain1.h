@@ -1,8 +1,11 @@
 #pragma once
 
+#include "core/Text.h"
 #include "platform/Form.h"
 #include "platform/GridModel.h"
 #include "ui_frmMain1.h"
+
+#include <QIcon>
 
 #include <functional>
 

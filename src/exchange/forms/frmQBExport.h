@@ -1,6 +1,5 @@
 #pragma once
 
-#include "exchange/Export.h"
 #include "exchange/forms/QuickButtonForm.h"
 
 /// Runs an export activity: up to two saved export templates, one after the other.
