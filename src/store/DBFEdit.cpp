@@ -20,6 +20,14 @@ std::string ReadPadded(DiskFile& file, std::uint64_t offset, std::size_t size) {
     return bytes;
 }
 
+/// Removes a work file after a failure, which is the one to be told of.
+void RemoveQuietly(const std::string& path) {
+    try {
+        Global.TheDisk->Remove(path);
+    } catch (const RunTimeFailure&) { // it stays behind, and the next run writes over it
+    }
+}
+
 } // namespace
 
 DiskFile& DBFEdit::File() const {
@@ -171,7 +179,7 @@ void DBFEdit::ReIndex(std::string_view path) {
         // By claim: after a failure the number may be another's.
         Global.Files.Close(work);
         if (Global.Files.IsOpen(file_)) Global.Files.Close(fileNumber_--);
-        if (!workPath.empty()) Global.TheDisk->Remove(workPath);
+        if (!workPath.empty()) RemoveQuietly(workPath);
         throw;
     }
 }
