@@ -12,7 +12,9 @@ namespace {
 
 constexpr int MaxRecord = 4000;
 
-bool IsLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
+bool IsLetter(char c) {
+    return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+}
 
 bool IsGoodName(std::string_view name) {
     if (name.empty() || name.size() > 10 || !IsLetter(name.front())) return false;
@@ -22,13 +24,17 @@ bool IsGoodName(std::string_view name) {
 
 bool IsGoodSize(const FieldDef& field) {
     switch (field.Type) {
-    case 'C': return field.Length >= 1 && field.Decimals == 0;
+    case 'C':
+        return field.Length >= 1 && field.Decimals == 0;
     case 'N':
         return field.Length >= 1 && field.Length <= 20 &&
                (field.Decimals == 0 || field.Decimals + 2 <= field.Length);
-    case 'D': return field.Length == 8 && field.Decimals == 0;
-    case 'L': return field.Length == 1 && field.Decimals == 0;
-    default: return false;
+    case 'D':
+        return field.Length == 8 && field.Decimals == 0;
+    case 'L':
+        return field.Length == 1 && field.Decimals == 0;
+    default:
+        return false;
     }
 }
 

@@ -20,9 +20,19 @@ std::string ReadPadded(DiskFile& file, std::uint64_t offset, std::size_t size) {
     return bytes;
 }
 
+/// Removes a work file after a failure, which is the one to be told of.
+void RemoveQuietly(const std::string& path) {
+    try {
+        Global.TheDisk->Remove(path);
+    } catch (const RunTimeFailure&) { // it stays behind, and the next run writes over it
+    }
+}
+
 } // namespace
 
-DiskFile& DBFEdit::File() const { return Global.Files.Use(file_); }
+DiskFile& DBFEdit::File() const {
+    return Global.Files.Use(file_);
+}
 
 std::size_t DBFEdit::BufferSize() const {
     if (RecordLength < 1 || RecordLength <= layout_.FieldBytes()) throw RunTimeFailure(5, path_);
@@ -87,9 +97,15 @@ void DBFEdit::Go(std::int32_t target) {
         currentRecord_ = RecordCount;
         ReadRecord();
         return;
-    case Previous: Skip(-1); return;
-    case Next: Skip(1); return;
-    case Append: AppendBlank(); return;
+    case Previous:
+        Skip(-1);
+        return;
+    case Next:
+        Skip(1);
+        return;
+    case Append:
+        AppendBlank();
+        return;
     default:
         if (target < 1 || target > RecordCount) return;
         currentRecord_ = target;
@@ -109,8 +125,10 @@ void DBFEdit::AppendBlank() {
 void DBFEdit::ReadRecord() {
     DiskFile& file = File();
     // What lies before record 1 is the header, never a record.
-    if (currentRecord_ < 1) recordBuffer_.assign(BufferSize(), ' ');
-    else recordBuffer_ = ReadPadded(file, FlagAt(currentRecord_) + 1, BufferSize());
+    if (currentRecord_ < 1)
+        recordBuffer_.assign(BufferSize(), ' ');
+    else
+        recordBuffer_ = ReadPadded(file, FlagAt(currentRecord_) + 1, BufferSize());
 }
 
 std::int32_t DBFEdit::Skip(std::int32_t offset) {
@@ -121,9 +139,13 @@ std::int32_t DBFEdit::Skip(std::int32_t offset) {
     return stays ? 0 : offset;
 }
 
-void DBFEdit::UpDate() { File().WriteAt(FlagAt(currentRecord_) + 1, recordBuffer_); }
+void DBFEdit::UpDate() {
+    File().WriteAt(FlagAt(currentRecord_) + 1, recordBuffer_);
+}
 
-void DBFEdit::WriteRecordCount() { File().WriteAt(4, BytesOfInt32(RecordCount)); }
+void DBFEdit::WriteRecordCount() {
+    File().WriteAt(4, BytesOfInt32(RecordCount));
+}
 
 void DBFEdit::DeleteRecord() {
     File().WriteAt(FlagAt(currentRecord_), std::string_view(&TableLayout::Deleted, 1));
@@ -157,7 +179,7 @@ void DBFEdit::ReIndex(std::string_view path) {
         // By claim: after a failure the number may be another's.
         Global.Files.Close(work);
         if (Global.Files.IsOpen(file_)) Global.Files.Close(fileNumber_--);
-        if (!workPath.empty()) Global.TheDisk->Remove(workPath);
+        if (!workPath.empty()) RemoveQuietly(workPath);
         throw;
     }
 }

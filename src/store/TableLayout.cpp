@@ -21,7 +21,9 @@ constexpr std::size_t NameSize = 11;
     throw RunTimeFailure(321, std::string(FileNameOf(path)) + ": " + fault);
 }
 
-bool EndsTheList(char first) { return static_cast<unsigned char>(first) < 32; }
+bool EndsTheList(char first) {
+    return static_cast<unsigned char>(first) < 32;
+}
 
 } // namespace
 
@@ -131,7 +133,8 @@ void TableLayout::Convert(int field, std::string& value) const {
     case Kind::Number:
         if (!IsNumeric(value)) value = "0";
         return;
-    case Kind::Text: return;
+    case Kind::Text:
+        return;
     }
 }
 

@@ -49,7 +49,9 @@ void TableRewrite::Write(const FieldKey& key, std::string value) {
     layout_.Put(layout_.Find(key), value, fields_);
 }
 
-void TableRewrite::Blank() { fields_.assign(static_cast<std::size_t>(layout_.RecordLength()) - 1, ' '); }
+void TableRewrite::Blank() {
+    fields_.assign(static_cast<std::size_t>(layout_.RecordLength()) - 1, ' ');
+}
 
 void TableRewrite::Drain() {
     if (count_ == 0) return;
@@ -76,8 +78,10 @@ void CompactTable(std::string_view path) {
     }
     // The byte behind the last record is what stood behind it before. Only when every record up to
     // it was kept is that place its own, and the next record, a deleted one, leaves a blank there.
-    if (lastKept == scan.RecordCount()) rewrite.SetTrailing(lastKept > 0 ? scan.Trailing() : ' ');
-    else if (lastKept != rewrite.RecordCount()) rewrite.SetTrailing(TableLayout::Deleted);
+    if (lastKept == scan.RecordCount())
+        rewrite.SetTrailing(lastKept > 0 ? scan.Trailing() : ' ');
+    else if (lastKept != rewrite.RecordCount())
+        rewrite.SetTrailing(TableLayout::Deleted);
     scan.Close();
     rewrite.Commit();
 }
@@ -96,19 +100,18 @@ void ShiftDown(std::string_view path, std::span<const std::string> first) {
     const TableLayout& layout = scan.Layout();
     const auto fieldBytes = static_cast<std::size_t>(layout.FieldBytes());
     std::string above(fieldBytes, ' ');
-    bool hasAbove = false;
     const auto writeFields = [&] {
+        const bool top = rewrite.RecordCount() == 1;
         for (int k = 1; k <= layout.FieldCount(); ++k) {
-            rewrite.Write(k, hasAbove ? std::string(layout.Get(k, above)) : std::string());
+            rewrite.Write(k, top ? std::string() : std::string(layout.Get(k, above)));
         }
-        if (hasAbove) return;
+        if (!top) return;
         for (std::size_t k = 0; k < first.size(); ++k) rewrite.Write(static_cast<int>(k) + 1, first[k]);
     };
     while (scan.Next()) {
         rewrite.AppendRaw(scan.Flag(), scan.Record());
         writeFields();
         above = scan.Record().substr(0, fieldBytes);
-        hasAbove = true;
     }
     rewrite.Append();
     writeFields();

@@ -72,6 +72,7 @@ void EmptyTable(std::string_view path, bool flush = true);
 /// Makes room at the top: a record is added at the end and every record's fields move down by one,
 /// record 1 being left blank. Each value goes through TableLayout::Convert on its way, so a blank
 /// `N` field becomes 0, also in record 1. Flags, and bytes behind the last field, stay where they
-/// are. `first` is then written into record 1, from field 1 on; RunTimeFailure 9 when it holds more
-/// values than the table has fields. Trace lines of FileOpen and FileClose.
+/// are. `first` is then written to record 1, one value a field from field 1 on; RunTimeFailure 9,
+/// the table left as it was, when it holds more values than there are fields.
+/// Trace lines of FileOpen and FileClose.
 void ShiftDown(std::string_view path, std::span<const std::string> first = {});

@@ -29,8 +29,10 @@ TableScan::TableScan(std::string_view path) : unwinding_(std::uncaught_exception
 }
 
 TableScan::~TableScan() {
-    if (std::uncaught_exceptions() == unwinding_) Close();
-    else Global.Files.Close(file_);
+    if (std::uncaught_exceptions() == unwinding_)
+        Close();
+    else
+        Global.Files.Close(file_);
 }
 
 void TableScan::Close() {
@@ -70,7 +72,9 @@ void TableScan::Fill() {
     blockCount_ = count;
 }
 
-std::string_view TableScan::Trimmed(int field) const { return Trim(Field(field)); }
+std::string_view TableScan::Trimmed(int field) const {
+    return Trim(Field(field));
+}
 
 char TableScan::Trailing() {
     char byte = ' ';

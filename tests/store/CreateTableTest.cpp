@@ -20,7 +20,8 @@ protected:
     }
 };
 
-const std::vector<FieldDef> Fields = {{"C_CODE", 'C', 6}, {"C_BAL", 'N', 8, 2}, {"C_SINCE", 'D', 8}, {"OK", 'L', 1}};
+const std::vector<FieldDef> Fields = {
+    {"C_CODE", 'C', 6}, {"C_BAL", 'N', 8, 2}, {"C_SINCE", 'D', 8}, {"OK", 'L', 1}};
 
 class TableLock : public CreateTableTest {};
 
@@ -29,9 +30,10 @@ class TableLock : public CreateTableTest {};
 TEST_F(CreateTableTest, MakesAnEmptyTableByteForByte) {
     CreateTable(Path(), Fields);
 
-    const std::string expected = TableMaker({{"C_CODE", 'C', 6}, {"C_BAL", 'N', 8, 2}, {"C_SINCE", 'D', 8}, {"OK", 'L', 1}})
-                                     .Preamble("\x03\x7E\x01\x01", std::string(20, '\0'))
-                                     .Bytes();
+    const std::string expected =
+        TableMaker({{"C_CODE", 'C', 6}, {"C_BAL", 'N', 8, 2}, {"C_SINCE", 'D', 8}, {"OK", 'L', 1}})
+            .Preamble("\x03\x7E\x01\x01", std::string(20, '\0'))
+            .Bytes();
     EXPECT_EQ(Bytes(Path()), expected);
 }
 

@@ -13,7 +13,8 @@ using Values = std::vector<std::string>;
 class DBFEditTest : public EngineTest {
 protected:
     static TableMaker Customers() {
-        return TableMaker({{"C_CODE", 'C', 6}, {"C_NAME", 'C', 10}, {"C_BAL", 'N', 8, 2}, {"C_SINCE", 'D', 8}});
+        return TableMaker(
+            {{"C_CODE", 'C', 6}, {"C_NAME", 'C', 10}, {"C_BAL", 'N', 8, 2}, {"C_SINCE", 'D', 8}});
     }
 
     static TableMaker ThreeCustomers() {
@@ -127,8 +128,10 @@ TEST_F(DBFEditTest, LastOfAnEmptyTableIsRecordZeroAndReadsAsBlanks) {
 
     EXPECT_EQ(table.RecordNumber(), 0);
     for (int k = 1; k <= 4; ++k) {
-        EXPECT_EQ(table.GetData(k), std::string(static_cast<std::size_t>(std::stoi(table.FieldLength(
-                                                    static_cast<std::int16_t>(k)))), ' '));
+        EXPECT_EQ(
+            table.GetData(k),
+            std::string(static_cast<std::size_t>(std::stoi(table.FieldLength(static_cast<std::int16_t>(k)))),
+                        ' '));
     }
 }
 

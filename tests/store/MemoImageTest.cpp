@@ -41,7 +41,8 @@ TEST_F(MemoImage, IsWrittenWithItsHeaderFieldByField) {
     expected += memo.substr(B + 65, 4) + memo.substr(B + 69, 4) + memo.substr(B + 73, 4);
     expected += memo.substr(B + 77, 2) + memo.substr(B + 79, 2) + memo.substr(B + 81, 4);
     expected += LittleEndian(3 * 512 - 106);
-    expected += memo.substr(B + 89, 4) + memo.substr(B + 93, 4) + memo.substr(B + 97, 4) + memo.substr(B + 101, 4);
+    expected +=
+        memo.substr(B + 89, 4) + memo.substr(B + 93, 4) + memo.substr(B + 97, 4) + memo.substr(B + 101, 4);
     expected += memo.substr(B + 105, 3 * 512 - 106);
     EXPECT_EQ(Bytes(Bitmap()), expected);
     EXPECT_EQ(Global.Files.Count(), 0);

@@ -23,7 +23,8 @@ protected:
     }
 
     static TableMaker Customers() {
-        return TableMaker({{"C_CODE", 'C', 6}, {"C_NAME", 'C', 10}, {"C_BAL", 'N', 8, 2}, {"C_SINCE", 'D', 8}});
+        return TableMaker(
+            {{"C_CODE", 'C', 6}, {"C_NAME", 'C', 10}, {"C_BAL", 'N', 8, 2}, {"C_SINCE", 'D', 8}});
     }
 };
 

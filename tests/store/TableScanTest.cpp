@@ -59,7 +59,8 @@ TEST_F(TableScanTest, EmptyTableHasNoRecord) {
 TEST_F(TableScanTest, ReadsTheSameAsDBFEditOverManyBlocks) {
     TableMaker maker({{"KEY", 'C', 9}, {"REST", 'C', 200}});
     for (int k = 1; k <= 4000; ++k) {
-        maker.Row({"K" + std::to_string(k), std::string(static_cast<std::size_t>(k % 200), 'x')}, k % 7 ? ' ' : '*');
+        maker.Row({"K" + std::to_string(k), std::string(static_cast<std::size_t>(k % 200), 'x')},
+                  k % 7 ? ' ' : '*');
     }
     const std::string path = GivenFile("BIG.DBF", maker.Bytes());
     DBFEdit table;
@@ -80,7 +81,8 @@ TEST_F(TableScanTest, ReadsTheSameAsDBFEditOverManyBlocks) {
 
 TEST_F(TableScanTest, CanStartAgain) {
     TableScan scan(GivenFile("ZUKITEM.DBF", Items().Row({"A1"}).Row({"B2"}).Bytes()));
-    while (scan.Next()) {}
+    while (scan.Next()) {
+    }
 
     scan.Restart();
 

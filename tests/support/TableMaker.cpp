@@ -80,8 +80,11 @@ int TableMaker::RecordLength() const {
 std::string TableMaker::Bytes() const {
     std::string bytes = start_;
     Put(bytes, static_cast<std::uint32_t>(count_.value_or(rows_)), 4);
-    Put(bytes, static_cast<std::uint32_t>(headerLength_.value_or(static_cast<std::int16_t>(33 + 32 * Columns()))), 2);
-    Put(bytes, static_cast<std::uint32_t>(recordLength_.value_or(static_cast<std::int16_t>(RecordLength()))), 2);
+    Put(bytes,
+        static_cast<std::uint32_t>(headerLength_.value_or(static_cast<std::int16_t>(33 + 32 * Columns()))),
+        2);
+    Put(bytes, static_cast<std::uint32_t>(recordLength_.value_or(static_cast<std::int16_t>(RecordLength()))),
+        2);
     bytes += reserved_;
     for (const Column& column : columns_) {
         std::string name = column.Name;

@@ -1,0 +1,404 @@
+#include "store/TableRewrite.h"
+
+#include "store/DBFEdit.h"
+#include "support/EngineTest.h"
+#include "support/Fails.h"
+#include "support/FaultyDisk.h"
+#include "support/TableMaker.h"
+
+#include <functional>
+#include <random>
+
+namespace {
+
+using Values = std::vector<std::string>;
+
+// What the routines stand for, record at a time.
+
+void EmptyStepByStep(const std::string& path) {
+    DBFEdit table;
+    table.FileOpen(path);
+    table.Go(DBFEdit::First);
+    for (std::int32_t k = 1; k <= table.RecordCount; ++k) {
+        table.DeleteRecord();
+        table.Go(DBFEdit::Next);
+    }
+    table.ReIndex(path);
+}
+
+void CompactStepByStep(const std::string& path) {
+    DBFEdit table;
+    table.FileOpen(path);
+    table.ReIndex(path);
+}
+
+void RefillStepByStep(const std::string& path, const std::vector<Values>& rows) {
+    EmptyStepByStep(path);
+    DBFEdit table;
+    table.FileOpen(path);
+    table.Go(DBFEdit::Last);
+    table.KillEOFFlag();
+    for (const Values& row : rows) {
+        table.Go(DBFEdit::Append);
+        for (std::size_t k = 0; k < row.size(); ++k) {
+            if (!row[k].empty()) table.WriteData(static_cast<int>(k) + 1, row[k]);
+        }
+        table.UpDate();
+    }
+    table.FileClose();
+}
+
+void ShiftStepByStep(const std::string& path, const Values& first) {
+    DBFEdit table;
+    table.FileOpen(path);
+    table.Go(DBFEdit::Last);
+    table.KillEOFFlag();
+    table.Go(DBFEdit::Append);
+    table.Go(DBFEdit::Last);
+    for (std::int32_t k = table.RecordCount; k > 1; --k) {
+        table.Go(k - 1);
+        Values above;
+        for (int field = 1; field <= table.NoFields(); ++field) above.push_back(table.GetData(field));
+        table.Go(k);
+        for (int field = 1; field <= table.NoFields(); ++field) {
+            table.WriteData(field, above[static_cast<std::size_t>(field) - 1]);
+        }
+        table.UpDate();
+    }
+    table.Go(1);
+    for (int field = 1; field <= table.NoFields(); ++field) table.WriteData(field, "");
+    for (std::size_t k = 0; k < first.size(); ++k) table.WriteData(static_cast<int>(k) + 1, first[k]);
+    table.UpDate();
+    table.FileClose();
+}
+
+/// A table's bytes up to and with the one behind the last counted record, a blank when it is missing.
+std::string UpToTheEnd(std::string bytes) {
+    const TableContent content(bytes);
+    EXPECT_GE(content.Count, 0);
+    bytes.resize(bytes.size() - content.Behind.size());
+    return bytes + (content.Behind.empty() ? ' ' : content.Behind.front());
+}
+
+/// Tables and values at random, the same ones for the same seed.
+class Lots {
+public:
+    explicit Lots(unsigned seed) : random_(seed) {}
+
+    int Below(int limit) { return static_cast<int>(random_() % static_cast<unsigned>(limit)); }
+
+    std::string Bytes(int length, int lowest = 0) {
+        std::string text;
+        for (int k = 0; k < length; ++k) text += static_cast<char>(lowest + Below(256 - lowest));
+        return text;
+    }
+
+    std::string Value(char type, int length) {
+        static const Values Dates = {"20260115", "2026-12-31", "1/2/26", "15-Nov-2026", "19991301", "soon"};
+        static const Values Numbers = {"12.5", "  7", "-3.25  ", "1,250.00", "(4)", "$5", "many", "1D2", "."};
+        switch (Below(5)) {
+        case 0:
+            return "";
+        case 1:
+            return std::string(static_cast<std::size_t>(Below(12)), ' ');
+        case 2:
+            return Bytes(Below(length + 4), 32);
+        default:
+            break;
+        }
+        if (type == 'D') return Dates[static_cast<std::size_t>(Below(static_cast<int>(Dates.size())))];
+        if (type == 'N') return Numbers[static_cast<std::size_t>(Below(static_cast<int>(Numbers.size())))];
+        return Bytes(length, 32);
+    }
+
+    std::vector<TableMaker::Column> Columns() {
+        std::vector<TableMaker::Column> columns;
+        const int count = 1 + Below(Below(4) == 0 ? 60 : 8);
+        for (int k = 1; k <= count; ++k) {
+            const char type = "CCNDcnd"[Below(7)];
+            const bool date = type == 'D' || type == 'd';
+            columns.push_back({"F" + std::to_string(k), type, date && Below(4) ? 8 : Below(30)});
+        }
+        return columns;
+    }
+
+    TableMaker Table(const std::vector<TableMaker::Column>& columns) {
+        TableMaker maker(columns);
+        maker.Preamble(Bytes(4), Bytes(20)).ClaimHeaderLength(static_cast<std::int16_t>(Below(5000)));
+        maker.Terminator(static_cast<char>(Below(32)));
+        const int slack = Below(3) ? 0 : 1 + Below(5);
+        maker.Slack(slack);
+        const int count = Below(6) == 0 ? 0 : 1 + Below(Below(4) == 0 ? 300 : 20);
+        const int deletedIn = 1 + Below(4);
+        const int kind = Below(5);
+        for (int k = 0; k < count; ++k) {
+            std::string fields;
+            for (const auto& column : columns) {
+                std::string value = Value(column.Type, column.Length);
+                value.resize(static_cast<std::size_t>(column.Length), ' ');
+                fields += value;
+            }
+            bool deleted = Below(deletedIn + 1) == 0;
+            if (kind == 0) deleted = false;
+            if (kind == 1) deleted = k > count / 2;
+            if (kind == 2) deleted = true;
+            const char live = Below(20) ? ' ' : static_cast<char>(Below(42));
+            maker.RawRow(fields + Bytes(slack), deleted ? '*' : live);
+        }
+        static const Values Ends = {"\x1A", " ", "", "*", "\x1A more behind"};
+        return maker.End(Ends[static_cast<std::size_t>(Below(static_cast<int>(Ends.size())))]);
+    }
+
+private:
+    std::mt19937 random_;
+};
+
+class TableRewriteTest : public EngineTest {
+protected:
+    static TableMaker Items() {
+        return TableMaker({{"I_CODE", 'C', 4}, {"I_PRICE", 'N', 6, 2}, {"I_DATE", 'D', 8}});
+    }
+
+    std::string GivenItems(const TableMaker& maker) { return GivenFile("ZUKITEM.DBF", maker.Bytes()); }
+
+    /// Both roads over one table: they must leave the same bytes and the same trace.
+    void ExpectSame(const std::string& before, const std::function<void(const std::string&)>& steps,
+                    const std::function<void(const std::string&)>& whole) {
+        const std::string path = GivenFile("ROAD.DBF", before);
+        Global.Events.Clear();
+        steps(path);
+        const TraceRing trace = Global.Events;
+        const std::string expected = UpToTheEnd(Bytes(path));
+
+        GivenFile("ROAD.DBF", before);
+        Global.Events.Clear();
+        whole(path);
+
+        ASSERT_EQ(Bytes(path), expected);
+        ASSERT_EQ(NativeDisk().FilesIn(Folder()).size(), 1u);
+        ASSERT_EQ(Global.Files.Count(), 0);
+        for (std::size_t k = 0; k < TraceEntries; ++k) ASSERT_EQ(Global.Events.Entry(k), trace.Entry(k));
+    }
+};
+
+class RandomTables : public TableRewriteTest, public ::testing::WithParamInterface<unsigned> {
+protected:
+    Lots lots{GetParam()};
+    static constexpr int Tables = 12;
+};
+
+} // namespace
+
+TEST_P(RandomTables, CompactedWholeComeOutAsStepByStep) {
+    for (int k = 0; k < Tables; ++k) {
+        ASSERT_NO_FATAL_FAILURE(
+            ExpectSame(lots.Table(lots.Columns()).Bytes(), CompactStepByStep, CompactTable));
+    }
+}
+
+TEST_P(RandomTables, EmptiedWholeComeOutAsStepByStep) {
+    for (int k = 0; k < Tables; ++k) {
+        ASSERT_NO_FATAL_FAILURE(ExpectSame(lots.Table(lots.Columns()).Bytes(), EmptyStepByStep,
+                                           [](const std::string& path) { EmptyTable(path); }));
+    }
+}
+
+TEST_P(RandomTables, RefilledWholeComeOutAsStepByStep) {
+    for (int k = 0; k < Tables; ++k) {
+        const auto columns = lots.Columns();
+        std::vector<Values> rows(static_cast<std::size_t>(lots.Below(60)));
+        for (Values& row : rows) {
+            for (const auto& column : columns) row.push_back(lots.Value(column.Type, column.Length));
+        }
+        const auto whole = [&](const std::string& path) {
+            EmptyTable(path);
+            TraceEvent("DBFEdit:FileOpen " + path);
+            TableRewrite rewrite(path);
+            for (const Values& row : rows) {
+                rewrite.Append();
+                for (std::size_t field = 0; field < row.size(); ++field) {
+                    if (!row[field].empty()) rewrite.Write(static_cast<int>(field) + 1, row[field]);
+                }
+            }
+            TraceEvent("DBFEdit:FileClose");
+            rewrite.Commit();
+        };
+        ASSERT_NO_FATAL_FAILURE(ExpectSame(
+            lots.Table(columns).Bytes(), [&](const std::string& path) { RefillStepByStep(path, rows); },
+            whole));
+    }
+}
+
+TEST_P(RandomTables, ShiftedWholeComeOutAsStepByStep) {
+    for (int k = 0; k < Tables; ++k) {
+        const auto columns = lots.Columns();
+        Values first;
+        const int values = lots.Below(static_cast<int>(columns.size()) + 1);
+        for (const auto& column : columns) {
+            if (static_cast<int>(first.size()) < values)
+                first.push_back(lots.Value(column.Type, column.Length));
+        }
+        ASSERT_NO_FATAL_FAILURE(ExpectSame(
+            lots.Table(columns).Bytes(), [&](const std::string& path) { ShiftStepByStep(path, first); },
+            [&](const std::string& path) { ShiftDown(path, first); }));
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Seeds, RandomTables, ::testing::Values(1u, 22u, 333u, 4444u, 55555u));
+
+TEST_F(TableRewriteTest, NewContentTakesThePlaceOfTheOldUnderTheSameHeader) {
+    const TableMaker empty = Items().Preamble("\x83\x63\x0C\x1F", "reserved");
+    const std::string path = GivenItems(TableMaker(empty).Row({"A1", "3"}).Row({"B2"}, '*'));
+
+    TableRewrite rewrite(path);
+    rewrite.Append();
+    rewrite.Write("I_CODE", "LONGER");
+    rewrite.Write("i_pr", "dear");
+    rewrite.Write("I_DATE", "2026-11-15");
+    rewrite.AppendRaw('*', "Z9  1     20260101");
+    rewrite.Write("I_CODE", "Y8");
+    rewrite.Commit();
+
+    EXPECT_EQ(
+        Bytes(path),
+        TableMaker(empty).Row({"LONG", "0", "20261115"}).Row({"Y8", "1", "20260101"}, '*').End(" ").Bytes());
+}
+
+TEST_F(TableRewriteTest, ByteBehindTheLastRecordCanBeChosen) {
+    const std::string path = GivenItems(Items().Row({"A1"}));
+
+    TableRewrite rewrite(path);
+    rewrite.SetTrailing('\x1A');
+    rewrite.Commit();
+
+    EXPECT_EQ(Bytes(path), Items().Bytes());
+}
+
+TEST_F(TableRewriteTest, BlankTakesBackWhatWasWrittenToTheRecord) {
+    const std::string path = GivenItems(Items());
+
+    TableRewrite rewrite(path);
+    rewrite.Append();
+    rewrite.Write(1, "BAD");
+    rewrite.Blank();
+    rewrite.Commit();
+
+    EXPECT_EQ(Bytes(path), Items().Row({}).End(" ").Bytes());
+}
+
+TEST_F(TableRewriteTest, WithoutCommitTheTableStaysAsItWas) {
+    const std::string path = GivenItems(Items().Row({"A1"}));
+    {
+        TableRewrite rewrite(path);
+        rewrite.Append();
+    }
+
+    EXPECT_EQ(Bytes(path), Items().Row({"A1"}).Bytes());
+    EXPECT_EQ(NativeDisk().FilesIn(Folder()).size(), 1u);
+}
+
+TEST_F(TableRewriteTest, WritingBeforeTheFirstRecordOrToNoFieldFails) {
+    TableRewrite rewrite(GivenItems(Items()));
+
+    EXPECT_EQ(FailureOf([&] { rewrite.Write(1, "A"); }).Number, 63);
+    rewrite.Append();
+    EXPECT_EQ(FailureOf([&] { rewrite.Write(4, "A"); }).Number, 9);
+    EXPECT_EQ(FailureOf([&] { rewrite.AppendRaw(' ', "short"); }).Number, 5);
+    rewrite.Write("NONE", "A");
+    EXPECT_EQ(rewrite.RecordCount(), 1);
+}
+
+TEST_F(TableRewriteTest, MissingOrHostileTableIsRefused) {
+    EXPECT_EQ(FailureOf([&] { TableRewrite rewrite(Folder() + "NONE.DBF"); }).Number, 53);
+    EXPECT_EQ(FailureOf([&] { TableRewrite rewrite(GivenItems(Items().ClaimRecordLength(0))); }).Number, 321);
+    EXPECT_EQ(FailureOf([&] { EmptyTable(GivenItems(Items().ClaimCount(9))); }).Number, 321);
+    EXPECT_EQ(NativeDisk().FilesIn(Folder()).size(), 1u);
+}
+
+TEST_F(TableRewriteTest, ThousandsOfRecordsAreWrittenInBlocks) {
+    const std::string path = GivenItems(Items());
+    FaultyDisk disk;
+    Global.TheDisk = &disk;
+
+    TableRewrite rewrite(path);
+    for (int k = 1; k <= 40000; ++k) {
+        rewrite.Append();
+        rewrite.Write(1, std::to_string(k));
+    }
+    rewrite.Commit();
+    Global.TheDisk = &NativeDisk();
+
+    EXPECT_LT(disk.Calls(), 12);
+    const TableContent content(Bytes(path));
+    EXPECT_EQ(content.Count, 40000);
+    EXPECT_EQ(content.Trimmed(9999)[0], "9999");
+}
+
+TEST_F(TableRewriteTest, FailingDiskLeavesTheTableAsItWasAndNoWorkFile) {
+    const std::string before = Items().Row({"A1", "", "20260101"}).Row({"B2"}, '*').Row({"C3"}).Bytes();
+    const std::vector<std::function<void(const std::string&)>> routines = {
+        CompactTable, [](const std::string& path) { EmptyTable(path); },
+        [](const std::string& path) { ShiftDown(path); }};
+
+    for (const auto& routine : routines) {
+        int failures = 0;
+        for (int failAt = 1; failAt < 100; ++failAt) {
+            const std::string path = GivenFile("ZUKITEM.DBF", before);
+            FaultyDisk disk(failAt, 57);
+            Global.TheDisk = &disk;
+            try {
+                routine(path);
+                failAt = 100;
+            } catch (const RunTimeFailure& failure) {
+                ++failures;
+                EXPECT_EQ(failure.Number(), 57);
+                EXPECT_EQ(Bytes(path), before);
+            }
+            Global.TheDisk = &NativeDisk();
+            EXPECT_EQ(NativeDisk().FilesIn(Folder()).size(), 1u);
+            EXPECT_EQ(Global.Files.Count(), 0);
+        }
+        EXPECT_GE(failures, 4); // the work file, a write, the flush, the rename
+    }
+}
+
+TEST_F(TableRewriteTest, ShiftLeavesRecordOneBlankWithZeroesInItsNumbers) {
+    const std::string path = GivenItems(Items().Row({"A1", "", "20260101"}).Row({"B2", "2"}));
+
+    ShiftDown(path);
+
+    const TableContent content(Bytes(path));
+    EXPECT_EQ(content.Count, 3);
+    EXPECT_EQ(content.Trimmed(1), (Values{"", "0", ""}));
+    EXPECT_EQ(content.Trimmed(2), (Values{"A1", "0", "20260101"}));
+    EXPECT_EQ(content.Trimmed(3), (Values{"B2", "2", ""}));
+    EXPECT_EQ(content.Behind, " ");
+}
+
+TEST_F(TableRewriteTest, ShiftOfAnEmptyTableGivesOneRecord) {
+    const std::string path = GivenItems(Items());
+
+    ShiftDown(path, Values{"A1", "12.5"});
+
+    const TableContent content(Bytes(path));
+    EXPECT_EQ(content.Count, 1);
+    EXPECT_EQ(content.Trimmed(1), (Values{"A1", "12.5", ""}));
+    EXPECT_EQ(content.Flags, " ");
+}
+
+TEST_F(TableRewriteTest, ShiftLeavesFlagsAtTheirPlaces) {
+    const std::string path = GivenItems(Items().Row({"A1"}).Row({"B2"}, '*').Row({"C3"}));
+
+    ShiftDown(path);
+
+    EXPECT_EQ(TableContent(Bytes(path)).Flags, " *  ");
+}
+
+TEST_F(TableRewriteTest, ShiftWithMoreValuesThanFieldsIsASubscriptFailure) {
+    const std::string path = GivenItems(Items().Row({"A1"}));
+
+    EXPECT_EQ(FailureOf([&] { ShiftDown(path, Values{"1", "2", "", "4"}); }).Number, 9);
+
+    EXPECT_EQ(Bytes(path), Items().Row({"A1"}).Bytes());
+    EXPECT_EQ(NativeDisk().FilesIn(Folder()).size(), 1u);
+}
