@@ -17,6 +17,8 @@ file(GLOB pictures CONFIGURE_DEPENDS RELATIVE ${CMAKE_SOURCE_DIR}/resources ${CM
 
 add_library(screens STATIC ${screen_sources})
 target_link_libraries(screens PUBLIC engine Qt6::Widgets Qt6::Network)
+# A form's header takes in what the form's layout was made into.
+target_include_directories(screens PUBLIC ${CMAKE_BINARY_DIR}/screens_autogen/include)
 target_precompile_headers(screens PRIVATE <QtWidgets> <string> <vector>)
 foreach(ui IN LISTS form_uis)
     get_filename_component(folder ${ui} DIRECTORY)

@@ -1,0 +1,61 @@
+#pragma once
+
+#include "core/Operator.h"
+
+#include <deque>
+#include <functional>
+#include <string>
+#include <vector>
+
+/// The operator of a test: a list of what is expected to be asked, and the answers. What was not
+/// expected fails the test, and so does what never came.
+class ScriptedOperator final : public Operator {
+public:
+    ~ScriptedOperator() override;
+
+    /// What is expected next. A box with one button is answered by itself.
+    class Expectation {
+    public:
+        Expectation(ScriptedOperator& script, std::size_t index) : script_(script), index_(index) {}
+        Expectation& Answer(::Answer answer);
+        Expectation& Type(std::string text);
+        Expectation& With(Icon icon);
+        /// Called when the box comes, before it is answered.
+        Expectation& Then(std::function<void()> deed);
+
+    private:
+        ScriptedOperator& script_;
+        std::size_t index_;
+    };
+
+    Expectation Expect(const Text& text);
+
+    /// A box whose text begins so; for words of the operating system behind it.
+    Expectation ExpectBeginning(const Text& text);
+
+    int Beeps() const { return beeps_; }
+    bool AllCame() const { return expected_.size() == come_; }
+
+    Answer MsgBox(const Text& message, Icon icon, Buttons buttons) override;
+    std::optional<std::string> InputBox(const Text& prompt, const std::string& preset) override;
+    bool Ask(const Question& question) override;
+    void Beep() override { ++beeps_; }
+
+private:
+    struct Expected {
+        Text Words;
+        bool Whole = true;
+        ::Answer Reply = ::Answer::Ok;
+        bool Answered = false;
+        std::string Typed;
+        std::optional<Icon> Picture;
+        std::function<void()> Deed;
+    };
+
+    /// The expectation that a text meets; nothing when it meets none, which fails the test.
+    const Expected* Take(const Text& text);
+
+    std::vector<Expected> expected_;
+    std::size_t come_ = 0;
+    int beeps_ = 0;
+};
