@@ -1,0 +1,289 @@
+#include "core/Messages.h"
+#include "core/SafeFile.h"
+#include "core/Settings.h"
+#include "core/forms/frmMain1.h"
+#include "forms/FormTest.h"
+#include "maintenance/Totals.h"
+#include "platform/SingleInstance.h"
+#include "tools/forms/frmAbout.h"
+
+#include <QAction>
+#include <QDialog>
+#include <QMenuBar>
+#include <QToolButton>
+
+namespace {
+
+DateTime Noon() { return {2026, 11, 15, 12, 0, 0}; }
+
+class MainScreen : public FormTest {
+protected:
+    MainScreen() {
+        GivenOffice();
+        Global.Clock = Noon;
+    }
+
+    /// The start that an operator without a HotSync Manager sees.
+    frmMain1& Start() {
+        Operator_.Expect(msg::PalmDesktopMissing).With(Icon::Information);
+        return Open<frmMain1>();
+    }
+
+    static std::vector<std::string> TotalsRow(const std::string& event, const std::string& id, const std::string& time) {
+        return {"2|5|10.5|2|5|10.5|M1|" + event + "|" + time + "|" + id + "|M1000001"};
+    }
+
+    void GivenUploads(int count) {
+        std::vector<std::string> rows{"TP_NUMHEAD|TP_NUMLINE|TP_DOL_LIN|TP_CURHEAD|TP_CURLINE|TP_CURDOL|TP_MACHINE|"
+                                      "TP_EVENT|TP_DATETIM|TP_HOTSYNC|TP_LSTONUM"};
+        for (int i = count; i >= 1; --i) {
+            rows.push_back(TotalsRow("UPLOAD-ADD", "HH" + std::to_string(i), "2026-11-15 10:0" + std::to_string(i) + ":00")[0]);
+        }
+        GivenRows("ZUKTOTALPC", rows);
+    }
+
+    static QString Page(frmMain1& form) { return TextOf(form, "lblRemoteSync"); }
+};
+
+TEST_F(MainScreen, StartsWithoutAHotSyncManagerAndSaysSo) {
+    auto& form = Start();
+
+    EXPECT_FALSE(Global.Ending);
+    EXPECT_EQ(form.windowTitle(), QStringLiteral("ZUK Tramble PC"));
+    EXPECT_EQ(Global.CreatorID, "ZUK2");
+    EXPECT_EQ(Global.Events.Entry(TraceEntries - 1), "");
+    EXPECT_TRUE(Exists(Global.AppPath + "ZUKTramble.ini"));
+}
+
+TEST_F(MainScreen, ASecondStartShowsTheMessageAndEnds) {
+    ASSERT_TRUE(SingleInstance::Take(Global.AppPath));
+    Operator_.Expect(msg::AlreadyRunning);
+
+    The<frmMain1>();
+
+    EXPECT_TRUE(Global.Ending);
+    EXPECT_FALSE(Exists(Global.AppPath + "Events.log"));
+    SingleInstance::Release();
+}
+
+TEST_F(MainScreen, MissingInstalledTablesStopTheStartBeforeAnyTableIsTouched) {
+    Global.TheDisk->Remove(Global.InstallPath + "ZUKOrHdr.dbf");
+    WriteWholeFile(Global.DBFEmptyPath + "ZUKStray.dbf", "x");
+    Operator_.Expect(msg::PalmDesktopMissing);
+    Operator_.Expect(msg::TablesMissing).With(Icon::Stop);
+
+    The<frmMain1>();
+
+    EXPECT_TRUE(Global.Ending);
+    EXPECT_TRUE(Exists(Global.DBFEmptyPath + "ZUKStray.dbf"));
+}
+
+TEST_F(MainScreen, AFileErrorInTheStartIsToldAndEndsTheProgram) {
+    Global.TheDisk->Remove(Global.InstallPath + "ZUKPAY.dbf");
+    Operator_.Expect(msg::PalmDesktopMissing);
+    Operator_.ExpectBeginning(msg::StartFileError).With(Icon::Stop);
+
+    The<frmMain1>();
+
+    EXPECT_TRUE(Global.Ending);
+}
+
+TEST_F(MainScreen, NextThreeTimesComesBackAndSoDoesPrevious) {
+    auto& form = Start();
+
+    for (const char* button : {"lblNext", "lblPrev"}) {
+        QStringList pages{Page(form)};
+        for (int i = 0; i < 3; ++i) {
+            Click(form, button);
+            pages << Page(form);
+        }
+        const QStringList next{QStringLiteral("Tools"), QStringLiteral("System Summary"), QStringLiteral("QuickStart"),
+                               QStringLiteral("Tools")};
+        const QStringList previous(next.rbegin(), next.rend());
+        EXPECT_EQ(pages, std::string(button) == "lblNext" ? next : previous);
+    }
+}
+
+TEST_F(MainScreen, TheSummaryCountsTheRecordsWhenItIsEntered) {
+    auto& form = Start();
+    GivenRows("ZUKCUST", {"C_CODE", "A1", "A2", "A3"});
+    GivenRows("ZUKITEM", {"I_ITEMCODE", "I1"});
+
+    Click(form, "lblNext");
+
+    EXPECT_EQ(TextOf(form, "lblSysCust1"), QStringLiteral("3"));
+    EXPECT_EQ(TextOf(form, "lblSysItems1"), QStringLiteral("1"));
+    EXPECT_EQ(TextOf(form, "lblSysOrders1"), QStringLiteral("0"));
+}
+
+TEST_F(MainScreen, EightUploadsShowTheSevenNewestFirst) {
+    Global.LastReset = {2026, 11, 15, 0, 0, 0};
+    GivenUploads(8);
+
+    auto& form = Start();
+
+    const auto rows = GridRows(form, "FGTot");
+    ASSERT_EQ(rows.size(), 7U);
+    EXPECT_EQ(rows[0], (QStringList{QStringLiteral("HH8"), QStringLiteral("2026-11-15 10:08:00"), QStringLiteral("2"),
+                                    QStringLiteral("5"), QStringLiteral("10.50")}));
+    EXPECT_EQ(rows[6][0], QStringLiteral("HH2"));
+}
+
+TEST_F(MainScreen, AResetHidesTheUploadsAndKeepsTheirRecords) {
+    GivenUploads(3);
+    auto& form = Start();
+    ASSERT_EQ(GridRows(form, "FGTot").size(), 3U);
+    Operator_.Expect(msg::ResetQuestion).Answer(Answer::Yes);
+
+    Click(form, "cmdReset");
+
+    EXPECT_TRUE(GridRows(form, "FGTot").empty());
+    EXPECT_TRUE(Visible(form, "lblNoUploads"));
+    EXPECT_EQ(RecordCount("ZUKTOTALPC"), 3);
+    EXPECT_EQ(Global.LastReset, Noon());
+}
+
+TEST_F(MainScreen, AResetWithNoChangesNothing) {
+    GivenUploads(3);
+    auto& form = Start();
+    const DateTime before = Global.LastReset;
+    Operator_.Expect(msg::ResetQuestion).Answer(Answer::No);
+
+    Click(form, "cmdReset");
+
+    EXPECT_EQ(GridRows(form, "FGTot").size(), 3U);
+    EXPECT_EQ(Global.LastReset, before);
+}
+
+TEST_F(MainScreen, AResetEmptiesTheMarksOfTheHandhelds) {
+    GivenRows("ZUKLINK", {"LK_HOTSYNC", "Anna", "Ben"});
+    WriteWholeFile(Global.InstallPath + "HSStatus.dat",
+                   "Anna" + std::string(26, ' ') + "G" + std::string(29, ' ') + "S\r\nBen\r\n");
+    auto& form = Start();
+    Operator_.Expect(msg::ResetQuestion).Answer(Answer::Yes);
+
+    Click(form, "cmdReset");
+
+    const auto lines = EngineTest::Lines(Global.InstallPath + "HSStatus.dat");
+    ASSERT_EQ(lines.size(), 2U);
+    EXPECT_EQ(lines[0], "Anna" + std::string(56, ' '));
+}
+
+TEST_F(MainScreen, SixHandheldsGiveTwoRowsOfBricks) {
+    GivenRows("ZUKLINK", {"LK_HOTSYNC", "A", "B", "C", "D", "E", "F"});
+
+    auto& form = Start();
+    form.resize(920, 620);
+    Settle();
+
+    std::map<int, int> perRow;
+    for (const auto* brick : form.findChildren<QToolButton*>(QRegularExpression(QStringLiteral("^cmdHHHSIDStd_")))) {
+        ++perRow[brick->y()];
+    }
+    ASSERT_EQ(perRow.size(), 2U);
+    EXPECT_EQ(perRow.begin()->second, 5);
+    EXPECT_EQ(perRow.rbegin()->second, 1);
+}
+
+TEST_F(MainScreen, TheFamilyDrawnLastIsShownAndTellsEachState) {
+    GivenRows("ZUKLINK", {"LK_HOTSYNC", "Anna", "Ben", "Cleo"});
+    WriteWholeFile(Global.InstallPath + "HSStatus.dat", "Anna" + std::string(26, ' ') + "G\r\nBen" +
+                                                            std::string(27, ' ') + "B\r\nCleo\r\n");
+    auto& form = Start();
+
+    form.GetHHBricks();
+    Settle();
+
+    EXPECT_TRUE(form.findChildren<QToolButton*>(QStringLiteral("cmdHHHSIDStd_1")).empty());
+    EXPECT_EQ(Control(form, "cmdHHHSID_1").accessibleName(), QStringLiteral("Anna: Sync OK"));
+    EXPECT_EQ(Control(form, "cmdHHHSID_2").accessibleName(), QStringLiteral("Ben: Bad Sync"));
+    EXPECT_EQ(Control(form, "cmdHHHSID_3").accessibleName(), QStringLiteral("Cleo: Not Synced"));
+}
+
+TEST_F(MainScreen, ASavedMinimisedStateStartsNormalAndAMaximisedOneMaximised) {
+    for (const int state : {1, 2}) {
+        WriteWholeFile(Global.AppPath + "ZUKTramble.ini", "WindowState=" + std::to_string(state) + "\r\n");
+
+        auto& form = Start();
+
+        EXPECT_EQ(form.isMaximized(), state == 2);
+        EXPECT_FALSE(form.isMinimized());
+        form.Unload();
+        Settle();
+        Global.Ending = false;
+        Global.AppPath = Folder() + "app/";
+    }
+}
+
+TEST_F(MainScreen, AWindowThatWasNotMovedKeepsTheNumbersItWasReadWith) {
+    WriteWholeFile(Global.AppPath + "ZUKTramble.ini",
+                   "WindowState=0\r\nMainTop=1003\r\nMainLeft=604\r\nMainHeight=9301\r\nMainWidth=13807\r\n");
+    auto& form = Start();
+
+    form.Unload();
+
+    const auto lines = EngineTest::Lines(Global.AppPath + "ZUKTramble.ini");
+    EXPECT_NE(std::find(lines.begin(), lines.end(), "MainTop=1003"), lines.end());
+    EXPECT_NE(std::find(lines.begin(), lines.end(), "MainWidth=13807"), lines.end());
+}
+
+TEST_F(MainScreen, TheEndEmptiesTheSessionEntriesAndWritesStatusAndSettings) {
+    GivenRows("ZUKLINK", {"LK_HOTSYNC", "Anna"});
+    WriteWholeFile(Global.InstallPath + "HSStatus.dat", "Anna" + std::string(26, ' ') + "G" + std::string(29, ' ') + "S\r\n");
+    auto& form = Start();
+    Global.PurgeDays = 9;
+
+    ClickMenu(form, "mnuExit");
+
+    EXPECT_TRUE(Global.Ending);
+    EXPECT_EQ(Global.ExitCode, 0);
+    EXPECT_EQ(EngineTest::Lines(Global.InstallPath + "HSStatus.dat")[0], "Anna" + std::string(56, ' ') + "S");
+    const auto lines = EngineTest::Lines(Global.AppPath + "ZUKTramble.ini");
+    EXPECT_NE(std::find(lines.begin(), lines.end(), "PurgeDays=9"), lines.end());
+}
+
+TEST_F(MainScreen, ARestartKeepsTheTraceOfTheRunBefore) {
+    WriteWholeFile(Global.AppPath + "Events.log", "frmMain1:Form_Unload\r\n");
+
+    Start();
+
+    bool found = false;
+    for (std::size_t k = 0; k < TraceEntries; ++k) found = found || Global.Events.Entry(k) == "frmMain1:Form_Unload";
+    EXPECT_TRUE(found);
+    EXPECT_EQ(EngineTest::Lines(Global.AppPath + "Events.log").size(), TraceEntries);
+}
+
+TEST_F(MainScreen, TextsBesideTheProgramReplaceTheCaptions) {
+    WriteWholeFile(Global.AppPath + "Messages.tsv", "17130\tlblImportBtn\tE\t\"Einlesen\"\n");
+
+    auto& form = Start();
+
+    EXPECT_EQ(TextOf(form, "lblImportBtn"), QStringLiteral("Einlesen"));
+}
+
+TEST_F(MainScreen, ATextThatCannotBeReadIsNamedWithItsLine) {
+    WriteWholeFile(Global.AppPath + "Messages.tsv", "137\tJa\n");
+    Operator_.ExpectBeginning(Lines(msg::TextsCannotBeRead, Text::Path(std::string_view("Messages.tsv, line 1: "))));
+    Operator_.Expect(msg::PalmDesktopMissing);
+
+    Open<frmMain1>();
+}
+
+TEST_F(MainScreen, OpeningAScreenClosesTheOneBefore) {
+    auto& form = Start();
+    The<frmAbout>().Show();
+
+    form.UnloadForms();
+
+    EXPECT_EQ(IfLoaded<frmAbout>(), nullptr);
+    EXPECT_NE(IfLoaded<frmMain1>(), nullptr);
+}
+
+TEST_F(MainScreen, WhatLeadsNowhereYetIsDisabled) {
+    auto& form = Start();
+
+    EXPECT_TRUE(form.WiringProblems().empty());
+    for (const char* name : {"lblDownloadBtn", "lblNotes", "lblHelpOrders", "cmdPCTotals"}) EXPECT_FALSE(Enabled(form, name));
+}
+
+} // namespace

@@ -1,0 +1,16 @@
+# A loop that calls processEvents over and over burns a processor for hours. Waiting is done by
+# WaitWhile and PauseFor, and nothing else in the program handles events.
+file(GLOB_RECURSE sources ${SOURCE}/src/*.cpp ${SOURCE}/src/*.h)
+foreach(file IN LISTS sources)
+    if(file MATCHES "/src/(platform|driver)/")
+        continue()
+    endif()
+    file(STRINGS ${file} found REGEX "processEvents|sendPostedEvents|QEventLoop")
+    if(found)
+        message(FATAL_ERROR "${file} handles events by itself: ${found}")
+    endif()
+endforeach()
+file(STRINGS ${SOURCE}/src/platform/Form.cpp loops REGEX "(while|for) *\\(.*processEvents")
+if(loops)
+    message(FATAL_ERROR "A loop over processEvents: ${loops}")
+endif()
