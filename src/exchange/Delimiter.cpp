@@ -4,9 +4,12 @@
 
 std::string_view DelimiterWord(Delimiter delimiter) {
     switch (delimiter) {
-    case Delimiter::CsvQuotes: return "CSV Quotes";
-    case Delimiter::Tab: return "TAB";
-    case Delimiter::Csv: break;
+    case Delimiter::CsvQuotes:
+        return "CSV Quotes";
+    case Delimiter::Tab:
+        return "TAB";
+    case Delimiter::Csv:
+        break;
     }
     return "CSV";
 }
@@ -18,4 +21,6 @@ std::optional<Delimiter> DelimiterOfWord(std::string_view word) {
     return std::nullopt;
 }
 
-std::string_view DelimiterText(Delimiter delimiter) { return delimiter == Delimiter::Tab ? "\t" : ","; }
+std::string_view DelimiterText(Delimiter delimiter) {
+    return delimiter == Delimiter::Tab ? "\t" : ",";
+}

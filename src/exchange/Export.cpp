@@ -19,7 +19,8 @@ namespace {
 
 constexpr std::string_view Equals = " = ";
 constexpr std::string_view FormatWord = "Format:";
-constexpr std::array<std::string_view, 4> Operators{" + ", " - ", " * ", " / "}; ///< in the order they are looked for
+constexpr std::array<std::string_view, 4> Operators{" + ", " - ", " * ",
+                                                    " / "}; ///< in the order they are looked for
 
 std::span<const TableField> FieldsOf(std::string_view table) {
     const TableEntry* entry = FindTable(table);
@@ -57,8 +58,9 @@ struct Current {
 
 class FieldNames {
 public:
-    explicit FieldNames(bool withLines) :
-        header_(FieldsOf("ZUKORHDR")), line_(withLines ? FieldsOf("ZUKORLIN") : std::span<const TableField>()) {}
+    explicit FieldNames(bool withLines)
+        : header_(FieldsOf("ZUKORHDR")),
+          line_(withLines ? FieldsOf("ZUKORLIN") : std::span<const TableField>()) {}
 
     FieldPlace FindHeader(std::string_view name) const {
         const int position = PositionOf(header_, name);
@@ -92,8 +94,10 @@ struct Operand {
     }
 
     void Evaluate(const Current& current, std::string& value) const {
-        if (Constant) value = *Constant;
-        else if (const auto field = current.Value(Place)) value = *field;
+        if (Constant)
+            value = *Constant;
+        else if (const auto field = current.Value(Place))
+            value = *field;
     }
 
     std::optional<std::string> Constant;
@@ -119,10 +123,17 @@ std::optional<std::string> Calculate(double left, char operation, double right) 
     if (operation == '/' && right == 0) return std::nullopt;
     double result = 0;
     switch (operation) {
-    case '+': result = left + right; break;
-    case '-': result = left - right; break;
-    case '*': result = left * right; break;
-    default: result = left / right;
+    case '+':
+        result = left + right;
+        break;
+    case '-':
+        result = left - right;
+        break;
+    case '*':
+        result = left * right;
+        break;
+    default:
+        result = left / right;
     }
     try {
         return NumberToText(result == 0 ? 0 : result); // no negative zero
@@ -142,7 +153,8 @@ class Column {
 public:
     Column(std::string_view row, const FieldNames& names) {
         const std::size_t equals = row.find(Equals);
-        if (equals != std::string_view::npos) literal_ = std::string(Trim(row.substr(equals + Equals.size())));
+        if (equals != std::string_view::npos)
+            literal_ = std::string(Trim(row.substr(equals + Equals.size())));
         for (const std::string_view each : Operators) {
             const std::size_t at = row.find(each);
             if (at == std::string_view::npos) continue;
@@ -154,15 +166,18 @@ public:
         const std::size_t format = FindText(row, FormatWord);
         if (format != std::string_view::npos && format > 0) {
             place_ = names.FindHeader(row.substr(0, format - 1));
-            if (place_.Of != FieldPlace::Table::None) format_ = std::string(row.substr(format + FormatWord.size()));
+            if (place_.Of != FieldPlace::Table::None)
+                format_ = std::string(row.substr(format + FormatWord.size()));
         }
         if (!format_) place_ = names.Find(row);
     }
 
     void Fill(const Current& current, Operands& operands, std::string& cell) const {
         if (literal_) cell = *literal_;
-        if (!operator_.empty()) FillCalculation(current, operands, cell);
-        else if (const auto value = current.Value(place_)) FillField(*value, cell);
+        if (!operator_.empty())
+            FillCalculation(current, operands, cell);
+        else if (const auto value = current.Value(place_))
+            FillField(*value, cell);
     }
 
 private:
@@ -228,8 +243,12 @@ void AppendQuoted(std::string& line, std::string_view text) {
 
 class Run {
 public:
-    Run(const ExportJob& job, const OrderTables& tables, bool withLines, SafeFile& file, Progress& progress) :
-        job_(job), tables_(tables), file_(file), progress_(progress), cells_(job.Columns.size()) {
+    Run(const ExportJob& job, const OrderTables& tables, bool withLines, SafeFile& file, Progress& progress)
+        : job_(job),
+          tables_(tables),
+          file_(file),
+          progress_(progress),
+          cells_(job.Columns.size()) {
         const FieldNames names(withLines);
         for (const std::string& row : job.Columns) columns_.emplace_back(row, names);
     }
@@ -238,8 +257,10 @@ public:
         StartLine();
         for (const std::string& row : job_.Columns) {
             Separate();
-            if (job_.Delimiter == Delimiter::CsvQuotes) AppendQuoted(line_, Trim(row));
-            else line_ += row;
+            if (job_.Delimiter == Delimiter::CsvQuotes)
+                AppendQuoted(line_, Trim(row));
+            else
+                line_ += row;
         }
         file_.WriteLine(line_);
     }
@@ -290,8 +311,10 @@ private:
             return;
         }
         const std::string_view text = Trim(cell);
-        if (text.starts_with('"') && text.ends_with('"')) line_ += text;
-        else AppendQuoted(line_, text);
+        if (text.starts_with('"') && text.ends_with('"'))
+            line_ += text;
+        else
+            AppendQuoted(line_, text);
     }
 
     void WriteRecord(const Current& current) {

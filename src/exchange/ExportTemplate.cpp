@@ -16,7 +16,9 @@ constexpr std::string_view SortWord = "Sort Orders";
 constexpr std::string_view CheckWord = "Quality Check";
 constexpr std::string_view FilterWord = "Filter:";
 
-bool Flag(std::string_view line, std::string_view word) { return Trim(line.substr(word.size())) == "1"; }
+bool Flag(std::string_view line, std::string_view word) {
+    return Trim(line.substr(word.size())) == "1";
+}
 
 bool IsFileNameLine(std::string_view line) {
     return SameText(Trim(line.substr(0, FileNameWord.size())), FileNameWord);
@@ -32,16 +34,26 @@ void TakeFileName(std::string_view text, ExportTemplateRead& result) {
 void TakeLine(const std::string& line, ExportTemplateRead& result) {
     ExportTemplate& content = result.Template;
     const std::string_view view = line;
-    if (IsFileNameLine(line)) TakeFileName(view.substr(FileNameWord.size()), result);
-    else if (BeginsWith(line, DelimiterWord(Delimiter::CsvQuotes))) content.Delimiter = Delimiter::CsvQuotes;
-    else if (BeginsWith(line, DelimiterWord(Delimiter::Csv))) content.Delimiter = Delimiter::Csv;
-    else if (BeginsWith(line, DelimiterWord(Delimiter::Tab))) content.Delimiter = Delimiter::Tab;
-    else if (BeginsWith(line, HeadingsWord)) content.AddHeadings = Flag(line, HeadingsWord);
-    else if (BeginsWith(line, BlankLineWord)) content.AddBlankLine = Flag(line, BlankLineWord);
-    else if (BeginsWith(line, SortWord)) content.SortOrders = Flag(line, SortWord);
-    else if (BeginsWith(line, CheckWord)) content.QualityCheck = Flag(line, CheckWord);
-    else if (BeginsWith(line, FilterWord)) content.Filter = Trim(view.substr(FilterWord.size()));
-    else content.Columns.push_back(line);
+    if (IsFileNameLine(line))
+        TakeFileName(view.substr(FileNameWord.size()), result);
+    else if (BeginsWith(line, DelimiterWord(Delimiter::CsvQuotes)))
+        content.Delimiter = Delimiter::CsvQuotes;
+    else if (BeginsWith(line, DelimiterWord(Delimiter::Csv)))
+        content.Delimiter = Delimiter::Csv;
+    else if (BeginsWith(line, DelimiterWord(Delimiter::Tab)))
+        content.Delimiter = Delimiter::Tab;
+    else if (BeginsWith(line, HeadingsWord))
+        content.AddHeadings = Flag(line, HeadingsWord);
+    else if (BeginsWith(line, BlankLineWord))
+        content.AddBlankLine = Flag(line, BlankLineWord);
+    else if (BeginsWith(line, SortWord))
+        content.SortOrders = Flag(line, SortWord);
+    else if (BeginsWith(line, CheckWord))
+        content.QualityCheck = Flag(line, CheckWord);
+    else if (BeginsWith(line, FilterWord))
+        content.Filter = Trim(view.substr(FilterWord.size()));
+    else
+        content.Columns.push_back(line);
 }
 
 } // namespace
@@ -65,7 +77,8 @@ ExportTemplateRead ReadExportTemplate(std::string_view path) {
 void WriteExportTemplate(std::string_view path, const ExportTemplate& content) {
     SafeFile file(path);
     const auto write = [&](std::string_view word, std::string_view value) {
-        if (value.find_first_of("\r\n") != std::string_view::npos) throw RunTimeFailure(5, CodePageToUtf8(value));
+        if (value.find_first_of("\r\n") != std::string_view::npos)
+            throw RunTimeFailure(5, CodePageToUtf8(value));
         file.WriteLine(std::string(word) + std::string(value));
     };
     const auto writeFlag = [&](std::string_view word, bool on) { write(word, on ? "1" : "0"); };

@@ -22,9 +22,9 @@ struct ExportTemplate {
 struct ExportTemplateRead {
     ExportTemplate Template; ///< what was read, as far as the reading got
     bool Opened = false;
-    bool Complete = false;          ///< read to the end of the file
+    bool Complete = false;           ///< read to the end of the file
     bool BeginsWithFileName = false; ///< the first line begins with "Filename="
-    bool BadFileName = false;       ///< it names no file; Template.FileName is then empty
+    bool BadFileName = false;        ///< it names no file; Template.FileName is then empty
 };
 
 /// Reads a template file, each line by its beginning. A directory before the file name is dropped.

@@ -90,9 +90,13 @@ std::size_t CountColumns(const ImportJob& job, bool utf8) {
 /// One run over the lines of a file.
 class Run {
 public:
-    Run(const ImportJob& job, std::size_t columns, bool utf8, TableRewrite& table, Progress& progress) :
-        job_(job), sources_(job), splitter_(job.Delimiter, columns), file_(job.ImportFile, utf8), table_(table),
-        progress_(progress) {}
+    Run(const ImportJob& job, std::size_t columns, bool utf8, TableRewrite& table, Progress& progress)
+        : job_(job),
+          sources_(job),
+          splitter_(job.Delimiter, columns),
+          file_(job.ImportFile, utf8),
+          table_(table),
+          progress_(progress) {}
 
     ImportResult TakeLines() {
         SkipLines();

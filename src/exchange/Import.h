@@ -30,8 +30,8 @@ struct ImportJob {
 };
 
 struct ImportResult {
-    std::int32_t LinesRead = 0;      ///< non-empty lines taken in
-    std::int16_t LinesFailed = 0;    ///< of these, lines that left an empty record; 32767 also stands for more
+    std::int32_t LinesRead = 0;   ///< non-empty lines taken in
+    std::int16_t LinesFailed = 0; ///< of these, lines that left an empty record; 32767 also stands for more
     bool FieldCountMismatch = false; ///< the file has too few columns; the table was not touched
 };
 

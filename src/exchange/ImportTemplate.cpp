@@ -28,8 +28,10 @@ void ReadRows(TextReader& file, ImportTemplate& content) {
         if (section == Section::Literals) {
             content.Literals.push_back(line);
         } else if (section == Section::Fields) {
-            if (SameText(line, LiteralsWord)) section = Section::Literals;
-            else content.Fields.push_back(line);
+            if (SameText(line, LiteralsWord))
+                section = Section::Literals;
+            else
+                content.Fields.push_back(line);
         } else if (SameText(line, FieldsWord)) {
             section = Section::Fields;
         } else if (const auto delimiter = DelimiterOfWord(line)) {
@@ -45,14 +47,17 @@ void ReadRows(TextReader& file, ImportTemplate& content) {
 std::optional<TemplateKind> TemplateKindOf(std::string_view fileName) {
     for (const TemplateKind kind : {TemplateKind::Cust, TemplateKind::Item}) {
         const std::string_view letters = TemplateExtension(kind).substr(1);
-        if (fileName.size() >= letters.size() && SameText(fileName.substr(fileName.size() - letters.size()), letters)) {
+        if (fileName.size() >= letters.size() &&
+            SameText(fileName.substr(fileName.size() - letters.size()), letters)) {
             return kind;
         }
     }
     return std::nullopt;
 }
 
-std::string_view TemplateExtension(TemplateKind kind) { return kind == TemplateKind::Cust ? ".cst" : ".itm"; }
+std::string_view TemplateExtension(TemplateKind kind) {
+    return kind == TemplateKind::Cust ? ".cst" : ".itm";
+}
 
 std::string_view TableFileOf(TemplateKind kind) {
     return kind == TemplateKind::Cust ? "ZUKCUST.DBF" : "ZUKITEM.DBF";

@@ -22,11 +22,11 @@ std::string_view TableFileOf(TemplateKind kind);
 
 /// How the columns of a text file feed the fields of a table. Text is code page 1252.
 struct ImportTemplate {
-    std::string DataFile;                   ///< a plain file name; looked for in the folder of incoming files
-    std::optional<::Delimiter> Delimiter;   ///< nothing when the template names none
-    std::string StartLine;                  ///< the text as it was typed; empty when the template has none
-    std::vector<std::string> Fields;        ///< rows as ImportJob::SelectedFields
-    std::vector<std::string> Literals;      ///< rows `field = value`
+    std::string DataFile;                 ///< a plain file name; looked for in the folder of incoming files
+    std::optional<::Delimiter> Delimiter; ///< nothing when the template names none
+    std::string StartLine;                ///< the text as it was typed; empty when the template has none
+    std::vector<std::string> Fields;      ///< rows as ImportJob::SelectedFields
+    std::vector<std::string> Literals;    ///< rows `field = value`
 };
 
 struct ImportTemplateRead {

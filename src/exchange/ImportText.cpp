@@ -73,7 +73,9 @@ ImportSurvey SurveyImportFile(std::string_view path) {
     return survey;
 }
 
-std::int32_t CountLines(std::string_view path) { return SurveyImportFile(path).LineCount; }
+std::int32_t CountLines(std::string_view path) {
+    return SurveyImportFile(path).LineCount;
+}
 
 std::optional<Delimiter> RecogniseDelimiter(std::string_view path) {
     // The delimiters are the same bytes in either encoding.

@@ -28,8 +28,9 @@ std::string_view StripFieldQuotes(std::string_view text, FieldQuotes& quotes) {
     return text.substr(1, text.size() - 2);
 }
 
-LineSplitter::LineSplitter(Delimiter delimiter, std::size_t columnCount) :
-    delimiter_(delimiter), cells_(std::max<std::size_t>(columnCount, 1) + 1) {}
+LineSplitter::LineSplitter(Delimiter delimiter, std::size_t columnCount)
+    : delimiter_(delimiter),
+      cells_(std::max<std::size_t>(columnCount, 1) + 1) {}
 
 bool LineSplitter::Split(std::string_view line) {
     return delimiter_ == Delimiter::Tab ? SplitTabs(line) : SplitCommas(line);
@@ -81,8 +82,10 @@ bool LineSplitter::TakeQuoted(std::string_view line, std::size_t comma, std::str
         const std::size_t from = cell.size();
         cell.append(line.substr(from, comma == std::string_view::npos ? comma : comma - from));
         const std::string_view stripped = StripFieldQuotes(cell, quotes_);
-        if (quotes_.FieldComplete) cell = std::string(stripped);
-        else cell.resize(stripped.size()); // it begins with its quote, so only its end was cut
+        if (quotes_.FieldComplete)
+            cell = std::string(stripped);
+        else
+            cell.resize(stripped.size()); // it begins with its quote, so only its end was cut
     }
     return true;
 }
