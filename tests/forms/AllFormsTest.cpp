@@ -7,11 +7,11 @@
 #include <QAbstractButton>
 #include <QAction>
 #include <QLabel>
-#include <QTableView>
+#include <QPushButton>
+#include <QRegularExpression>
 
 #include <filesystem>
 #include <functional>
-#include <regex>
 #include <set>
 
 namespace {
@@ -115,17 +115,19 @@ std::string SourceText() {
 
 TEST(CatalogueUse, EveryRowIsFetchedByTheCodeOrByAControlsTag) {
     const std::string source = SourceText();
-    std::set<std::string> words;
-    static const std::regex constant("msg::([A-Za-z0-9_]+)|<string notr=\"true\">([0-9]+)</string>");
-    for (std::sregex_iterator it(source.begin(), source.end(), constant), end; it != end; ++it) {
-        words.insert((*it)[1].matched ? (*it)[1].str() : (*it)[2].str());
+    std::set<QString> words;
+    const QRegularExpression fetched(QStringLiteral("msg::(\\w+)|<string notr=\"true\">(\\d+)</string>"));
+    for (auto it = fetched.globalMatch(QString::fromStdString(source)); it.hasNext();) {
+        const QRegularExpressionMatch match = it.next();
+        words.insert(match.captured(1) + match.captured(2));
     }
-    const std::string table = ReadWholeFile(std::string(TRAMBLE_SOURCE) + "/resources/messages.tsv");
-    static const std::regex row("(^|\n)([0-9]+)\t([A-Za-z0-9_]+)\t");
+    const QString table = QString::fromStdString(ReadWholeFile(std::string(TRAMBLE_SOURCE) + "/resources/messages.tsv"));
+    const QRegularExpression row(QStringLiteral("^(\\d+)\t(\\w+)\t"), QRegularExpression::MultilineOption);
     int rows = 0;
-    for (std::sregex_iterator it(table.begin(), table.end(), row), end; it != end; ++it, ++rows) {
-        EXPECT_TRUE(words.contains((*it)[2].str()) || words.contains((*it)[3].str()))
-            << "nothing fetches " << (*it)[2].str() << " " << (*it)[3].str();
+    for (auto it = row.globalMatch(table); it.hasNext(); ++rows) {
+        const QRegularExpressionMatch match = it.next();
+        EXPECT_TRUE(words.contains(match.captured(1)) || words.contains(match.captured(2)))
+            << "nothing fetches " << match.captured(0).toStdString();
     }
     EXPECT_GT(rows, 100);
 }

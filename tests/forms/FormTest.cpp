@@ -32,6 +32,9 @@ std::string TablePath(const std::string& table) { return Global.AppPath + "DBFFi
 FormTest::FormTest() {
     Global.TheOperator = &Operator_;
     Global.InstantPauses = true;
+    // A test before this one may have ended the program; only a fresh loop forgets that.
+    QMetaObject::invokeMethod(qApp, [] { QCoreApplication::quit(); }, Qt::QueuedConnection);
+    QCoreApplication::exec();
 }
 
 FormTest::~FormTest() {

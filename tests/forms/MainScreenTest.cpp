@@ -9,7 +9,7 @@
 
 #include <QAction>
 #include <QDialog>
-#include <QMenuBar>
+#include <QRegularExpression>
 #include <QToolButton>
 
 namespace {
@@ -57,6 +57,7 @@ TEST_F(MainScreen, StartsWithoutAHotSyncManagerAndSaysSo) {
 
 TEST_F(MainScreen, ASecondStartShowsTheMessageAndEnds) {
     ASSERT_TRUE(SingleInstance::Take(Global.AppPath));
+    Global.TheDisk->Remove(Global.AppPath + "Events.log");
     Operator_.Expect(msg::AlreadyRunning);
 
     The<frmMain1>();
@@ -263,7 +264,7 @@ TEST_F(MainScreen, TextsBesideTheProgramReplaceTheCaptions) {
 
 TEST_F(MainScreen, ATextThatCannotBeReadIsNamedWithItsLine) {
     WriteWholeFile(Global.AppPath + "Messages.tsv", "137\tJa\n");
-    Operator_.ExpectBeginning(Lines(msg::TextsCannotBeRead, Text::Path(std::string_view("Messages.tsv, line 1: "))));
+    Operator_.ExpectBeginning(::Lines(msg::TextsCannotBeRead, Text::Path(std::string_view("Messages.tsv, line 1: "))));
     Operator_.Expect(msg::PalmDesktopMissing);
 
     Open<frmMain1>();

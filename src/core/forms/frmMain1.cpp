@@ -201,7 +201,8 @@ void frmMain1::UnloadForms() {
 
 void frmMain1::TakeWindowPosition() {
     Global.WindowState = isMinimized() ? std::int16_t{1} : isMaximized() ? std::int16_t{2} : std::int16_t{0};
-    const QRect place = isMaximized() ? normalGeometry() : geometry();
+    // The frame's corner and the window's size: what `move` and `resize` set.
+    const QRect place = isMaximized() ? normalGeometry() : QRect(pos(), size());
     // A window that was not moved keeps the numbers it was read with, whatever the rounding.
     if (place == restored_ || Global.WindowState == 1) return;
     Global.MainTop = place.top() * TwipsPerPixel;
@@ -221,7 +222,7 @@ void frmMain1::RestoreWindow() {
     } else {
         setWindowState(Qt::WindowMaximized);
     }
-    restored_ = geometry();
+    restored_ = QRect(pos(), size());
 }
 
 // ---- status and settings on disk ----

@@ -1,0 +1,242 @@
+#include "core/Messages.h"
+#include "core/SafeFile.h"
+#include "core/forms/frmEventLog.h"
+#include "core/forms/frmMessage.h"
+#include "core/forms/frmProgress.h"
+#include "forms/FormTest.h"
+#include "platform/QtOperator.h"
+#include "tools/forms/frmAbout.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QKeyEvent>
+#include <QMessageBox>
+#include <QPlainTextEdit>
+#include <QTimer>
+
+namespace {
+
+class SharedScreens : public FormTest {
+protected:
+    /// Does something once a modal window stands.
+    static void WhenShown(const QString& window, const std::function<void(QWidget&)>& deed) {
+        auto* timer = new QTimer(qApp);
+        QObject::connect(timer, &QTimer::timeout, [timer, window, deed] {
+            for (QWidget* widget : QApplication::topLevelWidgets()) {
+                if (widget->objectName() != window || !widget->isVisible()) continue;
+                timer->deleteLater();
+                deed(*widget);
+                return;
+            }
+        });
+        timer->start(1);
+    }
+
+    static void Press(QWidget& window, const char* button) {
+        auto* found = window.findChild<QAbstractButton*>(QString::fromLatin1(button));
+        ASSERT_NE(found, nullptr) << button;
+        found->click();
+    }
+
+    static void PressKey(QWidget& window, Qt::Key key) {
+        QWidget* target = window.focusWidget() ? window.focusWidget() : &window;
+        QKeyEvent down(QEvent::KeyPress, key, Qt::NoModifier);
+        QApplication::sendEvent(target, &down);
+    }
+
+    QtOperator screen_;
+};
+
+// ---- frmMessage ----
+
+TEST_F(SharedScreens, YesLeavesTheAnswerTrueAndNoLeavesItFalse) {
+    for (const bool yes : {true, false}) {
+        WhenShown(QStringLiteral("frmMessage"), [&](QWidget& window) { Press(window, yes ? "cmdYes" : "cmdNo"); });
+
+        EXPECT_EQ(screen_.Ask({msg::ResetQuestion, msg::Yes, msg::No, {}}), yes);
+        EXPECT_EQ(Global.MessageAnswer, yes);
+        EXPECT_EQ(Global.Events.Entry(0), yes ? "frmMessage:cmdYes_Click" : "frmMessage:cmdNo_Click");
+    }
+}
+
+TEST_F(SharedScreens, TheNoButtonOfANoticeWithOkYieldsTrue) {
+    WhenShown(QStringLiteral("frmMessage"), [](QWidget& window) {
+        EXPECT_FALSE(window.findChild<QAbstractButton*>(QStringLiteral("cmdYes"))->isVisible());
+        Press(window, "cmdNo");
+    });
+
+    EXPECT_TRUE(screen_.Ask({msg::TablesMissing, {}, msg::Ok, {}}));
+}
+
+TEST_F(SharedScreens, EscapeIsNoAndEnterPressesTheDefaultButton) {
+    for (const auto key : {Qt::Key_Escape, Qt::Key_Return}) {
+        WhenShown(QStringLiteral("frmMessage"), [&](QWidget& window) { PressKey(window, key); });
+
+        EXPECT_EQ(screen_.Ask({msg::ResetQuestion, msg::Yes, msg::No, {}}), key == Qt::Key_Return);
+    }
+}
+
+TEST_F(SharedScreens, TheHelpButtonShowsOnlyWithATopic) {
+    auto& form = The<frmMessage>();
+    form.Fill({msg::ResetQuestion, msg::Yes, msg::No, {}});
+    EXPECT_FALSE(Visible(form, "cmdHelp"));
+
+    form.Fill({msg::ResetQuestion, msg::Yes, msg::No, "QuickButtons.htm"});
+    EXPECT_TRUE(Visible(form, "cmdHelp"));
+}
+
+// ---- boxes ----
+
+TEST_F(SharedScreens, ABoxBearsTheTitleAndNamesItsButtons) {
+    WhenShown(QStringLiteral("MsgBox"), [](QWidget& window) {
+        EXPECT_EQ(window.windowTitle(), QStringLiteral("ZUK Tramble PC"));
+        EXPECT_EQ(dynamic_cast<QMessageBox&>(window).text(), QStringLiteral("File Error!"));
+        Press(window, "No");
+    });
+
+    EXPECT_EQ(screen_.MsgBox(msg::FileError, Icon::Warning, Buttons::YesNo), Answer::No);
+}
+
+TEST_F(SharedScreens, EscapeAtAQuestionIsNo) {
+    WhenShown(QStringLiteral("MsgBox"), [](QWidget& window) { PressKey(window, Qt::Key_Escape); });
+
+    EXPECT_EQ(screen_.MsgBox(msg::FileError, Icon::Question, Buttons::YesNo), Answer::No);
+}
+
+// ---- frmProgress ----
+
+class ProgressForm : public SharedScreens, public ::testing::WithParamInterface<std::pair<ProgressFlag, const char*>> {};
+
+TEST_P(ProgressForm, RecordsTheEventOfItsFlagAndClearsTheFlag) {
+    GivenOffice();
+    GivenRows("ZUKTOTALPC", {"TP_EVENT", "OLDER"});
+
+    RecordTotals(GetParam().first);
+
+    EXPECT_EQ(Cell("ZUKTOTALPC", 1, "TP_EVENT"), GetParam().second);
+    EXPECT_EQ(IfLoaded<frmProgress>(), nullptr);
+    for (const bool flag : Global.Progress) EXPECT_FALSE(flag);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Flags, ProgressForm,
+    ::testing::Values(std::pair{ProgressFlag::Export, "EXPORT"}, std::pair{ProgressFlag::QualCheck, "QUALCHECK"},
+                      std::pair{ProgressFlag::UploadAdd, "UPLOAD-ADD"},
+                      std::pair{ProgressFlag::UploadReplace, "UPLOAD-REPLACE"}, std::pair{ProgressFlag::Clear, "CLEAR"},
+                      std::pair{ProgressFlag::Clear2, "CLEAR"}, std::pair{ProgressFlag::ImportReplace, "IMPORT-REPLACE"},
+                      std::pair{ProgressFlag::ImportAdd, "IMPORT-ADD"},
+                      std::pair{ProgressFlag::Import2Replace, "IMPORT-REPLACE"},
+                      std::pair{ProgressFlag::Import2Add, "IMPORT-ADD"}, std::pair{ProgressFlag::Restore, "RESTORE"}),
+    [](const auto& each) { return "Flag" + std::to_string(static_cast<int>(each.param.first)); });
+
+TEST_F(SharedScreens, OfTwoFlagsTheFirstInOrderIsDoneAndTheOtherStays) {
+    GivenOffice();
+    Global.Progress[static_cast<std::size_t>(ProgressFlag::Restore)] = true;
+
+    RecordTotals(ProgressFlag::Clear);
+
+    EXPECT_EQ(Cell("ZUKTOTALPC", 1, "TP_EVENT"), "CLEAR");
+    EXPECT_TRUE(Global.Progress[static_cast<std::size_t>(ProgressFlag::Restore)]);
+}
+
+TEST_F(SharedScreens, AMissingTotalsTableIsTheCallersFailure) {
+    GivenOffice();
+    Global.TheDisk->Remove(Global.DBFPath + "ZUKTOTALPC.dbf");
+
+    EXPECT_THROW(RecordTotals(ProgressFlag::Clear), std::exception);
+
+    EXPECT_EQ(IfLoaded<frmProgress>(), nullptr);
+}
+
+// ---- frmEventLog, frmAbout ----
+
+TEST_F(SharedScreens, TheLogShowsTheTraceNewestFirst) {
+    GivenAppDirectory();
+    TraceEvent("first");
+    TraceEvent("second");
+
+    auto& form = Open<frmEventLog>();
+
+    const QStringList lines =
+        dynamic_cast<QPlainTextEdit&>(Control(form, "rtbEvents")).toPlainText().split(QLatin1Char('\n'));
+    EXPECT_EQ(lines.mid(0, 3), (QStringList{QStringLiteral("frmEventLog:Form_Load"), QStringLiteral("second"),
+                                            QStringLiteral("first")}));
+    EXPECT_EQ(form.windowTitle(), QStringLiteral("View Log"));
+    Click(form, "cmdOK");
+    EXPECT_EQ(IfLoaded<frmEventLog>(), nullptr);
+}
+
+TEST_F(SharedScreens, AboutShowsTheVersionAndThePaths) {
+    GivenAppDirectory();
+    QApplication::setApplicationVersion(QStringLiteral("1.2.3"));
+
+    auto& form = Open<frmAbout>();
+
+    EXPECT_EQ(TextOf(form, "lblZUKVer1"), QStringLiteral("1.2.3"));
+    EXPECT_EQ(TextOf(form, "lblDataInPath1").toStdString(), Global.DataInPath);
+    EXPECT_EQ(TextOf(form, "lblPalmDTVer1"), QString());
+    PressKey(form, Qt::Key_Escape);
+    EXPECT_EQ(IfLoaded<frmAbout>(), nullptr);
+}
+
+// ---- the life of a form ----
+
+class Sleeper final : public Form {
+public:
+    explicit Sleeper(std::vector<std::string>& told) : told_(told) {}
+    ~Sleeper() override { told_.emplace_back("destroyed"); }
+
+    bool WaitsForEver = false;
+
+protected:
+    void Form_Load() override { told_.emplace_back("load"); }
+    void Form_GotFocus() override {
+        told_.emplace_back("focus");
+        if (!WaitsForEver) return;
+        QTimer::singleShot(1, this, [this] { Unload(); });
+        WaitWhile([] { return true; });
+        told_.emplace_back(IsGone() ? "gone" : "there");
+    }
+    void Form_Unload() override { told_.emplace_back("unload"); }
+
+private:
+    std::vector<std::string>& told_;
+};
+
+TEST_F(SharedScreens, AFormIsLoadedShownFocusedAndUnloadedInThatOrder) {
+    std::vector<std::string> told;
+    FormBehaviour& form = FormRegistry::Instance().Adopt(std::make_unique<Sleeper>(told));
+    QTimer::singleShot(400, &form.Window(), [&form] { form.Unload(); });
+
+    form.Show(ShowMode::Modal);
+    Settle();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+
+    EXPECT_EQ(told, (std::vector<std::string>{"load", "focus", "unload", "destroyed"}));
+}
+
+TEST_F(SharedScreens, AHandlerThatWaitsCanLoseItsFormAndItsWaitEnds) {
+    std::vector<std::string> told;
+    auto& form = dynamic_cast<Sleeper&>(FormRegistry::Instance().Adopt(std::make_unique<Sleeper>(told)));
+    form.WaitsForEver = true;
+
+    form.Show(ShowMode::Modal);
+    Settle();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+
+    EXPECT_EQ(told, (std::vector<std::string>{"load", "focus", "unload", "gone", "destroyed"}));
+}
+
+TEST_F(SharedScreens, AFailureThatNothingCatchesIsToldWithTheLastTraceLineAndEndsTheProgram) {
+    TraceEvent("frmMain1:Nowhere");
+    Operator_.Expect(::Lines(Text::Path(std::string_view("File not found: ZUKCUST.DBF")),
+                             Text::Value(std::string_view("frmMain1:Nowhere"))))
+        .With(Icon::Stop);
+
+    FailUnexpectedly(std::runtime_error("File not found: ZUKCUST.DBF"));
+
+    EXPECT_TRUE(Global.Ending);
+    EXPECT_EQ(Global.ExitCode, 1);
+}
+
+} // namespace
