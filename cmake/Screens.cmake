@@ -51,3 +51,19 @@ add_executable(ZUKTramble ${CMAKE_SOURCE_DIR}/src/main.cpp)
 target_link_libraries(ZUKTramble PRIVATE screens pictures)
 target_compile_definitions(ZUKTramble PRIVATE TRAMBLE_VERSION="${PROJECT_VERSION}")
 set_target_properties(ZUKTramble PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin WIN32_EXECUTABLE ON)
+
+include(Driver)
+
+# The demonstration of a working day, and the pictures of all screens.
+add_library(officeforday STATIC ${CMAKE_SOURCE_DIR}/tools/OfficeForDay.cpp ${CMAKE_SOURCE_DIR}/tools/OfficeForDay.h)
+target_include_directories(officeforday PUBLIC ${CMAKE_SOURCE_DIR}/tools)
+target_link_libraries(officeforday PUBLIC house Qt6::Core)
+
+add_executable(day ${CMAKE_SOURCE_DIR}/tools/day.cpp)
+target_link_libraries(day PRIVATE driverclient officeforday)
+
+add_executable(pictures_of_screens ${CMAKE_SOURCE_DIR}/tools/pictures.cpp)
+target_link_libraries(pictures_of_screens PRIVATE screens pictures officeforday)
+target_compile_definitions(pictures_of_screens PRIVATE TRAMBLE_VERSION="${PROJECT_VERSION}")
+
+set_target_properties(day pictures_of_screens PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)

@@ -1,0 +1,182 @@
+#include "OfficeForDay.h"
+#include "driver/DriverClient.h"
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+
+namespace {
+
+const QString Main = QStringLiteral("frmMain1");
+const QString NoManager = QStringLiteral("Palm Desktop software is needed");
+
+QByteArray Bytes(const QString& path) {
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
+    return file.readAll();
+}
+
+/// The real program in an office of its own, driven from outside.
+class Program : public ::testing::Test {
+protected:
+    Program() : office_(QStringLiteral(TRAMBLE_BUILD), folder_.filePath(QStringLiteral("office")), Samples()) {}
+
+    static QString Samples() { return QStringLiteral(TRAMBLE_SOURCE) + QStringLiteral("/samples/day"); }
+
+    DrivenProgram InOffice() const {
+        DrivenProgram start;
+        start.Program = office_.Program();
+        start.Folder = office_.Path(QString());
+        start.Environment[QStringLiteral("XDG_CONFIG_HOME")] = folder_.filePath(QStringLiteral("config"));
+        start.Environment[QStringLiteral("XDG_RUNTIME_DIR")] = folder_.path();
+        start.Environment[QStringLiteral("TMPDIR")] = folder_.path();
+        start.Environment[QStringLiteral("LSAN_OPTIONS")] =
+            QStringLiteral("suppressions=" TRAMBLE_SOURCE "/tests/leaks.txt:print_suppressions=0");
+        return start;
+    }
+
+    static void StartUp(DriverClient& program) {
+        program.ExpectContaining(NoManager);
+        program.Start();
+        program.WaitForm(Main);
+    }
+
+    static QString RunActivity(DriverClient& program, const QString& button, const QString& form,
+                               const QString& activity, const std::function<void()>& further = [] {}) {
+        program.Click(Main, button);
+        program.WaitForm(form);
+        program.Choose(form, QStringLiteral("cboMaster"), activity);
+        program.Expect(QStringLiteral("Perform %1 - Is that correct?").arg(activity), QStringLiteral("Yes"));
+        further();
+        program.Click(form, QStringLiteral("cmdOK"));
+        program.WaitTextContaining(form, QStringLiteral("lblProgress"), QStringLiteral("Process completed with"));
+        const QString report = program.Text(form, QStringLiteral("lblSST_1"));
+        program.Click(form, QStringLiteral("cmdCancel"));
+        program.WaitGone(form);
+        return report;
+    }
+
+    QTemporaryDir folder_;
+    OfficeForDay office_;
+};
+
+TEST_F(Program, StartsAndEndsAndLeavesItsSettingsAndItsTrace) {
+    DriverClient program(InOffice());
+    StartUp(program);
+
+    EXPECT_EQ(program.Quit(), 0);
+
+    EXPECT_TRUE(Bytes(office_.Path(QStringLiteral("ZUKTramble.ini"))).startsWith("[Backup]\r\nPurgeBackup=True\r\n"));
+    EXPECT_TRUE(Bytes(office_.Path(QStringLiteral("Events.log"))).contains("frmMain1:Form_Unload\r\n"));
+    EXPECT_EQ(QDir(office_.Path(QStringLiteral("DBFEmpty"))).entryList({QStringLiteral("*.dbf")}).size(), 24);
+}
+
+TEST_F(Program, ASecondStartIsToldAndLeavesTheFirstUntouched) {
+    DriverClient first(InOffice());
+    StartUp(first);
+
+    DriverClient second(InOffice());
+    second.Expect(QStringLiteral("Application is aready running!"));
+    second.Start();
+    EXPECT_NE(second.WaitForEnd(), 0);
+
+    EXPECT_TRUE(first.IsShown(Main));
+    EXPECT_EQ(first.Quit(), 0);
+}
+
+TEST_F(Program, ACrashedFirstNeverBlocksTheNextStart) {
+    {
+        DriverClient first(InOffice());
+        StartUp(first);
+        first.Kill();
+    }
+
+    DriverClient next(InOffice());
+    StartUp(next);
+
+    EXPECT_EQ(next.Quit(), 0);
+}
+
+TEST_F(Program, ImportsBothFilesAndExportsWhatOtherProgramsMakeOfTheSameTables) {
+    DriverClient program(InOffice());
+    StartUp(program);
+
+    EXPECT_EQ(RunActivity(program, QStringLiteral("lblImportBtn"), QStringLiteral("frmQBImport"),
+                          QStringLiteral("DemoImport")),
+              QStringLiteral("120 of 121"));
+    EXPECT_EQ(RunActivity(program, QStringLiteral("lblExportBtn"), QStringLiteral("frmQBExport"),
+                          QStringLiteral("DemoExport"),
+                          [&] {
+                              program.Expect(QStringLiteral("3 records in the Order Lines table appear to have no "
+                                                            "corresponding Header records!"));
+                              program.ExpectContaining(QStringLiteral("Delete Exported Tables on PC?"),
+                                                       QStringLiteral("No"));
+                          }),
+              QStringLiteral("82 of 85"));
+    EXPECT_EQ(program.Quit(), 0);
+
+    const QString other = folder_.filePath(QStringLiteral("expected.csv"));
+    ASSERT_EQ(QProcess::execute(QStringLiteral("bash"), {Samples() + QStringLiteral("/expected/make.sh"),
+                                                         office_.Path(QStringLiteral("DBFFiles")), other}),
+              0);
+    const QByteArray exported = Bytes(office_.Path(QStringLiteral("DataOut/orders.csv")));
+    EXPECT_EQ(exported, Bytes(other));
+    EXPECT_EQ(exported, Bytes(Samples() + QStringLiteral("/expected/orders.csv")));
+}
+
+TEST_F(Program, DeletionAfterTheExportLeavesABackupAndEmptyTables) {
+    DriverClient program(InOffice());
+    StartUp(program);
+
+    RunActivity(program, QStringLiteral("lblExportBtn"), QStringLiteral("frmQBExport"), QStringLiteral("DemoExport"), [&] {
+        program.ExpectContaining(QStringLiteral("records in the Order Lines table"));
+        program.ExpectContaining(QStringLiteral("Delete Exported Tables on PC?"), QStringLiteral("Yes"));
+    });
+    program.Click(Main, QStringLiteral("lblNext"));
+    EXPECT_EQ(program.Text(Main, QStringLiteral("lblSysOrders1")), QStringLiteral("0"));
+    EXPECT_EQ(program.Quit(), 0);
+
+    const QStringList backups = QDir(office_.Path(QStringLiteral("Backup"))).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+    ASSERT_EQ(backups.size(), 1);
+    EXPECT_EQ(QDir(office_.Path(QStringLiteral("Backup/") + backups[0])).entryList(QDir::Files).size(), 6);
+}
+
+TEST_F(Program, TheDarkLookIsRemembered) {
+    {
+        DriverClient program(InOffice());
+        StartUp(program);
+        program.Click(Main, QStringLiteral("mnuDarkLook"));
+        EXPECT_TRUE(program.IsChecked(Main, QStringLiteral("mnuDarkLook")));
+        EXPECT_EQ(program.Quit(), 0);
+    }
+
+    DriverClient program(InOffice());
+    StartUp(program);
+
+    EXPECT_TRUE(program.IsChecked(Main, QStringLiteral("mnuDarkLook")));
+    EXPECT_EQ(program.Quit(), 0);
+}
+
+TEST_F(Program, ImportsByKeyboardAlone) {
+    DriverClient program(InOffice());
+    StartUp(program);
+    const QString form = QStringLiteral("frmQBImport");
+
+    program.Key(QStringLiteral("Alt+I"));
+    program.WaitForm(form);
+    program.Type(QStringLiteral("DemoImport"));
+    program.Key(QStringLiteral("Return"));
+    program.WaitEnabled(form, QStringLiteral("cmdOK"));
+    program.Expect(QStringLiteral("Perform DemoImport - Is that correct?"), QStringLiteral("Yes"));
+    program.Key(QStringLiteral("Alt+O"));
+    program.WaitTextContaining(form, QStringLiteral("lblProgress"), QStringLiteral("Process completed with no errors!"));
+    program.Key(QStringLiteral("Escape"));
+    program.WaitGone(form);
+
+    EXPECT_EQ(program.Quit(), 0);
+}
+
+} // namespace

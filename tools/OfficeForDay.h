@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <stdexcept>
+
+/// What makes an office for a demonstration could not be done; says which command, and its words.
+class OfficeFailure : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// A fresh application directory with a copy of the program in it, laid out by the program's own
+/// tools out of the folder of a build.
+class OfficeForDay {
+public:
+    /// `office` is made; it must not exist, or be empty. `samples` holds text files for `DataIn` and
+    /// <TABLE>.tsv files for the tables.
+    OfficeForDay(const QString& build, const QString& office, const QString& samples);
+
+    QString Program() const { return office_ + QStringLiteral("/ZUKTramble"); }
+    QString Path(const QString& below) const { return office_ + QLatin1Char('/') + below; }
+
+private:
+    void Run(const QString& tool, const QStringList& arguments) const;
+
+    QString build_;
+    QString office_;
+};

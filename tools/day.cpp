@@ -1,0 +1,128 @@
+// The demonstration of a working day with the real program and no screen needed:
+//
+//   day BUILD SAMPLES
+//
+// lays out a fresh office, imports customers and items by a QuickButton activity, exports the
+// prepared orders by another, and compares the export with the one that was made by other programs.
+// Ends in 0 only if all held.
+
+#include "OfficeForDay.h"
+#include "driver/DriverClient.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include <cstdio>
+#include <functional>
+
+namespace {
+
+class DayFailure : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+void Say(const QString& line) {
+    std::fputs((line + QLatin1Char('\n')).toLocal8Bit().constData(), stdout);
+    std::fflush(stdout);
+}
+
+void Require(bool holds, const QString& what) {
+    if (!holds) throw DayFailure(what.toStdString());
+}
+
+QByteArray Bytes(const QString& path) {
+    QFile file(path);
+    Require(file.open(QIODevice::ReadOnly), path + QStringLiteral(" is not there"));
+    return file.readAll();
+}
+
+/// Runs an activity on its screen and prints its report.
+void RunActivity(DriverClient& program, const QString& button, const QString& form, const QString& activity,
+                 const std::function<void()>& expectFurther = [] {}) {
+    program.Click(QStringLiteral("frmMain1"), button);
+    program.WaitForm(form);
+    program.Choose(form, QStringLiteral("cboMaster"), activity);
+    program.Expect(QStringLiteral("Perform %1 - Is that correct?").arg(activity), QStringLiteral("Yes"));
+    expectFurther();
+    program.Click(form, QStringLiteral("cmdOK"));
+    const QString end =
+        program.WaitTextContaining(form, QStringLiteral("lblProgress"), QStringLiteral("Process completed with"));
+    Say(QStringLiteral("  ") + program.Text(form, QStringLiteral("lblHeading2")));
+    for (const char* row : {"1", "2"}) {
+        const QString name = program.Text(form, QStringLiteral("lblSS_") + QLatin1String(row));
+        const QString report = program.Text(form, QStringLiteral("lblSST_") + QLatin1String(row));
+        if (report != QLatin1String("None")) Say(QStringLiteral("    %1: %2").arg(name, report));
+    }
+    Say(QStringLiteral("  ") + end);
+    Require(end.contains(QLatin1String("no errors!")), activity + QStringLiteral(" had errors"));
+    program.Click(form, QStringLiteral("cmdCancel"));
+    program.WaitGone(form);
+}
+
+void RunDay(const QString& build, const QString& samples) {
+    const QString where = build + QStringLiteral("/day");
+    QDir(where).removeRecursively();
+    QDir().mkpath(where);
+    const OfficeForDay office(build, where + QStringLiteral("/office"), samples);
+    Say(QStringLiteral("A fresh office lies in ") + office.Path(QString()));
+
+    DrivenProgram start;
+    start.Program = office.Program();
+    start.Folder = office.Path(QString());
+    DriverClient program(start);
+    // No HotSync Manager is registered in this office.
+    program.ExpectContaining(QStringLiteral("Palm Desktop software is needed"));
+    program.Start();
+    program.WaitForm(QStringLiteral("frmMain1"));
+
+    Say(QStringLiteral("Import: customers.csv (quoted, commas and accents), items.txt (tabs)"));
+    RunActivity(program, QStringLiteral("lblImportBtn"), QStringLiteral("frmQBImport"), QStringLiteral("DemoImport"));
+
+    Say(QStringLiteral("Export: the prepared orders"));
+    RunActivity(program, QStringLiteral("lblExportBtn"), QStringLiteral("frmQBExport"), QStringLiteral("DemoExport"),
+                [&program] {
+                    program.ExpectContaining(QStringLiteral("records in the Order Lines table appear to have no"));
+                    program.ExpectContaining(QStringLiteral("Delete Exported Tables on PC?"), QStringLiteral("No"));
+                });
+
+    program.Click(QStringLiteral("frmMain1"), QStringLiteral("lblNext"));
+    Say(QStringLiteral("The office holds"));
+    for (const char* name : {"Cust", "Items", "Orders"}) {
+        const QString label = QStringLiteral("lblSys") + QLatin1String(name);
+        Say(QStringLiteral("    %1: %2").arg(program.Text(QStringLiteral("frmMain1"), label),
+                                             program.Text(QStringLiteral("frmMain1"), label + QLatin1Char('1'))));
+    }
+    Require(program.Quit() == 0, QStringLiteral("the program ended with a failure"));
+    program.Done();
+
+    const QString exported = office.Path(QStringLiteral("DataOut/orders.csv"));
+    const QString expected = samples + QStringLiteral("/expected/orders.csv");
+    Say(QStringLiteral("The tables lie in ") + office.Path(QStringLiteral("DBFFiles")));
+    Say(QStringLiteral("The export is ") + exported);
+    if (QFileInfo::exists(expected)) {
+        Require(Bytes(exported) == Bytes(expected), exported + QStringLiteral(" differs from ") + expected);
+        Say(QStringLiteral("It equals, byte for byte, what other programs made of the same tables: ") + expected);
+    }
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const QCoreApplication application(argc, argv);
+    const QStringList arguments = QCoreApplication::arguments();
+    if (arguments.size() != 3) {
+        std::fputs("day BUILD SAMPLES\n", stderr);
+        return 2;
+    }
+    try {
+        RunDay(QDir(arguments[1]).absolutePath(), QDir(arguments[2]).absolutePath());
+    } catch (const std::exception& failure) {
+        std::fprintf(stderr, "The day failed: %s\n", failure.what());
+        return 1;
+    }
+    Say(QStringLiteral("The day held."));
+    return 0;
+}

@@ -1,0 +1,136 @@
+// A picture of every screen of the program, in the light look and in the dark one:
+//
+//   pictures_of_screens BUILD FOLDER
+//
+// writes FOLDER/<form>-light.png and FOLDER/<form>-dark.png, with the demonstration day's files in
+// the office that the screens show. At another scale: set QT_SCALE_FACTOR before.
+
+#include "AllForms.h"
+#include "OfficeForDay.h"
+#include "core/Globals.h"
+#include "core/Messages.h"
+#include "core/Operator.h"
+#include "exchange/forms/QuickButtonForm.h"
+#include "platform/Convert.h"
+#include "platform/Look.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QDir>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <cstdio>
+
+namespace {
+
+/// Nobody sits before these screens: each question gets its harmless answer.
+class Nobody final : public Operator {
+public:
+    Answer MsgBox(const Text&, Icon, Buttons buttons) override {
+        return buttons == Buttons::Ok ? Answer::Ok : Answer::No;
+    }
+    std::optional<std::string> InputBox(const Text&, const std::string&) override { return std::nullopt; }
+    bool Ask(const Question&) override { return false; }
+    void Beep() override {}
+};
+
+/// Tables with a few handhelds and uploads, so that the main screen has something to show.
+void FillOffice(const QString& build, const OfficeForDay& office, const QString& folder) {
+    const auto write = [&](const QString& name, const QByteArray& content) {
+        QFile file(folder + QLatin1Char('/') + name);
+        if (!file.open(QIODevice::WriteOnly)) throw OfficeFailure("cannot write " + name.toStdString());
+        file.write(content);
+    };
+    write(QStringLiteral("ZUKLINK.tsv"), "LK_HOTSYNC\tLK_MACH_ID\nAnna Berg\tA001\nBen Okafor\tB002\n"
+                                         "Chloé Martin\tC003\nDiego Ruiz\tD004\nEmi Sato\tE005\nFrank Weiss\tF006\n");
+    QByteArray totals = "TP_NUMHEAD\tTP_NUMLINE\tTP_DOL_LIN\tTP_EVENT\tTP_DATETIM\tTP_HOTSYNC\n";
+    const char* names[] = {"Anna Berg", "Ben Okafor", "Chloé Martin", "Diego Ruiz"};
+    for (int i = 0; i < 4; ++i) {
+        const QByteArray number = QByteArray::number(i + 3);
+        totals += number + '\t' + QByteArray::number(7 * i + 12) + '\t' + QByteArray::number(431.5 * (i + 1)) +
+                  "\tUPLOAD-ADD\t2999-11-1" + number + " 17:4" + number + ":05\t" + names[i] + '\n';
+    }
+    write(QStringLiteral("ZUKTOTALPC.tsv"), totals);
+    QProcess::execute(build + QStringLiteral("/filltables"),
+                      {office.Path(QString()), folder + QStringLiteral("/ZUKLINK.tsv"),
+                       folder + QStringLiteral("/ZUKTOTALPC.tsv")});
+}
+
+void Settle() {
+    for (int i = 0; i < 5; ++i) QCoreApplication::processEvents();
+}
+
+void Save(QWidget& window, const QString& folder, const QString& name) {
+    window.show();
+    Settle();
+    const QString path = folder + QLatin1Char('/') + name + (IsDarkLook() ? "-dark.png" : "-light.png");
+    if (!window.grab().save(path)) throw OfficeFailure("cannot write " + path.toStdString());
+    std::printf("%s\n", path.toLocal8Bit().constData());
+}
+
+/// What an operator would have done before looking at a screen.
+void Prepare(FormBehaviour& form) {
+    if (auto* message = dynamic_cast<frmMessage*>(&form)) {
+        message->Fill({msg::ResetQuestion, msg::Yes, msg::No, {}});
+    }
+    if (dynamic_cast<QuickButtonForm*>(&form)) {
+        auto* activities = form.Window().findChild<QComboBox*>(QStringLiteral("cboMaster"));
+        activities->setCurrentIndex(0);
+        emit activities->activated(0);
+    }
+}
+
+template <class F>
+void Picture(const QString& folder, const char* name) {
+    F& form = The<F>();
+    if (form.IsGone()) {
+        // A form that does its work while it loads is shown as it stands meanwhile.
+        F shell;
+        FillCaptions(shell);
+        Save(shell, folder, QString::fromLatin1(name));
+        return;
+    }
+    Prepare(form);
+    Save(form, folder, QString::fromLatin1(name));
+    if constexpr (!std::is_same_v<F, frmMain1>) form.Unload();
+    Settle();
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QTemporaryDir work;
+    qputenv("XDG_CONFIG_HOME", work.path().toLocal8Bit());
+    QApplication application(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false);
+    QApplication::setApplicationVersion(QStringLiteral(TRAMBLE_VERSION));
+    const QStringList arguments = QCoreApplication::arguments();
+    if (arguments.size() != 3) {
+        std::fputs("pictures_of_screens BUILD FOLDER\n", stderr);
+        return 2;
+    }
+    Nobody nobody;
+    try {
+        const QString folder = QDir(arguments[2]).absolutePath();
+        QDir().mkpath(folder);
+        const OfficeForDay office(arguments[1], work.filePath(QStringLiteral("office")), QStringLiteral("samples/day"));
+        FillOffice(arguments[1], office, work.path());
+        for (const bool dark : {false, true}) {
+            Global = Globals{};
+            Global.TheOperator = &nobody;
+            Global.AppPath = PathFromQt(office.Path(QString()));
+            ApplyLook(application, dark);
+            The<frmMain1>();
+#define PICTURE(form) Picture<form>(folder, #form);
+            ALL_FORMS(PICTURE)
+#undef PICTURE
+            FormRegistry::Instance().Clear();
+        }
+    } catch (const std::exception& failure) {
+        std::fprintf(stderr, "%s\n", failure.what());
+        return 1;
+    }
+    return 0;
+}
