@@ -4,7 +4,6 @@
 #include "driver/Reading.h"
 #include "driver/Refused.h"
 
-#include <QAbstractButton>
 #include <QApplication>
 #include <QDir>
 #include <QFileInfo>
@@ -29,6 +28,9 @@ constexpr int AnswerMilliseconds = 5000;
 
 /// A box that its program keeps, hidden, counts as gone after this long; any other is destroyed.
 constexpr int KeptBoxMilliseconds = 100;
+
+/// A button that a mnemonic presses is shown down for a tenth of a second, and clicks then.
+constexpr int PressedMilliseconds = 1000;
 
 bool IsBox(const QWidget& window) {
     return window.objectName() == QLatin1String("MsgBox") || window.objectName() == QLatin1String("InputBox");
@@ -216,7 +218,7 @@ void Driver::ScheduleNext() {
 }
 
 void Driver::HandleNext() {
-    if (requests_.isEmpty() || BoxesUnderWay()) return;
+    if (requests_.isEmpty() || IsUnderWay()) return;
     const QJsonDocument line = QJsonDocument::fromJson(requests_.head());
     const QJsonObject request = line.object();
     const QJsonValue id = request.value(QLatin1String("id"));
@@ -342,7 +344,11 @@ bool Driver::DispatchDeed(const QJsonValue& id, const QString& deed, const QJson
         }
         desk_.ActivateTop();
         const QString keys = TextArgument(request, isDeed("key") ? "key" : "text");
-        Perform(id, [keys, single = isDeed("key")] { single ? PressKey(keys) : TypeText(keys); });
+        Perform(id, [this, keys, single = isDeed("key")] {
+            const QPointer<Driver> guard = this;
+            single ? PressKey(keys) : TypeText(keys);
+            if (guard) NotePressedButton();
+        });
     } else if (isDeed("close") || isDeed("quit")) {
         QWidget& form =
             desk_.FreeForm(isDeed("quit") ? QStringLiteral("frmMain1") : TextArgument(request, "form"));
@@ -443,7 +449,7 @@ void Driver::AddWait(Wait wait) {
 
 void Driver::CheckWaits() {
     CheckAnsweredBoxes();
-    const bool hold = BoxesUnderWay();
+    const bool hold = IsUnderWay();
     for (qsizetype i = 0; i < waits_.size();) {
         const Wait& wait = waits_[i];
         bool holds = false;
@@ -475,7 +481,7 @@ void Driver::CheckWaits() {
         }
         Refuse(over.Id, lack);
     }
-    if (waits_.isEmpty() && answered_.isEmpty()) poll_.stop();
+    if (waits_.isEmpty() && answered_.isEmpty() && !IsUnderWay()) poll_.stop();
 }
 
 // ---- boxes ----
@@ -550,13 +556,27 @@ void Driver::AnswerBox(QWidget& box, const Expectation& expected) {
         }
         ClickControl(*button);
     } catch (const Refused& refused) {
+        // It stands there like one that was not expected, for the client to see and to answer.
+        answered_.removeIf([&](const AnsweredBox& answered) { return answered.Box == guard; });
         Fail(QStringLiteral("%1 cannot be answered: %2").arg(Describe(expected), refused.Words()));
     }
 }
 
-bool Driver::BoxesUnderWay() const {
+bool Driver::IsUnderWay() const {
     if (!failures_.isEmpty()) return false;
+    if (pressed_ && pressed_->isDown() && !pressedUntil_.hasExpired()) return true;
     return !answered_.isEmpty() || (judging_ && !unjudged_.isEmpty());
+}
+
+void Driver::NotePressedButton() {
+    const QWidget* window = QApplication::activeWindow();
+    if (!window) return;
+    for (QAbstractButton* button : window->findChildren<QAbstractButton*>()) {
+        if (!button->isDown() || button->window() != window) continue;
+        pressed_ = button;
+        pressedUntil_ = QDeadlineTimer(PressedMilliseconds);
+        poll_.start();
+    }
 }
 
 void Driver::CheckAnsweredBoxes() {

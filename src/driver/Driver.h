@@ -2,6 +2,7 @@
 
 #include "driver/Desk.h"
 
+#include <QAbstractButton>
 #include <QDeadlineTimer>
 #include <QJsonObject>
 #include <QJsonValue>
@@ -71,7 +72,8 @@ private:
     void BoxShown(QWidget& box);
     void Judge();
     void AnswerBox(QWidget& box, const Expectation& expected);
-    bool BoxesUnderWay() const;
+    bool IsUnderWay() const;
+    void NotePressedButton();
     void CheckAnsweredBoxes();
     void Fail(const QString& words);
     QString Failures() const;
@@ -94,6 +96,8 @@ private:
     QList<QPointer<QWidget>> unjudged_;
     QList<AnsweredBox> answered_;
     QStringList failures_;
+    QPointer<QAbstractButton> pressed_; ///< by a key, shown down for a moment before it clicks
+    QDeadlineTimer pressedUntil_;
     QTimer poll_;
     Desk desk_;
 };

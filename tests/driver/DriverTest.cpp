@@ -495,6 +495,12 @@ TEST_F(Driven, BoxWithoutTheExpectedButtonIsAFailure) {
                     client.Done();
                 }),
                 "the box has no button Ok; it has Yes, No");
+
+    // With the failure read, the box is there to be answered by hand.
+    EXPECT_EQ(client.Failures().size(), 1);
+    client.Expect("Second.");
+    client.Click("MsgBox", "No");
+    EXPECT_EQ(Log(), "no, then told");
 }
 
 TEST_F(Driven, ExpectedBoxThatNeverComesIsAFailure) {

@@ -222,7 +222,7 @@ private:
         auto* tabs = Add(new QTabWidget, "tabPages");
         auto* first = new QWidget;
         auto* second = new QWidget;
-        Named(new QPushButton("On the second page", second), "cmdSecondPage");
+        (new QVBoxLayout(second))->addWidget(Named(new QPushButton("On the second page"), "cmdSecondPage"));
         tabs->addTab(first, "&First");
         tabs->addTab(second, "&Second");
         auto* area = Add(new QScrollArea, "areaLong");
