@@ -342,6 +342,16 @@ TEST_F(Driven, ModalFormIsDrivenInsideItsLoop) {
     client.Done();
 }
 
+TEST_F(Driven, WhatFollowsAModalFormHasRunBeforeTheNextRequest) {
+    auto& client = Started();
+    client.Click("frmMain1", "cmdOwnLoop");
+    client.WaitForm("frmDialog");
+
+    client.Click("frmDialog", "cmdOK");
+
+    EXPECT_EQ(Log(), "own loop over");
+}
+
 TEST_F(Driven, EscapeClosesAModalForm) {
     auto& client = Started();
     client.Click("frmMain1", "cmdDialog");
@@ -598,6 +608,14 @@ TEST_F(Driven, UnknownRequestAndMissingArgumentsAreRefused) {
                 }),
                 "\"timeout\" must be a whole number");
     EXPECT_SAYS(FailureOf([&] { client.Request("expect", {{"text", "x"}}); }), "needs an \"answer\"");
+}
+
+TEST_F(Driven, ProgramThatTheDrivenOneStartsIsNotDriven) {
+    auto& client = Started();
+
+    client.Click("frmMain1", "cmdEnvironment");
+
+    EXPECT_EQ(Log(), "nothing");
 }
 
 TEST_F(Driven, SecondClientIsTurnedAway) {

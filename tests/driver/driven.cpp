@@ -1,12 +1,13 @@
 // A program to be driven: one of each kind of control, a modal form, boxes inside it. It knows
 // nothing of its driver.
 
-#include <QAbstractTableModel>
+#include <QAbstractEventDispatcher>
 #include <QApplication>
 #include <QCheckBox>
 #include <QCloseEvent>
 #include <QComboBox>
 #include <QDialog>
+#include <QEventLoop>
 #include <QGroupBox>
 #include <QHeaderView>
 #include <QLabel>
@@ -151,6 +152,20 @@ private:
             dialog.exec();
             Log("dialog over");
         });
+        Button("cmdOwnLoop", "Own loop", [this] {
+            frmDialog dialog(this);
+            dialog.setWindowModality(Qt::ApplicationModal);
+            dialog.show();
+            QEventLoop loop;
+            connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, &loop,
+                    [&] {
+                        if (dialog.isHidden()) loop.quit();
+                    });
+            loop.exec();
+            Log("own loop over");
+        });
+        Button("cmdEnvironment", "Environment",
+               [this] { Log(qEnvironmentVariable("QT_QPA_GENERIC_PLUGINS", "nothing")); });
         Button("cmdTwoBoxes", "Two boxes", [this] {
             const bool first = AskBox("First?");
             TellBox("Second.");
