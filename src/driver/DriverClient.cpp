@@ -307,7 +307,12 @@ void DriverClient::Start() {
         Request(QStringLiteral("expect"), expectation);
     }
     // The first request that is none: boxes are judged from here on.
-    Request(QStringLiteral("forms"));
+    try {
+        Request(QStringLiteral("forms"));
+    } catch (const DriverFailure&) {
+        // A program that had no more to say than the expected boxes may be gone; WaitForEnd tells how.
+        if (!line_->HasEnded()) throw;
+    }
 }
 
 bool DriverClient::IsRunning() const {

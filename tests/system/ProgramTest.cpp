@@ -168,10 +168,9 @@ TEST_F(Program, ImportsByKeyboardAlone) {
     program.Key(QStringLiteral("Alt+I"));
     program.WaitForm(form);
     program.Type(QStringLiteral("DemoImport"));
-    program.Key(QStringLiteral("Return"));
     program.WaitEnabled(form, QStringLiteral("cmdOK"));
     program.Expect(QStringLiteral("Perform DemoImport - Is that correct?"), QStringLiteral("Yes"));
-    program.Key(QStringLiteral("Alt+O"));
+    program.Key(QStringLiteral("Return"));
     program.WaitTextContaining(form, QStringLiteral("lblProgress"), QStringLiteral("Process completed with no errors!"));
     program.Key(QStringLiteral("Escape"));
     program.WaitGone(form);

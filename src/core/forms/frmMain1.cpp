@@ -65,8 +65,8 @@ void frmMain1::Form_Load() {
 
 void frmMain1::StopStart(const Text& reason) {
     Tell(reason, Icon::Stop);
-    Unload();
     EndProgram(1);
+    Unload();
 }
 
 void frmMain1::StartUp() {
