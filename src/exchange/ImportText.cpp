@@ -12,19 +12,18 @@ constexpr int LineTooLong = 6;
 
 } // namespace
 
-ImportReader::ImportReader(std::string_view path, bool utf8) : file_(path), utf8_(utf8) {}
+ImportReader::ImportReader(std::string_view path, bool utf8) : path_(path), utf8_(utf8) {
+    file_.emplace(path_);
+}
 
 bool ImportReader::ReadLine(std::string& line) {
-    const bool first = first_;
-    first_ = false;
-    try {
-        if (!file_.ReadLine(line)) return false;
-    } catch (const RunTimeFailure& failure) {
-        if (failure.Number() != LineTooLong) throw;
-        hasMark_ = first && line.starts_with(Utf8Mark);
-        PassLongLine();
-        throw;
-    }
+    if (broken_) Reopen();
+    broken_ = true;
+    const bool got = TakeLine(line);
+    broken_ = false;
+    if (!got) return false;
+    const bool first = passed_++ == 0;
+    if (tooLong_) throw RunTimeFailure(LineTooLong, path_ + ", line " + std::to_string(passed_));
     if (first && line.starts_with(Utf8Mark)) {
         hasMark_ = true;
         line.erase(0, Utf8Mark.size());
@@ -33,18 +32,26 @@ bool ImportReader::ReadLine(std::string& line) {
     return true;
 }
 
-void ImportReader::PassLongLine() {
-    // The reader gives up inside the line and goes on from there, so the first piece that it reads
-    // to an end is the end of that line.
-    std::string rest;
-    for (bool inside = true; inside;) {
+/// The next line to its end, or only the end of one that is too long.
+bool ImportReader::TakeLine(std::string& line) {
+    tooLong_ = false;
+    while (true) {
         try {
-            file_.ReadLine(rest);
-            inside = false;
+            return file_->ReadLine(line);
         } catch (const RunTimeFailure& failure) {
+            // The file gives up inside the line and goes on from there.
             if (failure.Number() != LineTooLong) throw;
+            if (!tooLong_ && passed_ == 0) hasMark_ = line.starts_with(Utf8Mark);
+            tooLong_ = true;
         }
     }
+}
+
+void ImportReader::Reopen() {
+    file_.reset();
+    file_.emplace(path_);
+    std::string line;
+    for (std::int64_t k = 0; k < passed_; ++k) TakeLine(line);
 }
 
 ImportSurvey SurveyImportFile(std::string_view path) {

@@ -28,19 +28,24 @@ public:
 
     /// The next line without its end and without a mark of UTF-8; false at the end of the file.
     /// RunTimeFailure 6 for a line longer than TextReader::MaxLine, which is then passed: the next
-    /// call goes on behind it. Otherwise as TextReader.
+    /// call goes on behind it. Otherwise as TextReader; the next call then opens the file anew and
+    /// tries the same line again.
     bool ReadLine(std::string& line);
 
     /// True once a first line with the mark of UTF-8 has been read.
     bool HasMark() const { return hasMark_; }
 
 private:
-    void PassLongLine();
+    bool TakeLine(std::string& line);
+    void Reopen();
 
-    TextReader file_;
+    std::string path_;
+    std::optional<TextReader> file_;
     bool utf8_;
-    bool first_ = true;
     bool hasMark_ = false;
+    bool tooLong_ = false; ///< the line that was taken last
+    bool broken_ = false;  ///< a read has failed, and what the reader holds is not to be used
+    std::int64_t passed_ = 0;
 };
 
 /// The delimiter of a file by its first line that shows one: CSV Quotes for a double quote directly

@@ -6,7 +6,7 @@
 
 /// The real disk with a fault in it: each call that changes something is counted, and from the
 /// n-th on it fails with the number of a full or broken disk.
-class FaultyDisk final : public Disk {
+class FaultyDisk : public Disk {
 public:
     /// `failAt` counts from 1; 0 never fails. `number` is the failure, 61 or 57.
     explicit FaultyDisk(int failAt = 0, int number = 61) : failAt_(failAt), number_(number) {}
