@@ -96,7 +96,6 @@ void RunDay(const QString& build, const QString& samples) {
                                              program.Text(QStringLiteral("frmMain1"), label + QLatin1Char('1'))));
     }
     Require(program.Quit() == 0, QStringLiteral("the program ended with a failure"));
-    program.Done();
 
     const QString exported = office.Path(QStringLiteral("DataOut/orders.csv"));
     const QString expected = samples + QStringLiteral("/expected/orders.csv");

@@ -4,6 +4,8 @@
 #include "core/Globals.h"
 #include "core/Paths.h"
 
+#include <utility>
+
 namespace {
 
 constexpr std::size_t BlockSize = std::size_t{1} << 17;
@@ -17,10 +19,13 @@ TextReader::TextReader(std::string_view path) : path_(ResolvePath(path)) {
 TextReader::~TextReader() { Global.Files.Close(file_); }
 
 bool TextReader::Fill() {
-    block_.resize(BlockSize);
-    block_.resize(Global.Files.Use(file_).ReadAt(offset_, block_.data(), BlockSize));
-    offset_ += block_.size();
+    // Whoever reads on after a failed read finds no bytes that were never in the file.
     at_ = 0;
+    block_.clear();
+    std::string block(BlockSize, '\0');
+    block.resize(Global.Files.Use(file_).ReadAt(offset_, block.data(), BlockSize));
+    block_ = std::move(block);
+    offset_ += block_.size();
     return !block_.empty();
 }
 
