@@ -9,12 +9,12 @@ enum class Answer { Ok, Yes, No };
 enum class Buttons { Ok, YesNo };
 enum class Icon { None, Information, Question, Warning, Stop };
 
-/// The shared question form: a title, a text, and two buttons whose captions the caller gives.
-/// An empty second caption makes a notice of one button.
+/// The shared question form: a text, and two buttons whose captions the caller gives. Without a
+/// caption for Yes it is a notice of one button.
 struct Question {
     Text Message;
-    Text YesCaption;
-    Text NoCaption;
+    std::optional<MessageId> YesCaption;
+    MessageId NoCaption;
     std::string HelpTopic; ///< shows the help button when not empty
 };
 

@@ -5,6 +5,7 @@
 #include "core/Messages.h"
 #include "core/forms/frmMessage.h"
 #include "platform/Convert.h"
+#include "platform/Look.h"
 
 #include <QApplication>
 #include <QDialogButtonBox>
@@ -16,15 +17,16 @@
 
 namespace {
 
-QMessageBox::Icon BoxIcon(Icon icon) {
+/// The name of a box's picture; empty for none.
+const char* BoxPicture(Icon icon) {
     switch (icon) {
-    case Icon::Information: return QMessageBox::Information;
-    case Icon::Question: return QMessageBox::Question;
-    case Icon::Warning: return QMessageBox::Warning;
-    case Icon::Stop: return QMessageBox::Critical;
+    case Icon::Information: return "box-information";
+    case Icon::Question: return "box-question";
+    case Icon::Warning: return "box-warning";
+    case Icon::Stop: return "box-stop";
     case Icon::None: break;
     }
-    return QMessageBox::NoIcon;
+    return "";
 }
 
 QPushButton* AddButton(QMessageBox& box, MessageId caption, const QString& name, QMessageBox::ButtonRole role) {
@@ -42,7 +44,7 @@ Answer QtOperator::MsgBox(const Text& message, Icon icon, Buttons buttons) {
     box.setWindowTitle(ToQt(Text(msg::Title)));
     box.setTextFormat(Qt::PlainText);
     box.setText(ToQt(message));
-    box.setIcon(BoxIcon(icon));
+    if (icon != Icon::None) box.setIconPixmap(Picture(BoxPicture(icon)).pixmap(36, 36));
     box.setWindowModality(Qt::ApplicationModal);
     if (buttons == Buttons::Ok) {
         box.setEscapeButton(AddButton(box, msg::Ok, QStringLiteral("Ok"), QMessageBox::AcceptRole));

@@ -5,12 +5,16 @@
 #include "forms/FormTest.h"
 #include "maintenance/Totals.h"
 #include "platform/SingleInstance.h"
+#include "sync/forms/frmHHStatus.h"
 #include "tools/forms/frmAbout.h"
 
 #include <QAction>
 #include <QDialog>
 #include <QRegularExpression>
+#include <QTimer>
 #include <QToolButton>
+
+#include <filesystem>
 
 namespace {
 
@@ -199,6 +203,41 @@ TEST_F(MainScreen, TheFamilyDrawnLastIsShownAndTellsEachState) {
     EXPECT_EQ(Control(form, "cmdHHHSID_1").accessibleName(), QStringLiteral("Anna: Sync OK"));
     EXPECT_EQ(Control(form, "cmdHHHSID_2").accessibleName(), QStringLiteral("Ben: Bad Sync"));
     EXPECT_EQ(Control(form, "cmdHHHSID_3").accessibleName(), QStringLiteral("Cleo: Not Synced"));
+}
+
+TEST_F(MainScreen, ABrickOfAHandheldThatNeverSyncedSaysThatThereAreNoDetails) {
+    GivenRows("ZUKLINK", {"LK_HOTSYNC", "Anna"});
+    auto& form = Start();
+    form.GetHHBricks();
+    Operator_.Expect(msg::NoStatusDetails).With(Icon::Information);
+
+    Click(form, "cmdHHHSID_1");
+}
+
+TEST_F(MainScreen, ABrickShowsTheFiguresOfBothSidesAndTheirDifference) {
+    GivenRows("ZUKLINK", {"LK_HOTSYNC", "Ben", "Anna"});
+    GivenRows("ZUKAudHH", {"TH_NUMHEAD|TH_NUMLINE|TH_DOL_LIN", "3|9|120.5"});
+    std::filesystem::create_directories(Global.HHTotalsPath + "Anna");
+    std::filesystem::rename(Global.DBFPath + "ZUKAudHH.dbf", Global.HHTotalsPath + "Anna/ZUKAudHH.dbf");
+    GivenRows("ZUKTOTALPC", {"TP_NUMHEAD|TP_NUMLINE|TP_DOL_LIN|TP_HOTSYNC", "9|9|9|Ben", "2|9|100|anna", "1|1|1|Anna"});
+    auto& form = Start();
+    form.GetHHBricks();
+    std::vector<QStringList> rows;
+    QString title;
+    QTimer::singleShot(0, qApp, [&] {
+        auto& details = The<frmHHStatus>();
+        title = TextOf(details, "lblID");
+        rows = GridRows(details, "FG1");
+        Click(details, "cmdOK");
+    });
+
+    Click(form, "cmdHHHSID_2");
+
+    EXPECT_EQ(title, QStringLiteral("Hotsync ID: Anna"));
+    ASSERT_EQ(rows.size(), 3U);
+    EXPECT_EQ(rows[0].join(QLatin1Char('|')), QStringLiteral("Handheld|3|9|120.50"));
+    EXPECT_EQ(rows[1].join(QLatin1Char('|')), QStringLiteral("PC|2|9|100.00"));
+    EXPECT_EQ(rows[2].join(QLatin1Char('|')), QStringLiteral("Difference|1|0|20.50"));
 }
 
 TEST_F(MainScreen, ASavedMinimisedStateStartsNormalAndAMaximisedOneMaximised) {

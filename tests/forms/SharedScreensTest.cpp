@@ -65,7 +65,7 @@ TEST_F(SharedScreens, TheNoButtonOfANoticeWithOkYieldsTrue) {
         Press(window, "cmdNo");
     });
 
-    EXPECT_TRUE(screen_.Ask({msg::TablesMissing, {}, msg::Ok, {}}));
+    EXPECT_TRUE(screen_.Ask({msg::TablesMissing, std::nullopt, msg::Ok, {}}));
 }
 
 TEST_F(SharedScreens, EscapeIsNoAndEnterPressesTheDefaultButton) {

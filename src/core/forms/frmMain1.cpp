@@ -18,6 +18,8 @@
 #include "platform/SingleInstance.h"
 #include "store/TableScan.h"
 #include "sync/Status.h"
+#include "sync/StatusDetails.h"
+#include "sync/forms/frmHHStatus.h"
 #include "tools/forms/frmAbout.h"
 
 #include <QApplication>
@@ -28,7 +30,7 @@ namespace {
 
 constexpr int TwipsPerPixel = 15; // 1440 to the inch, 96 pixels
 constexpr int BricksInRow = 5;
-constexpr QSize IconSize(28, 28);
+constexpr QSize IconSize(36, 28); // wider than the picture, which keeps the text off it
 
 /// Pages of the Tools quadrant, in the order of `lblPrev`.
 enum Page { PageTools, PageQuickStart, PageSummary, Pages };
@@ -253,6 +255,7 @@ void frmMain1::WriteSettings() {
 
 void frmMain1::DrawBricks(const QString& family, const std::function<QIcon(std::size_t)>& picture,
                           const std::function<Text(std::size_t)>& state) {
+    const bool canBeClicked = HasHandler(family + QStringLiteral("_Click"));
     while (QLayoutItem* item = grdBricks->takeAt(0)) {
         delete item->widget();
         delete item;
@@ -269,7 +272,11 @@ void frmMain1::DrawBricks(const QString& family, const std::function<QIcon(std::
         brick->setIcon(picture(row));
         brick->setToolTip(ToQt(Text::Value(id)) + QStringLiteral(": ") + ToQt(state(row)));
         brick->setAccessibleName(brick->toolTip());
-        brick->setEnabled(false);
+        brick->setEnabled(canBeClicked);
+        // A brick tells a state: it must be read whether it can be pressed or not.
+        QPalette readable = brick->palette();
+        readable.setColor(QPalette::Disabled, QPalette::ButtonText, readable.color(QPalette::Active, QPalette::ButtonText));
+        brick->setPalette(readable);
         WireControl(*brick);
         grdBricks->addWidget(brick, place / BricksInRow, place % BricksInRow);
     }
@@ -314,6 +321,22 @@ void frmMain1::GetHHBricksInst() {
         [&](std::size_t row) { return Text(done(row) ? msg::lblSyncOK : msg::lblNotSynced); });
 }
 
+bool frmMain1::HasHandler(const QString& name) const {
+    const QByteArray signature = name.toLatin1() + "(int)";
+    return metaObject()->indexOfSlot(signature.constData()) >= 0;
+}
+
+void frmMain1::cmdHHHSID_Click(int index) {
+    TraceEvent("frmMain1:cmdHHHSID_Click");
+    const auto ids = LinkIDs();
+    const auto row = static_cast<std::size_t>(index);
+    const auto details = row >= 1 && row <= ids.size() ? ReadStatusDetails(ids[row - 1]) : std::nullopt;
+    if (!details) return Tell(msg::NoStatusDetails, Icon::Information);
+    auto& form = The<frmHHStatus>();
+    form.Fill(ids[row - 1], *details);
+    form.Show(ShowMode::Modal);
+}
+
 void frmMain1::cmdReset_Click() {
     TraceEvent("frmMain1:cmdReset_Click");
     if (!Global.TheOperator->Ask({msg::ResetQuestion, msg::Yes, msg::No, {}})) return;
@@ -337,6 +360,7 @@ void frmMain1::SetUpTotalsGrid() {
     FGTot->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
     FGTot->horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch);
     FGTot->horizontalHeader()->setHighlightSections(false);
+    FGTot->verticalHeader()->setDefaultSectionSize(FGTot->fontMetrics().height() + 8);
     FGTot->setAccessibleName(ToQt(Text(msg::lblMatrix)));
 }
 

@@ -36,6 +36,7 @@ private slots:
     void mnuMainAbout_Click();
     void mnuDarkLook_Click();
     void cmdReset_Click();
+    void cmdHHHSID_Click(int index);
     void lblImportBtn_Click();
     void lblExportBtn_Click();
     void lblPrev_Click();
@@ -56,6 +57,7 @@ private:
     void ShowPage(int page);
     void DrawBricks(const QString& family, const std::function<QIcon(std::size_t)>& picture,
                     const std::function<Text(std::size_t)>& state);
+    bool HasHandler(const QString& name) const;
     void RestoreWindow();
     void TakeWindowPosition();
     bool WriteStatus();

@@ -1,27 +1,28 @@
 #include "core/forms/frmMessage.h"
 
+#include "core/Catalogue.h"
 #include "core/Globals.h"
 #include "core/Messages.h"
 #include "platform/Convert.h"
 #include "platform/Look.h"
 
-#include <QStyle>
-
 void frmMessage::Form_Load() {
     TraceEvent("frmMessage:Form_Load");
     setWindowTitle(ToQt(Text(msg::Title)));
     Global.MessageAnswer = false;
-    imgIcon->setPixmap(style()->standardIcon(QStyle::SP_MessageBoxQuestion).pixmap(32, 32));
 }
 
 void frmMessage::Fill(const Question& question) {
     lblMessage->setText(ToQt(question.Message));
-    cmdYes->setText(ToQt(question.YesCaption));
-    cmdNo->setText(ToQt(question.NoCaption));
-    cmdYes->setVisible(!question.YesCaption.IsEmpty());
+    const bool isNotice = !question.YesCaption;
+    if (question.YesCaption) cmdYes->setText(QString::fromStdString(CatalogueCaption(*question.YesCaption)));
+    cmdNo->setText(QString::fromStdString(CatalogueCaption(question.NoCaption)));
+    okOnNo_ = question.NoCaption == msg::Ok;
+    cmdYes->setVisible(!isNotice);
     lblHelpURL->setText(ToQt(std::string_view(question.HelpTopic)));
     cmdHelp->setVisible(!question.HelpTopic.empty());
-    (question.YesCaption.IsEmpty() ? cmdNo : cmdYes)->setDefault(true);
+    imgIcon->setPixmap(Picture(isNotice ? "box-information" : "box-question").pixmap(36, 36));
+    (isNotice ? cmdNo : cmdYes)->setDefault(true);
     adjustSize();
 }
 
@@ -33,8 +34,8 @@ void frmMessage::cmdYes_Click() {
 
 void frmMessage::cmdNo_Click() {
     TraceEvent("frmMessage:cmdNo_Click");
-    // A notice of one button has it here.
-    Global.MessageAnswer = cmdNo->text() == ToQt(Text(msg::Ok));
+    // The one button of a notice is here, and it is no refusal.
+    Global.MessageAnswer = okOnNo_;
     Unload();
 }
 

@@ -20,4 +20,7 @@ private slots:
 protected:
     void Form_Load() override;
     void reject() override;
+
+private:
+    bool okOnNo_ = false; ///< the caption of `cmdNo` is "Ok"
 };
