@@ -306,13 +306,10 @@ void DriverClient::Start() {
     for (const QJsonObject& expectation : std::exchange(line_->early_, {})) {
         Request(QStringLiteral("expect"), expectation);
     }
-    // The first request that is none: boxes are judged from here on.
-    try {
-        Request(QStringLiteral("forms"));
-    } catch (const DriverFailure&) {
-        // A program that had no more to say than the expected boxes may be gone; WaitForEnd tells how.
-        if (!line_->HasEnded()) throw;
-    }
+    // The first request that is none: boxes are judged from here on. A program that has no more to say
+    // than the expected boxes may end at it.
+    const QString forms = QStringLiteral("forms");
+    line_->Ask({{QStringLiteral("do"), forms}}, forms, line_->patience_, true);
 }
 
 bool DriverClient::IsRunning() const {

@@ -8,11 +8,11 @@ class DriverPlugin final : public QGenericPlugin {
     Q_PLUGIN_METADATA(IID QGenericPluginFactoryInterface_iid FILE "trambledriver.json")
 
 public:
-    QObject* create(const QString& key, const QString& specification) override {
+    QObject* create(const QString& key, const QString& socketPath) override {
         if (key.compare(QLatin1String("trambledriver"), Qt::CaseInsensitive) != 0) return nullptr;
         // A program that this one starts must not come up on the same socket.
         qunsetenv("QT_QPA_GENERIC_PLUGINS");
-        return new Driver(specification);
+        return new Driver(socketPath);
     }
 };
 

@@ -446,6 +446,34 @@ TEST_F(Driven, BoxBeforeTheFirstFormIsAnswered) {
     EXPECT_EQ(client.Quit(), ExitCode);
 }
 
+TEST_F(Driven, ProgramMayEndAtItsFirstBox) {
+    DriverClient client({.Program = QStringLiteral(DRIVEN_PROGRAM),
+                         .Arguments = {"--ask-first"},
+                         .Folder = {},
+                         .Environment = {},
+                         .Plugins = {}});
+    client.Expect("Begin?", "No");
+
+    client.Start();
+
+    EXPECT_EQ(client.WaitForEnd(), 0);
+    EXPECT_EQ(client.Boxes().size(), 1);
+}
+
+TEST_F(Driven, UnexpectedBoxBeforeTheFirstFormIsAFailure) {
+    DriverClient client({.Program = QStringLiteral(DRIVEN_PROGRAM),
+                         .Arguments = {"--ask-first"},
+                         .Folder = {},
+                         .Environment = {},
+                         .Plugins = {}});
+
+    EXPECT_SAYS(FailureOf([&] {
+                    client.Start();
+                    client.WaitForm("frmMain1");
+                }),
+                "Begin?");
+}
+
 TEST_F(Driven, UnexpectedBoxFailsEveryRequestUntilItsFailureIsRead) {
     auto& client = Started();
     client.Click("frmMain1", "cmdTwoBoxes");
