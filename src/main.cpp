@@ -20,7 +20,8 @@ int main(int argc, char** argv) {
     Global.TheOperator = &atTheScreen;
     try {
         const QString data = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
-        Global.AppPath = ApplicationDirectory(PathFromQt(QApplication::applicationDirPath()), PathFromQt(data));
+        Global.AppPath =
+            ApplicationDirectory(PathFromQt(QApplication::applicationDirPath()), PathFromQt(data));
         ApplyLook(application, Registry::DarkLook());
         auto& main = The<frmMain1>();
         main.Show();

@@ -13,8 +13,10 @@ void Copy(const QString& from, const QString& to) {
 } // namespace
 
 OfficeForDay::OfficeForDay(const QString& build, const QString& office, const QString& samples)
-    : build_(build), office_(office) {
-    if (QDir(office_).exists() && !QDir(office_).isEmpty()) throw OfficeFailure((office_ + " is not empty").toStdString());
+    : build_(build),
+      office_(office) {
+    if (QDir(office_).exists() && !QDir(office_).isEmpty())
+        throw OfficeFailure((office_ + " is not empty").toStdString());
     if (!QDir(samples).exists()) throw OfficeFailure((samples + " is no folder").toStdString());
     Run(QStringLiteral("layoutoffice"), {build_ + QStringLiteral("/installed"), office_});
     Copy(build_ + QStringLiteral("/bin/ZUKTramble"), Program());
@@ -37,5 +39,6 @@ void OfficeForDay::Run(const QString& tool, const QStringList& arguments) const 
     process.start(build_ + QLatin1Char('/') + tool, arguments);
     process.waitForFinished(-1);
     if (process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0) return;
-    throw OfficeFailure((tool + ": " + QString::fromLocal8Bit(process.readAll()) + process.errorString()).toStdString());
+    throw OfficeFailure(
+        (tool + ": " + QString::fromLocal8Bit(process.readAll()) + process.errorString()).toStdString());
 }

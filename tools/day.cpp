@@ -40,16 +40,17 @@ QByteArray Bytes(const QString& path) {
 }
 
 /// Runs an activity on its screen and prints its report.
-void RunActivity(DriverClient& program, const QString& button, const QString& form, const QString& activity,
-                 const std::function<void()>& expectFurther = [] {}) {
+void RunActivity(
+    DriverClient& program, const QString& button, const QString& form, const QString& activity,
+    const std::function<void()>& expectFurther = [] {}) {
     program.Click(QStringLiteral("frmMain1"), button);
     program.WaitForm(form);
     program.Choose(form, QStringLiteral("cboMaster"), activity);
     program.Expect(QStringLiteral("Perform %1 - Is that correct?").arg(activity), QStringLiteral("Yes"));
     expectFurther();
     program.Click(form, QStringLiteral("cmdOK"));
-    const QString end =
-        program.WaitTextContaining(form, QStringLiteral("lblProgress"), QStringLiteral("Process completed with"));
+    const QString end = program.WaitTextContaining(form, QStringLiteral("lblProgress"),
+                                                   QStringLiteral("Process completed with"));
     Say(QStringLiteral("  ") + program.Text(form, QStringLiteral("lblHeading2")));
     for (const char* row : {"1", "2"}) {
         const QString name = program.Text(form, QStringLiteral("lblSS_") + QLatin1String(row));
@@ -79,21 +80,24 @@ void RunDay(const QString& build, const QString& samples) {
     program.WaitForm(QStringLiteral("frmMain1"));
 
     Say(QStringLiteral("Import: customers.csv (quoted, commas and accents), items.txt (tabs)"));
-    RunActivity(program, QStringLiteral("lblImportBtn"), QStringLiteral("frmQBImport"), QStringLiteral("DemoImport"));
+    RunActivity(program, QStringLiteral("lblImportBtn"), QStringLiteral("frmQBImport"),
+                QStringLiteral("DemoImport"));
 
     Say(QStringLiteral("Export: the prepared orders"));
-    RunActivity(program, QStringLiteral("lblExportBtn"), QStringLiteral("frmQBExport"), QStringLiteral("DemoExport"),
-                [&program] {
-                    program.ExpectContaining(QStringLiteral("records in the Order Lines table appear to have no"));
-                    program.ExpectContaining(QStringLiteral("Delete Exported Tables on PC?"), QStringLiteral("No"));
-                });
+    RunActivity(
+        program, QStringLiteral("lblExportBtn"), QStringLiteral("frmQBExport"), QStringLiteral("DemoExport"),
+        [&program] {
+            program.ExpectContaining(QStringLiteral("records in the Order Lines table appear to have no"));
+            program.ExpectContaining(QStringLiteral("Delete Exported Tables on PC?"), QStringLiteral("No"));
+        });
 
     program.Click(QStringLiteral("frmMain1"), QStringLiteral("lblNext"));
     Say(QStringLiteral("The office holds"));
     for (const char* name : {"Cust", "Items", "Orders"}) {
         const QString label = QStringLiteral("lblSys") + QLatin1String(name);
-        Say(QStringLiteral("    %1: %2").arg(program.Text(QStringLiteral("frmMain1"), label),
-                                             program.Text(QStringLiteral("frmMain1"), label + QLatin1Char('1'))));
+        Say(QStringLiteral("    %1: %2")
+                .arg(program.Text(QStringLiteral("frmMain1"), label),
+                     program.Text(QStringLiteral("frmMain1"), label + QLatin1Char('1'))));
     }
     Require(program.Quit() == 0, QStringLiteral("the program ended with a failure"));
 
@@ -103,7 +107,8 @@ void RunDay(const QString& build, const QString& samples) {
     Say(QStringLiteral("The export is ") + exported);
     if (QFileInfo::exists(expected)) {
         Require(Bytes(exported) == Bytes(expected), exported + QStringLiteral(" differs from ") + expected);
-        Say(QStringLiteral("It equals, byte for byte, what other programs made of the same tables: ") + expected);
+        Say(QStringLiteral("It equals, byte for byte, what other programs made of the same tables: ") +
+            expected);
     }
 }
 

@@ -20,8 +20,10 @@ namespace {
 std::vector<std::string> Cells(const std::string& line) {
     std::vector<std::string> cells{""};
     for (const char c : Utf8ToCodePage(line)) {
-        if (c == '\t') cells.emplace_back();
-        else cells.back() += c;
+        if (c == '\t')
+            cells.emplace_back();
+        else
+            cells.back() += c;
     }
     return cells;
 }

@@ -64,7 +64,8 @@ int Number(const Row& row, std::size_t cell, int low, int high) {
     int value = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
     if (error != std::errc{} || end != text.data() + text.size() || value < low || value > high) {
-        Refuse(row.At, "'" + text + "' is not a number from " + std::to_string(low) + " to " + std::to_string(high));
+        Refuse(row.At,
+               "'" + text + "' is not a number from " + std::to_string(low) + " to " + std::to_string(high));
     }
     return value;
 }
@@ -93,7 +94,8 @@ struct Message {
 };
 
 std::string Unquote(const Row& row, const std::string& cell) {
-    if (cell.size() < 2 || cell.front() != '"' || cell.back() != '"') Refuse(row.At, "the text is not in quotes");
+    if (cell.size() < 2 || cell.front() != '"' || cell.back() != '"')
+        Refuse(row.At, "the text is not in quotes");
     std::string text;
     for (std::size_t i = 1; i + 1 < cell.size(); ++i) {
         if (cell[i] != '\\') {
@@ -101,10 +103,14 @@ std::string Unquote(const Row& row, const std::string& cell) {
             continue;
         }
         const char next = cell[++i];
-        if (next == 'n') text += '\n';
-        else if (next == 't') text += '\t';
-        else if (next == '\\') text += '\\';
-        else Refuse(row.At, "behind a backslash only n, t and a backslash can stand");
+        if (next == 'n')
+            text += '\n';
+        else if (next == 't')
+            text += '\t';
+        else if (next == '\\')
+            text += '\\';
+        else
+            Refuse(row.At, "behind a backslash only n, t and a backslash can stand");
     }
     return text;
 }
@@ -155,9 +161,11 @@ std::vector<Field> ReadFields(const fs::path& path) {
             Refuse(row.At, "a field has five columns: name, type, width, decimals, label");
         }
         Field field{row.Cells[0], 'C', Number(row, 2, 1, 254), Number(row, 3, 0, 15), ""};
-        if (field.Name.empty() || field.Name.size() > 10) Refuse(row.At, "a field's name has 1 to 10 characters");
+        if (field.Name.empty() || field.Name.size() > 10)
+            Refuse(row.At, "a field's name has 1 to 10 characters");
         if (!names.insert(field.Name).second) Refuse(row.At, "the field stands twice");
-        if (row.Cells[1] != "C" && row.Cells[1] != "N" && row.Cells[1] != "D") Refuse(row.At, "the type is C, N or D");
+        if (row.Cells[1] != "C" && row.Cells[1] != "N" && row.Cells[1] != "D")
+            Refuse(row.At, "the type is C, N or D");
         field.Type = row.Cells[1][0];
         if (field.Type == 'D' && field.Length != 8) Refuse(row.At, "a date is 8 wide");
         if (row.Cells.size() == 5) field.Label = row.Cells[4];
@@ -173,7 +181,8 @@ std::vector<Table> ReadTables(const fs::path& folder) {
     std::set<int> starts;
     for (const Row& row : ReadTsv(folder / "tables.tsv")) {
         if (row.Cells.size() != 3) Refuse(row.At, "a table has three columns: name, first label, role");
-        Table table{row.Cells[0], Number(row, 1, 60000, 63600), row.Cells[2], ReadFields(folder / (row.Cells[0] + ".tsv"))};
+        Table table{row.Cells[0], Number(row, 1, 60000, 63600), row.Cells[2],
+                    ReadFields(folder / (row.Cells[0] + ".tsv"))};
         if (table.Fields.empty() || table.Fields.size() > 99) Refuse(row.At, "a table has 1 to 99 fields");
         if (!starts.insert(table.FirstLabel).second || table.FirstLabel % 100 != 0) {
             Refuse(row.At, "a first label is a whole hundred of its own");
@@ -209,13 +218,15 @@ std::string MessageTable(const std::map<int, Message>& messages, const std::vect
     std::ostringstream out;
     out << Made << "#include \"core/Catalogue.h\"\n\nconst CatalogueRow CatalogueRows[] = {\n";
     for (const auto& [number, message] : messages) {
-        out << "{" << number << ", " << static_cast<int>(message.Mnemonic) << ", " << Literal(message.Words) << "},\n";
+        out << "{" << number << ", " << static_cast<int>(message.Mnemonic) << ", " << Literal(message.Words)
+            << "},\n";
     }
     std::map<int, std::string> labels;
     for (const Table& table : tables) {
         labels[table.FirstLabel] = table.Role;
         int number = table.FirstLabel;
-        for (const Field& field : table.Fields) labels[++number] = field.Label.empty() ? field.Name : field.Label;
+        for (const Field& field : table.Fields)
+            labels[++number] = field.Label.empty() ? field.Name : field.Label;
     }
     for (const auto& [number, label] : labels) out << "{" << number << ", 0, " << Literal(label) << "},\n";
     out << "};\nconst std::size_t CatalogueRowCount = " << messages.size() + labels.size() << ";\n";

@@ -42,14 +42,16 @@ void FillOffice(const QString& build, const OfficeForDay& office, const QString&
         if (!file.open(QIODevice::WriteOnly)) throw OfficeFailure("cannot write " + name.toStdString());
         file.write(content);
     };
-    write(QStringLiteral("ZUKLINK.tsv"), "LK_HOTSYNC\tLK_MACH_ID\nAnna Berg\tA001\nBen Okafor\tB002\n"
-                                         "Chloé Martin\tC003\nDiego Ruiz\tD004\nEmi Sato\tE005\nFrank Weiss\tF006\n");
+    write(QStringLiteral("ZUKLINK.tsv"),
+          "LK_HOTSYNC\tLK_MACH_ID\nAnna Berg\tA001\nBen Okafor\tB002\n"
+          "Chloé Martin\tC003\nDiego Ruiz\tD004\nEmi Sato\tE005\nFrank Weiss\tF006\n");
     QByteArray totals = "TP_NUMHEAD\tTP_NUMLINE\tTP_DOL_LIN\tTP_EVENT\tTP_DATETIM\tTP_HOTSYNC\n";
     const char* names[] = {"Anna Berg", "Ben Okafor", "Chloé Martin", "Diego Ruiz"};
     for (int i = 0; i < 4; ++i) {
         const QByteArray number = QByteArray::number(i + 3);
-        totals += number + '\t' + QByteArray::number(7 * i + 12) + '\t' + QByteArray::number(431.5 * (i + 1)) +
-                  "\tUPLOAD-ADD\t2999-11-1" + number + " 17:4" + number + ":05\t" + names[i] + '\n';
+        totals += number + '\t' + QByteArray::number(7 * i + 12) + '\t' +
+                  QByteArray::number(431.5 * (i + 1)) + "\tUPLOAD-ADD\t2999-11-1" + number + " 17:4" +
+                  number + ":05\t" + names[i] + '\n';
     }
     write(QStringLiteral("ZUKTOTALPC.tsv"), totals);
     QProcess::execute(build + QStringLiteral("/filltables"),
@@ -115,7 +117,8 @@ int main(int argc, char** argv) {
     try {
         const QString folder = QDir(arguments[2]).absolutePath();
         QDir().mkpath(folder);
-        const OfficeForDay office(arguments[1], work.filePath(QStringLiteral("office")), QStringLiteral("samples/day"));
+        const OfficeForDay office(arguments[1], work.filePath(QStringLiteral("office")),
+                                  QStringLiteral("samples/day"));
         FillOffice(arguments[1], office, work.path());
         for (const bool dark : {false, true}) {
             Global = Globals{};

@@ -13,8 +13,9 @@ namespace {
 
 const CatalogueRow* BuiltIn(MessageId entry) {
     const CatalogueRow* end = CatalogueRows + CatalogueRowCount;
-    const CatalogueRow* row = std::lower_bound(CatalogueRows, end, entry.Number,
-                                               [](const CatalogueRow& r, int number) { return r.Number < number; });
+    const CatalogueRow* row =
+        std::lower_bound(CatalogueRows, end, entry.Number,
+                         [](const CatalogueRow& r, int number) { return r.Number < number; });
     return row != end && row->Number == entry.Number ? row : nullptr;
 }
 
@@ -34,10 +35,12 @@ const char* TakeRow(std::string_view line) {
     if (cells.size() != 2 && cells.size() != 4) return "a row has two or four columns";
     std::uint16_t number = 0;
     const auto [end, error] = std::from_chars(cells[0].data(), cells[0].data() + cells[0].size(), number);
-    if (error != std::errc{} || end != cells[0].data() + cells[0].size()) return "the first column is no number";
+    if (error != std::errc{} || end != cells[0].data() + cells[0].size())
+        return "the first column is no number";
     if (!CatalogueHas({number})) return "there is no text of this number";
     const std::string_view quoted = cells.back();
-    if (quoted.size() < 2 || quoted.front() != '"' || quoted.back() != '"') return "the text is not in quotes";
+    if (quoted.size() < 2 || quoted.front() != '"' || quoted.back() != '"')
+        return "the text is not in quotes";
     if (!IsValidUtf8(quoted)) return "the text is not in UTF-8";
 
     Globals::Replacement replacement;
@@ -45,9 +48,12 @@ const char* TakeRow(std::string_view line) {
         char c = quoted[i];
         if (c == '\\' && i + 2 < quoted.size()) {
             c = quoted[++i];
-            if (c == 'n') c = '\n';
-            else if (c == 't') c = '\t';
-            else if (c != '\\') return "behind a backslash only n, t and a backslash can stand";
+            if (c == 'n')
+                c = '\n';
+            else if (c == 't')
+                c = '\t';
+            else if (c != '\\')
+                return "behind a backslash only n, t and a backslash can stand";
         }
         replacement.Words += c;
     }
@@ -58,7 +64,9 @@ const char* TakeRow(std::string_view line) {
 
 } // namespace
 
-bool CatalogueHas(MessageId entry) { return BuiltIn(entry) != nullptr; }
+bool CatalogueHas(MessageId entry) {
+    return BuiltIn(entry) != nullptr;
+}
 
 std::string CatalogueText(MessageId entry) {
     const CatalogueRow* row = BuiltIn(entry);
@@ -70,7 +78,8 @@ std::string CatalogueText(MessageId entry) {
 std::string CatalogueCaption(MessageId entry) {
     const std::string text = CatalogueText(entry);
     const auto found = Global.Replacements.find(entry.Number);
-    const char mnemonic = found == Global.Replacements.end() ? BuiltIn(entry)->Mnemonic : found->second.Mnemonic;
+    const char mnemonic =
+        found == Global.Replacements.end() ? BuiltIn(entry)->Mnemonic : found->second.Mnemonic;
     const std::size_t place = mnemonic ? text.find(mnemonic) : std::string::npos;
     std::string caption;
     for (std::size_t i = 0; i < text.size(); ++i) {

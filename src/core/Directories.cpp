@@ -29,16 +29,26 @@ struct TemplateKind {
 };
 
 constexpr std::array TemplateKinds = {
-    TemplateKind{".xah", &Globals::ExportTemplates},      TemplateKind{".xal", &Globals::ExportTemplates},
-    TemplateKind{".xhh", &Globals::ExportTemplates},      TemplateKind{".xic", &Globals::ExportTemplates},
-    TemplateKind{".xiq", &Globals::ExportTemplates},      TemplateKind{".xor", &Globals::ExportTemplates},
-    TemplateKind{".dst", &Globals::DownloadTemplates},    TemplateKind{".ust", &Globals::UploadTemplates},
-    TemplateKind{".dct", &Globals::DownloadTemplates},    TemplateKind{".cst", &Globals::ImportTemplates},
-    TemplateKind{".itm", &Globals::ImportTemplates},      TemplateKind{".orh", &Globals::ImportTemplates},
-    TemplateKind{".orl", &Globals::ImportTemplates},      TemplateKind{".stx", &Globals::ImportTemplates},
-    TemplateKind{".pct", &Globals::ClearPCTemplates},     TemplateKind{".xpm", &Globals::QuickButtonTemplates},
-    TemplateKind{".ipm", &Globals::QuickButtonTemplates}, TemplateKind{".dlm", &Globals::QuickButtonTemplates},
-    TemplateKind{".ulm", &Globals::QuickButtonTemplates}, TemplateKind{".uhs", &Globals::UnattendedTemplates},
+    TemplateKind{".xah", &Globals::ExportTemplates},
+    TemplateKind{".xal", &Globals::ExportTemplates},
+    TemplateKind{".xhh", &Globals::ExportTemplates},
+    TemplateKind{".xic", &Globals::ExportTemplates},
+    TemplateKind{".xiq", &Globals::ExportTemplates},
+    TemplateKind{".xor", &Globals::ExportTemplates},
+    TemplateKind{".dst", &Globals::DownloadTemplates},
+    TemplateKind{".ust", &Globals::UploadTemplates},
+    TemplateKind{".dct", &Globals::DownloadTemplates},
+    TemplateKind{".cst", &Globals::ImportTemplates},
+    TemplateKind{".itm", &Globals::ImportTemplates},
+    TemplateKind{".orh", &Globals::ImportTemplates},
+    TemplateKind{".orl", &Globals::ImportTemplates},
+    TemplateKind{".stx", &Globals::ImportTemplates},
+    TemplateKind{".pct", &Globals::ClearPCTemplates},
+    TemplateKind{".xpm", &Globals::QuickButtonTemplates},
+    TemplateKind{".ipm", &Globals::QuickButtonTemplates},
+    TemplateKind{".dlm", &Globals::QuickButtonTemplates},
+    TemplateKind{".ulm", &Globals::QuickButtonTemplates},
+    TemplateKind{".uhs", &Globals::UnattendedTemplates},
     TemplateKind{".ctm", &Globals::QuickButtonTemplates},
 };
 
@@ -84,7 +94,9 @@ void SetTablesAndInstall() {
     Global.InstallPath = AddBackslash(Global.AppPath + "Install");
 }
 
-void SetGraphics() { SetAndMake(Global.GraphicsPath, Global.InstallPath + "Graphics"); }
+void SetGraphics() {
+    SetAndMake(Global.GraphicsPath, Global.InstallPath + "Graphics");
+}
 
 void SetImagesAndTotals() {
     SetAndMake(Global.ImagesPath, Global.DBFPath + "Images");
@@ -149,7 +161,9 @@ void TemplatePass(const std::function<void()>& selectionMissing) {
     CarryTemplates(source, demo);
 }
 
-void SetUpdates() { SetAndMake(Global.UpdatesPath, Global.AppPath + "Updates"); }
+void SetUpdates() {
+    SetAndMake(Global.UpdatesPath, Global.AppPath + "Updates");
+}
 
 void MoveNewBitmaps() {
     const std::string source = AddBackslash(Global.AppPath + "DBFNew");
@@ -161,10 +175,11 @@ void MoveNewBitmaps() {
 
 void RemoveStrays() {
     const std::string* folders[] = {
-        &Global.AppPath,         &Global.InstallPath,       &Global.DBFPath,          &Global.ImagesPath,
-        &Global.DBFEmptyPath,    &Global.DataInPath,        &Global.DataOutPath,      &Global.ImportTemplates,
-        &Global.ExportTemplates, &Global.DownloadTemplates, &Global.UploadTemplates,  &Global.ClearPCTemplates,
-        &Global.TemplatesPath,   &Global.UnattendedTemplates, &Global.QuickButtonTemplates};
+        &Global.AppPath,           &Global.InstallPath,         &Global.DBFPath,
+        &Global.ImagesPath,        &Global.DBFEmptyPath,        &Global.DataInPath,
+        &Global.DataOutPath,       &Global.ImportTemplates,     &Global.ExportTemplates,
+        &Global.DownloadTemplates, &Global.UploadTemplates,     &Global.ClearPCTemplates,
+        &Global.TemplatesPath,     &Global.UnattendedTemplates, &Global.QuickButtonTemplates};
     for (const std::string* folder : folders) {
         if (!folder->empty()) RemoveFiles(*folder, SafeFile::WorkExtension);
     }

@@ -16,15 +16,20 @@ namespace {
 
 int NumberFor(int error, int other) {
     switch (error) {
-    case ENOENT: return 53;
-    case ENOTDIR: return 76;
+    case ENOENT:
+        return 53;
+    case ENOTDIR:
+        return 76;
     case EACCES:
     case EPERM:
     case EROFS:
-    case ETXTBSY: return 70;
+    case ETXTBSY:
+        return 70;
     case ENOSPC:
-    case EDQUOT: return 61;
-    default: return other;
+    case EDQUOT:
+        return 61;
+    default:
+        return other;
     }
 }
 
@@ -64,7 +69,7 @@ public:
     }
 
     std::uint64_t Size() override {
-        struct stat info{};
+        struct stat info {};
         if (::fstat(descriptor_, &info) != 0) throw RunTimeFailure(57, path_);
         return static_cast<std::uint64_t>(info.st_size);
     }
@@ -123,12 +128,12 @@ public:
     bool RemoveFolder(const std::string& path) override { return ::rmdir(path.c_str()) == 0; }
 
     bool IsFile(const std::string& path) override {
-        struct stat info{};
+        struct stat info {};
         return ::stat(path.c_str(), &info) == 0 && S_ISREG(info.st_mode);
     }
 
     bool IsFolder(const std::string& path) override {
-        struct stat info{};
+        struct stat info {};
         return ::stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
     }
 
@@ -142,7 +147,7 @@ public:
 
         const int descriptor = ::open(path.c_str(), O_RDWR | O_CLOEXEC);
         if (descriptor < 0) return false;
-        struct flock range{};
+        struct flock range {};
         range.l_type = F_WRLCK;
         range.l_whence = SEEK_SET;
         bool locked = ::fcntl(descriptor, F_GETLK, &range) == 0 && range.l_type != F_UNLCK;

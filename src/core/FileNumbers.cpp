@@ -9,7 +9,8 @@ FileNumbers::Claim FileNumbers::Open(Disk& disk, const std::string& path, Access
     auto file = disk.Open(path, access);
     const auto free = std::find_if(entries_.begin(), entries_.end(), [](const Entry& e) { return !e.File; });
     const auto index = static_cast<std::size_t>(free - entries_.begin());
-    if (index >= static_cast<std::size_t>(std::numeric_limits<std::int16_t>::max())) throw RunTimeFailure(52, path);
+    if (index >= static_cast<std::size_t>(std::numeric_limits<std::int16_t>::max()))
+        throw RunTimeFailure(52, path);
     if (free == entries_.end()) entries_.emplace_back();
     entries_[index] = {std::move(file), ++tickets_};
     return {static_cast<std::int16_t>(index + 1), tickets_};

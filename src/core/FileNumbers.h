@@ -26,7 +26,9 @@ public:
 
     /// Closes a number, whoever owns it. A number that is not open is no failure.
     void Close(std::int16_t number);
-    void Close(const Claim& claim) { if (IsOpen(claim)) Close(claim.Number); }
+    void Close(const Claim& claim) {
+        if (IsOpen(claim)) Close(claim.Number);
+    }
 
     /// How many numbers are open.
     int Count() const;

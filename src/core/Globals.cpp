@@ -14,8 +14,8 @@ DateTime Now() {
     localtime_r(&seconds, &local);
 #endif
     // A leap second is told as the last one of its minute.
-    return {local.tm_year + 1900, local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min,
-            local.tm_sec > 59 ? 59 : local.tm_sec};
+    return {local.tm_year + 1900, local.tm_mon + 1, local.tm_mday,
+            local.tm_hour,        local.tm_min,     local.tm_sec > 59 ? 59 : local.tm_sec};
 }
 
 DateTime Today() {

@@ -15,13 +15,38 @@ class Operator;
 
 /// The tables that a viewer can be opened on, in the order of the View menu.
 enum class ViewTable {
-    None, Comp, Link, Pay, Print, STax, Setup, Cust, Item, OrHdr, OrLin, AudtH, AudtL, AudHH, BarIn, PRN, TotalPC
+    None,
+    Comp,
+    Link,
+    Pay,
+    Print,
+    STax,
+    Setup,
+    Cust,
+    Item,
+    OrHdr,
+    OrLin,
+    AudtH,
+    AudtL,
+    AudHH,
+    BarIn,
+    PRN,
+    TotalPC
 };
 
 /// What `frmProgress` does when it is loaded, in the order in which it looks.
 enum class ProgressFlag {
-    Export, QualCheck, UploadAdd, UploadReplace, Clear, Clear2, ImportReplace, ImportAdd, Import2Replace,
-    Import2Add, Restore
+    Export,
+    QualCheck,
+    UploadAdd,
+    UploadReplace,
+    Clear,
+    Clear2,
+    ImportReplace,
+    ImportAdd,
+    Import2Replace,
+    Import2Add,
+    Restore
 };
 inline constexpr std::size_t ProgressFlags = 11;
 
@@ -34,7 +59,7 @@ struct Globals {
     bool InstantPauses = false;      ///< short pauses end at once
     bool Ending = false;             ///< the process is on its way out; every wait ends
     int ExitCode = 0;                ///< once Ending is set
-    DateTime (*Clock)() = nullptr; ///< in place of the system's clock when set; see Now
+    DateTime (*Clock)() = nullptr;   ///< in place of the system's clock when set; see Now
     FileNumbers Files;
     TraceRing Events;
 
@@ -65,7 +90,7 @@ struct Globals {
     bool UpdateDemoTemplates = true;
     std::int16_t WindowState = 0; ///< 0 normal, 1 minimised, 2 maximised
     std::int32_t MainTop = 0, MainLeft = 0, MainHeight = 0, MainWidth = 0; ///< twips
-    DateTime LastReset;           ///< zero: never, or not read yet
+    DateTime LastReset;                                                    ///< zero: never, or not read yet
 
     // The company and the handheld application.
     std::string CreatorID;
@@ -77,7 +102,7 @@ struct Globals {
     std::int32_t OldOrderCount = 0, OldLineCount = 0;
     double OldLineTotal = 0;
     std::string HHLastOrder, CurrentHotSyncID;
-    DateTime BackupTime; ///< the moment of the last MakeBackup; zero once a totals event has taken it
+    DateTime BackupTime;        ///< the moment of the last MakeBackup; zero once a totals event has taken it
     bool UploadClosing = false; ///< flag "upload added" of `frmProgress`, for `frmTotalsMsg`
     bool RefreshTotals = false; ///< the main screen's totals are out of date
 

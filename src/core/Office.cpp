@@ -76,7 +76,8 @@ void LayOutOffice(std::string_view installedSet, std::string_view office) {
     CopyTables(install, AddBackslash(app + "DBFFiles"));
     CopyMissing(install + "Notes.dat", app + "DBFFiles/Notes.dat");
     CopyMissingFiles(AddBackslash(set + "Templates"), AddBackslash(app + "Templates"));
-    WriteWholeFile(install + std::string(Mark), "This office has been laid out. Nothing is laid out again while this file is here.\r\n");
+    WriteWholeFile(install + std::string(Mark),
+                   "This office has been laid out. Nothing is laid out again while this file is here.\r\n");
 }
 
 std::string ApplicationDirectory(std::string_view programFolder, std::string_view userDataFolder) {

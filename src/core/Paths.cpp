@@ -16,7 +16,9 @@ constexpr char Separator = '\\';
 constexpr char Separator = '/';
 #endif
 
-bool IsSeparator(char c) { return c == '/' || c == '\\'; }
+bool IsSeparator(char c) {
+    return c == '/' || c == '\\';
+}
 
 std::string Native(std::string_view path) {
     std::string text(path);
@@ -114,7 +116,9 @@ std::string_view FileNameOf(std::string_view path) {
     return slash == std::string_view::npos ? path : path.substr(slash + 1);
 }
 
-std::string_view FolderOf(std::string_view path) { return path.substr(0, path.size() - FileNameOf(path).size()); }
+std::string_view FolderOf(std::string_view path) {
+    return path.substr(0, path.size() - FileNameOf(path).size());
+}
 
 std::string_view ExtensionOf(std::string_view path) {
     const std::string_view name = FileNameOf(path);
@@ -122,9 +126,13 @@ std::string_view ExtensionOf(std::string_view path) {
     return point == std::string_view::npos ? std::string_view() : name.substr(point);
 }
 
-std::string NameToPath(std::string_view codePageName) { return CodePageToUtf8(codePageName); }
+std::string NameToPath(std::string_view codePageName) {
+    return CodePageToUtf8(codePageName);
+}
 
-std::string PathToName(std::string_view path) { return Utf8ToCodePage(path); }
+std::string PathToName(std::string_view path) {
+    return Utf8ToCodePage(path);
+}
 
 bool IsPlainFileName(std::string_view name) {
     if (name.empty() || name == "." || name == "..") return false;
@@ -139,9 +147,8 @@ std::vector<std::string> FilesWithExtension(std::string_view folder, std::string
     std::erase_if(names, [&](const std::string& name) {
         return !wanted.empty() && FoldName(ExtensionOf(name)) != wanted;
     });
-    std::stable_sort(names.begin(), names.end(), [](const std::string& a, const std::string& b) {
-        return FoldName(a) < FoldName(b);
-    });
+    std::stable_sort(names.begin(), names.end(),
+                     [](const std::string& a, const std::string& b) { return FoldName(a) < FoldName(b); });
     return names;
 }
 

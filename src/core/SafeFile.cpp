@@ -10,7 +10,9 @@ constexpr std::size_t BlockSize = std::size_t{1} << 18;
 
 } // namespace
 
-SafeFile::SafeFile(std::string_view path) : path_(ResolvePath(path)), work_(path_ + std::string(WorkExtension)) {
+SafeFile::SafeFile(std::string_view path)
+    : path_(ResolvePath(path)),
+      work_(path_ + std::string(WorkExtension)) {
     // A file that may not be written must not be replaced by way of its folder.
     if (Global.TheDisk->IsFile(path_)) Global.TheDisk->Open(path_, Access::ReadWrite);
     if (Global.TheDisk->IsFolder(path_)) throw RunTimeFailure(75, path_);

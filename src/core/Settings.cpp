@@ -16,7 +16,9 @@ namespace {
 constexpr std::int32_t TopLimit = 8500;   // twips
 constexpr std::int32_t LeftLimit = 11550; // twips
 
-const char* Word(bool value) { return value ? "True" : "False"; }
+const char* Word(bool value) {
+    return value ? "True" : "False";
+}
 
 bool ReadYesNo(std::string_view text) {
     const std::string_view word = Trim(text);
@@ -48,22 +50,38 @@ void TakeLine(std::string_view line) {
         value = line.substr(key.size());
         return true;
     };
-    if (is("PurgeBackup=")) Global.PurgeBackup = ReadYesNo(value);
-    else if (is("PurgeDays=")) Global.PurgeDays = ToInteger(value);
-    else if (is("RemoteSyncSettings=")) Global.RemoteSyncSettings = value;
-    else if (is("RemoteSelect=")) Global.RemoteSelect = ReadYesNo(value);
-    else if (is("RemoteSelSettings=")) Global.RemoteSelSettings = value;
-    else if (is("RemoteClearSelect=")) Global.RemoteClearSelect = ReadYesNo(value);
-    else if (is("RemoteClearSettings=")) Global.RemoteClearSettings = value;
-    else if (is("UploadSelect=")) Global.UploadSelect = ReadYesNo(value);
-    else if (is("UploadSelSettings=")) Global.UploadSelSettings = value;
-    else if (is("UpdateDemoTemplates=")) Global.UpdateDemoTemplates = ReadYesNo(value);
-    else if (is("WindowState=")) ReadWindowState(value, Global.WindowState);
-    else if (is("MainTop=")) ReadPosition(value, Global.MainTop);
-    else if (is("MainLeft=")) ReadPosition(value, Global.MainLeft);
-    else if (is("MainHeight=")) ReadPosition(value, Global.MainHeight);
-    else if (is("MainWidth=")) ReadPosition(value, Global.MainWidth);
-    else if (is("LastReset=")) Global.LastReset = CDate(value).value_or(DateTime{});
+    if (is("PurgeBackup="))
+        Global.PurgeBackup = ReadYesNo(value);
+    else if (is("PurgeDays="))
+        Global.PurgeDays = ToInteger(value);
+    else if (is("RemoteSyncSettings="))
+        Global.RemoteSyncSettings = value;
+    else if (is("RemoteSelect="))
+        Global.RemoteSelect = ReadYesNo(value);
+    else if (is("RemoteSelSettings="))
+        Global.RemoteSelSettings = value;
+    else if (is("RemoteClearSelect="))
+        Global.RemoteClearSelect = ReadYesNo(value);
+    else if (is("RemoteClearSettings="))
+        Global.RemoteClearSettings = value;
+    else if (is("UploadSelect="))
+        Global.UploadSelect = ReadYesNo(value);
+    else if (is("UploadSelSettings="))
+        Global.UploadSelSettings = value;
+    else if (is("UpdateDemoTemplates="))
+        Global.UpdateDemoTemplates = ReadYesNo(value);
+    else if (is("WindowState="))
+        ReadWindowState(value, Global.WindowState);
+    else if (is("MainTop="))
+        ReadPosition(value, Global.MainTop);
+    else if (is("MainLeft="))
+        ReadPosition(value, Global.MainLeft);
+    else if (is("MainHeight="))
+        ReadPosition(value, Global.MainHeight);
+    else if (is("MainWidth="))
+        ReadPosition(value, Global.MainWidth);
+    else if (is("LastReset="))
+        Global.LastReset = CDate(value).value_or(DateTime{});
 }
 
 /// What the file says of the selections of templates.

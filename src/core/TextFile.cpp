@@ -16,7 +16,9 @@ TextReader::TextReader(std::string_view path) : path_(ResolvePath(path)) {
     file_ = Global.Files.Open(*Global.TheDisk, path_, Access::Read);
 }
 
-TextReader::~TextReader() { Global.Files.Close(file_); }
+TextReader::~TextReader() {
+    Global.Files.Close(file_);
+}
 
 bool TextReader::Fill() {
     // Whoever reads on after a failed read finds no bytes that were never in the file.

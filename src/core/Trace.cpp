@@ -16,10 +16,13 @@ void TraceRing::Push(std::string_view text) {
     std::string& entry = entries_[newest_];
     entry = text;
     // One entry is one line of the file, whatever was being traced.
-    std::replace_if(entry.begin(), entry.end(), [](char c) { return c == '\r' || c == '\n'; }, ' ');
+    std::replace_if(
+        entry.begin(), entry.end(), [](char c) { return c == '\r' || c == '\n'; }, ' ');
 }
 
-void TraceRing::Clear() { entries_.fill({}); }
+void TraceRing::Clear() {
+    entries_.fill({});
+}
 
 void TraceRing::Set(std::size_t index, std::string_view text) {
     entries_[(newest_ + index) % TraceEntries] = text;

@@ -21,7 +21,9 @@ namespace {
 constexpr const char* BackupTables[] = {"ZUKOrHdr.dbf", "ZUKOrLin.dbf", "ZUKAudTH.dbf", "ZUKAudTL.dbf",
                                         "ZUKAudHH.dbf"};
 
-std::string TwoDigits(int value) { return {static_cast<char>('0' + value / 10 % 10), static_cast<char>('0' + value % 10)}; }
+std::string TwoDigits(int value) {
+    return {static_cast<char>('0' + value / 10 % 10), static_cast<char>('0' + value % 10)};
+}
 
 std::string MachineNumber() {
     TableScan links(Global.DBFPath + "ZUKLINK.DBF");
@@ -68,7 +70,8 @@ std::optional<std::int64_t> NumberOf(std::string_view name) {
 
 std::string BackupName(const DateTime& moment) {
     std::string name{static_cast<char>('0' + moment.Year % 10)};
-    for (const int part : {moment.Month, moment.Day, moment.Hour, moment.Minute, moment.Second}) name += TwoDigits(part);
+    for (const int part : {moment.Month, moment.Day, moment.Hour, moment.Minute, moment.Second})
+        name += TwoDigits(part);
     return name;
 }
 

@@ -15,12 +15,26 @@ namespace {
 
 /// Places of the fields of the totals table, whose order is binding.
 enum TotalsField : int {
-    NumHead = 1, NumLine, DolLin, CurHead, CurLine, CurDol, Machine, Event, DateTim, HotSync, LstONu
+    NumHead = 1,
+    NumLine,
+    DolLin,
+    CurHead,
+    CurLine,
+    CurDol,
+    Machine,
+    Event,
+    DateTim,
+    HotSync,
+    LstONu
 };
 
-std::string TotalsTable() { return Global.DBFPath + "ZUKTOTALPC.DBF"; }
+std::string TotalsTable() {
+    return Global.DBFPath + "ZUKTOTALPC.DBF";
+}
 
-bool IsUpload(std::string_view event) { return event == "UPLOAD-ADD" || event == "UPLOAD-REPLACE"; }
+bool IsUpload(std::string_view event) {
+    return event == "UPLOAD-ADD" || event == "UPLOAD-REPLACE";
+}
 
 /// The name under which a second half is recorded; empty for any other event.
 std::string_view SecondHalfName(std::string_view event) {
@@ -34,7 +48,9 @@ bool HasSecondHalf(std::string_view event) {
     return event == "IMPORT-ADD" || event == "IMPORT-REPLACE" || event == "CLEAR";
 }
 
-std::string MoneyText(double amount) { return Fixed4ToText(ToFixed4(amount)); }
+std::string MoneyText(double amount) {
+    return Fixed4ToText(ToFixed4(amount));
+}
 
 std::string MachineOf(std::string_view id) {
     std::string machine;

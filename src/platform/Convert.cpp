@@ -10,8 +10,18 @@ QString FromUtf8(std::string_view utf8) {
 
 } // namespace
 
-QString ToQt(const Text& text) { return FromUtf8(text.Utf8()); }
-QString ToQt(std::string_view codePage) { return FromUtf8(CodePageToUtf8(codePage)); }
-std::string FromQt(const QString& text) { return Utf8ToCodePage(text.toStdString()); }
-QString PathToQt(std::string_view path) { return FromUtf8(path); }
-std::string PathFromQt(const QString& path) { return path.toStdString(); }
+QString ToQt(const Text& text) {
+    return FromUtf8(text.Utf8());
+}
+QString ToQt(std::string_view codePage) {
+    return FromUtf8(CodePageToUtf8(codePage));
+}
+std::string FromQt(const QString& text) {
+    return Utf8ToCodePage(text.toStdString());
+}
+QString PathToQt(std::string_view path) {
+    return FromUtf8(path);
+}
+std::string PathFromQt(const QString& path) {
+    return path.toStdString();
+}

@@ -70,12 +70,18 @@ bool IsClickable(const QObject& object) {
 void SetCaption(QObject& object, MessageId entry) {
     const QString caption = QString::fromStdString(CatalogueCaption(entry));
     const QString plain = QString::fromStdString(CatalogueText(entry));
-    if (auto* button = qobject_cast<QAbstractButton*>(&object)) button->setText(caption);
-    else if (auto* label = qobject_cast<QLabel*>(&object)) label->setText(label->buddy() ? caption : plain);
-    else if (auto* action = qobject_cast<QAction*>(&object)) action->setText(caption);
-    else if (auto* menu = qobject_cast<QMenu*>(&object)) menu->setTitle(caption);
-    else if (auto* group = qobject_cast<QGroupBox*>(&object)) group->setTitle(caption);
-    else if (auto* widget = qobject_cast<QWidget*>(&object); widget && widget->isWindow()) widget->setWindowTitle(plain);
+    if (auto* button = qobject_cast<QAbstractButton*>(&object))
+        button->setText(caption);
+    else if (auto* label = qobject_cast<QLabel*>(&object))
+        label->setText(label->buddy() ? caption : plain);
+    else if (auto* action = qobject_cast<QAction*>(&object))
+        action->setText(caption);
+    else if (auto* menu = qobject_cast<QMenu*>(&object))
+        menu->setTitle(caption);
+    else if (auto* group = qobject_cast<QGroupBox*>(&object))
+        group->setTitle(caption);
+    else if (auto* widget = qobject_cast<QWidget*>(&object); widget && widget->isWindow())
+        widget->setWindowTitle(plain);
 }
 
 /// The number that a control's tag holds, or nothing when it holds none.
@@ -122,9 +128,10 @@ void WaitInLoop(const std::function<bool()>& condition) {
     const auto holds = [&] { return !Global.Ending && condition(); };
     if (!holds()) return;
     QEventLoop loop;
-    QObject::connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, &loop, [&] {
-        if (!holds()) loop.quit();
-    });
+    QObject::connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, &loop,
+                     [&] {
+                         if (!holds()) loop.quit();
+                     });
     loop.exec();
 }
 
@@ -190,7 +197,8 @@ void FormBehaviour::Connect(QObject& control, const QString& event, int method, 
                              [this, method](int column) { RunMethod(method, column); });
         }
     } else if (event == QLatin1String("Timer")) {
-        if (auto* timer = qobject_cast<QTimer*>(&control)) QObject::connect(timer, &QTimer::timeout, context, run);
+        if (auto* timer = qobject_cast<QTimer*>(&control))
+            QObject::connect(timer, &QTimer::timeout, context, run);
     }
 }
 
@@ -216,19 +224,22 @@ QStringList FormBehaviour::WiringProblems() const {
         QString event;
         if (!SplitHandler(meta->method(method), name, event)) continue;
         handled << name;
-        const bool takesIndex = meta->method(method).parameterCount() == 1 && event != QLatin1String("ColumnClick");
+        const bool takesIndex =
+            meta->method(method).parameterCount() == 1 && event != QLatin1String("ColumnClick");
         const bool found = std::any_of(all.begin(), all.end(), [&](const QObject* object) {
             return object->objectName() == name || ElementIndex(object->objectName(), name) >= 0;
         });
         // The elements of an array are made when there are rows for them.
-        if (!found && !takesIndex) problems << QStringLiteral("%1 has no control %2").arg(meta->className(), name);
+        if (!found && !takesIndex)
+            problems << QStringLiteral("%1 has no control %2").arg(meta->className(), name);
     }
     for (const QObject* object : all) {
         if (!IsOurs(*object) || !IsClickable(*object)) continue;
         const bool has = std::any_of(handled.begin(), handled.end(), [&](const QString& name) {
             return object->objectName() == name || ElementIndex(object->objectName(), name) >= 0;
         });
-        if (!has) problems << QStringLiteral("%1: nothing handles %2").arg(meta->className(), object->objectName());
+        if (!has)
+            problems << QStringLiteral("%1: nothing handles %2").arg(meta->className(), object->objectName());
     }
     return problems;
 }
@@ -303,7 +314,9 @@ void FormBehaviour::PressEscape() {
     }
 }
 
-Form::Form() { setModal(false); }
+Form::Form() {
+    setModal(false);
+}
 
 void Form::closeEvent(QCloseEvent* event) {
     event->ignore();
@@ -369,7 +382,8 @@ void FormRegistry::Raise(FormBehaviour& form) {
 void FormRegistry::Forget(FormBehaviour& form) {
     const bool wasTop = !shown_.empty() && shown_.back() == &form;
     std::erase(shown_, &form);
-    const auto own = std::find_if(forms_.begin(), forms_.end(), [&](const auto& f) { return f.get() == &form; });
+    const auto own =
+        std::find_if(forms_.begin(), forms_.end(), [&](const auto& f) { return f.get() == &form; });
     if (own != forms_.end()) {
         leaving_.push_back(std::move(*own));
         forms_.erase(own);
@@ -387,7 +401,8 @@ void FormRegistry::FocusTopmost() {
 }
 
 void FormRegistry::Release(FormBehaviour& form) {
-    const auto own = std::find_if(leaving_.begin(), leaving_.end(), [&](const auto& f) { return f.get() == &form; });
+    const auto own =
+        std::find_if(leaving_.begin(), leaving_.end(), [&](const auto& f) { return f.get() == &form; });
     if (own == leaving_.end()) return;
     // Not here: the caller of the handler that has just returned may still look at the form.
     form.Window().deleteLater();

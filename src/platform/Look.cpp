@@ -56,7 +56,9 @@ void ApplyLook(QApplication& application, bool dark) {
     application.setPalette(MakePalette(dark ? Dark : Light));
 }
 
-bool IsDarkLook() { return QApplication::palette().color(QPalette::Window).lightness() < 128; }
+bool IsDarkLook() {
+    return QApplication::palette().color(QPalette::Window).lightness() < 128;
+}
 
 QIcon Picture(std::string_view name) {
     const std::string_view extension = ExtensionOf(name);
@@ -85,7 +87,8 @@ void TitleBox::ShadeObject(QPainter& painter) const {
     const int steps = std::max(1, height() - 1);
     for (int y = 0; y < height(); ++y) {
         const auto mix = [&](int a, int b) { return a + (b - a) * y / steps; };
-        painter.setPen(QColor(mix(from.red(), to.red()), mix(from.green(), to.green()), mix(from.blue(), to.blue())));
+        painter.setPen(
+            QColor(mix(from.red(), to.red()), mix(from.green(), to.green()), mix(from.blue(), to.blue())));
         painter.drawLine(0, y, width(), y);
     }
 }

@@ -20,16 +20,22 @@ namespace {
 /// The name of a box's picture; empty for none.
 const char* BoxPicture(Icon icon) {
     switch (icon) {
-    case Icon::Information: return "box-information";
-    case Icon::Question: return "box-question";
-    case Icon::Warning: return "box-warning";
-    case Icon::Stop: return "box-stop";
-    case Icon::None: break;
+    case Icon::Information:
+        return "box-information";
+    case Icon::Question:
+        return "box-question";
+    case Icon::Warning:
+        return "box-warning";
+    case Icon::Stop:
+        return "box-stop";
+    case Icon::None:
+        break;
     }
     return "";
 }
 
-QPushButton* AddButton(QMessageBox& box, MessageId caption, const QString& name, QMessageBox::ButtonRole role) {
+QPushButton* AddButton(QMessageBox& box, MessageId caption, const QString& name,
+                       QMessageBox::ButtonRole role) {
     QPushButton* button = box.addButton(QString::fromStdString(CatalogueCaption(caption)), role);
     button->setObjectName(name);
     button->setAutoDefault(true);
@@ -72,11 +78,12 @@ std::optional<std::string> QtOperator::InputBox(const Text& prompt, const std::s
     answer->setMinimumWidth(360);
     label->setBuddy(answer);
     auto* buttons = new QDialogButtonBox(&box);
-    QPushButton* ok = buttons->addButton(QString::fromStdString(CatalogueCaption(msg::Ok)), QDialogButtonBox::AcceptRole);
+    QPushButton* ok =
+        buttons->addButton(QString::fromStdString(CatalogueCaption(msg::Ok)), QDialogButtonBox::AcceptRole);
     ok->setObjectName(QStringLiteral("Ok"));
     ok->setDefault(true);
-    QPushButton* cancel =
-        buttons->addButton(QString::fromStdString(CatalogueCaption(msg::Cancel)), QDialogButtonBox::RejectRole);
+    QPushButton* cancel = buttons->addButton(QString::fromStdString(CatalogueCaption(msg::Cancel)),
+                                             QDialogButtonBox::RejectRole);
     cancel->setObjectName(QStringLiteral("Cancel"));
     QObject::connect(buttons, &QDialogButtonBox::accepted, &box, &QDialog::accept);
     QObject::connect(buttons, &QDialogButtonBox::rejected, &box, &QDialog::reject);
@@ -96,4 +103,6 @@ bool QtOperator::Ask(const Question& question) {
     return Global.MessageAnswer;
 }
 
-void QtOperator::Beep() { QApplication::beep(); }
+void QtOperator::Beep() {
+    QApplication::beep();
+}

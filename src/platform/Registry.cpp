@@ -20,15 +20,21 @@ QString Office() {
     return QString::fromLatin1(QCryptographicHash::hash(path, QCryptographicHash::Sha1).toHex().left(12));
 }
 
-QSettings Own() { return QSettings(Kind, QSettings::UserScope, QStringLiteral("ZUK"), QStringLiteral("ZUKTramble")); }
+QSettings Own() {
+    return QSettings(Kind, QSettings::UserScope, QStringLiteral("ZUK"), QStringLiteral("ZUKTramble"));
+}
 
-QString StatusGroup() { return Office() + QStringLiteral("/ZUK Tramble PC HHStatus"); }
+QString StatusGroup() {
+    return Office() + QStringLiteral("/ZUK Tramble PC HHStatus");
+}
 
 QString StatusKey(std::string_view section, std::string_view key) {
     return StatusGroup() + QLatin1Char('/') + ToQt(section) + QLatin1Char('/') + ToQt(key);
 }
 
-QString DarkKey() { return Office() + QStringLiteral("/DarkLook"); }
+QString DarkKey() {
+    return Office() + QStringLiteral("/DarkLook");
+}
 
 } // namespace
 
@@ -36,7 +42,8 @@ std::optional<std::string> Registry::HotSyncManagerValue(std::string_view name) 
 #ifdef _WIN32
     QSettings core(QStringLiteral("HKEY_CURRENT_USER\\Software\\U.S. Robotics\\Pilot Desktop\\Core"), Kind);
 #else
-    QSettings core(Kind, QSettings::UserScope, QStringLiteral("U.S. Robotics"), QStringLiteral("Pilot Desktop"));
+    QSettings core(Kind, QSettings::UserScope, QStringLiteral("U.S. Robotics"),
+                   QStringLiteral("Pilot Desktop"));
     core.beginGroup(QStringLiteral("Core"));
 #endif
     const QString value = core.value(PathToQt(name)).toString();
@@ -55,8 +62,14 @@ void Registry::Write(std::string_view section, std::string_view key, std::string
     Own().setValue(StatusKey(section, key), ToQt(value));
 }
 
-void Registry::RemoveAll() { Own().remove(StatusGroup()); }
+void Registry::RemoveAll() {
+    Own().remove(StatusGroup());
+}
 
-bool Registry::DarkLook() { return Own().value(DarkKey()).toBool(); }
+bool Registry::DarkLook() {
+    return Own().value(DarkKey()).toBool();
+}
 
-void Registry::SetDarkLook(bool dark) { Own().setValue(DarkKey(), dark); }
+void Registry::SetDarkLook(bool dark) {
+    Own().setValue(DarkKey(), dark);
+}

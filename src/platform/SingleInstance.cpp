@@ -19,7 +19,8 @@ std::unique_ptr<QLocalServer>& Server() {
 
 QString NameFor(const std::string& directory) {
     const QString folder = QFileInfo(QString::fromStdString(directory)).canonicalFilePath();
-    const QByteArray hash = QCryptographicHash::hash(folder.toUtf8(), QCryptographicHash::Sha1).toHex().left(16);
+    const QByteArray hash =
+        QCryptographicHash::hash(folder.toUtf8(), QCryptographicHash::Sha1).toHex().left(16);
     return QStringLiteral("ZUKTramble-") + QString::fromLatin1(hash);
 }
 
@@ -38,4 +39,6 @@ bool SingleInstance::Take(const std::string& applicationDirectory) {
     return true;
 }
 
-void SingleInstance::Release() { Server().reset(); }
+void SingleInstance::Release() {
+    Server().reset();
+}

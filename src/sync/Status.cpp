@@ -15,7 +15,9 @@ namespace {
 constexpr std::size_t IdWidth = 30;
 constexpr std::size_t StatusWidth = 30;
 
-std::string StatusFile() { return Global.InstallPath + "HSStatus.dat"; }
+std::string StatusFile() {
+    return Global.InstallPath + "HSStatus.dat";
+}
 
 std::string Padded(std::string text, std::size_t width) {
     if (text.size() < width) text.resize(width, ' ');
@@ -27,7 +29,9 @@ std::string Column(const std::string& line, std::size_t from, std::size_t width)
     return std::string(Trim(std::string_view(line).substr(from, width)));
 }
 
-std::string Section(std::size_t row) { return "HH" + std::to_string(row); }
+std::string Section(std::size_t row) {
+    return "HH" + std::to_string(row);
+}
 
 void EmptyLists() {
     Global.HHCount = 0;
@@ -72,7 +76,8 @@ void UpdateHHStatus() {
     TraceEvent("basCommon:UpdateHHStatus");
     SafeFile file(StatusFile());
     for (std::size_t i = 1; i <= static_cast<std::size_t>(Global.HHCount); ++i) {
-        const std::string head = Padded(Padded(Global.HHSyncID[i], IdWidth) + Global.HHStatus[i], IdWidth + StatusWidth);
+        const std::string head =
+            Padded(Padded(Global.HHSyncID[i], IdWidth) + Global.HHStatus[i], IdWidth + StatusWidth);
         file.WriteLine(head + Global.HHStatusStd[i]);
     }
     file.Commit();

@@ -22,13 +22,15 @@ std::optional<StatusDetails> ReadStatusDetails(std::string_view id) {
     StatusDetails details;
     TableScan handheld(path);
     if (handheld.Next()) {
-        details.Handheld = {Number(handheld, "TH_NUMHEAD"), Number(handheld, "TH_NUMLINE"), Number(handheld, "TH_DOL_LIN")};
+        details.Handheld = {Number(handheld, "TH_NUMHEAD"), Number(handheld, "TH_NUMLINE"),
+                            Number(handheld, "TH_DOL_LIN")};
     }
     TableScan totals(Global.DBFPath + "ZUKTotalPC.dbf");
     const int idField = totals.Layout().Find(FieldKey("TP_HOTSYNC"));
     while (totals.Next()) {
         if (!SameText(totals.Trimmed(idField), id)) continue;
-        details.PC = {Number(totals, "TP_NUMHEAD"), Number(totals, "TP_NUMLINE"), Number(totals, "TP_DOL_LIN")};
+        details.PC = {Number(totals, "TP_NUMHEAD"), Number(totals, "TP_NUMLINE"),
+                      Number(totals, "TP_DOL_LIN")};
         break;
     }
     return details;

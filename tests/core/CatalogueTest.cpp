@@ -19,7 +19,9 @@ TEST_F(CatalogueTest, ANumberThatIsFreeIsAFailureAndNeverAText) {
 
 TEST_F(CatalogueTest, TheRowsStandInTheOrderOfTheirNumbersAndNoneIsAFreeRowOrABanner) {
     for (std::size_t i = 0; i < CatalogueRowCount; ++i) {
-        if (i > 0) { EXPECT_LT(CatalogueRows[i - 1].Number, CatalogueRows[i].Number); }
+        if (i > 0) {
+            EXPECT_LT(CatalogueRows[i - 1].Number, CatalogueRows[i].Number);
+        }
         EXPECT_STRNE(CatalogueRows[i].Words, "x");
         EXPECT_FALSE(std::string(CatalogueRows[i].Words).starts_with("<<<"));
     }
@@ -30,7 +32,8 @@ TEST_F(CatalogueTest, ACaptionMarksItsMnemonicAndDoublesASignOfItsOwn) {
 }
 
 TEST_F(CatalogueTest, AFileBesideTheProgramReplacesTextsByNumber) {
-    const std::string file = GivenFile("Messages.tsv", "# deutsch\n137\tYes\tJ\t\"Ja\"\n138\t\"Nein\\nnie\"\n");
+    const std::string file =
+        GivenFile("Messages.tsv", "# deutsch\n137\tYes\tJ\t\"Ja\"\n138\t\"Nein\\nnie\"\n");
 
     EXPECT_EQ(LoadMessages(file), "");
 
@@ -41,7 +44,8 @@ TEST_F(CatalogueTest, AFileBesideTheProgramReplacesTextsByNumber) {
 }
 
 TEST_F(CatalogueTest, ARowThatCannotBeReadIsNamedAndTheOthersCount) {
-    const std::string file = GivenFile("Messages.tsv", "137\t\"Ja\"\nabc\t\"x\"\n64999\t\"y\"\n138\tNein\n139\t\"\xFF\"\n");
+    const std::string file =
+        GivenFile("Messages.tsv", "137\t\"Ja\"\nabc\t\"x\"\n64999\t\"y\"\n138\tNein\n139\t\"\xFF\"\n");
 
     const std::string problems = LoadMessages(file);
 

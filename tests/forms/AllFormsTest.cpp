@@ -45,7 +45,8 @@ TEST_P(AllForms, EveryTagIsATextOfTheCatalogueAndNoCaptionStandsInTheLayout) {
         for (const char* property : {"Tag", "TipTag"}) {
             const QVariant tag = object->property(property);
             if (!tag.isValid()) continue;
-            EXPECT_TRUE(CatalogueHas({static_cast<std::uint16_t>(tag.toInt())})) << name << " " << tag.toInt();
+            EXPECT_TRUE(CatalogueHas({static_cast<std::uint16_t>(tag.toInt())}))
+                << name << " " << tag.toInt();
         }
         if (name.empty() || name.starts_with("qt_")) continue;
         if (const auto* button = qobject_cast<const QAbstractButton*>(object)) {
@@ -79,14 +80,16 @@ TEST_P(AllForms, TwoEntriesThatShowTogetherDoNotShareAMnemonic) {
         for (const auto* action : menu->actions()) {
             const QString letter = mnemonic(action->text());
             if (letter.isEmpty() || letter == QLatin1String("&")) continue;
-            EXPECT_TRUE(seen.insert(letter).second) << menu->objectName().toStdString() << " " << letter.toStdString();
+            EXPECT_TRUE(seen.insert(letter).second)
+                << menu->objectName().toStdString() << " " << letter.toStdString();
         }
     }
     std::set<QString> seen;
     for (const auto* button : form_->Window().findChildren<QAbstractButton*>()) {
         const QString letter = mnemonic(button->text());
         if (letter.isEmpty()) continue;
-        EXPECT_TRUE(seen.insert(letter).second) << button->objectName().toStdString() << " " << letter.toStdString();
+        EXPECT_TRUE(seen.insert(letter).second)
+            << button->objectName().toStdString() << " " << letter.toStdString();
     }
 }
 
@@ -106,9 +109,11 @@ INSTANTIATE_TEST_SUITE_P(Program, AllForms, ::testing::ValuesIn(Forms),
 
 std::string SourceText() {
     std::string all;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(std::string(TRAMBLE_SOURCE) + "/src")) {
+    for (const auto& entry :
+         std::filesystem::recursive_directory_iterator(std::string(TRAMBLE_SOURCE) + "/src")) {
         const std::string extension = entry.path().extension().string();
-        if (extension == ".cpp" || extension == ".h" || extension == ".ui") all += ReadWholeFile(entry.path().string());
+        if (extension == ".cpp" || extension == ".h" || extension == ".ui")
+            all += ReadWholeFile(entry.path().string());
     }
     return all;
 }
@@ -121,7 +126,8 @@ TEST(CatalogueUse, EveryRowIsFetchedByTheCodeOrByAControlsTag) {
         const QRegularExpressionMatch match = it.next();
         words.insert(match.captured(1) + match.captured(2));
     }
-    const QString table = QString::fromStdString(ReadWholeFile(std::string(TRAMBLE_SOURCE) + "/resources/messages.tsv"));
+    const QString table =
+        QString::fromStdString(ReadWholeFile(std::string(TRAMBLE_SOURCE) + "/resources/messages.tsv"));
     const QRegularExpression row(QStringLiteral("^(\\d+)\t(\\w+)\t"), QRegularExpression::MultilineOption);
     int rows = 0;
     for (auto it = row.globalMatch(table); it.hasNext(); ++rows) {

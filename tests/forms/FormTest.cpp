@@ -19,13 +19,17 @@ namespace {
 std::vector<std::string> Bars(const std::string& line) {
     std::vector<std::string> cells{""};
     for (const char c : line) {
-        if (c == '|') cells.emplace_back();
-        else cells.back() += c;
+        if (c == '|')
+            cells.emplace_back();
+        else
+            cells.back() += c;
     }
     return cells;
 }
 
-std::string TablePath(const std::string& table) { return Global.AppPath + "DBFFiles/" + table + ".dbf"; }
+std::string TablePath(const std::string& table) {
+    return Global.AppPath + "DBFFiles/" + table + ".dbf";
+}
 
 } // namespace
 
@@ -33,7 +37,8 @@ FormTest::FormTest() {
     Global.TheOperator = &Operator_;
     Global.InstantPauses = true;
     // A test before this one may have ended the program; only a fresh loop forgets that.
-    QMetaObject::invokeMethod(qApp, [] { QCoreApplication::quit(); }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(
+        qApp, [] { QCoreApplication::quit(); }, Qt::QueuedConnection);
     QCoreApplication::exec();
 }
 
@@ -66,7 +71,9 @@ void FormTest::GivenRows(const std::string& table, const std::vector<std::string
     rewrite.Commit();
 }
 
-int FormTest::RecordCount(const std::string& table) { return TableScan(TablePath(table)).RecordCount(); }
+int FormTest::RecordCount(const std::string& table) {
+    return TableScan(TablePath(table)).RecordCount();
+}
 
 std::string FormTest::Cell(const std::string& table, int record, const std::string& field) {
     TableScan scan(TablePath(table));
@@ -116,14 +123,19 @@ void FormTest::Choose(FormBehaviour& form, const char* name, const QString& entr
 QString FormTest::TextOf(FormBehaviour& form, const char* name) {
     QWidget& control = Control(form, name);
     if (auto* label = qobject_cast<QLabel*>(&control)) return label->text();
-    if (auto* button = qobject_cast<QAbstractButton*>(&control)) return button->text().remove(QLatin1Char('&'));
+    if (auto* button = qobject_cast<QAbstractButton*>(&control))
+        return button->text().remove(QLatin1Char('&'));
     if (auto* edit = qobject_cast<QLineEdit*>(&control)) return edit->text();
     if (auto* box = qobject_cast<QComboBox*>(&control)) return box->currentText();
     throw std::runtime_error(std::string("no text in ") + name);
 }
 
-bool FormTest::Enabled(FormBehaviour& form, const char* name) { return Control(form, name).isEnabled(); }
-bool FormTest::Visible(FormBehaviour& form, const char* name) { return Control(form, name).isVisibleTo(&form.Window()); }
+bool FormTest::Enabled(FormBehaviour& form, const char* name) {
+    return Control(form, name).isEnabled();
+}
+bool FormTest::Visible(FormBehaviour& form, const char* name) {
+    return Control(form, name).isVisibleTo(&form.Window());
+}
 
 std::vector<QStringList> FormTest::GridRows(FormBehaviour& form, const char* name) {
     const QAbstractItemModel* model = dynamic_cast<QTableView&>(Control(form, name)).model();

@@ -18,7 +18,9 @@
 
 namespace {
 
-DateTime Noon() { return {2026, 11, 15, 12, 0, 0}; }
+DateTime Noon() {
+    return {2026, 11, 15, 12, 0, 0};
+}
 
 class MainScreen : public FormTest {
 protected:
@@ -33,15 +35,18 @@ protected:
         return Open<frmMain1>();
     }
 
-    static std::vector<std::string> TotalsRow(const std::string& event, const std::string& id, const std::string& time) {
+    static std::vector<std::string> TotalsRow(const std::string& event, const std::string& id,
+                                              const std::string& time) {
         return {"2|5|10.5|2|5|10.5|M1|" + event + "|" + time + "|" + id + "|M1000001"};
     }
 
     void GivenUploads(int count) {
-        std::vector<std::string> rows{"TP_NUMHEAD|TP_NUMLINE|TP_DOL_LIN|TP_CURHEAD|TP_CURLINE|TP_CURDOL|TP_MACHINE|"
-                                      "TP_EVENT|TP_DATETIM|TP_HOTSYNC|TP_LSTONUM"};
+        std::vector<std::string> rows{
+            "TP_NUMHEAD|TP_NUMLINE|TP_DOL_LIN|TP_CURHEAD|TP_CURLINE|TP_CURDOL|TP_MACHINE|"
+            "TP_EVENT|TP_DATETIM|TP_HOTSYNC|TP_LSTONUM"};
         for (int i = count; i >= 1; --i) {
-            rows.push_back(TotalsRow("UPLOAD-ADD", "HH" + std::to_string(i), "2026-11-15 10:0" + std::to_string(i) + ":00")[0]);
+            rows.push_back(TotalsRow("UPLOAD-ADD", "HH" + std::to_string(i),
+                                     "2026-11-15 10:0" + std::to_string(i) + ":00")[0]);
         }
         GivenRows("ZUKTOTALPC", rows);
     }
@@ -102,8 +107,8 @@ TEST_F(MainScreen, NextThreeTimesComesBackAndSoDoesPrevious) {
             Click(form, button);
             pages << Page(form);
         }
-        const QStringList next{QStringLiteral("Tools"), QStringLiteral("System Summary"), QStringLiteral("QuickStart"),
-                               QStringLiteral("Tools")};
+        const QStringList next{QStringLiteral("Tools"), QStringLiteral("System Summary"),
+                               QStringLiteral("QuickStart"), QStringLiteral("Tools")};
         const QStringList previous(next.rbegin(), next.rend());
         EXPECT_EQ(pages, std::string(button) == "lblNext" ? next : previous);
     }
@@ -129,8 +134,8 @@ TEST_F(MainScreen, EightUploadsShowTheSevenNewestFirst) {
 
     const auto rows = GridRows(form, "FGTot");
     ASSERT_EQ(rows.size(), 7U);
-    EXPECT_EQ(rows[0], (QStringList{QStringLiteral("HH8"), QStringLiteral("2026-11-15 10:08:00"), QStringLiteral("2"),
-                                    QStringLiteral("5"), QStringLiteral("10.50")}));
+    EXPECT_EQ(rows[0], (QStringList{QStringLiteral("HH8"), QStringLiteral("2026-11-15 10:08:00"),
+                                    QStringLiteral("2"), QStringLiteral("5"), QStringLiteral("10.50")}));
     EXPECT_EQ(rows[6][0], QStringLiteral("HH2"));
 }
 
@@ -182,7 +187,8 @@ TEST_F(MainScreen, SixHandheldsGiveTwoRowsOfBricks) {
     Settle();
 
     std::map<int, int> perRow;
-    for (const auto* brick : form.findChildren<QToolButton*>(QRegularExpression(QStringLiteral("^cmdHHHSIDStd_")))) {
+    for (const auto* brick :
+         form.findChildren<QToolButton*>(QRegularExpression(QStringLiteral("^cmdHHHSIDStd_")))) {
         ++perRow[brick->y()];
     }
     ASSERT_EQ(perRow.size(), 2U);
@@ -192,8 +198,8 @@ TEST_F(MainScreen, SixHandheldsGiveTwoRowsOfBricks) {
 
 TEST_F(MainScreen, TheFamilyDrawnLastIsShownAndTellsEachState) {
     GivenRows("ZUKLINK", {"LK_HOTSYNC", "Anna", "Ben", "Cleo"});
-    WriteWholeFile(Global.InstallPath + "HSStatus.dat", "Anna" + std::string(26, ' ') + "G\r\nBen" +
-                                                            std::string(27, ' ') + "B\r\nCleo\r\n");
+    WriteWholeFile(Global.InstallPath + "HSStatus.dat",
+                   "Anna" + std::string(26, ' ') + "G\r\nBen" + std::string(27, ' ') + "B\r\nCleo\r\n");
     auto& form = Start();
 
     form.GetHHBricks();
@@ -219,7 +225,8 @@ TEST_F(MainScreen, ABrickShowsTheFiguresOfBothSidesAndTheirDifference) {
     GivenRows("ZUKAudHH", {"TH_NUMHEAD|TH_NUMLINE|TH_DOL_LIN", "3|9|120.5"});
     std::filesystem::create_directories(Global.HHTotalsPath + "Anna");
     std::filesystem::rename(Global.DBFPath + "ZUKAudHH.dbf", Global.HHTotalsPath + "Anna/ZUKAudHH.dbf");
-    GivenRows("ZUKTOTALPC", {"TP_NUMHEAD|TP_NUMLINE|TP_DOL_LIN|TP_HOTSYNC", "9|9|9|Ben", "2|9|100|anna", "1|1|1|Anna"});
+    GivenRows("ZUKTOTALPC",
+              {"TP_NUMHEAD|TP_NUMLINE|TP_DOL_LIN|TP_HOTSYNC", "9|9|9|Ben", "2|9|100|anna", "1|1|1|Anna"});
     auto& form = Start();
     form.GetHHBricks();
     std::vector<QStringList> rows;
@@ -269,7 +276,8 @@ TEST_F(MainScreen, AWindowThatWasNotMovedKeepsTheNumbersItWasReadWith) {
 
 TEST_F(MainScreen, TheEndEmptiesTheSessionEntriesAndWritesStatusAndSettings) {
     GivenRows("ZUKLINK", {"LK_HOTSYNC", "Anna"});
-    WriteWholeFile(Global.InstallPath + "HSStatus.dat", "Anna" + std::string(26, ' ') + "G" + std::string(29, ' ') + "S\r\n");
+    WriteWholeFile(Global.InstallPath + "HSStatus.dat",
+                   "Anna" + std::string(26, ' ') + "G" + std::string(29, ' ') + "S\r\n");
     auto& form = Start();
     Global.PurgeDays = 9;
 
@@ -288,7 +296,8 @@ TEST_F(MainScreen, ARestartKeepsTheTraceOfTheRunBefore) {
     Start();
 
     bool found = false;
-    for (std::size_t k = 0; k < TraceEntries; ++k) found = found || Global.Events.Entry(k) == "frmMain1:Form_Unload";
+    for (std::size_t k = 0; k < TraceEntries; ++k)
+        found = found || Global.Events.Entry(k) == "frmMain1:Form_Unload";
     EXPECT_TRUE(found);
     EXPECT_EQ(EngineTest::Lines(Global.AppPath + "Events.log").size(), TraceEntries);
 }
@@ -303,7 +312,8 @@ TEST_F(MainScreen, TextsBesideTheProgramReplaceTheCaptions) {
 
 TEST_F(MainScreen, ATextThatCannotBeReadIsNamedWithItsLine) {
     WriteWholeFile(Global.AppPath + "Messages.tsv", "137\tJa\n");
-    Operator_.ExpectBeginning(::Lines(msg::TextsCannotBeRead, Text::Path(std::string_view("Messages.tsv, line 1: "))));
+    Operator_.ExpectBeginning(
+        ::Lines(msg::TextsCannotBeRead, Text::Path(std::string_view("Messages.tsv, line 1: "))));
     Operator_.Expect(msg::PalmDesktopMissing);
 
     Open<frmMain1>();
@@ -323,7 +333,8 @@ TEST_F(MainScreen, WhatLeadsNowhereYetIsDisabled) {
     auto& form = Start();
 
     EXPECT_TRUE(form.WiringProblems().empty());
-    for (const char* name : {"lblDownloadBtn", "lblNotes", "lblHelpOrders", "cmdPCTotals"}) EXPECT_FALSE(Enabled(form, name));
+    for (const char* name : {"lblDownloadBtn", "lblNotes", "lblHelpOrders", "cmdPCTotals"})
+        EXPECT_FALSE(Enabled(form, name));
 }
 
 } // namespace

@@ -28,7 +28,8 @@ protected:
         WriteActivity(Global.QuickButtonTemplates + name, activity);
     }
 
-    void GivenImportTemplate(const std::string& name, const std::string& dataFile, const std::vector<std::string>& fields) {
+    void GivenImportTemplate(const std::string& name, const std::string& dataFile,
+                             const std::vector<std::string>& fields) {
         ImportTemplate content;
         content.DataFile = dataFile;
         content.Delimiter = Delimiter::Csv;
@@ -37,7 +38,8 @@ protected:
         WriteImportTemplate(Global.ImportTemplates + name, content);
     }
 
-    void GivenExportTemplate(const std::string& name, const std::string& file, const std::vector<std::string>& columns) {
+    void GivenExportTemplate(const std::string& name, const std::string& file,
+                             const std::vector<std::string>& columns) {
         ExportTemplate content;
         content.FileName = file;
         content.Delimiter = Delimiter::Csv;
@@ -168,7 +170,8 @@ TEST_F(QuickButtons, TwoErrorsAreCounted) {
 
 TEST_F(QuickButtons, ATemplateWithAFullPathInItsFirstLineWorks) {
     GivenFile("app/DataIn/c.csv", "A1,Acme\r\n");
-    WriteWholeFile(Global.ImportTemplates + "Cust.cst", "C:\\Old\\c.csv\r\nCSV\r\nStartLine=1\r\n[FIELDS]\r\nC_CODE\r\n[LITERALS]\r\n");
+    WriteWholeFile(Global.ImportTemplates + "Cust.cst",
+                   "C:\\Old\\c.csv\r\nCSV\r\nStartLine=1\r\n[FIELDS]\r\nC_CODE\r\n[LITERALS]\r\n");
     GivenActivity("Morning.ipm", "Cust.cst");
     auto& form = Run<frmQBImport>("Morning");
 
@@ -182,8 +185,9 @@ TEST_F(QuickButtons, ADataFileThatIsGoneIsTold) {
     GivenActivity("Morning.ipm", "Cust.cst");
     auto& form = Run<frmQBImport>("Morning");
     Operator_
-        .Expect(T("Error opening Import file defined in Cust.cst. Please make sure the file exists or that this is "
-                  "not an old template file."))
+        .Expect(T(
+            "Error opening Import file defined in Cust.cst. Please make sure the file exists or that this is "
+            "not an old template file."))
         .With(Icon::Warning);
 
     Click(form, "cmdOK");
@@ -225,7 +229,8 @@ TEST_F(QuickButtons, AMismatchFailsTheRowLeavesTheTableAndGoesOn) {
 TEST_F(QuickButtons, AStartLineBehindTheEndIsToldAndTheTableStays) {
     GivenRows("ZUKCust", {"C_CODE", "OLD"});
     GivenFile("app/DataIn/c.csv", "A1,Acme\r\n");
-    WriteWholeFile(Global.ImportTemplates + "Cust.cst", "c.csv\r\nCSV\r\nStartLine=9\r\n[FIELDS]\r\nC_CODE\r\n[LITERALS]\r\n");
+    WriteWholeFile(Global.ImportTemplates + "Cust.cst",
+                   "c.csv\r\nCSV\r\nStartLine=9\r\n[FIELDS]\r\nC_CODE\r\n[LITERALS]\r\n");
     GivenActivity("Morning.ipm", "Cust.cst");
     auto& form = Run<frmQBImport>("Morning");
     Operator_.ExpectBeginning(msg::ImportStopped).With(Icon::Stop);
@@ -333,7 +338,8 @@ TEST_F(QuickButtons, ATemplateWithoutAFileNameLineIsAnOldOne) {
     GivenActivity("Evening.xpm", "Old.xor");
     auto& form = Run<frmQBExport>("Evening");
     Operator_
-        .Expect(T("Error opening Export file defined in Old.xor! Please make sure the file exists or that this is not "
+        .Expect(T("Error opening Export file defined in Old.xor! Please make sure the file exists or that "
+                  "this is not "
                   "an old template file."))
         .With(Icon::Warning);
 

@@ -51,7 +51,8 @@ protected:
 
 TEST_F(SharedScreens, YesLeavesTheAnswerTrueAndNoLeavesItFalse) {
     for (const bool yes : {true, false}) {
-        WhenShown(QStringLiteral("frmMessage"), [&](QWidget& window) { Press(window, yes ? "cmdYes" : "cmdNo"); });
+        WhenShown(QStringLiteral("frmMessage"),
+                  [&](QWidget& window) { Press(window, yes ? "cmdYes" : "cmdNo"); });
 
         EXPECT_EQ(screen_.Ask({msg::ResetQuestion, msg::Yes, msg::No, {}}), yes);
         EXPECT_EQ(Global.MessageAnswer, yes);
@@ -105,7 +106,8 @@ TEST_F(SharedScreens, EscapeAtAQuestionIsNo) {
 
 // ---- frmProgress ----
 
-class ProgressForm : public SharedScreens, public ::testing::WithParamInterface<std::pair<ProgressFlag, const char*>> {};
+class ProgressForm : public SharedScreens,
+                     public ::testing::WithParamInterface<std::pair<ProgressFlag, const char*>> {};
 
 TEST_P(ProgressForm, RecordsTheEventOfItsFlagAndClearsTheFlag) {
     GivenOffice();
@@ -118,16 +120,21 @@ TEST_P(ProgressForm, RecordsTheEventOfItsFlagAndClearsTheFlag) {
     for (const bool flag : Global.Progress) EXPECT_FALSE(flag);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Flags, ProgressForm,
-    ::testing::Values(std::pair{ProgressFlag::Export, "EXPORT"}, std::pair{ProgressFlag::QualCheck, "QUALCHECK"},
-                      std::pair{ProgressFlag::UploadAdd, "UPLOAD-ADD"},
-                      std::pair{ProgressFlag::UploadReplace, "UPLOAD-REPLACE"}, std::pair{ProgressFlag::Clear, "CLEAR"},
-                      std::pair{ProgressFlag::Clear2, "CLEAR"}, std::pair{ProgressFlag::ImportReplace, "IMPORT-REPLACE"},
-                      std::pair{ProgressFlag::ImportAdd, "IMPORT-ADD"},
-                      std::pair{ProgressFlag::Import2Replace, "IMPORT-REPLACE"},
-                      std::pair{ProgressFlag::Import2Add, "IMPORT-ADD"}, std::pair{ProgressFlag::Restore, "RESTORE"}),
-    [](const auto& each) { return "Flag" + std::to_string(static_cast<int>(each.param.first)); });
+INSTANTIATE_TEST_SUITE_P(Flags, ProgressForm,
+                         ::testing::Values(std::pair{ProgressFlag::Export, "EXPORT"},
+                                           std::pair{ProgressFlag::QualCheck, "QUALCHECK"},
+                                           std::pair{ProgressFlag::UploadAdd, "UPLOAD-ADD"},
+                                           std::pair{ProgressFlag::UploadReplace, "UPLOAD-REPLACE"},
+                                           std::pair{ProgressFlag::Clear, "CLEAR"},
+                                           std::pair{ProgressFlag::Clear2, "CLEAR"},
+                                           std::pair{ProgressFlag::ImportReplace, "IMPORT-REPLACE"},
+                                           std::pair{ProgressFlag::ImportAdd, "IMPORT-ADD"},
+                                           std::pair{ProgressFlag::Import2Replace, "IMPORT-REPLACE"},
+                                           std::pair{ProgressFlag::Import2Add, "IMPORT-ADD"},
+                                           std::pair{ProgressFlag::Restore, "RESTORE"}),
+                         [](const auto& each) {
+                             return "Flag" + std::to_string(static_cast<int>(each.param.first));
+                         });
 
 TEST_F(SharedScreens, OfTwoFlagsTheFirstInOrderIsDoneAndTheOtherStays) {
     GivenOffice();
@@ -229,8 +236,9 @@ TEST_F(SharedScreens, AHandlerThatWaitsCanLoseItsFormAndItsWaitEnds) {
 
 TEST_F(SharedScreens, AFailureThatNothingCatchesIsToldWithTheLastTraceLineAndEndsTheProgram) {
     TraceEvent("frmMain1:Nowhere");
-    Operator_.Expect(::Lines(Text::Path(std::string_view("File not found: ZUKCUST.DBF")),
-                             Text::Value(std::string_view("frmMain1:Nowhere"))))
+    Operator_
+        .Expect(::Lines(Text::Path(std::string_view("File not found: ZUKCUST.DBF")),
+                        Text::Value(std::string_view("frmMain1:Nowhere"))))
         .With(Icon::Stop);
 
     FailUnexpectedly(std::runtime_error("File not found: ZUKCUST.DBF"));

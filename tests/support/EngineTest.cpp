@@ -74,4 +74,6 @@ std::vector<std::string> EngineTest::Lines(const std::string& path) {
     return lines;
 }
 
-bool EngineTest::Exists(const std::string& path) { return fs::exists(path); }
+bool EngineTest::Exists(const std::string& path) {
+    return fs::exists(path);
+}

@@ -7,7 +7,9 @@ namespace {
 class FaultyFile final : public DiskFile {
 public:
     FaultyFile(std::unique_ptr<DiskFile> under, FaultyDisk& disk, std::string path)
-        : under_(std::move(under)), disk_(disk), path_(std::move(path)) {}
+        : under_(std::move(under)),
+          disk_(disk),
+          path_(std::move(path)) {}
 
     std::size_t ReadAt(std::uint64_t offset, void* to, std::size_t size) override {
         return under_->ReadAt(offset, to, size);

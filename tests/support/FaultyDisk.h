@@ -25,7 +25,9 @@ public:
     bool IsFile(const std::string& path) override { return under_.IsFile(path); }
     bool IsFolder(const std::string& path) override { return under_.IsFolder(path); }
     std::vector<std::string> FilesIn(const std::string& folder) override { return under_.FilesIn(folder); }
-    std::vector<std::string> FoldersIn(const std::string& folder) override { return under_.FoldersIn(folder); }
+    std::vector<std::string> FoldersIn(const std::string& folder) override {
+        return under_.FoldersIn(folder);
+    }
     bool LockedByAnother(const std::string& path) override { return under_.LockedByAnother(path); }
 
 private:

@@ -22,7 +22,8 @@ QByteArray Bytes(const QString& path) {
 /// The real program in an office of its own, driven from outside.
 class Program : public ::testing::Test {
 protected:
-    Program() : office_(QStringLiteral(TRAMBLE_BUILD), folder_.filePath(QStringLiteral("office")), Samples()) {}
+    Program()
+        : office_(QStringLiteral(TRAMBLE_BUILD), folder_.filePath(QStringLiteral("office")), Samples()) {}
 
     static QString Samples() { return QStringLiteral(TRAMBLE_SOURCE) + QStringLiteral("/samples/day"); }
 
@@ -44,15 +45,17 @@ protected:
         program.WaitForm(Main);
     }
 
-    static QString RunActivity(DriverClient& program, const QString& button, const QString& form,
-                               const QString& activity, const std::function<void()>& further = [] {}) {
+    static QString RunActivity(
+        DriverClient& program, const QString& button, const QString& form, const QString& activity,
+        const std::function<void()>& further = [] {}) {
         program.Click(Main, button);
         program.WaitForm(form);
         program.Choose(form, QStringLiteral("cboMaster"), activity);
         program.Expect(QStringLiteral("Perform %1 - Is that correct?").arg(activity), QStringLiteral("Yes"));
         further();
         program.Click(form, QStringLiteral("cmdOK"));
-        program.WaitTextContaining(form, QStringLiteral("lblProgress"), QStringLiteral("Process completed with"));
+        program.WaitTextContaining(form, QStringLiteral("lblProgress"),
+                                   QStringLiteral("Process completed with"));
         const QString report = program.Text(form, QStringLiteral("lblSST_1"));
         program.Click(form, QStringLiteral("cmdCancel"));
         program.WaitGone(form);
@@ -69,7 +72,8 @@ TEST_F(Program, StartsAndEndsAndLeavesItsSettingsAndItsTrace) {
 
     EXPECT_EQ(program.Quit(), 0);
 
-    EXPECT_TRUE(Bytes(office_.Path(QStringLiteral("ZUKTramble.ini"))).startsWith("[Backup]\r\nPurgeBackup=True\r\n"));
+    EXPECT_TRUE(
+        Bytes(office_.Path(QStringLiteral("ZUKTramble.ini"))).startsWith("[Backup]\r\nPurgeBackup=True\r\n"));
     EXPECT_TRUE(Bytes(office_.Path(QStringLiteral("Events.log"))).contains("frmMain1:Form_Unload\r\n"));
     EXPECT_EQ(QDir(office_.Path(QStringLiteral("DBFEmpty"))).entryList({QStringLiteral("*.dbf")}).size(), 24);
 }
@@ -110,8 +114,9 @@ TEST_F(Program, ImportsBothFilesAndExportsWhatOtherProgramsMakeOfTheSameTables) 
     EXPECT_EQ(RunActivity(program, QStringLiteral("lblExportBtn"), QStringLiteral("frmQBExport"),
                           QStringLiteral("DemoExport"),
                           [&] {
-                              program.Expect(QStringLiteral("3 records in the Order Lines table appear to have no "
-                                                            "corresponding Header records!"));
+                              program.Expect(
+                                  QStringLiteral("3 records in the Order Lines table appear to have no "
+                                                 "corresponding Header records!"));
                               program.ExpectContaining(QStringLiteral("Delete Exported Tables on PC?"),
                                                        QStringLiteral("No"));
                           }),
@@ -131,15 +136,18 @@ TEST_F(Program, DeletionAfterTheExportLeavesABackupAndEmptyTables) {
     DriverClient program(InOffice());
     StartUp(program);
 
-    RunActivity(program, QStringLiteral("lblExportBtn"), QStringLiteral("frmQBExport"), QStringLiteral("DemoExport"), [&] {
-        program.ExpectContaining(QStringLiteral("records in the Order Lines table"));
-        program.ExpectContaining(QStringLiteral("Delete Exported Tables on PC?"), QStringLiteral("Yes"));
-    });
+    RunActivity(program, QStringLiteral("lblExportBtn"), QStringLiteral("frmQBExport"),
+                QStringLiteral("DemoExport"), [&] {
+                    program.ExpectContaining(QStringLiteral("records in the Order Lines table"));
+                    program.ExpectContaining(QStringLiteral("Delete Exported Tables on PC?"),
+                                             QStringLiteral("Yes"));
+                });
     program.Click(Main, QStringLiteral("lblNext"));
     EXPECT_EQ(program.Text(Main, QStringLiteral("lblSysOrders1")), QStringLiteral("0"));
     EXPECT_EQ(program.Quit(), 0);
 
-    const QStringList backups = QDir(office_.Path(QStringLiteral("Backup"))).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+    const QStringList backups =
+        QDir(office_.Path(QStringLiteral("Backup"))).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
     ASSERT_EQ(backups.size(), 1);
     EXPECT_EQ(QDir(office_.Path(QStringLiteral("Backup/") + backups[0])).entryList(QDir::Files).size(), 6);
 }
@@ -171,7 +179,8 @@ TEST_F(Program, ImportsByKeyboardAlone) {
     program.WaitEnabled(form, QStringLiteral("cmdOK"));
     program.Expect(QStringLiteral("Perform DemoImport - Is that correct?"), QStringLiteral("Yes"));
     program.Key(QStringLiteral("Return"));
-    program.WaitTextContaining(form, QStringLiteral("lblProgress"), QStringLiteral("Process completed with no errors!"));
+    program.WaitTextContaining(form, QStringLiteral("lblProgress"),
+                               QStringLiteral("Process completed with no errors!"));
     program.Key(QStringLiteral("Escape"));
     program.WaitGone(form);
 

@@ -53,7 +53,9 @@ QIcon StateIcon(std::string_view name) {
 
 } // namespace
 
-frmMain1::frmMain1() : totals_(new GridModel(this)) { setupUi(this); }
+frmMain1::frmMain1() : totals_(new GridModel(this)) {
+    setupUi(this);
+}
 
 // ---- start ----
 
@@ -143,18 +145,30 @@ void frmMain1::LoadIcons() {
     label(*imgSysItems, "tool-items", 28);
     label(*imgSysOrders, "tool-orders-count", 28);
     const std::pair<QToolButton*, const char*> buttons[] = {
-        {lblImportBtn, "tool-import"},       {lblExportBtn, "tool-export"},
-        {lblDownloadBtn, "tool-download"},   {lblUploadBtn, "tool-upload"},
-        {lblPCTables, "tool-tables"},        {lblClearPC, "tool-clear"},
-        {lblUA, "tool-unattended"},          {lblUpdateHSUsers, "UpDtHSUsers32x32-16M"},
-        {lblConfigurator, "tool-configurator"}, {lblInstallHH, "tool-install"},
-        {lblNotes, "tool-notes"},            {lblRestore, "Restore"},
-        {lblPurgeBU, "tool-purge"},          {lblSetupPC, "tool-setup"},
-        {lblQC, "tool-check"},               {lblDemoInstall, "tool-demo"},
-        {lblHelpOrders, "tool-orders"},      {lblHelpCompany, "tool-company"},
-        {lblPrev, "arrow-left"},             {lblNext, "arrow-right"},
-        {imgHHStatusHelp, "helpico16-256"},  {imgMatrixHelp, "helpico16-256"},
-        {imgQBHelp, "helpico16-256"},        {imgToolsHelp, "helpico16-256"},
+        {lblImportBtn, "tool-import"},
+        {lblExportBtn, "tool-export"},
+        {lblDownloadBtn, "tool-download"},
+        {lblUploadBtn, "tool-upload"},
+        {lblPCTables, "tool-tables"},
+        {lblClearPC, "tool-clear"},
+        {lblUA, "tool-unattended"},
+        {lblUpdateHSUsers, "UpDtHSUsers32x32-16M"},
+        {lblConfigurator, "tool-configurator"},
+        {lblInstallHH, "tool-install"},
+        {lblNotes, "tool-notes"},
+        {lblRestore, "Restore"},
+        {lblPurgeBU, "tool-purge"},
+        {lblSetupPC, "tool-setup"},
+        {lblQC, "tool-check"},
+        {lblDemoInstall, "tool-demo"},
+        {lblHelpOrders, "tool-orders"},
+        {lblHelpCompany, "tool-company"},
+        {lblPrev, "arrow-left"},
+        {lblNext, "arrow-right"},
+        {imgHHStatusHelp, "helpico16-256"},
+        {imgMatrixHelp, "helpico16-256"},
+        {imgQBHelp, "helpico16-256"},
+        {imgToolsHelp, "helpico16-256"},
     };
     for (const auto& [button, name] : buttons) button->setIcon(Picture(name));
     for (QWidget* page : {static_cast<QWidget*>(picQB), static_cast<QWidget*>(picRemoteSync)}) {
@@ -275,7 +289,8 @@ void frmMain1::DrawBricks(const QString& family, const std::function<QIcon(std::
         brick->setEnabled(canBeClicked);
         // A brick tells a state: it must be read whether it can be pressed or not.
         QPalette readable = brick->palette();
-        readable.setColor(QPalette::Disabled, QPalette::ButtonText, readable.color(QPalette::Active, QPalette::ButtonText));
+        readable.setColor(QPalette::Disabled, QPalette::ButtonText,
+                          readable.color(QPalette::Active, QPalette::ButtonText));
         brick->setPalette(readable);
         WireControl(*brick);
         grdBricks->addWidget(brick, place / BricksInRow, place % BricksInRow);
@@ -289,23 +304,32 @@ void frmMain1::DrawBricks(const QString& family, const std::function<QIcon(std::
 void frmMain1::GetHHBricks() {
     TraceEvent("frmMain1:GetHHBricks");
     GetHHStatus();
-    const auto letter = [](std::size_t row) { return row < Global.HHStatus.size() ? Global.HHStatus[row] : std::string(); };
+    const auto letter = [](std::size_t row) {
+        return row < Global.HHStatus.size() ? Global.HHStatus[row] : std::string();
+    };
     DrawBricks(
         QStringLiteral("cmdHHHSID"),
         [&](std::size_t row) {
-            return StateIcon(letter(row) == "G" ? "brick-syncok" : letter(row) == "B" ? "brick-badsync" : "brick-notsynced");
+            return StateIcon(letter(row) == "G"   ? "brick-syncok"
+                             : letter(row) == "B" ? "brick-badsync"
+                                                  : "brick-notsynced");
         },
         [&](std::size_t row) {
-            return Text(letter(row) == "G" ? msg::lblSyncOK : letter(row) == "B" ? msg::lblBadSync : msg::lblNotSynced);
+            return Text(letter(row) == "G"   ? msg::lblSyncOK
+                        : letter(row) == "B" ? msg::lblBadSync
+                                             : msg::lblNotSynced);
         });
 }
 
 void frmMain1::GetHHBricksStd() {
     TraceEvent("frmMain1:GetHHBricksStd");
     GetHHStatus();
-    const auto done = [](std::size_t row) { return row < Global.HHStatusStd.size() && Global.HHStatusStd[row] == "S"; };
+    const auto done = [](std::size_t row) {
+        return row < Global.HHStatusStd.size() && Global.HHStatusStd[row] == "S";
+    };
     DrawBricks(
-        QStringLiteral("cmdHHHSIDStd"), [&](std::size_t row) { return done(row) ? StateIcon("Hotsync16-256.ico") : QIcon(); },
+        QStringLiteral("cmdHHHSIDStd"),
+        [&](std::size_t row) { return done(row) ? StateIcon("Hotsync16-256.ico") : QIcon(); },
         [&](std::size_t row) { return Text(done(row) ? msg::lblSyncOK : msg::lblNotSynced); });
 }
 
@@ -317,7 +341,8 @@ void frmMain1::GetHHBricksInst() {
         return row < Global.HHStatusInst.size() && !Global.HHStatusInst[row].empty();
     };
     DrawBricks(
-        QStringLiteral("cmdHHHSIDInst"), [&](std::size_t row) { return done(row) ? StateIcon("Hotsync16-256.ico") : QIcon(); },
+        QStringLiteral("cmdHHHSIDInst"),
+        [&](std::size_t row) { return done(row) ? StateIcon("Hotsync16-256.ico") : QIcon(); },
         [&](std::size_t row) { return Text(done(row) ? msg::lblSyncOK : msg::lblNotSynced); });
 }
 
@@ -352,8 +377,9 @@ void frmMain1::cmdReset_Click() {
 void frmMain1::SetUpTotalsGrid() {
     const Qt::Alignment left = Qt::AlignLeft;
     const Qt::Alignment right = Qt::AlignRight;
-    totals_->SetHeadings({ToQt(Text(msg::FGTotID)), ToQt(Text(msg::FGTotDateTime)), ToQt(Text(msg::FGTotOrders)),
-                          ToQt(Text(msg::FGTotLines)), ToQt(Text(msg::FGTotDollars))},
+    totals_->SetHeadings({ToQt(Text(msg::FGTotID)), ToQt(Text(msg::FGTotDateTime)),
+                          ToQt(Text(msg::FGTotOrders)), ToQt(Text(msg::FGTotLines)),
+                          ToQt(Text(msg::FGTotDollars))},
                          {left, left, right, right, right});
     FGTot->setModel(totals_);
     FGTot->verticalHeader()->hide();
@@ -368,7 +394,8 @@ void frmMain1::GetPCTotals() {
     std::vector<QStringList> rows;
     for (const UploadRow& row : ::GetPCTotals()) {
         QStringList cells;
-        for (const std::string* cell : {&row.HotSyncID, &row.DateTime, &row.Orders, &row.Lines, &row.Dollars}) {
+        for (const std::string* cell :
+             {&row.HotSyncID, &row.DateTime, &row.Orders, &row.Lines, &row.Dollars}) {
             cells << ToQt(std::string_view(*cell));
         }
         rows.push_back(cells);

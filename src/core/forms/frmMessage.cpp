@@ -39,4 +39,6 @@ void frmMessage::cmdNo_Click() {
     Unload();
 }
 
-void frmMessage::reject() { cmdNo->click(); }
+void frmMessage::reject() {
+    cmdNo->click();
+}

@@ -17,7 +17,8 @@
 
 void QuickButtonForm::Bind() {
     const auto bind = [this](auto*& control, const char* name) {
-        control = findChild<std::remove_pointer_t<std::remove_reference_t<decltype(control)>>*>(QLatin1String(name));
+        control = findChild<std::remove_pointer_t<std::remove_reference_t<decltype(control)>>*>(
+            QLatin1String(name));
     };
     bind(cboMaster, "cboMaster");
     bind(lblNoActivity, "lblNoActivity");
@@ -79,7 +80,8 @@ void QuickButtonForm::cboMaster_Click() {
 void QuickButtonForm::ShowActivity() {
     Activity activity;
     try {
-        activity = ReadActivity(Global.QuickButtonTemplates + PathFromQt(cboMaster->currentText()) + extension_);
+        activity =
+            ReadActivity(Global.QuickButtonTemplates + PathFromQt(cboMaster->currentText()) + extension_);
     } catch (const RunTimeFailure&) {
         Tell(msg::ActivityError, Icon::Warning);
         cboMaster->setCurrentIndex(-1);
@@ -149,7 +151,7 @@ void EnsureDataDirectory(std::string& path, std::string_view name, MessageId los
     const std::string old = path;
     path = AddBackslash(Global.AppPath + std::string(name));
     MakePath(path);
-    Tell(Text(lost) + Text::Path(std::string_view(old)) + msg::PathChanged + Text::Path(std::string_view(path)) +
-             msg::PathChangedEnd,
+    Tell(Text(lost) + Text::Path(std::string_view(old)) + msg::PathChanged +
+             Text::Path(std::string_view(path)) + msg::PathChangedEnd,
          Icon::Information);
 }

@@ -12,7 +12,8 @@ namespace {
 
 QStringList Row(MessageId name, const OrderFigures& figures) {
     return {ToQt(Text(name)), ToQt(std::string_view(NumberToText(figures.Orders))),
-            ToQt(std::string_view(NumberToText(figures.Lines))), ToQt(std::string_view(Money(figures.Dollars)))};
+            ToQt(std::string_view(NumberToText(figures.Lines))),
+            ToQt(std::string_view(Money(figures.Dollars)))};
 }
 
 } // namespace
@@ -27,9 +28,11 @@ void frmHHStatus::Form_Load() {
 void frmHHStatus::Fill(std::string_view id, const StatusDetails& details) {
     lblID->setText(ToQt(Text(msg::HotsyncID)) + QStringLiteral(": ") + ToQt(id));
     auto* grid = new GridModel(this);
-    grid->SetHeadings({QString(), ToQt(Text(msg::StatusOrders)), ToQt(Text(msg::StatusLines)), ToQt(Text(msg::StatusDollars))},
+    grid->SetHeadings({QString(), ToQt(Text(msg::StatusOrders)), ToQt(Text(msg::StatusLines)),
+                       ToQt(Text(msg::StatusDollars))},
                       {Qt::AlignLeft, Qt::AlignRight, Qt::AlignRight, Qt::AlignRight});
-    const OrderFigures difference{details.Handheld.Orders - details.PC.Orders, details.Handheld.Lines - details.PC.Lines,
+    const OrderFigures difference{details.Handheld.Orders - details.PC.Orders,
+                                  details.Handheld.Lines - details.PC.Lines,
                                   details.Handheld.Dollars - details.PC.Dollars};
     grid->SetRows({Row(msg::StatusHandheld, details.Handheld), Row(msg::StatusPC, details.PC),
                    Row(msg::StatusDifference, difference)});
