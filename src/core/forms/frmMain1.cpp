@@ -131,7 +131,7 @@ void frmMain1::IsHotSyncActive() {
 }
 
 void frmMain1::LoadIcons() {
-    setWindowIcon(Picture("zuk1.ico"));
+    QApplication::setWindowIcon(Picture("zuk1.ico"));
     const auto label = [](QLabel& where, const char* name, int size) {
         where.setPixmap(Picture(name).pixmap(size, size));
     };
