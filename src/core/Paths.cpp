@@ -31,14 +31,28 @@ std::string_view WithoutTrailingSeparator(std::string_view path) {
     return path;
 }
 
-/// A name in one case: ASCII letters and the Latin letters with accents as UTF-8 writes them.
+bool IsDrive(std::string_view part) {
+    return part.size() == 2 && part[1] == ':';
+}
+
+/// A name in one case: ASCII letters and the letters with accents of the code page, as UTF-8 writes
+/// them.
 std::string FoldName(std::string_view name) {
     std::string folded(name);
+    const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(folded[i]); };
     for (std::size_t i = 0; i < folded.size(); ++i) {
-        const auto c = static_cast<unsigned char>(folded[i]);
-        if (c >= 'a' && c <= 'z') folded[i] = static_cast<char>(c - 32);
-        if (i == 0 || static_cast<unsigned char>(folded[i - 1]) != 0xC3) continue;
-        if (c >= 0xA0 && c <= 0xBE && c != 0xB7) folded[i] = static_cast<char>(c - 0x20);
+        if (byte(i) >= 'a' && byte(i) <= 'z') folded[i] = static_cast<char>(byte(i) - 32);
+        if (i == 0) continue;
+        const unsigned char lead = byte(i - 1);
+        const unsigned char c = byte(i);
+        if (lead == 0xC3 && c >= 0xA0 && c <= 0xBE && c != 0xB7) { // à to þ, without the division sign
+            folded[i] = static_cast<char>(c - 0x20);
+        } else if (lead == 0xC3 && c == 0xBF) { // ÿ and Ÿ lie in different rows
+            folded[i - 1] = '\xC5';
+            folded[i] = '\xB8';
+        } else if (lead == 0xC5 && (c == 0x93 || c == 0xA1 || c == 0xBE)) { // œ, š, ž
+            folded[i] = static_cast<char>(c - 1);
+        }
     }
     return folded;
 }
@@ -81,7 +95,7 @@ void MakePath(std::string_view path) {
     const std::string native = Native(path);
     for (std::size_t end = native.find(Separator, 1); true; end = native.find(Separator, end + 1)) {
         const std::string step = ResolvePath(native.substr(0, end));
-        if (!step.empty() && step.back() != ':' && !Global.TheDisk->IsFolder(step)) {
+        if (!step.empty() && !IsDrive(step) && !Global.TheDisk->IsFolder(step)) {
             Global.TheDisk->MakeFolder(step);
         }
         if (end == std::string::npos || end + 1 == native.size()) return;
@@ -98,7 +112,7 @@ std::string ResolvePath(std::string_view path) {
         std::size_t end = native.find(Separator, begin);
         if (end == std::string::npos) end = native.size();
         const std::string name = native.substr(begin, end - begin);
-        if (!name.empty() && name != "." && name != ".." && name.back() != ':') {
+        if (!name.empty() && name != "." && name != ".." && !IsDrive(name)) {
             const std::string exact = done + name;
             const bool there = Global.TheDisk->IsFile(exact) || Global.TheDisk->IsFolder(exact);
             done = there ? exact : done + Spelling(done, name);
@@ -142,6 +156,7 @@ bool IsPlainFileName(std::string_view name) {
 }
 
 std::vector<std::string> FilesWithExtension(std::string_view folder, std::string_view extension) {
+    if (folder.empty()) return {}; // a path that nobody has set is not the current folder
     std::vector<std::string> names = Global.TheDisk->FilesIn(ResolvePath(folder));
     const std::string wanted = FoldName(extension);
     std::erase_if(names, [&](const std::string& name) {
