@@ -1,5 +1,6 @@
 #include "core/Settings.h"
 
+#include "core/CodePage.h"
 #include "core/Failure.h"
 #include "core/Globals.h"
 #include "core/Numbers.h"
@@ -8,13 +9,14 @@
 #include "core/TextCompare.h"
 #include "core/TextFile.h"
 
-#include <limits>
+#include <algorithm>
 #include <string_view>
 
 namespace {
 
 constexpr std::int32_t TopLimit = 8500;   // twips
 constexpr std::int32_t LeftLimit = 11550; // twips
+constexpr std::size_t LongestQuote = 80;  // characters of a line that a failure shows
 
 const char* Word(bool value) {
     return value ? "True" : "False";
@@ -97,7 +99,11 @@ struct Selections {
 void WriteIniFile(const Selections& selections) {
     SafeFile file(Global.IniFile);
     const auto key = [&](std::string_view name, std::string_view value) {
-        file.WriteLine(std::string(name).append("=").append(value));
+        std::string line = std::string(name).append("=").append(value);
+        // A value is one line of the file, whatever it came from.
+        std::replace_if(
+            line.begin(), line.end(), [](char c) { return c == '\r' || c == '\n'; }, ' ');
+        file.WriteLine(line);
     };
     file.WriteLine("[Backup]");
     key("PurgeBackup", Word(Global.PurgeBackup));
@@ -166,7 +172,8 @@ void GetIniFile() {
             TakeLine(line);
         } catch (const RunTimeFailure& failure) {
             throw RunTimeFailure(failure.Number(), std::string(FileNameOf(Global.IniFile)) + ", line " +
-                                                       std::to_string(file.LineNumber()) + ": " + line);
+                                                       std::to_string(file.LineNumber()) + ": " +
+                                                       CodePageToUtf8(line.substr(0, LongestQuote)));
         }
         if (Global.LastReset.IsZero()) Global.LastReset = Today();
     }
