@@ -5,10 +5,9 @@
 #include "core/Paths.h"
 #include "core/SafeFile.h"
 #include "core/Settings.h"
-#include "core/TextCompare.h"
-#include "store/DBFEdit.h"
 #include "store/TableCatalogue.h"
 #include "store/TableRewrite.h"
+#include "store/TableScan.h"
 
 #include <array>
 #include <filesystem>
@@ -75,7 +74,8 @@ void CarryTemplates(const std::string& source, bool secondPass) {
 
 void CheckDownloadSelection(const std::function<void()>& selectionMissing) {
     if (!Global.RemoteSelect) return;
-    if (FileExists(Global.DownloadTemplates + NameToPath(Global.RemoteSelSettings) + ".dst")) return;
+    const std::string name = NameToPath(Global.RemoteSelSettings);
+    if (IsPlainFileName(name) && FileExists(Global.DownloadTemplates + name + ".dst")) return;
     selectionMissing();
     DeselectRemoteSelect();
     GetIniFile();
@@ -84,6 +84,23 @@ void CheckDownloadSelection(const std::function<void()>& selectionMissing) {
 void RemoveFiles(const std::string& folder, std::string_view extension) {
     for (const std::string& name : FilesWithExtension(folder, extension)) {
         Global.TheDisk->Remove(ResolvePath(folder + name));
+    }
+}
+
+/// What cannot be removed is told by whoever needs its place.
+void RemoveStray(const std::string& path) {
+    try {
+        Global.TheDisk->Remove(ResolvePath(path));
+    } catch (const RunTimeFailure&) {
+    }
+}
+
+void RemoveStraysIn(const std::string& folder, int depth) {
+    for (const std::string& name : FilesWithExtension(folder, SafeFile::WorkExtension))
+        RemoveStray(folder + name);
+    if (depth == 0 || folder.empty()) return;
+    for (const std::string& name : Global.TheDisk->FoldersIn(ResolvePath(folder))) {
+        RemoveStraysIn(AddBackslash(folder + name), depth - 1);
     }
 }
 
@@ -107,12 +124,8 @@ std::string ReadCompanyName() {
     std::string path = Global.DBFPath + "ZUKComp.dbf";
     if (!FileExists(path)) path = Global.InstallPath + "ZUKCOMP.DBF";
     if (!FileExists(path)) return {};
-    DBFEdit company;
-    company.FileOpen(path);
-    company.Go(-1);
-    const std::string name = company.GetData(FieldKey(1));
-    company.FileClose();
-    return std::string(Trim(name));
+    TableScan company(path);
+    return company.Next() ? std::string(company.Trimmed(1)) : std::string();
 }
 
 void CopyNotes() {
@@ -174,19 +187,18 @@ void MoveNewBitmaps() {
 }
 
 void RemoveStrays() {
-    const std::string* folders[] = {
-        &Global.AppPath,           &Global.InstallPath,         &Global.DBFPath,
-        &Global.ImagesPath,        &Global.DBFEmptyPath,        &Global.DataInPath,
-        &Global.DataOutPath,       &Global.ImportTemplates,     &Global.ExportTemplates,
-        &Global.DownloadTemplates, &Global.UploadTemplates,     &Global.ClearPCTemplates,
-        &Global.TemplatesPath,     &Global.UnattendedTemplates, &Global.QuickButtonTemplates};
-    for (const std::string* folder : folders) {
-        if (!folder->empty()) RemoveFiles(*folder, SafeFile::WorkExtension);
+    for (const std::string* folder : {&Global.AppPath, &Global.DBFEmptyPath, &Global.DataInPath,
+                                      &Global.DataOutPath, &Global.UpdatesPath}) {
+        RemoveStraysIn(*folder, 0);
     }
+    RemoveStraysIn(Global.InstallPath, 1);   // with its graphics
+    RemoveStraysIn(Global.DBFPath, 2);       // with images and each handheld's totals
+    RemoveStraysIn(Global.BackupPath, 1);    // with each backup
+    RemoveStraysIn(Global.TemplatesPath, 2); // with both sets
     // The compaction of a table works in a file of the table's name and this extension.
     for (const std::string& name : FilesWithExtension(Global.DBFPath, ".idx")) {
         const std::string table = Global.DBFPath + name.substr(0, name.size() - 3) + "dbf";
-        if (FileExists(table)) Global.TheDisk->Remove(ResolvePath(Global.DBFPath + name));
+        if (FileExists(table)) RemoveStray(Global.DBFPath + name);
     }
 }
 
@@ -199,8 +211,14 @@ std::string TemporaryDirectory() {
 void RemoveTemporaryDirectory() {
     try {
         const std::string folder = TemporaryDirectory();
+        const std::string name = folder.substr(0, folder.size() - 1);
+        // The system's temporary folder is everybody's: a link there may lead to files that are not ours.
+        std::error_code failed;
+        if (std::filesystem::is_symlink(std::filesystem::path(std::u8string(name.begin(), name.end())),
+                                        failed))
+            return;
         RemoveFiles(folder, "");
-        Global.TheDisk->RemoveFolder(folder.substr(0, folder.size() - 1));
+        Global.TheDisk->RemoveFolder(name);
     } catch (const RunTimeFailure&) { // what is left there harms nobody
     }
 }

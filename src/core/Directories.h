@@ -43,7 +43,8 @@ void SetUpdates();
 /// and the one in `DBFNew` deleted.
 void MoveNewBitmaps();
 
-/// Removes work files that a killed run has left in the application directory's folders.
+/// Removes work files that a killed run has left in the application directory's folders. One that
+/// cannot be removed stays.
 void RemoveStrays();
 
 /// Removes the temporary directory "ZUKTemp" and the files in it. Never fails.
