@@ -4,13 +4,21 @@
 #include "core/Globals.h"
 #include "core/Paths.h"
 #include "core/SafeFile.h"
-#include "store/DBFEdit.h"
 #include "store/TableCatalogue.h"
+#include "store/TableRewrite.h"
+#include "store/TableScan.h"
 
 namespace {
 
 /// Stands in `Install` once a layout is complete.
 constexpr std::string_view Mark = "Office.txt";
+
+void RemoveQuietly(const std::string& path) {
+    try {
+        Global.TheDisk->Remove(ResolvePath(path));
+    } catch (const RunTimeFailure&) { // the next start removes it
+    }
+}
 
 void CopyMissing(const std::string& from, const std::string& to) {
     if (!FileExists(to)) CopyOver(from, to);
@@ -21,16 +29,23 @@ void CopyMissingFiles(const std::string& from, const std::string& to) {
     for (const std::string& name : FilesWithExtension(from, "")) CopyMissing(from + name, to + name);
 }
 
-/// A table of settings has one record from the start.
-void AppendOneRecord(const std::string& path) {
-    DBFEdit table;
-    table.FileOpen(path);
-    if (table.RecordCount == 0) {
-        table.Go(-2);
-        table.KillEOFFlag();
-        table.Go(-5);
+/// A table of settings has one record from the start. It is there before the table stands under its
+/// name.
+void CopyWithOneRecord(const std::string& from, const std::string& to) {
+    const std::string work = to + std::string(SafeFile::WorkExtension);
+    try {
+        CopyOver(from, work);
+        if (TableScan(work).RecordCount() == 0) {
+            TableRewrite table(work);
+            table.Append();
+            table.Commit();
+        }
+        Global.TheDisk->Rename(ResolvePath(work), ResolvePath(to));
+        Global.TheDisk->FlushFolder(ResolvePath(FolderOf(to)));
+    } catch (...) {
+        RemoveQuietly(work);
+        throw;
     }
-    table.FileClose();
 }
 
 void CopyTables(const std::string& install, const std::string& tables) {
@@ -40,15 +55,10 @@ void CopyTables(const std::string& install, const std::string& tables) {
         if (FileExists(tables + name)) continue;
         const std::string_view plain = table.Name;
         const bool oneRecord = plain == "ZUKComp" || plain == "ZUKPrint" || plain == "ZUKSetup";
-        if (!oneRecord) {
+        if (oneRecord)
+            CopyWithOneRecord(install + name, tables + name);
+        else
             CopyOver(install + name, tables + name);
-            continue;
-        }
-        // Its record is there before the table stands under its name.
-        const std::string work = tables + name + std::string(SafeFile::WorkExtension);
-        CopyOver(install + name, work);
-        AppendOneRecord(work);
-        Global.TheDisk->Rename(ResolvePath(work), ResolvePath(tables + name));
     }
 }
 
