@@ -8,6 +8,7 @@
 #include "core/TextFile.h"
 #include "store/TableScan.h"
 
+#include <algorithm>
 #include <string_view>
 
 namespace {
@@ -33,9 +34,19 @@ std::string Section(std::size_t row) {
     return "HH" + std::to_string(row);
 }
 
-void EmptyLists() {
-    Global.HHCount = 0;
-    for (auto* list : {&Global.HHSyncID, &Global.HHStatus, &Global.HHStatusStd}) list->assign(1, "");
+/// The two families share the ids and their count: every list has an entry for each of them.
+void FitLists() {
+    for (auto* list : {&Global.HHSyncID, &Global.HHStatus, &Global.HHStatusStd, &Global.HHStatusInst,
+                       &Global.HHStatusDT, &Global.HHStatusType}) {
+        list->resize(static_cast<std::size_t>(Global.HHCount) + 1);
+    }
+}
+
+/// A line of the file is one handheld, whatever stands in its id.
+std::string OneLine(std::string text) {
+    std::replace_if(
+        text.begin(), text.end(), [](char c) { return c == '\r' || c == '\n'; }, ' ');
+    return text;
 }
 
 } // namespace
@@ -54,13 +65,14 @@ std::vector<std::string> LinkIDs() {
 void MakeHHStatusFile() {
     TraceEvent("basCommon:MakeHHStatusFile");
     SafeFile file(StatusFile());
-    for (const std::string& id : LinkIDs()) file.WriteLine(id);
+    for (const std::string& id : LinkIDs()) file.WriteLine(OneLine(id));
     file.Commit();
 }
 
 void GetHHStatus() {
     TraceEvent("basCommon:GetHHStatus");
-    EmptyLists();
+    Global.HHCount = 0;
+    for (auto* list : {&Global.HHSyncID, &Global.HHStatus, &Global.HHStatusStd}) list->assign(1, "");
     if (!FileExists(StatusFile())) MakeHHStatusFile();
     TextReader file(StatusFile());
     std::string line;
@@ -70,15 +82,17 @@ void GetHHStatus() {
         Global.HHStatus.push_back(Column(line, IdWidth, StatusWidth));
         Global.HHStatusStd.push_back(Column(line, IdWidth + StatusWidth, std::string::npos));
     }
+    FitLists();
 }
 
 void UpdateHHStatus() {
     TraceEvent("basCommon:UpdateHHStatus");
+    FitLists();
     SafeFile file(StatusFile());
     for (std::size_t i = 1; i <= static_cast<std::size_t>(Global.HHCount); ++i) {
         const std::string head =
             Padded(Padded(Global.HHSyncID[i], IdWidth) + Global.HHStatus[i], IdWidth + StatusWidth);
-        file.WriteLine(head + Global.HHStatusStd[i]);
+        file.WriteLine(OneLine(head + Global.HHStatusStd[i]));
     }
     file.Commit();
 }
@@ -115,10 +129,12 @@ void GetHHStatusInst(StatusStore& store) {
         Global.HHStatusDT.push_back(store.Read(section, "HHStatusDT").value_or(""));
         Global.HHStatusType.push_back(store.Read(section, "HHStatusType").value_or(""));
     }
+    FitLists();
 }
 
 void UpdateHHStatusInst(StatusStore& store) {
     TraceEvent("basCommon:UpdateHHStatusInst");
+    FitLists();
     store.RemoveAll();
     for (std::size_t i = 1; i <= static_cast<std::size_t>(Global.HHCount); ++i) {
         const std::string section = Section(i);
