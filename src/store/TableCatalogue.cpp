@@ -2,6 +2,8 @@
 
 #include "core/TextCompare.h"
 
+#include <optional>
+
 namespace {
 
 /// The field's place in the record from 1 on; 0 when the table has no such field.
@@ -12,6 +14,16 @@ std::uint16_t PlaceOf(const TableEntry& table, std::string_view field) {
         if (SameText(each.Name, field)) return place;
     }
     return 0;
+}
+
+/// The catalogue entry of a field's label; nothing when the field has none. One without a label
+/// stands in the catalogue under its own name.
+std::optional<MessageId> LabelOf(const TableEntry& table, std::string_view field) {
+    const std::uint16_t place = PlaceOf(table, field);
+    if (place == 0) return std::nullopt;
+    const MessageId label{static_cast<std::uint16_t>(table.FirstLabel + place)};
+    if (Text(label) == Text::Value(std::string_view(table.Fields[place - 1u].Name))) return std::nullopt;
+    return label;
 }
 
 } // namespace
@@ -25,13 +37,11 @@ const TableEntry* FindTable(std::string_view name) {
 }
 
 Text GetFriendlyFieldName(const TableEntry& table, std::string_view field) {
-    const std::uint16_t place = PlaceOf(table, field);
-    if (place == 0) return Text::Value(field);
-    return MessageId{static_cast<std::uint16_t>(table.FirstLabel + place)};
+    const auto label = LabelOf(table, field);
+    return label ? Text(*label) : Text::Value(field);
 }
 
 Text DisplayFriendlyFieldNames(const TableEntry& table, std::string_view field) {
-    const Text name = GetFriendlyFieldName(table, field);
-    const bool hasLabel = name != Text::Value(field);
-    return hasLabel ? name + Text::Path(std::string_view(":")) : name;
+    const auto label = LabelOf(table, field);
+    return label ? Text(*label) + Text::Path(std::string_view(":")) : Text::Value(field);
 }
