@@ -102,7 +102,9 @@ struct Globals {
     std::int32_t OldOrderCount = 0, OldLineCount = 0;
     double OldLineTotal = 0;
     std::string HHLastOrder, CurrentHotSyncID;
-    DateTime BackupTime;        ///< the moment of the last MakeBackup; zero once a totals event has taken it
+    DateTime BackupTime;     ///< the moment of the last MakeBackup; zero once a totals event has taken it
+    std::string BackupEvent; ///< the event that it was made for
+    bool BackupCustomers = false, BackupItems = false; ///< backups take these tables too
     bool UploadClosing = false; ///< flag "upload added" of `frmProgress`, for `frmTotalsMsg`
     bool RefreshTotals = false; ///< the main screen's totals are out of date
 

@@ -6,41 +6,34 @@
 #include "core/Paths.h"
 #include "core/Progress.h"
 #include "core/SafeFile.h"
-#include "core/TextCompare.h"
 #include "maintenance/Totals.h"
 #include "store/TableLock.h"
-#include "store/TableScan.h"
 
 #include <algorithm>
 #include <charconv>
 #include <cstdint>
 #include <optional>
+#include <string>
+#include <vector>
 
 namespace {
 
-constexpr const char* BackupTables[] = {"ZUKOrHdr.dbf", "ZUKOrLin.dbf", "ZUKAudTH.dbf", "ZUKAudTL.dbf",
-                                        "ZUKAudHH.dbf"};
+std::vector<std::string> TablesOfABackup() {
+    std::vector<std::string> tables = {"ZUKOrHdr.dbf", "ZUKOrLin.dbf", "ZUKAudTH.dbf", "ZUKAudTL.dbf",
+                                       "ZUKAudHH.dbf"};
+    if (Global.BackupCustomers) tables.emplace_back("ZUKCust.dbf");
+    if (Global.BackupItems) tables.emplace_back("ZUKItem.dbf");
+    return tables;
+}
 
 std::string TwoDigits(int value) {
     return {static_cast<char>('0' + value / 10 % 10), static_cast<char>('0' + value % 10)};
 }
 
-std::string MachineNumber() {
-    TableScan links(Global.DBFPath + "ZUKLINK.DBF");
-    FieldKey idKey("LK_HOTSYNC");
-    FieldKey machineKey("LK_MACH_ID");
-    const int id = links.Layout().Find(idKey);
-    const int machine = links.Layout().Find(machineKey);
-    while (links.Next()) {
-        if (SameText(links.Trimmed(id), Global.CurrentHotSyncID)) return std::string(links.Trimmed(machine));
-    }
-    return {};
-}
-
-void CopyTables(std::string_view event) {
+void CopyTables(std::string_view event, const std::vector<std::string>& tables) {
     const std::string folder = AddBackslash(Global.BackupPath + BackupName(Global.BackupTime));
     MakePath(folder);
-    for (const char* table : BackupTables) CopyOver(Global.DBFPath + table, folder + table);
+    for (const std::string& table : tables) CopyOver(Global.DBFPath + table, folder + table);
 
     NoProgress silent;
     CountOrders(silent);
@@ -51,7 +44,7 @@ void CopyTables(std::string_view event) {
     about.WriteLine(std::to_string(Global.CurLines));
     about.WriteLine(NumberToText(Global.CurDollars));
     about.WriteLine(Global.CurrentHotSyncID);
-    about.WriteLine(event == "EXPORT" ? std::string() : MachineNumber());
+    about.WriteLine(event == "EXPORT" ? std::string() : MachineOf(Global.CurrentHotSyncID));
     about.WriteLine(Global.HHLastOrder);
     about.Commit();
     Global.CurHeaders = Global.CurLines = 0;
@@ -77,15 +70,19 @@ std::string BackupName(const DateTime& moment) {
 
 bool MakeBackup(std::string_view event) {
     TraceEvent("basCommon:MakeBackup");
-    const bool free = std::none_of(std::begin(BackupTables), std::end(BackupTables),
-                                   [](const char* table) { return TableIsLocked(Global.DBFPath + table); });
-    if (!free) return false;
+    const std::vector<std::string> tables = TablesOfABackup();
+    const bool locked = std::any_of(tables.begin(), tables.end(), [](const std::string& table) {
+        return TableIsLocked(Global.DBFPath + table);
+    });
+    if (locked) return false;
     Global.BackupTime = Now();
+    Global.BackupEvent = event;
     try {
-        CopyTables(event);
+        CopyTables(event, tables);
         return true;
     } catch (const RunTimeFailure&) {
         Global.BackupTime = {};
+        Global.BackupEvent.clear();
         return false;
     }
 }

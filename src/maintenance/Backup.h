@@ -6,10 +6,11 @@
 #include <string>
 #include <string_view>
 
-/// Copies the order and audit tables into a new directory under `Backup`, with a `Backup.txt` that
-/// says what happened, and keeps the moment in Global.BackupTime. Events: "EXPORT", "QUALCHECK",
-/// "RESTORE", "UPLOAD-ADD", "CLEAR". False when a table is locked or missing, before anything was
-/// made, or when a copy fails.
+/// Copies the order and audit tables, and the customers and items when Global.BackupCustomers and
+/// BackupItems say so, into a new directory under `Backup`, with a `Backup.txt` that
+/// says what happened, and keeps the moment in Global.BackupTime, for the totals event of the same operation.
+/// Events: "EXPORT", "QUALCHECK", "RESTORE", "UPLOAD-ADD", "CLEAR". False when a table is locked or missing,
+/// before anything was made, or when a copy fails.
 bool MakeBackup(std::string_view event);
 
 /// The directory's name for a moment: the year's last digit, then month, day, hour, minute and

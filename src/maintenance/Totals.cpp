@@ -10,6 +10,7 @@
 
 #include <array>
 #include <cstdint>
+#include <span>
 
 namespace {
 
@@ -52,28 +53,61 @@ std::string MoneyText(double amount) {
     return Fixed4ToText(ToFixed4(amount));
 }
 
-std::string MachineOf(std::string_view id) {
+/// True when a backup for one event belongs to the operation of another: every upload backs up under
+/// one name, and the halves of an operation have one backup.
+bool SameOperation(std::string_view backup, std::string_view event) {
+    if (backup.empty() || backup == event) return true;
+    if (IsUpload(backup)) return IsUpload(event);
+    return backup == SecondHalfName(event);
+}
+
+/// The moment of the operation's backup, once; else the present. A backup that no event followed, as
+/// when the operator gave up behind it, says nothing of a later operation.
+DateTime TakeEventTime(std::string_view event) {
+    const bool backedUp = !Global.BackupTime.IsZero() && SameOperation(Global.BackupEvent, event);
+    const DateTime time = backedUp ? Global.BackupTime : Now();
+    if (backedUp && HasSecondHalf(event)) return time;
+    Global.BackupTime = {};
+    Global.BackupEvent.clear();
+    return time;
+}
+
+/// Completes the record that the first half has written.
+void WriteSecondHalf(std::span<const std::string> values) {
+    DBFEdit totals;
+    totals.FileOpen(TotalsTable());
+    try {
+        totals.Go(-1);
+        for (int field = CurHead; field <= LstONu; ++field) {
+            totals.WriteData(FieldKey(field), values[static_cast<std::size_t>(field)]);
+        }
+        totals.UpDate();
+    } catch (...) {
+        totals.FileClose();
+        throw;
+    }
+    totals.FileClose();
+}
+
+bool HasRecords(const std::string& path) {
+    return TableScan(path).RecordCount() > 0;
+}
+
+} // namespace
+
+std::string MachineOf(std::string_view hotSyncID) {
     std::string machine;
-    if (id.empty()) return machine;
+    if (hotSyncID.empty()) return machine;
     TableScan links(Global.DBFPath + "ZUKLINK.DBF");
     FieldKey idKey("LK_HOTSYNC");
     FieldKey machineKey("LK_MACH_ID");
     const int idField = links.Layout().Find(idKey);
     const int machineField = links.Layout().Find(machineKey);
     while (links.Next()) {
-        if (SameText(links.Trimmed(idField), id)) machine = links.Trimmed(machineField);
+        if (SameText(links.Trimmed(idField), hotSyncID)) machine = links.Trimmed(machineField);
     }
     return machine;
 }
-
-/// The moment of the operation's backup, once; else the present.
-DateTime TakeEventTime(std::string_view event) {
-    const DateTime time = Global.BackupTime.IsZero() ? Now() : Global.BackupTime;
-    if (!HasSecondHalf(event)) Global.BackupTime = {};
-    return time;
-}
-
-} // namespace
 
 void CountOrders(Progress& progress) {
     {
@@ -116,18 +150,11 @@ void CalcPCTotals(std::string_view event, Progress& progress) {
     values[HotSync] = id;
     if (upload) values[LstONu] = Global.HHLastOrder;
 
-    if (secondHalf.empty()) {
+    // A second half without a first one is recorded on its own.
+    if (!secondHalf.empty() && HasRecords(TotalsTable()))
+        WriteSecondHalf(values);
+    else
         ShiftDown(TotalsTable(), std::span<const std::string>(values).subspan(NumHead));
-        return;
-    }
-    DBFEdit totals;
-    totals.FileOpen(TotalsTable());
-    totals.Go(-1);
-    for (int field = CurHead; field <= LstONu; ++field) {
-        totals.WriteData(FieldKey(field), values[static_cast<std::size_t>(field)]);
-    }
-    totals.UpDate();
-    totals.FileClose();
 }
 
 std::vector<UploadRow> GetPCTotals() {

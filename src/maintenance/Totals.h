@@ -20,6 +20,10 @@ void CountOrders(Progress& progress);
 /// number belong to uploads alone. RunTimeFailure as CountOrders, also for `ZUKTOTALPC.DBF`.
 void CalcPCTotals(std::string_view event, Progress& progress);
 
+/// The machine id that the Links table has for a HotSync id, without regard to case; empty when it
+/// has none, and for an empty id. RunTimeFailure 53 when there is no Links table.
+std::string MachineOf(std::string_view hotSyncID);
+
 /// A row of the recent uploads, texts trimmed, the money with two decimals.
 struct UploadRow {
     std::string HotSyncID, DateTime, Orders, Lines, Dollars;
