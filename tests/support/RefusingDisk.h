@@ -1,0 +1,59 @@
+#pragma once
+
+#include "core/Disk.h"
+#include "core/Failure.h"
+
+#include <string>
+
+/// The real disk, to be changed in one way or another.
+class PassingDisk : public Disk {
+public:
+    std::unique_ptr<DiskFile> Open(const std::string& path, Access access) override {
+        return under_.Open(path, access);
+    }
+    void Rename(const std::string& from, const std::string& to) override { under_.Rename(from, to); }
+    void FlushFolder(const std::string& folder) override { under_.FlushFolder(folder); }
+    bool Remove(const std::string& path) override { return under_.Remove(path); }
+    void MakeFolder(const std::string& path) override { under_.MakeFolder(path); }
+    bool RemoveFolder(const std::string& path) override { return under_.RemoveFolder(path); }
+    bool IsFile(const std::string& path) override { return under_.IsFile(path); }
+    bool IsFolder(const std::string& path) override { return under_.IsFolder(path); }
+    std::vector<std::string> FilesIn(const std::string& folder) override { return under_.FilesIn(folder); }
+    std::vector<std::string> FoldersIn(const std::string& folder) override {
+        return under_.FoldersIn(folder);
+    }
+    bool LockedByAnother(const std::string& path) override { return under_.LockedByAnother(path); }
+
+private:
+    Disk& under_ = NativeDisk();
+};
+
+/// A disk where paths that begin in a certain way may not be opened for one kind of access, as
+/// permissions have it for whoever is not the superuser: RunTimeFailure 70.
+class RefusingDisk final : public PassingDisk {
+public:
+    RefusingDisk(std::string prefix, Access refused) : prefix_(std::move(prefix)), refused_(refused) {}
+
+    std::unique_ptr<DiskFile> Open(const std::string& path, Access access) override {
+        if (access == refused_ && path.starts_with(prefix_)) throw RunTimeFailure(70, path);
+        return PassingDisk::Open(path, access);
+    }
+
+private:
+    std::string prefix_;
+    Access refused_;
+};
+
+/// A disk where files of one name cannot be removed: RunTimeFailure 75.
+class KeepingDisk final : public PassingDisk {
+public:
+    explicit KeepingDisk(std::string name) : name_(std::move(name)) {}
+
+    bool Remove(const std::string& path) override {
+        if (path.ends_with("/" + name_)) throw RunTimeFailure(75, path);
+        return PassingDisk::Remove(path);
+    }
+
+private:
+    std::string name_;
+};
