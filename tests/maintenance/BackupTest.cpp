@@ -1,0 +1,397 @@
+#include "maintenance/Backup.h"
+
+#include "support/EngineTest.h"
+#include "support/Fails.h"
+#include "support/FaultyDisk.h"
+#include "support/RefusingDisk.h"
+#include "support/Tables.h"
+
+#include <algorithm>
+#include <filesystem>
+
+#ifndef _WIN32
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#endif
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using Strings = std::vector<std::string>;
+
+DateTime clockTime;
+DateTime TestNow() {
+    return clockTime;
+}
+
+const Strings OrderTables = {"ZUKOrHdr.dbf", "ZUKOrLin.dbf", "ZUKAudTH.dbf", "ZUKAudTL.dbf", "ZUKAudHH.dbf"};
+
+Strings NamesIn(const std::string& folder) {
+    Strings names;
+    for (const auto& entry : fs::directory_iterator(folder))
+        names.push_back(entry.path().filename().string());
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+class BackupTest : public EngineTest {
+protected:
+    BackupTest() {
+        GivenAppDirectory();
+        clockTime = {2026, 11, 15, 2, 36, 7};
+        Global.Clock = TestNow;
+        GivenTable(Global.DBFPath, "ZUKOrHdr", {{"A1"}, {"A2"}});
+        GivenTable(Global.DBFPath, "ZUKOrLin",
+                   {RowOf("ZUKOrLin", {{"L_TOTPRICE", "10.50"}}), RowOf("ZUKOrLin", {{"L_TOTPRICE", "0.25"}}),
+                    RowOf("ZUKOrLin", {{"L_TOTPRICE", "2"}})});
+        for (const char* table : {"ZUKAudTH", "ZUKAudTL", "ZUKAudHH", "ZUKCust", "ZUKItem"}) {
+            GivenTable(Global.DBFPath, table, {{"1"}});
+        }
+        GivenTable(Global.DBFPath, "ZUKLINK", {{"Anna", "S1", "A01"}, {"Bea", "S2", "B02"}});
+        Global.CurrentHotSyncID = "BEA";
+        Global.HHLastOrder = "B0200000012";
+    }
+    static std::string Directory() { return Global.BackupPath + "61115023607/"; }
+};
+
+// ---- making one ----
+
+TEST_F(BackupTest, TheDirectorysNameIsTheEventsMomentInElevenDigits) {
+    EXPECT_EQ(BackupName({2026, 11, 15, 2, 36, 7}), "61115023607");
+    EXPECT_EQ(BackupName({2030, 1, 2, 3, 4, 5}), "00102030405");
+    EXPECT_EQ(BackupName({2029, 12, 31, 23, 59, 59}), "91231235959");
+}
+
+TEST_F(BackupTest, ABackupHoldsTheOrderAndAuditTablesAndItsText) {
+    ASSERT_TRUE(MakeBackup("CLEAR"));
+
+    EXPECT_EQ(NamesIn(Global.BackupPath), Strings{"61115023607"});
+    Strings expected = OrderTables;
+    expected.push_back("Backup.txt");
+    std::sort(expected.begin(), expected.end());
+    EXPECT_EQ(NamesIn(Directory()), expected);
+    for (const std::string& table : OrderTables)
+        EXPECT_EQ(Bytes(Directory() + table), Bytes(Global.DBFPath + table));
+}
+
+TEST_F(BackupTest, TheTextSaysWhatHappenedInEightLines) {
+    ASSERT_TRUE(MakeBackup("UPLOAD-ADD"));
+
+    EXPECT_EQ(Bytes(Directory() + "Backup.txt"),
+              "UPLOAD-ADD\r\n2026-11-15 02:36:07\r\n2\r\n3\r\n12.75\r\nBEA\r\nB02\r\nB0200000012\r\n");
+}
+
+TEST_F(BackupTest, AnExportDoesNotSearchForTheMachine) {
+    fs::remove(Global.DBFPath + "ZUKLINK.dbf");
+
+    ASSERT_TRUE(MakeBackup("EXPORT"));
+
+    EXPECT_EQ(Lines(Directory() + "Backup.txt"),
+              (Strings{"EXPORT", "2026-11-15 02:36:07", "2", "3", "12.75", "BEA", "", "B0200000012"}));
+}
+
+TEST_F(BackupTest, WithoutLinesCountAndTotalAreZeroAndWithoutAHandheldItsLinesAreEmpty) {
+    GivenTable(Global.DBFPath, "ZUKOrLin");
+    Global.CurrentHotSyncID.clear();
+    Global.HHLastOrder.clear();
+
+    ASSERT_TRUE(MakeBackup("QUALCHECK"));
+
+    EXPECT_EQ(Lines(Directory() + "Backup.txt"),
+              (Strings{"QUALCHECK", "2026-11-15 02:36:07", "2", "0", "0", "", "", ""}));
+}
+
+TEST_F(BackupTest, TheMomentIsKeptAndTheSharedTotalsAreCleared) {
+    Global.CurHeaders = 7;
+
+    ASSERT_TRUE(MakeBackup("CLEAR"));
+
+    EXPECT_EQ(Global.BackupTime, clockTime);
+    EXPECT_EQ(Global.CurHeaders, 0);
+    EXPECT_EQ(Global.CurLines, 0);
+    EXPECT_EQ(Global.CurDollars, 0);
+    EXPECT_EQ(Global.Files.Count(), 0);
+}
+
+TEST_F(BackupTest, TwoInTheSameSecondWriteIntoOneDirectoryAndTheSecondReplacesTheFirst) {
+    ASSERT_TRUE(MakeBackup("CLEAR"));
+    GivenTable(Global.DBFPath, "ZUKOrHdr", {{"B1"}});
+
+    ASSERT_TRUE(MakeBackup("RESTORE"));
+
+    EXPECT_EQ(NamesIn(Global.BackupPath), Strings{"61115023607"});
+    EXPECT_EQ(Lines(Directory() + "Backup.txt")[0], "RESTORE");
+    EXPECT_EQ(Lines(Directory() + "Backup.txt")[2], "1");
+    EXPECT_EQ(TableAt(Directory() + "ZUKOrHdr.dbf").Count, 1);
+}
+
+TEST_F(BackupTest, TablesAreFoundWhateverTheirLetters) {
+    fs::rename(Global.DBFPath + "ZUKOrHdr.dbf", Global.DBFPath + "ZUKORHDR.DBF");
+
+    ASSERT_TRUE(MakeBackup("CLEAR"));
+
+    EXPECT_EQ(TableAt(Directory() + "ZUKOrHdr.dbf").Count, 2);
+}
+
+TEST_F(BackupTest, CustomersAndItemsComeAlongWhenTheyAreAskedFor) {
+    Global.BackupCustomers = true;
+    ASSERT_TRUE(MakeBackup("UPLOAD-ADD"));
+    EXPECT_TRUE(Exists(Directory() + "ZUKCust.dbf"));
+    EXPECT_FALSE(Exists(Directory() + "ZUKItem.dbf"));
+
+    Global.BackupCustomers = false;
+    Global.BackupItems = true;
+    ++clockTime.Second;
+    ASSERT_TRUE(MakeBackup("UPLOAD-ADD"));
+    EXPECT_FALSE(Exists(Global.BackupPath + "61115023608/ZUKCust.dbf"));
+    EXPECT_TRUE(Exists(Global.BackupPath + "61115023608/ZUKItem.dbf"));
+}
+
+// ---- when it cannot be made ----
+
+TEST_F(BackupTest, AMissingTableIsNoBeforeAnythingIsMade) {
+    for (const std::string& table : OrderTables) {
+        fs::rename(Global.DBFPath + table, Global.DBFPath + "away");
+        EXPECT_FALSE(MakeBackup("CLEAR")) << table;
+        fs::rename(Global.DBFPath + "away", Global.DBFPath + table);
+    }
+    EXPECT_TRUE(fs::is_empty(Global.BackupPath));
+    EXPECT_TRUE(Global.BackupTime.IsZero());
+}
+
+#ifndef _WIN32
+/// Another program that holds a lock on a file as long as this object lives.
+class OtherProgram {
+public:
+    OtherProgram(const std::string& path, bool wholeFile) {
+        int ready[2] = {}, done[2] = {};
+        if (pipe(ready) != 0 || pipe(done) != 0) return;
+        child_ = fork();
+        if (child_ == 0) {
+            close(ready[0]);
+            close(done[1]);
+            const int file = open(path.c_str(), O_RDWR);
+            struct flock range {};
+            range.l_type = F_WRLCK;
+            range.l_whence = SEEK_SET;
+            range.l_start = 100;
+            range.l_len = 1;
+            const bool locked =
+                (wholeFile ? flock(file, LOCK_EX | LOCK_NB) : fcntl(file, F_SETLK, &range)) == 0;
+            char byte = locked ? 'y' : 'n';
+            if (write(ready[1], &byte, 1) != 1) _exit(1);
+            (void)!read(done[0], &byte, 1); // until the test closes its end
+            _exit(0);
+        }
+        close(ready[1]);
+        close(done[0]);
+        char byte = 'n';
+        Holds = read(ready[0], &byte, 1) == 1 && byte == 'y';
+        close(ready[0]);
+        done_ = done[1];
+    }
+    OtherProgram(const OtherProgram&) = delete;
+    OtherProgram& operator=(const OtherProgram&) = delete;
+    ~OtherProgram() {
+        close(done_);
+        waitpid(child_, nullptr, 0);
+    }
+
+    bool Holds = false;
+
+private:
+    pid_t child_ = -1;
+    int done_ = -1;
+};
+
+TEST_F(BackupTest, ATableThatAnotherProgramLocksIsNoBeforeAnythingIsMade) {
+    for (const bool wholeFile : {false, true}) {
+        for (const std::string& table : OrderTables) {
+            const OtherProgram other(Global.DBFPath + table, wholeFile);
+            ASSERT_TRUE(other.Holds);
+            EXPECT_FALSE(MakeBackup("CLEAR")) << table << wholeFile;
+        }
+    }
+    EXPECT_TRUE(fs::is_empty(Global.BackupPath));
+
+    EXPECT_TRUE(MakeBackup("CLEAR"));
+}
+#endif
+
+TEST_F(BackupTest, ALockFileOfAnOfficeProgramIsALockToo) {
+    GivenFile("app/DBFFiles/.~lock.ZUKAudTL.dbf#", "somebody");
+
+    EXPECT_FALSE(MakeBackup("CLEAR"));
+
+    EXPECT_TRUE(fs::is_empty(Global.BackupPath));
+    fs::remove(Global.DBFPath + ".~lock.ZUKAudTL.dbf#");
+    EXPECT_TRUE(MakeBackup("CLEAR"));
+}
+
+TEST_F(BackupTest, AFaultAnywhereIsNoAndLeavesNoHalfFile) {
+    Global.AppPath.clear(); // no trace: only the backup meets the fault
+    FaultyDisk counting;
+    Global.TheDisk = &counting;
+    ASSERT_TRUE(MakeBackup("CLEAR"));
+    const int calls = counting.Calls();
+    ASSERT_GE(calls, 1 + 6 * 4); // the directory; of each file its opening, writing, flush and renaming
+
+    for (int n = 1; n <= calls; ++n) {
+        fs::remove_all(Directory());
+        FaultyDisk disk(n);
+        Global.TheDisk = &disk;
+        EXPECT_FALSE(MakeBackup("CLEAR")) << n;
+        Global.TheDisk = &NativeDisk();
+        EXPECT_TRUE(Global.BackupTime.IsZero()) << n;
+        EXPECT_EQ(Global.Files.Count(), 0) << n;
+        EXPECT_FALSE(Exists(Directory() + "Backup.txt")) << n;
+        if (!Exists(Directory())) continue;
+        for (const std::string& name : NamesIn(Directory())) {
+            EXPECT_EQ(Bytes(Directory() + name), Bytes(Global.DBFPath + name)) << n;
+        }
+    }
+}
+
+TEST_F(BackupTest, AMissingLinksTableIsNoForAnythingButAnExport) {
+    fs::remove(Global.DBFPath + "ZUKLINK.dbf");
+
+    EXPECT_FALSE(MakeBackup("CLEAR"));
+
+    EXPECT_FALSE(Exists(Directory() + "Backup.txt"));
+}
+
+// ---- the purge ----
+
+class PurgeTest : public EngineTest {
+protected:
+    PurgeTest() {
+        GivenAppDirectory();
+        clockTime = {2026, 11, 15, 12, 0, 0};
+        Global.Clock = TestNow;
+    }
+    void GivenBackup(const std::string& name, bool withText = true) {
+        for (const std::string& table : OrderTables) GivenFile("app/Backup/" + name + "/" + table, "x");
+        if (withText) GivenFile("app/Backup/" + name + "/Backup.txt", "CLEAR\r\n");
+    }
+    static void Purge() {
+        DeleteBackupTables([](std::string_view file) { ADD_FAILURE() << "cannot delete " << file; });
+    }
+    static bool Whole(const std::string& name) { return Exists(Global.BackupPath + name + "/ZUKOrHdr.dbf"); }
+};
+
+TEST_F(PurgeTest, BackupsOlderThanTheDaysGoAndYoungerOnesStay) {
+    Global.PurgeDays = 7;
+    GivenBackup("61108115959");
+    GivenBackup("61108120000");
+    GivenBackup("61108120001");
+    GivenBackup("61115115959");
+
+    Purge();
+
+    EXPECT_FALSE(Whole("61108115959"));
+    EXPECT_FALSE(Whole("61108120000"));
+    EXPECT_TRUE(Whole("61108120001"));
+    EXPECT_TRUE(Whole("61115115959"));
+}
+
+TEST_F(PurgeTest, APurgedDirectoryStaysWithItsTextAlone) {
+    GivenBackup("61001000000");
+
+    Purge();
+
+    EXPECT_EQ(NamesIn(Global.BackupPath + "61001000000"), Strings{"Backup.txt"});
+}
+
+TEST_F(PurgeTest, ADirectoryWithoutATextGoesWithItsTables) {
+    GivenBackup("61001000000", false);
+    fs::create_directories(Global.BackupPath + "61001000001");
+
+    Purge();
+
+    EXPECT_TRUE(fs::is_empty(Global.BackupPath));
+}
+
+TEST_F(PurgeTest, ADirectoryWhoseNameIsNoNumberStays) {
+    const Strings names = {"Mine",   "61001000000x", "x61001000000",
+                           "6 1001", "-61001000000", "99999999999999999999999"};
+    for (const std::string& name : names) GivenBackup(name, false);
+
+    Purge();
+
+    for (const std::string& name : names) EXPECT_TRUE(Whole(name)) << name;
+}
+
+TEST_F(PurgeTest, ABackupFromBeforeADecadeChangeComparesAsNewer) {
+    clockTime = {2030, 1, 20, 12, 0, 0};
+    GivenBackup("91231235959");
+    GivenBackup("00101000000");
+    GivenBackup("00119000000");
+
+    Purge();
+
+    EXPECT_TRUE(Whole("91231235959"));
+    EXPECT_FALSE(Whole("00101000000"));
+    EXPECT_TRUE(Whole("00119000000"));
+}
+
+TEST_F(PurgeTest, AChosenDayIsALimitAndTheDeletedTablesAreCounted) {
+    GivenBackup("61001000000");
+    GivenBackup("61002000000");
+    GivenFile("app/Backup/61001000000/ZUKCUST.DBF", "x");
+
+    const int deleted = PurgeBackups({2026, 10, 1, 0, 0, 0}, [](std::string_view) {});
+
+    EXPECT_EQ(deleted, 6);
+    EXPECT_TRUE(Whole("61002000000"));
+    EXPECT_EQ(PurgeBackups({2026, 10, 1, 0, 0, 0}, [](std::string_view) {}), 0);
+}
+
+TEST_F(PurgeTest, WhatIsNoTableIsNotDeleted) {
+    GivenBackup("61001000000");
+    GivenFile("app/Backup/61001000000/notes.doc", "mine");
+    GivenFile("app/Backup/stray.dbf", "mine");
+
+    Purge();
+
+    EXPECT_EQ(NamesIn(Global.BackupPath + "61001000000"), (Strings{"Backup.txt", "notes.doc"}));
+    EXPECT_TRUE(Exists(Global.BackupPath + "stray.dbf"));
+}
+
+TEST_F(PurgeTest, AFileThatCannotBeDeletedIsToldAndTheWalkGoesOn) {
+    KeepingDisk disk("ZUKAudTH.dbf");
+    GivenBackup("61001000000", false);
+    GivenBackup("61002000000", false);
+    Global.TheDisk = &disk;
+    Strings told;
+
+    const int deleted =
+        PurgeBackups({2026, 11, 1, 0, 0, 0}, [&](std::string_view file) { told.emplace_back(file); });
+
+    Global.TheDisk = &NativeDisk();
+    EXPECT_EQ(deleted, 8);
+    EXPECT_EQ(told, (Strings{Global.BackupPath + "61001000000/ZUKAudTH.dbf",
+                             Global.BackupPath + "61002000000/ZUKAudTH.dbf"}));
+    EXPECT_EQ(NamesIn(Global.BackupPath + "61002000000"), Strings{"ZUKAudTH.dbf"});
+}
+
+TEST_F(PurgeTest, WithoutABackupDirectoryThereIsNothingToPurge) {
+    fs::remove(Global.BackupPath);
+
+    EXPECT_NO_THROW(Purge());
+}
+
+TEST_F(PurgeTest, ABackupThatWasJustMadeOutlivesThePurge) {
+    for (const char* table : {"ZUKOrHdr", "ZUKOrLin", "ZUKAudTH", "ZUKAudTL", "ZUKAudHH", "ZUKLINK"}) {
+        GivenTable(Global.DBFPath, table);
+    }
+    ASSERT_TRUE(MakeBackup("CLEAR"));
+
+    Purge();
+
+    EXPECT_TRUE(Whole("61115120000"));
+}
+
+} // namespace
