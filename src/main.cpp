@@ -1,7 +1,7 @@
 #include "core/Failure.h"
 #include "core/Globals.h"
-#include "core/Office.h"
 #include "core/forms/frmMain1.h"
+#include "maintenance/Office.h"
 #include "platform/Convert.h"
 #include "platform/Look.h"
 #include "platform/QtOperator.h"

@@ -1,7 +1,7 @@
 // Lays out an application directory: layoutoffice INSTALLED-SET OFFICE
 
 #include "core/Failure.h"
-#include "core/Office.h"
+#include "maintenance/Office.h"
 
 #include <iostream>
 

@@ -5,9 +5,6 @@
 #include "core/Paths.h"
 #include "core/SafeFile.h"
 #include "core/Settings.h"
-#include "store/TableCatalogue.h"
-#include "store/TableRewrite.h"
-#include "store/TableScan.h"
 
 #include <array>
 #include <filesystem>
@@ -22,33 +19,33 @@ void SetAndMake(std::string& path, const std::string& where) {
 }
 
 /// Where a template goes by its extension.
-struct TemplateKind {
+struct TemplatePlace {
     std::string_view Extension;
     std::string Globals::*Folder;
 };
 
-constexpr std::array TemplateKinds = {
-    TemplateKind{".xah", &Globals::ExportTemplates},
-    TemplateKind{".xal", &Globals::ExportTemplates},
-    TemplateKind{".xhh", &Globals::ExportTemplates},
-    TemplateKind{".xic", &Globals::ExportTemplates},
-    TemplateKind{".xiq", &Globals::ExportTemplates},
-    TemplateKind{".xor", &Globals::ExportTemplates},
-    TemplateKind{".dst", &Globals::DownloadTemplates},
-    TemplateKind{".ust", &Globals::UploadTemplates},
-    TemplateKind{".dct", &Globals::DownloadTemplates},
-    TemplateKind{".cst", &Globals::ImportTemplates},
-    TemplateKind{".itm", &Globals::ImportTemplates},
-    TemplateKind{".orh", &Globals::ImportTemplates},
-    TemplateKind{".orl", &Globals::ImportTemplates},
-    TemplateKind{".stx", &Globals::ImportTemplates},
-    TemplateKind{".pct", &Globals::ClearPCTemplates},
-    TemplateKind{".xpm", &Globals::QuickButtonTemplates},
-    TemplateKind{".ipm", &Globals::QuickButtonTemplates},
-    TemplateKind{".dlm", &Globals::QuickButtonTemplates},
-    TemplateKind{".ulm", &Globals::QuickButtonTemplates},
-    TemplateKind{".uhs", &Globals::UnattendedTemplates},
-    TemplateKind{".ctm", &Globals::QuickButtonTemplates},
+constexpr std::array TemplatePlaces = {
+    TemplatePlace{".xah", &Globals::ExportTemplates},
+    TemplatePlace{".xal", &Globals::ExportTemplates},
+    TemplatePlace{".xhh", &Globals::ExportTemplates},
+    TemplatePlace{".xic", &Globals::ExportTemplates},
+    TemplatePlace{".xiq", &Globals::ExportTemplates},
+    TemplatePlace{".xor", &Globals::ExportTemplates},
+    TemplatePlace{".dst", &Globals::DownloadTemplates},
+    TemplatePlace{".ust", &Globals::UploadTemplates},
+    TemplatePlace{".dct", &Globals::DownloadTemplates},
+    TemplatePlace{".cst", &Globals::ImportTemplates},
+    TemplatePlace{".itm", &Globals::ImportTemplates},
+    TemplatePlace{".orh", &Globals::ImportTemplates},
+    TemplatePlace{".orl", &Globals::ImportTemplates},
+    TemplatePlace{".stx", &Globals::ImportTemplates},
+    TemplatePlace{".pct", &Globals::ClearPCTemplates},
+    TemplatePlace{".xpm", &Globals::QuickButtonTemplates},
+    TemplatePlace{".ipm", &Globals::QuickButtonTemplates},
+    TemplatePlace{".dlm", &Globals::QuickButtonTemplates},
+    TemplatePlace{".ulm", &Globals::QuickButtonTemplates},
+    TemplatePlace{".uhs", &Globals::UnattendedTemplates},
+    TemplatePlace{".ctm", &Globals::QuickButtonTemplates},
 };
 
 void SetTemplateSubdirectories() {
@@ -63,7 +60,7 @@ void SetTemplateSubdirectories() {
 
 /// The first pass copies over what is there and leaves the source; the second fills gaps and moves.
 void CarryTemplates(const std::string& source, bool secondPass) {
-    for (const TemplateKind& kind : TemplateKinds) {
+    for (const TemplatePlace& kind : TemplatePlaces) {
         for (const std::string& name : FilesWithExtension(source, kind.Extension)) {
             const std::string target = Global.*kind.Folder + name;
             if (!secondPass || !FileExists(target)) CopyOver(source + name, target);
@@ -120,29 +117,11 @@ void SetImagesAndTotals() {
     SetAndMake(Global.HHTotalsPath, Global.DBFPath + "HHTotals");
 }
 
-std::string ReadCompanyName() {
-    std::string path = Global.DBFPath + "ZUKComp.dbf";
-    if (!FileExists(path)) path = Global.InstallPath + "ZUKCOMP.DBF";
-    if (!FileExists(path)) return {};
-    TableScan company(path);
-    return company.Next() ? std::string(company.Trimmed(1)) : std::string();
-}
-
 void CopyNotes() {
     if (FileExists(Global.DBFPath + "Notes.dat")) return;
     try {
         CopyOver(Global.InstallPath + "Notes.dat", Global.DBFPath + "Notes.dat");
     } catch (const RunTimeFailure&) { // the notes screen makes a file of its own
-    }
-}
-
-void MakeEmptyTwins() {
-    SetAndMake(Global.DBFEmptyPath, Global.AppPath + "DBFEmpty");
-    RemoveFiles(Global.DBFEmptyPath, ".dbf");
-    for (const TableEntry& table : AllTables().first(TwinTables)) {
-        const std::string name = std::string(table.Name) + ".dbf";
-        CopyOver(Global.InstallPath + name, Global.DBFEmptyPath + name, false);
-        EmptyTable(Global.DBFEmptyPath + name, false);
     }
 }
 

@@ -14,16 +14,8 @@ void SetTablesAndInstall();
 void SetGraphics();
 void SetImagesAndTotals();
 
-/// The company's name: field 1 of the first record of the company table, in the tables directory or
-/// else in the install directory, trimmed. Empty when neither is there.
-std::string ReadCompanyName();
-
 /// Copies `Notes.dat` from the install directory when the tables directory has none.
 void CopyNotes();
-
-/// Makes `DBFEmpty` afresh: no stray table in it, and an empty twin of each of the 24 tables.
-/// RunTimeFailure 53 names a table that the install directory lacks.
-void MakeEmptyTwins();
 
 /// `DataIn`, with every *.csv of the application directory moved into it.
 void SetDataIn();

@@ -1,4 +1,5 @@
 #include "core/Directories.h"
+#include "store/OfficeTables.h"
 
 #include "core/Settings.h"
 #include "store/TableCatalogue.h"

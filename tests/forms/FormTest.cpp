@@ -1,8 +1,9 @@
 #include "forms/FormTest.h"
 
 #include "core/Directories.h"
-#include "core/Office.h"
 #include "core/TextCompare.h"
+#include "maintenance/Office.h"
+#include "store/OfficeTables.h"
 #include "store/TableRewrite.h"
 #include "store/TableScan.h"
 

@@ -2,7 +2,7 @@
 # the disk itself and the two that replace whole files.
 file(GLOB_RECURSE sources ${SOURCE}/src/*.cpp)
 foreach(file IN LISTS sources)
-    if(file MATCHES "/src/(store|driver)/" OR file MATCHES "/src/core/(Disk|SafeFile|Office)[A-Za-z]*\\.cpp$")
+    if(file MATCHES "/src/(store|driver)/" OR file MATCHES "/src/(core/(Disk|SafeFile)[A-Za-z]*|maintenance/Office)\\.cpp$")
         continue()
     endif()
     file(STRINGS ${file} found REGEX "Access::(ReadWrite|Create)|std::(o|i)?fstream|fopen|QFile ")

@@ -16,6 +16,7 @@
 #include "platform/Look.h"
 #include "platform/Registry.h"
 #include "platform/SingleInstance.h"
+#include "store/OfficeTables.h"
 #include "store/TableScan.h"
 #include "sync/Status.h"
 #include "sync/StatusDetails.h"

@@ -13,6 +13,7 @@
 void LayOutOffice(std::string_view installedSet, std::string_view office);
 
 /// The application directory of a program that lies in `programFolder`: that folder when it can be
-/// written, else "ZUKTramble" in the user's data folder, laid out at its first use from the
-/// installed set beside the program. With a trailing separator. RunTimeFailure as LayOutOffice.
+/// written, laid out there when an installed set lies in it; else "ZUKTramble" in the user's data folder,
+/// laid out at its first use from the installed set beside the program. With a trailing separator.
+/// RunTimeFailure as LayOutOffice.
 std::string ApplicationDirectory(std::string_view programFolder, std::string_view userDataFolder);

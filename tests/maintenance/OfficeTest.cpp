@@ -1,4 +1,4 @@
-#include "core/Office.h"
+#include "maintenance/Office.h"
 
 #include "store/TableCatalogue.h"
 #include "support/EngineTest.h"

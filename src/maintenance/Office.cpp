@@ -1,4 +1,4 @@
-#include "core/Office.h"
+#include "maintenance/Office.h"
 
 #include "core/Failure.h"
 #include "core/Globals.h"
@@ -92,7 +92,11 @@ void LayOutOffice(std::string_view installedSet, std::string_view office) {
 
 std::string ApplicationDirectory(std::string_view programFolder, std::string_view userDataFolder) {
     const std::string own = AddBackslash(programFolder);
-    if (CanBeWritten(own)) return own;
+    if (CanBeWritten(own)) {
+        // Unpacked beside its installed set, it lays itself out where it lies.
+        if (FileExists(own + "Install/ZUKOrHdr.dbf")) LayOutOffice(own, own);
+        return own;
+    }
     const std::string app = AddBackslash(AddBackslash(userDataFolder) + "ZUKTramble");
     LayOutOffice(own, app);
     return app;
