@@ -11,7 +11,7 @@ else()
 endif()
 string(APPEND rules "refuse_qt_libraries(engine)\n")
 file(WRITE ${WORK}/CMakeLists.txt "cmake_minimum_required(VERSION 3.25)\nproject(rules CXX)\n${rules}")
-execute_process(COMMAND ${CMAKE_COMMAND} -S ${WORK} -B ${WORK}/build
+execute_process(COMMAND ${CMAKE_COMMAND} -G ${GENERATOR} -S ${WORK} -B ${WORK}/build
     RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE output)
 if(result EQUAL 0 OR NOT output MATCHES "The engine knows no screen")
     message(FATAL_ERROR "The configuration was not refused:\n${output}")
