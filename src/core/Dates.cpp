@@ -227,6 +227,8 @@ std::string Padded(int number, std::size_t width) {
 
 enum class Piece { Literal, Day, Weekday, Month, Minute, Year, Hour, Second, Half };
 
+constexpr std::size_t kLongestRun = 4; // letters of the longest piece
+
 /// A piece of a format and its letters; for a literal, the text itself.
 struct FormatPiece {
     Piece Kind = Piece::Literal;
@@ -275,9 +277,10 @@ FormatPiece FirstPiece(std::string_view format, std::size_t& used) {
             return {Piece::Half, format.substr(0, used)};
         }
     }
+    const std::string_view start = format.substr(0, kLongestRun);
     const auto end =
-        std::find_if(format.begin(), format.end(), [c](char other) { return ToLower(other) != ToLower(c); });
-    const FormatPiece piece = FirstOfRun(format.substr(0, static_cast<std::size_t>(end - format.begin())));
+        std::find_if(start.begin(), start.end(), [c](char other) { return ToLower(other) != ToLower(c); });
+    const FormatPiece piece = FirstOfRun(start.substr(0, static_cast<std::size_t>(end - start.begin())));
     used = piece.Text.size();
     return piece;
 }
