@@ -38,7 +38,8 @@ class Disk {
 public:
     virtual ~Disk() = default;
 
-    /// RunTimeFailure 53 file not found, 76 path not found, 70 permission denied, 75 any other.
+    /// RunTimeFailure 53 file not found, 76 path not found, 70 permission denied, 75 any other, also
+    /// for what is no file: a folder, a pipe, a device.
     virtual std::unique_ptr<DiskFile> Open(const std::string& path, Access access) = 0;
 
     /// Puts `from` in the place of `to` in one step; `to` may exist. RunTimeFailure 75.

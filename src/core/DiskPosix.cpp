@@ -88,7 +88,7 @@ private:
 class PosixDisk final : public Disk {
 public:
     std::unique_ptr<DiskFile> Open(const std::string& path, Access access) override {
-        int flags = O_CLOEXEC;
+        int flags = O_CLOEXEC | O_NONBLOCK | O_NOCTTY; // a pipe under a file's name must not hold us up
         if (access == Access::Read) flags |= O_RDONLY;
         if (access == Access::ReadWrite) flags |= O_RDWR;
         if (access == Access::Create) flags |= O_RDWR | O_CREAT | O_TRUNC;
@@ -98,7 +98,8 @@ public:
             throw RunTimeFailure(noFolder ? 76 : NumberFor(errno, 75), path);
         }
         auto file = std::make_unique<PosixFile>(descriptor, path);
-        if (IsFolder(path)) throw RunTimeFailure(75, path);
+        struct stat info {};
+        if (::fstat(descriptor, &info) != 0 || !S_ISREG(info.st_mode)) throw RunTimeFailure(75, path);
         return file;
     }
 

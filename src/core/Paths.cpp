@@ -7,6 +7,7 @@
 #include "core/SafeFile.h"
 
 #include <algorithm>
+#include <exception>
 
 namespace {
 
@@ -80,13 +81,13 @@ std::string AddBackslash(std::string_view path) {
     return text;
 }
 
-bool FileExists(std::string_view path) {
+bool FileExists(std::string_view path) noexcept {
     try {
         const std::string resolved = ResolvePath(WithoutTrailingSeparator(path));
         if (!Global.TheDisk->IsFile(resolved)) return false;
         Global.TheDisk->Open(resolved, Access::Read);
         return true;
-    } catch (const RunTimeFailure&) {
+    } catch (const std::exception&) {
         return false;
     }
 }
@@ -103,7 +104,9 @@ void MakePath(std::string_view path) {
 }
 
 std::string ResolvePath(std::string_view path) {
-    std::string native = Native(path);
+    const std::string native = Native(path);
+    // The system would read it up to the NUL and open another file.
+    if (native.find('\0') != std::string::npos) throw RunTimeFailure(52, native.substr(0, native.find('\0')));
     if (native.empty() || Global.TheDisk->IsFile(native) || Global.TheDisk->IsFolder(native)) return native;
 
     std::string done;

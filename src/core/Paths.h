@@ -11,13 +11,14 @@
 std::string AddBackslash(std::string_view path);
 
 /// True when the path can be opened for reading, a trailing separator being cut first. Never fails.
-bool FileExists(std::string_view path);
+bool FileExists(std::string_view path) noexcept;
 
 /// Makes every missing folder along a path in turn. RunTimeFailure 75 when one cannot be made.
 void MakePath(std::string_view path);
 
 /// The path as it stands on the disk: the exact name first, else the first by bytes of those that
-/// differ only in case. What is not there keeps the spelling it was asked for.
+/// differ only in case. What is not there keeps the spelling it was asked for. RunTimeFailure 52 for
+/// a path with a NUL in it.
 std::string ResolvePath(std::string_view path);
 
 /// The last part of a path, behind the last separator of either kind.
