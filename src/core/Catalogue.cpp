@@ -97,7 +97,7 @@ std::string LoadMessages(std::string_view path) {
         problems += std::string(FileNameOf(path)) + ", line " + std::to_string(line) + ": " + reason + "\n";
     };
     try {
-        TextReader file(path);
+        TextReader file(path, TextReader::OwnFile);
         std::string line;
         while (file.ReadLine(line)) {
             if (file.LineNumber() == 1 && line.starts_with("\xEF\xBB\xBF")) line.erase(0, 3);

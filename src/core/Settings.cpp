@@ -9,7 +9,6 @@
 #include "core/TextCompare.h"
 #include "core/TextFile.h"
 
-#include <algorithm>
 #include <string_view>
 
 namespace {
@@ -99,11 +98,7 @@ struct Selections {
 void WriteIniFile(const Selections& selections) {
     SafeFile file(Global.IniFile);
     const auto key = [&](std::string_view name, std::string_view value) {
-        std::string line = std::string(name).append("=").append(value);
-        // A value is one line of the file, whatever it came from.
-        std::replace_if(
-            line.begin(), line.end(), [](char c) { return c == '\r' || c == '\n'; }, ' ');
-        file.WriteLine(line);
+        file.WriteLine(OneLine(std::string(name).append("=").append(value)));
     };
     file.WriteLine("[Backup]");
     key("PurgeBackup", Word(Global.PurgeBackup));
@@ -165,7 +160,7 @@ void GetIniFile() {
     TraceEvent("basCommon:GetIniFile");
     if (!FileExists(Global.IniFile)) MakeIniFile();
     TakeDefaults();
-    TextReader file(Global.IniFile);
+    TextReader file(Global.IniFile, TextReader::OwnFile);
     std::string line;
     while (file.ReadLine(line)) {
         try {

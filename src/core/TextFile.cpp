@@ -4,6 +4,7 @@
 #include "core/Globals.h"
 #include "core/Paths.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace {
@@ -12,8 +13,21 @@ constexpr std::size_t BlockSize = std::size_t{1} << 17;
 
 } // namespace
 
-TextReader::TextReader(std::string_view path) : path_(ResolvePath(path)) {
+std::string OneLine(std::string_view text) {
+    std::string line(text);
+    std::replace_if(
+        line.begin(), line.end(), [](char c) { return c == '\r' || c == '\n'; }, ' ');
+    return line;
+}
+
+TextReader::TextReader(std::string_view path, std::uint64_t limit) : path_(ResolvePath(path)) {
     file_ = Global.Files.Open(*Global.TheDisk, path_, Access::Read);
+    try {
+        if (limit != Endless && Global.Files.Use(file_).Size() > limit) throw RunTimeFailure(6, path_);
+    } catch (...) {
+        Global.Files.Close(file_);
+        throw;
+    }
 }
 
 TextReader::~TextReader() {

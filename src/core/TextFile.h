@@ -6,12 +6,17 @@
 #include <string>
 #include <string_view>
 
+/// The text with a blank in the place of each line end: what is to stand on one line of a file,
+/// whatever it came from.
+std::string OneLine(std::string_view text);
+
 /// Reads a text file line by line, in blocks. Lines end in carriage return and line feed, in either
 /// one alone, or at the end of the file. Text is code page 1252 and is handed on as it stands.
 class TextReader {
 public:
-    /// Opens under a file number. RunTimeFailure as Disk::Open.
-    explicit TextReader(std::string_view path);
+    /// Opens under a file number. RunTimeFailure as Disk::Open; 6 when the file has more than `limit`
+    /// bytes.
+    explicit TextReader(std::string_view path, std::uint64_t limit = Endless);
     TextReader(const TextReader&) = delete;
     TextReader& operator=(const TextReader&) = delete;
     ~TextReader();
@@ -30,6 +35,11 @@ public:
     std::int64_t LineNumber() const { return line_; }
 
     static constexpr std::size_t MaxLine = std::size_t{1} << 20;
+
+    /// Limits of a file that is taken line by line, and of one whose lines are all kept in memory:
+    /// settings, templates, statuses.
+    static constexpr std::uint64_t Endless = ~std::uint64_t{0};
+    static constexpr std::uint64_t OwnFile = std::uint64_t{1} << 22;
 
 private:
     bool Fill();

@@ -28,7 +28,7 @@ ActivityRow RowOf(std::string_view line) {
 } // namespace
 
 Activity ReadActivity(std::string_view path) {
-    TextReader file(path);
+    TextReader file(path, TextReader::OwnFile);
     Activity activity;
     for (ActivityRow& row : activity.Rows) row = RowOf(file.RequireLine());
     return activity;

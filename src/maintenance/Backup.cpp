@@ -6,12 +6,14 @@
 #include "core/Paths.h"
 #include "core/Progress.h"
 #include "core/SafeFile.h"
+#include "core/TextFile.h"
 #include "maintenance/Totals.h"
 #include "store/TableLock.h"
 
 #include <algorithm>
 #include <charconv>
 #include <cstdint>
+#include <exception>
 #include <optional>
 #include <string>
 #include <vector>
@@ -43,9 +45,9 @@ void CopyTables(std::string_view event, const std::vector<std::string>& tables) 
     about.WriteLine(std::to_string(Global.CurHeaders));
     about.WriteLine(std::to_string(Global.CurLines));
     about.WriteLine(NumberToText(Global.CurDollars));
-    about.WriteLine(Global.CurrentHotSyncID);
+    about.WriteLine(OneLine(Global.CurrentHotSyncID));
     about.WriteLine(event == "EXPORT" ? std::string() : MachineOf(Global.CurrentHotSyncID));
-    about.WriteLine(Global.HHLastOrder);
+    about.WriteLine(OneLine(Global.HHLastOrder));
     about.Commit();
     Global.CurHeaders = Global.CurLines = 0;
     Global.CurDollars = 0;
@@ -80,7 +82,7 @@ bool MakeBackup(std::string_view event) {
     try {
         CopyTables(event, tables);
         return true;
-    } catch (const RunTimeFailure&) {
+    } catch (const std::exception&) {
         Global.BackupTime = {};
         Global.BackupEvent.clear();
         return false;

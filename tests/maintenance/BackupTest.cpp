@@ -84,6 +84,18 @@ TEST_F(BackupTest, TheTextSaysWhatHappenedInEightLines) {
               "UPLOAD-ADD\r\n2026-11-15 02:36:07\r\n2\r\n3\r\n12.75\r\nBEA\r\nB02\r\nB0200000012\r\n");
 }
 
+TEST_F(BackupTest, ABreakInAnIdDoesNotMakeALine) {
+    Global.CurrentHotSyncID = "Be\r\na";
+    Global.HHLastOrder = "B02\n7";
+
+    ASSERT_TRUE(MakeBackup("UPLOAD-ADD"));
+
+    const Strings lines = Lines(Directory() + "Backup.txt");
+    ASSERT_EQ(lines.size(), 8u);
+    EXPECT_EQ(lines[5], "Be  a");
+    EXPECT_EQ(lines[7], "B02 7");
+}
+
 TEST_F(BackupTest, AnExportDoesNotSearchForTheMachine) {
     fs::remove(Global.DBFPath + "ZUKLINK.dbf");
 
