@@ -8,8 +8,8 @@
 #include "core/TextFile.h"
 #include "store/TableScan.h"
 
-#include <algorithm>
 #include <string_view>
+#include <utility>
 
 namespace {
 
@@ -42,13 +42,6 @@ void FitLists() {
     }
 }
 
-/// A line of the file is one handheld, whatever stands in its id.
-std::string OneLine(std::string text) {
-    std::replace_if(
-        text.begin(), text.end(), [](char c) { return c == '\r' || c == '\n'; }, ' ');
-    return text;
-}
-
 } // namespace
 
 std::vector<std::string> LinkIDs() {
@@ -71,17 +64,21 @@ void MakeHHStatusFile() {
 
 void GetHHStatus() {
     TraceEvent("basCommon:GetHHStatus");
-    Global.HHCount = 0;
-    for (auto* list : {&Global.HHSyncID, &Global.HHStatus, &Global.HHStatusStd}) list->assign(1, "");
     if (!FileExists(StatusFile())) MakeHHStatusFile();
-    TextReader file(StatusFile());
+    std::vector<std::string> ids{""};
+    std::vector<std::string> statuses{""};
+    std::vector<std::string> marks{""};
+    TextReader file(StatusFile(), TextReader::OwnFile);
     std::string line;
     while (file.ReadLine(line)) {
-        ++Global.HHCount;
-        Global.HHSyncID.push_back(Column(line, 0, IdWidth));
-        Global.HHStatus.push_back(Column(line, IdWidth, StatusWidth));
-        Global.HHStatusStd.push_back(Column(line, IdWidth + StatusWidth, std::string::npos));
+        ids.push_back(Column(line, 0, IdWidth));
+        statuses.push_back(Column(line, IdWidth, StatusWidth));
+        marks.push_back(Column(line, IdWidth + StatusWidth, std::string::npos));
     }
+    Global.HHCount = static_cast<std::int32_t>(ids.size() - 1);
+    Global.HHSyncID = std::move(ids);
+    Global.HHStatus = std::move(statuses);
+    Global.HHStatusStd = std::move(marks);
     FitLists();
 }
 

@@ -13,7 +13,8 @@
 /// cannot be written: the caller tells the operator and ends the program.
 void MakeHHStatusFile();
 
-/// Reads the file into the status list; makes it first when it is not there.
+/// Reads the file into the status list; makes it first when it is not there. RunTimeFailure as
+/// MakeHHStatusFile and TextReader; the list is then as it was.
 void GetHHStatus();
 
 /// Writes the status list to the file. RunTimeFailure as MakeHHStatusFile.
