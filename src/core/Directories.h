@@ -40,7 +40,7 @@ void MoveNewBitmaps();
 void RemoveStrays();
 
 /// Removes the temporary directory "ZUKTemp" and the files in it. Never fails.
-void RemoveTemporaryDirectory();
+void RemoveTemporaryDirectory() noexcept;
 
 /// Where "ZUKTemp" lies, with a trailing separator: below the system's temporary folder.
 std::string TemporaryDirectory();

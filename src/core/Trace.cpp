@@ -5,7 +5,7 @@
 #include "core/SafeFile.h"
 #include "core/TextFile.h"
 
-#include <algorithm>
+#include <exception>
 
 const std::string& TraceRing::Entry(std::size_t index) const {
     return entries_[(newest_ + index) % TraceEntries];
@@ -13,11 +13,7 @@ const std::string& TraceRing::Entry(std::size_t index) const {
 
 void TraceRing::Push(std::string_view text) {
     newest_ = (newest_ + TraceEntries - 1) % TraceEntries;
-    std::string& entry = entries_[newest_];
-    entry = text;
-    // One entry is one line of the file, whatever was being traced.
-    std::replace_if(
-        entry.begin(), entry.end(), [](char c) { return c == '\r' || c == '\n'; }, ' ');
+    entries_[newest_] = OneLine(text);
 }
 
 void TraceRing::Clear() {
@@ -28,14 +24,14 @@ void TraceRing::Set(std::size_t index, std::string_view text) {
     entries_[(newest_ + index) % TraceEntries] = text;
 }
 
-void TraceEvent(std::string_view text) {
-    Global.Events.Push(text);
-    if (Global.AppPath.empty()) return;
+void TraceEvent(std::string_view text) noexcept {
     try {
+        Global.Events.Push(text);
+        if (Global.AppPath.empty()) return;
         std::string content;
         for (std::size_t k = 0; k < TraceEntries; ++k) content.append(Global.Events.Entry(k)).append("\r\n");
         WriteWholeFile(Global.AppPath + "Events.log", content, false);
-    } catch (const RunTimeFailure&) { // a trace that cannot be written must not stop what it traces
+    } catch (const std::exception&) { // a trace that cannot be written must not stop what it traces
     }
 }
 

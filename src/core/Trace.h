@@ -24,7 +24,7 @@ private:
 
 /// Puts a line such as "frmMain1:Form_Load" on top of the trace and rewrites `Events.log` in the
 /// application directory, so that after a crash the road that led there stands on disk. Never fails.
-void TraceEvent(std::string_view text);
+void TraceEvent(std::string_view text) noexcept;
 
 /// Reads `Events.log` of the previous run into the ring; a file that cannot be opened empties it.
 /// RunTimeFailure 9 when it holds more than 301 lines.

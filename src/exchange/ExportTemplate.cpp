@@ -7,6 +7,8 @@
 #include "core/TextCompare.h"
 #include "core/TextFile.h"
 
+#include <exception>
+
 namespace {
 
 constexpr std::string_view FileNameWord = "Filename=";
@@ -58,10 +60,10 @@ void TakeLine(const std::string& line, ExportTemplateRead& result) {
 
 } // namespace
 
-ExportTemplateRead ReadExportTemplate(std::string_view path) {
+ExportTemplateRead ReadExportTemplate(std::string_view path) noexcept {
     ExportTemplateRead result;
     try {
-        TextReader file(path);
+        TextReader file(path, TextReader::OwnFile);
         result.Opened = true;
         std::string line;
         for (bool first = true; file.ReadLine(line); first = false) {
@@ -69,7 +71,7 @@ ExportTemplateRead ReadExportTemplate(std::string_view path) {
             TakeLine(line, result);
         }
         result.Complete = true;
-    } catch (const RunTimeFailure&) { // the columns stay as far as they got
+    } catch (const std::exception&) { // the columns stay as far as they got
     }
     return result;
 }

@@ -29,7 +29,7 @@ struct ExportTemplateRead {
 
 /// Reads a template file, each line by its beginning. A directory before the file name is dropped.
 /// Nothing fails: an error while reading ends it, and the result says so.
-ExportTemplateRead ReadExportTemplate(std::string_view path);
+ExportTemplateRead ReadExportTemplate(std::string_view path) noexcept;
 
 /// Writes a template file from scratch, without the filter; a template without a delimiter is
 /// written as CSV. RunTimeFailure 5 for a text that holds a line end, otherwise as SafeFile.

@@ -8,6 +8,7 @@
 #include "core/TextCompare.h"
 #include "core/TextFile.h"
 
+#include <exception>
 #include <limits>
 
 namespace {
@@ -63,10 +64,10 @@ std::string_view TableFileOf(TemplateKind kind) {
     return kind == TemplateKind::Cust ? "ZUKCUST.DBF" : "ZUKITEM.DBF";
 }
 
-ImportTemplateRead ReadImportTemplate(std::string_view path) {
+ImportTemplateRead ReadImportTemplate(std::string_view path) noexcept {
     ImportTemplateRead result;
     try {
-        TextReader file(path);
+        TextReader file(path, TextReader::OwnFile);
         result.Opened = true;
         const std::string first = file.RequireLine();
         const std::string_view name = Trim(FileNameOf(first));
@@ -74,7 +75,7 @@ ImportTemplateRead ReadImportTemplate(std::string_view path) {
         if (!result.BadDataFile) result.Template.DataFile = name;
         ReadRows(file, result.Template);
         result.Complete = true;
-    } catch (const RunTimeFailure&) { // what was read so far is what the template tells
+    } catch (const std::exception&) { // what was read so far is what the template tells
     }
     return result;
 }

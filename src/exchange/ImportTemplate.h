@@ -38,7 +38,7 @@ struct ImportTemplateRead {
 
 /// Reads a template file. A directory in line 1 is dropped. Nothing fails: an error while reading
 /// ends it, and the result says so.
-ImportTemplateRead ReadImportTemplate(std::string_view path);
+ImportTemplateRead ReadImportTemplate(std::string_view path) noexcept;
 
 /// Writes a template file from scratch; a template without a delimiter is written as CSV.
 /// RunTimeFailure 52 when DataFile is not a plain file name, 5 for a row that holds a line end,
