@@ -5,11 +5,14 @@
 #include "core/Paths.h"
 #include "core/SafeFile.h"
 #include "core/Settings.h"
+#include "core/TextCompare.h"
 
 #include <array>
+#include <exception>
 #include <filesystem>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace {
 
@@ -60,8 +63,10 @@ void SetTemplateSubdirectories() {
 
 /// The first pass copies over what is there and leaves the source; the second fills gaps and moves.
 void CarryTemplates(const std::string& source, bool secondPass) {
+    const std::vector<std::string> names = FilesWithExtension(source, "");
     for (const TemplatePlace& kind : TemplatePlaces) {
-        for (const std::string& name : FilesWithExtension(source, kind.Extension)) {
+        for (const std::string& name : names) {
+            if (!SameText(ExtensionOf(name), kind.Extension)) continue;
             const std::string target = Global.*kind.Folder + name;
             if (!secondPass || !FileExists(target)) CopyOver(source + name, target);
             if (secondPass) Global.TheDisk->Remove(ResolvePath(source + name));
@@ -187,7 +192,7 @@ std::string TemporaryDirectory() {
     return AddBackslash(AddBackslash(std::string(base.begin(), base.end())) + "ZUKTemp");
 }
 
-void RemoveTemporaryDirectory() {
+void RemoveTemporaryDirectory() noexcept {
     try {
         const std::string folder = TemporaryDirectory();
         const std::string name = folder.substr(0, folder.size() - 1);
@@ -198,6 +203,6 @@ void RemoveTemporaryDirectory() {
             return;
         RemoveFiles(folder, "");
         Global.TheDisk->RemoveFolder(name);
-    } catch (const RunTimeFailure&) { // what is left there harms nobody
+    } catch (const std::exception&) { // what is left there harms nobody
     }
 }
