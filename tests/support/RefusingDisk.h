@@ -3,6 +3,7 @@
 #include "core/Disk.h"
 #include "core/Failure.h"
 
+#include <new>
 #include <string>
 
 /// The real disk, to be changed in one way or another.
@@ -56,4 +57,10 @@ public:
 
 private:
     std::string name_;
+};
+
+/// A disk on which nothing can be opened for want of memory.
+class PoorDisk final : public PassingDisk {
+public:
+    std::unique_ptr<DiskFile> Open(const std::string&, Access) override { throw std::bad_alloc(); }
 };
