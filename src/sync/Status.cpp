@@ -13,8 +13,9 @@
 
 namespace {
 
-constexpr std::size_t IdWidth = 30;
-constexpr std::size_t StatusWidth = 30;
+// Where the columns of the file begin, from 0.
+constexpr std::size_t StatusAt = 30;
+constexpr std::size_t MarkAt = 60;
 
 std::string StatusFile() {
     return Global.InstallPath + "HSStatus.dat";
@@ -25,9 +26,10 @@ std::string Padded(std::string text, std::size_t width) {
     return text;
 }
 
-std::string Column(const std::string& line, std::size_t from, std::size_t width) {
-    if (line.size() <= from) return {};
-    return std::string(Trim(std::string_view(line).substr(from, width)));
+/// What stands in the columns from `begin` up to `end`, trimmed.
+std::string Columns(std::string_view line, std::size_t begin, std::size_t end) {
+    line = line.substr(0, end);
+    return line.size() <= begin ? std::string() : std::string(Trim(line.substr(begin)));
 }
 
 std::string Section(std::size_t row) {
@@ -71,9 +73,9 @@ void GetHHStatus() {
     TextReader file(StatusFile(), TextReader::OwnFile);
     std::string line;
     while (file.ReadLine(line)) {
-        ids.push_back(Column(line, 0, IdWidth));
-        statuses.push_back(Column(line, IdWidth, StatusWidth));
-        marks.push_back(Column(line, IdWidth + StatusWidth, std::string::npos));
+        ids.push_back(Columns(line, 0, StatusAt));
+        statuses.push_back(Columns(line, StatusAt, MarkAt));
+        marks.push_back(Columns(line, MarkAt, std::string::npos));
     }
     Global.HHCount = static_cast<std::int32_t>(ids.size() - 1);
     Global.HHSyncID = std::move(ids);
@@ -87,8 +89,7 @@ void UpdateHHStatus() {
     FitLists();
     SafeFile file(StatusFile());
     for (std::size_t i = 1; i <= static_cast<std::size_t>(Global.HHCount); ++i) {
-        const std::string head =
-            Padded(Padded(Global.HHSyncID[i], IdWidth) + Global.HHStatus[i], IdWidth + StatusWidth);
+        const std::string head = Padded(Padded(Global.HHSyncID[i], StatusAt) + Global.HHStatus[i], MarkAt);
         file.WriteLine(OneLine(head + Global.HHStatusStd[i]));
     }
     file.Commit();
