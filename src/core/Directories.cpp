@@ -89,17 +89,9 @@ void RemoveFiles(const std::string& folder, std::string_view extension) {
     }
 }
 
-/// What cannot be removed is told by whoever needs its place.
-void RemoveStray(const std::string& path) {
-    try {
-        Global.TheDisk->Remove(ResolvePath(path));
-    } catch (const RunTimeFailure&) {
-    }
-}
-
 void RemoveStraysIn(const std::string& folder, int depth) {
     for (const std::string& name : FilesWithExtension(folder, SafeFile::WorkExtension))
-        RemoveStray(folder + name);
+        RemoveQuietly(folder + name);
     if (depth == 0 || folder.empty()) return;
     for (const std::string& name : Global.TheDisk->FoldersIn(ResolvePath(folder))) {
         RemoveStraysIn(AddBackslash(folder + name), depth - 1);
@@ -182,7 +174,7 @@ void RemoveStrays() {
     // The compaction of a table works in a file of the table's name and this extension.
     for (const std::string& name : FilesWithExtension(Global.DBFPath, ".idx")) {
         const std::string table = Global.DBFPath + name.substr(0, name.size() - 3) + "dbf";
-        if (FileExists(table)) RemoveStray(Global.DBFPath + name);
+        if (FileExists(table)) RemoveQuietly(Global.DBFPath + name);
     }
 }
 

@@ -161,7 +161,7 @@ private:
     std::vector<std::string> Names(const std::string& folder, bool folders) {
         std::vector<std::string> names;
         DIR* list = ::opendir(folder.empty() ? "." : folder.c_str());
-        if (!list) return names;
+        if (list == nullptr) return names;
         const std::string base = folder.empty() || folder.back() == '/' ? folder : folder + '/';
         while (const dirent* entry = ::readdir(list)) {
             const std::string name = entry->d_name;

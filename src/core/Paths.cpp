@@ -104,7 +104,7 @@ void MakePath(std::string_view path) {
 }
 
 std::string ResolvePath(std::string_view path) {
-    const std::string native = Native(path);
+    std::string native = Native(path);
     // The system would read it up to the NUL and open another file.
     if (native.find('\0') != std::string::npos) throw RunTimeFailure(52, native.substr(0, native.find('\0')));
     if (native.empty() || Global.TheDisk->IsFile(native) || Global.TheDisk->IsFolder(native)) return native;
@@ -118,7 +118,10 @@ std::string ResolvePath(std::string_view path) {
         if (!name.empty() && name != "." && name != ".." && !IsDrive(name)) {
             const std::string exact = done + name;
             const bool there = Global.TheDisk->IsFile(exact) || Global.TheDisk->IsFolder(exact);
-            done = there ? exact : done + Spelling(done, name);
+            if (there)
+                done = exact;
+            else
+                done += Spelling(done, name);
         } else {
             done += name;
         }
@@ -168,6 +171,13 @@ std::vector<std::string> FilesWithExtension(std::string_view folder, std::string
     std::stable_sort(names.begin(), names.end(),
                      [](const std::string& a, const std::string& b) { return FoldName(a) < FoldName(b); });
     return names;
+}
+
+void RemoveQuietly(std::string_view path) noexcept {
+    try {
+        Global.TheDisk->Remove(ResolvePath(path));
+    } catch (const std::exception&) { // it stays behind; whoever needs its place is told
+    }
 }
 
 void CopyOver(std::string_view from, std::string_view to, bool flush) {

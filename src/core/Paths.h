@@ -43,6 +43,10 @@ bool IsPlainFileName(std::string_view name);
 /// their names without regard to case.
 std::vector<std::string> FilesWithExtension(std::string_view folder, std::string_view extension);
 
+/// Removes a file if it is there and can be removed, as after a failure that is the one to be told
+/// of. Never fails.
+void RemoveQuietly(std::string_view path) noexcept;
+
 /// Copies a file over another by a work file beside it, flushed and renamed unless `flush` is off.
 /// RunTimeFailure as Disk::Open, and 57, 61, 75.
 void CopyOver(std::string_view from, std::string_view to, bool flush = true);

@@ -28,13 +28,6 @@ std::span<const TableField> FieldsOf(std::string_view table) {
     return entry->Fields;
 }
 
-/// Position of a field by its whole name, from 1; 0 when the table has none of that name.
-int PositionOf(std::span<const TableField> fields, std::string_view name) {
-    const auto found = std::find_if(fields.begin(), fields.end(),
-                                    [&](const TableField& field) { return SameText(field.Name, name); });
-    return found == fields.end() ? 0 : static_cast<int>(found - fields.begin()) + 1;
-}
-
 /// A field of the current header or of the current line.
 struct FieldPlace {
     enum class Table { None, Header, Line } Of = Table::None;
@@ -63,14 +56,14 @@ public:
           line_(withLines ? FieldsOf("ZUKORLIN") : std::span<const TableField>()) {}
 
     FieldPlace FindHeader(std::string_view name) const {
-        const int position = PositionOf(header_, name);
+        const int position = PlaceOf(header_, name);
         return position > 0 ? FieldPlace{FieldPlace::Table::Header, position} : FieldPlace{};
     }
 
     FieldPlace Find(std::string_view name) const {
         const FieldPlace place = FindHeader(name);
         if (place.Of != FieldPlace::Table::None) return place;
-        const int position = PositionOf(line_, name);
+        const int position = PlaceOf(line_, name);
         return position > 0 ? FieldPlace{FieldPlace::Table::Line, position} : FieldPlace{};
     }
 

@@ -7,10 +7,11 @@
 #include <string_view>
 
 /// Copies the order and audit tables, and the customers and items when Global.BackupCustomers and
-/// BackupItems say so, into a new directory under `Backup`, with a `Backup.txt` that
-/// says what happened, and keeps the moment in Global.BackupTime, for the totals event of the same operation.
-/// Events: "EXPORT", "QUALCHECK", "RESTORE", "UPLOAD-ADD", "CLEAR". False when a table is locked or missing,
-/// before anything was made, or when a copy fails.
+/// BackupItems say so, into a new directory under `Backup`, with a `Backup.txt` that says what
+/// happened. Keeps the moment and the event in Global for the totals event of the same operation,
+/// and when it succeeds leaves CurHeaders, CurLines and CurDollars at 0.
+/// Events: "EXPORT", "QUALCHECK", "RESTORE", "UPLOAD-ADD", "CLEAR". False when a table is locked or
+/// missing, before anything was made, or for any failure after that.
 bool MakeBackup(std::string_view event);
 
 /// The directory's name for a moment: the year's last digit, then month, day, hour, minute and

@@ -13,13 +13,6 @@ namespace {
 /// Stands in `Install` once a layout is complete.
 constexpr std::string_view Mark = "Office.txt";
 
-void RemoveQuietly(const std::string& path) {
-    try {
-        Global.TheDisk->Remove(ResolvePath(path));
-    } catch (const RunTimeFailure&) { // the next start removes it
-    }
-}
-
 void CopyMissing(const std::string& from, const std::string& to) {
     if (!FileExists(to)) CopyOver(from, to);
 }

@@ -20,14 +20,6 @@ std::string ReadPadded(DiskFile& file, std::uint64_t offset, std::size_t size) {
     return bytes;
 }
 
-/// Removes a work file after a failure, which is the one to be told of.
-void RemoveQuietly(const std::string& path) {
-    try {
-        Global.TheDisk->Remove(path);
-    } catch (const RunTimeFailure&) { // it stays behind, and the next run writes over it
-    }
-}
-
 } // namespace
 
 DiskFile& DBFEdit::File() const {

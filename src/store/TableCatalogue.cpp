@@ -2,27 +2,19 @@
 
 #include "core/TextCompare.h"
 
+#include <algorithm>
 #include <optional>
 
 namespace {
 
-/// The field's place in the record from 1 on; 0 when the table has no such field.
-std::uint16_t PlaceOf(const TableEntry& table, std::string_view field) {
-    std::uint16_t place = 0;
-    for (const TableField& each : table.Fields) {
-        ++place;
-        if (SameText(each.Name, field)) return place;
-    }
-    return 0;
-}
-
 /// The catalogue entry of a field's label; nothing when the field has none. One without a label
 /// stands in the catalogue under its own name.
 std::optional<MessageId> LabelOf(const TableEntry& table, std::string_view field) {
-    const std::uint16_t place = PlaceOf(table, field);
+    const int place = PlaceOf(table.Fields, field);
     if (place == 0) return std::nullopt;
     const MessageId label{static_cast<std::uint16_t>(table.FirstLabel + place)};
-    if (Text(label) == Text::Value(std::string_view(table.Fields[place - 1u].Name))) return std::nullopt;
+    const std::string_view name = table.Fields[static_cast<std::size_t>(place) - 1].Name;
+    if (Text(label) == Text::Value(name)) return std::nullopt;
     return label;
 }
 
@@ -34,6 +26,12 @@ const TableEntry* FindTable(std::string_view name) {
         if (SameText(table.Name, name)) return &table;
     }
     return nullptr;
+}
+
+int PlaceOf(std::span<const TableField> fields, std::string_view name) {
+    const auto found = std::find_if(fields.begin(), fields.end(),
+                                    [&](const TableField& field) { return SameText(field.Name, name); });
+    return found == fields.end() ? 0 : static_cast<int>(found - fields.begin()) + 1;
 }
 
 Text GetFriendlyFieldName(const TableEntry& table, std::string_view field) {

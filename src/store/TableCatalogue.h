@@ -30,6 +30,9 @@ inline constexpr std::size_t TwinTables = 24;
 /// The table of a name, any case, with or without ".dbf"; nullptr when there is none.
 const TableEntry* FindTable(std::string_view name);
 
+/// A field's place in the record by its whole name, any case, from 1; 0 when there is none of that name.
+int PlaceOf(std::span<const TableField> fields, std::string_view name);
+
 /// The label of a field as the grid of a table shows it: the whole name decides, any case. A field
 /// without a label, or of another table, is shown under its own name (code page 1252).
 Text GetFriendlyFieldName(const TableEntry& table, std::string_view field);
