@@ -24,7 +24,9 @@ int GridModel::columnCount(const QModelIndex& parent) const {
 QVariant GridModel::data(const QModelIndex& index, int role) const {
     if (!checkIndex(index, CheckIndexOption::IndexIsValid)) return {};
     const auto column = static_cast<std::size_t>(index.column());
-    if (role == Qt::DisplayRole) return rows_.at(static_cast<std::size_t>(index.row())).value(index.column());
+    // The tip is for a cell that is too narrow for its text.
+    if (role == Qt::DisplayRole || role == Qt::ToolTipRole)
+        return rows_.at(static_cast<std::size_t>(index.row())).value(index.column());
     if (role == Qt::TextAlignmentRole && column < alignments_.size()) {
         return QVariant::fromValue(alignments_[column] | Qt::AlignVCenter);
     }

@@ -59,7 +59,7 @@ protected:
         initStyleOption(&option);
         option.palette.setColor(QPalette::Disabled, QPalette::ButtonText,
                                 palette().color(QPalette::Active, QPalette::ButtonText));
-        const int margins = option.icon.isNull() ? 12 : 16 + option.iconSize.width();
+        const int margins = option.icon.isNull() ? 4 : 10 + option.iconSize.width();
         option.text =
             fontMetrics().elidedText(option.text, Qt::ElideRight, width() - margins, Qt::TextShowMnemonic);
         QStylePainter(this).drawComplexControl(QStyle::CC_ToolButton, option);
