@@ -15,7 +15,6 @@
 #include <QCheckBox>
 #include <QCloseEvent>
 #include <QComboBox>
-#include <QEventLoop>
 #include <QGroupBox>
 #include <QHeaderView>
 #include <QLabel>
@@ -182,7 +181,7 @@ private:
 
 // ---- waiting ----
 
-void WaitInLoop(const std::function<bool()>& condition) {
+void WaitInLoop(const std::function<bool()>& condition, QEventLoop::ProcessEventsFlags events) {
     const auto holds = [&] { return !Global.Ending && condition(); };
     if (!holds()) return;
     QEventLoop loop;
@@ -190,7 +189,7 @@ void WaitInLoop(const std::function<bool()>& condition) {
                      [&] {
                          if (!holds()) loop.quit();
                      });
-    loop.exec();
+    loop.exec(events);
 }
 
 bool FormBehaviour::IsOver() const {
@@ -209,7 +208,7 @@ void FormBehaviour::PauseFor(double seconds) {
     QTimer pause;
     pause.setSingleShot(true);
     pause.start(static_cast<int>(seconds * 1000));
-    WaitWhile([&] { return pause.isActive(); });
+    WaitInLoop([&] { return !gone_ && pause.isActive(); }, QEventLoop::ExcludeUserInputEvents);
 }
 
 // ---- handlers ----

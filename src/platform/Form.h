@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDialog>
+#include <QEventLoop>
 #include <QMainWindow>
 #include <QStringList>
 
@@ -48,7 +49,7 @@ public:
     /// the process is ending.
     void WaitWhile(const std::function<bool()>& condition);
 
-    /// A short pause in which the screen paints.
+    /// A short pause in which the screen paints. What the operator does meanwhile comes behind it.
     void PauseFor(double seconds);
 
 protected:
@@ -153,4 +154,5 @@ void EndProgram(int exitCode);
 void FailUnexpectedly(const std::exception& failure);
 
 /// Blocks in the event loop while the condition holds and the process is not ending.
-void WaitInLoop(const std::function<bool()>& condition);
+void WaitInLoop(const std::function<bool()>& condition,
+                QEventLoop::ProcessEventsFlags events = QEventLoop::AllEvents);

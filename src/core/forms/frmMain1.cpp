@@ -242,10 +242,12 @@ void frmMain1::UnloadForms() {
 
 void frmMain1::TakeWindowPosition() {
     Global.WindowState = isMinimized() ? std::int16_t{1} : isMaximized() ? std::int16_t{2} : std::int16_t{0};
+    // A maximised window keeps the numbers of the place that it had before.
+    if (Global.WindowState != 0) return;
     // The frame's corner and the window's size: what `move` and `resize` set.
-    const QRect place = isMaximized() ? normalGeometry() : QRect(pos(), size());
+    const QRect place(pos(), size());
     // A window that was not moved keeps the numbers it was read with, whatever the rounding.
-    if (place == restored_ || Global.WindowState == 1) return;
+    if (place == restored_) return;
     Global.MainTop = place.top() * TwipsPerPixel;
     Global.MainLeft = place.left() * TwipsPerPixel;
     Global.MainHeight = place.height() * TwipsPerPixel;
