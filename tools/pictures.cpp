@@ -1,9 +1,10 @@
 // A picture of every screen of the program, in the light look and in the dark one:
 //
-//   pictures_of_screens BUILD FOLDER
+//   pictures_of_screens BUILD FOLDER [TEXTS]
 //
 // writes FOLDER/<form>-light.png and FOLDER/<form>-dark.png, with the demonstration day's files in
-// the office that the screens show. At another scale: set QT_SCALE_FACTOR before.
+// the office that the screens show; and more of a form that has several faces. TEXTS is a translation,
+// a file of rows as in Messages.tsv. At another scale: set QT_SCALE_FACTOR before.
 
 #include "AllForms.h"
 #include "OfficeForDay.h"
@@ -28,11 +29,13 @@ namespace {
 class Nobody final : public Operator {
 public:
     Answer MsgBox(const Text&, Icon, Buttons buttons) override {
-        return buttons == Buttons::Ok ? Answer::Ok : Answer::No;
+        return buttons == Buttons::Ok ? Answer::Ok : RunsActivities ? Answer::Yes : Answer::No;
     }
     std::optional<std::string> InputBox(const Text&, const std::string&) override { return std::nullopt; }
     bool Ask(const Question&) override { return false; }
     void Beep() override {}
+
+    bool RunsActivities = false;
 };
 
 /// Tables with a few handhelds and uploads, so that the main screen has something to show.
@@ -81,6 +84,28 @@ void Prepare(FormBehaviour& form) {
         activities->setCurrentIndex(0);
         emit activities->activated(0);
     }
+    if (auto* details = dynamic_cast<frmHHStatus*>(&form)) {
+        details->Fill("Anna Berg", {{3, 12, 431.5}, {3, 11, 402.75}});
+    }
+}
+
+void Press(FormBehaviour& form, const char* button) {
+    form.Window().findChild<QAbstractButton*>(QString::fromLatin1(button))->click();
+}
+
+/// The other pages of the main screen, and a report at its end.
+void OtherFaces(Nobody& nobody, const QString& folder) {
+    auto& main = The<frmMain1>();
+    for (const char* page : {"frmMain1-summary", "frmMain1-quickstart"}) {
+        Press(main, "lblNext");
+        Save(main, folder, QString::fromLatin1(page));
+    }
+    auto& report = The<frmQBImport>();
+    Prepare(report);
+    nobody.RunsActivities = true;
+    Press(report, "cmdOK");
+    nobody.RunsActivities = false;
+    Save(report, folder, QStringLiteral("frmQBImport-report"));
 }
 
 template <class F>
@@ -109,8 +134,8 @@ int main(int argc, char** argv) {
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication::setApplicationVersion(QStringLiteral(TRAMBLE_VERSION));
     const QStringList arguments = QCoreApplication::arguments();
-    if (arguments.size() != 3) {
-        std::fputs("pictures_of_screens BUILD FOLDER\n", stderr);
+    if (arguments.size() != 3 && arguments.size() != 4) {
+        std::fputs("pictures_of_screens BUILD FOLDER [TEXTS]\n", stderr);
         return 2;
     }
     Nobody nobody;
@@ -120,6 +145,10 @@ int main(int argc, char** argv) {
         const OfficeForDay office(arguments[1], work.filePath(QStringLiteral("office")),
                                   QStringLiteral("samples/day"));
         FillOffice(arguments[1], office, work.path());
+        if (arguments.size() == 4 &&
+            !QFile::copy(arguments[3], office.Path(QStringLiteral("Messages.tsv")))) {
+            throw OfficeFailure("cannot copy " + arguments[3].toStdString());
+        }
         for (const bool dark : {false, true}) {
             Global = Globals{};
             Global.TheOperator = &nobody;
@@ -129,6 +158,7 @@ int main(int argc, char** argv) {
 #define PICTURE(form) Picture<form>(folder, #form);
             ALL_FORMS(PICTURE)
 #undef PICTURE
+            OtherFaces(nobody, folder);
             FormRegistry::Instance().Clear();
         }
     } catch (const std::exception& failure) {

@@ -9,11 +9,12 @@
 
 #include <QAbstractButton>
 #include <QAbstractEventDispatcher>
+#include <QAbstractSpinBox>
 #include <QAction>
 #include <QApplication>
+#include <QCheckBox>
 #include <QCloseEvent>
 #include <QComboBox>
-#include <QEventLoop>
 #include <QGroupBox>
 #include <QHeaderView>
 #include <QLabel>
@@ -21,6 +22,8 @@
 #include <QListWidget>
 #include <QMenu>
 #include <QMetaMethod>
+#include <QRadioButton>
+#include <QTabBar>
 #include <QTableView>
 #include <QTimer>
 
@@ -51,19 +54,73 @@ int FirstOwnMethod(const QWidget& window) {
                                                  : QMainWindow::staticMetaObject.methodCount();
 }
 
-/// Controls of Qt's own inside a control (a combo box's list, a header's corner) have no names of ours.
+/// Not what Qt makes for itself inside a control: a combo box's list, a table's corner button.
 bool IsOurs(const QObject& object) {
-    return !object.objectName().isEmpty() && !object.objectName().startsWith(QLatin1String("qt_"));
+    if (object.objectName().startsWith(QLatin1String("qt_"))) return false;
+    for (const QObject* around = object.parent(); around; around = around->parent()) {
+        if (qobject_cast<const QAbstractItemView*>(around) || qobject_cast<const QComboBox*>(around) ||
+            qobject_cast<const QLineEdit*>(around) || qobject_cast<const QAbstractSpinBox*>(around) ||
+            qobject_cast<const QTabBar*>(around)) {
+            return false;
+        }
+    }
+    return true;
 }
 
+/// What an operator takes for something that does a thing when it is clicked. A box that is ticked
+/// and a choice of several hold a state, and need not.
 bool IsClickable(const QObject& object) {
     if (const auto* button = qobject_cast<const QAbstractButton*>(&object)) {
-        return !button->isCheckable() && button->isEnabled();
+        const bool holdsState =
+            qobject_cast<const QCheckBox*>(button) || qobject_cast<const QRadioButton*>(button);
+        return !holdsState && button->isEnabled();
     }
     if (const auto* action = qobject_cast<const QAction*>(&object)) {
         return !action->menu() && !action->isSeparator() && action->isEnabled();
     }
+    if (const auto* label = qobject_cast<const QLabel*>(&object)) {
+        return label->testAttribute(Qt::WA_SetCursor) && label->cursor().shape() == Qt::PointingHandCursor;
+    }
     return false;
+}
+
+/// Connects an event of a control to a call with the control's index, or with the column where the
+/// event has one. False when a control of this kind has no such event.
+bool ConnectEvent(QObject& control, const QString& event, int index, QObject& context,
+                  const std::function<void(int)>& call) {
+    const auto run = [call, index] { call(index); };
+    if (event == QLatin1String("Click")) {
+        if (auto* button = qobject_cast<QAbstractButton*>(&control))
+            return QObject::connect(button, &QAbstractButton::clicked, &context, run);
+        if (auto* action = qobject_cast<QAction*>(&control))
+            return QObject::connect(action, &QAction::triggered, &context, run);
+        if (auto* box = qobject_cast<QComboBox*>(&control))
+            return QObject::connect(box, &QComboBox::activated, &context, run);
+        if (auto* list = qobject_cast<QListWidget*>(&control))
+            return QObject::connect(list, &QListWidget::itemSelectionChanged, &context, run);
+        if (auto* view = qobject_cast<QAbstractItemView*>(&control))
+            return QObject::connect(view, &QAbstractItemView::clicked, &context, run);
+    } else if (event == QLatin1String("DblClick")) {
+        if (auto* view = qobject_cast<QAbstractItemView*>(&control))
+            return QObject::connect(view, &QAbstractItemView::doubleClicked, &context, run);
+    } else if (event == QLatin1String("Change")) {
+        if (auto* edit = qobject_cast<QLineEdit*>(&control))
+            return QObject::connect(edit, &QLineEdit::textChanged, &context, run);
+        if (auto* box = qobject_cast<QComboBox*>(&control))
+            return QObject::connect(box, &QComboBox::editTextChanged, &context, run);
+    } else if (event == QLatin1String("ColumnClick")) {
+        if (auto* view = qobject_cast<QTableView*>(&control))
+            return QObject::connect(view->horizontalHeader(), &QHeaderView::sectionClicked, &context, call);
+    } else if (event == QLatin1String("Timer")) {
+        if (auto* timer = qobject_cast<QTimer*>(&control))
+            return QObject::connect(timer, &QTimer::timeout, &context, run);
+    }
+    return false;
+}
+
+/// Whether a handler for `name` serves a control: it bears that name, or is an element of that array.
+bool Serves(const QString& name, const QObject& control) {
+    return control.objectName() == name || ElementIndex(control.objectName(), name) >= 0;
 }
 
 /// Input controls keep what they hold: their tag is the number of a field, not of a text.
@@ -124,7 +181,7 @@ private:
 
 // ---- waiting ----
 
-void WaitInLoop(const std::function<bool()>& condition) {
+void WaitInLoop(const std::function<bool()>& condition, QEventLoop::ProcessEventsFlags events) {
     const auto holds = [&] { return !Global.Ending && condition(); };
     if (!holds()) return;
     QEventLoop loop;
@@ -132,7 +189,11 @@ void WaitInLoop(const std::function<bool()>& condition) {
                      [&] {
                          if (!holds()) loop.quit();
                      });
-    loop.exec();
+    loop.exec(events);
+}
+
+bool FormBehaviour::IsOver() const {
+    return gone_ || Global.Ending;
 }
 
 void FormBehaviour::WaitWhile(const std::function<bool()>& condition) {
@@ -140,10 +201,14 @@ void FormBehaviour::WaitWhile(const std::function<bool()>& condition) {
 }
 
 void FormBehaviour::PauseFor(double seconds) {
-    bool over = Global.InstantPauses;
-    QTimer::singleShot(static_cast<int>(seconds * 1000), &Window(), [&over] { over = true; });
-    if (over) QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
-    WaitWhile([&] { return !over; });
+    if (Global.InstantPauses) {
+        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+        return;
+    }
+    QTimer pause;
+    pause.setSingleShot(true);
+    pause.start(static_cast<int>(seconds * 1000));
+    WaitInLoop([&] { return !gone_ && pause.isActive(); }, QEventLoop::ExcludeUserInputEvents);
 }
 
 // ---- handlers ----
@@ -159,63 +224,29 @@ void FormBehaviour::Run(const std::function<void()>& handler) {
 }
 
 void FormBehaviour::RunMethod(int method, int index) {
-    if (gone_ || Global.Ending) return;
+    if (IsOver()) return;
     Run([&] {
         void* arguments[] = {nullptr, &index};
         QMetaObject::metacall(&Window(), QMetaObject::InvokeMetaMethod, method, arguments);
     });
 }
 
-void FormBehaviour::Connect(QObject& control, const QString& event, int method, int index) {
-    QWidget* context = &Window();
-    const auto run = [this, method, index] { RunMethod(method, index); };
-    if (event == QLatin1String("Click")) {
-        if (auto* button = qobject_cast<QAbstractButton*>(&control)) {
-            QObject::connect(button, &QAbstractButton::clicked, context, run);
-        } else if (auto* action = qobject_cast<QAction*>(&control)) {
-            QObject::connect(action, &QAction::triggered, context, run);
-        } else if (auto* box = qobject_cast<QComboBox*>(&control)) {
-            QObject::connect(box, &QComboBox::activated, context, run);
-        } else if (auto* list = qobject_cast<QListWidget*>(&control)) {
-            QObject::connect(list, &QListWidget::itemSelectionChanged, context, run);
-        } else if (auto* view = qobject_cast<QAbstractItemView*>(&control)) {
-            QObject::connect(view, &QAbstractItemView::clicked, context, run);
-        }
-    } else if (event == QLatin1String("DblClick")) {
-        if (auto* view = qobject_cast<QAbstractItemView*>(&control)) {
-            QObject::connect(view, &QAbstractItemView::doubleClicked, context, run);
-        }
-    } else if (event == QLatin1String("Change")) {
-        if (auto* edit = qobject_cast<QLineEdit*>(&control)) {
-            QObject::connect(edit, &QLineEdit::textChanged, context, run);
-        } else if (auto* box = qobject_cast<QComboBox*>(&control)) {
-            QObject::connect(box, &QComboBox::editTextChanged, context, run);
-        }
-    } else if (event == QLatin1String("ColumnClick")) {
-        if (auto* view = qobject_cast<QTableView*>(&control)) {
-            QObject::connect(view->horizontalHeader(), &QHeaderView::sectionClicked, context,
-                             [this, method](int column) { RunMethod(method, column); });
-        }
-    } else if (event == QLatin1String("Timer")) {
-        if (auto* timer = qobject_cast<QTimer*>(&control))
-            QObject::connect(timer, &QTimer::timeout, context, run);
-    }
-}
-
 void FormBehaviour::WireControl(QObject& control) {
-    const QMetaObject* meta = Window().metaObject();
-    for (int method = FirstOwnMethod(Window()); method < meta->methodCount(); ++method) {
+    QWidget& window = Window();
+    const QMetaObject* meta = window.metaObject();
+    for (int method = FirstOwnMethod(window); method < meta->methodCount(); ++method) {
         QString name;
         QString event;
-        if (!SplitHandler(meta->method(method), name, event)) continue;
-        const int index = ElementIndex(control.objectName(), name);
-        if (control.objectName() == name || index >= 0) Connect(control, event, method, index);
+        if (!SplitHandler(meta->method(method), name, event) || !Serves(name, control)) continue;
+        ConnectEvent(control, event, ElementIndex(control.objectName(), name), window,
+                     [this, method](int index) { RunMethod(method, index); });
     }
 }
 
 QStringList FormBehaviour::WiringProblems() const {
     QWidget& window = const_cast<FormBehaviour*>(this)->Window();
     const QMetaObject* meta = window.metaObject();
+    const QString form = QString::fromLatin1(meta->className());
     const QList<QObject*> all = window.findChildren<QObject*>();
     QStringList problems;
     QStringList handled;
@@ -224,22 +255,27 @@ QStringList FormBehaviour::WiringProblems() const {
         QString event;
         if (!SplitHandler(meta->method(method), name, event)) continue;
         handled << name;
+        bool found = false;
+        for (QObject* object : all) {
+            if (!Serves(name, *object)) continue;
+            found = true;
+            QObject trial;
+            if (!ConnectEvent(*object, event, -1, trial, [](int) {}))
+                problems << QStringLiteral("%1: %2 has no event %3").arg(form, object->objectName(), event);
+        }
         const bool takesIndex =
             meta->method(method).parameterCount() == 1 && event != QLatin1String("ColumnClick");
-        const bool found = std::any_of(all.begin(), all.end(), [&](const QObject* object) {
-            return object->objectName() == name || ElementIndex(object->objectName(), name) >= 0;
-        });
         // The elements of an array are made when there are rows for them.
-        if (!found && !takesIndex)
-            problems << QStringLiteral("%1 has no control %2").arg(meta->className(), name);
+        if (!found && !takesIndex) problems << QStringLiteral("%1 has no control %2").arg(form, name);
     }
     for (const QObject* object : all) {
         if (!IsOurs(*object) || !IsClickable(*object)) continue;
-        const bool has = std::any_of(handled.begin(), handled.end(), [&](const QString& name) {
-            return object->objectName() == name || ElementIndex(object->objectName(), name) >= 0;
-        });
-        if (!has)
-            problems << QStringLiteral("%1: nothing handles %2").arg(meta->className(), object->objectName());
+        const bool has = std::any_of(handled.begin(), handled.end(),
+                                     [&](const QString& name) { return Serves(name, *object); });
+        const QString control = object->objectName().isEmpty()
+                                    ? QStringLiteral("a nameless %1").arg(object->metaObject()->className())
+                                    : object->objectName();
+        if (!has) problems << QStringLiteral("%1: nothing handles %2").arg(form, control);
     }
     return problems;
 }
@@ -271,12 +307,12 @@ void FormBehaviour::Leave() {
 
 void FormBehaviour::QueueGotFocus() {
     new BehindFirstPaint(Window(), [this] {
-        if (!gone_ && !Global.Ending) Run([this] { Form_GotFocus(); });
+        if (!IsOver()) Run([this] { Form_GotFocus(); });
     });
 }
 
 void FormBehaviour::Show(ShowMode mode) {
-    if (gone_ || Global.Ending) return;
+    if (IsOver()) return;
     QWidget& window = Window();
     // An object that has gone must outlive the wait below.
     ++running_;
@@ -312,10 +348,6 @@ void FormBehaviour::PressEscape() {
         if (button->isEnabled()) button->click();
         return;
     }
-}
-
-Form::Form() {
-    setModal(false);
 }
 
 void Form::closeEvent(QCloseEvent* event) {
@@ -372,6 +404,7 @@ void FormRegistry::Clear() {
     while (!forms_.empty()) forms_.back()->Unload();
     leaving_.clear();
     shown_.clear();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
 void FormRegistry::Raise(FormBehaviour& form) {
@@ -392,11 +425,12 @@ void FormRegistry::Forget(FormBehaviour& form) {
 }
 
 void FormRegistry::FocusTopmost() {
-    if (shown_.empty() || Global.Ending || Global.UnloadingForms) return;
+    if (shown_.empty()) return;
     FormBehaviour* top = shown_.back();
-    QPointer<QWidget> window = &top->Window();
-    QTimer::singleShot(0, window, [top, window] {
-        if (window && !top->IsGone() && !Global.Ending) top->Run([top] { top->Form_GotFocus(); });
+    QTimer::singleShot(0, &top->Window(), [this, top] {
+        // A form that was opened meanwhile stands above this one, which is called when that has gone.
+        if (shown_.empty() || shown_.back() != top || top->IsOver()) return;
+        top->Run([top] { top->Form_GotFocus(); });
     });
 }
 
@@ -436,6 +470,9 @@ void EndProgram(int exitCode) {
 
 void FailUnexpectedly(const std::exception& failure) {
     if (Global.Ending) return;
+    // Before the box, so that no timer can start a handler that fails on top of this one.
+    Global.Ending = true;
+    Global.ExitCode = 1;
     const Text words = Text::Path(std::string_view(failure.what()));
     Tell(Lines(words, Text::Value(Global.Events.Entry(0))), Icon::Stop);
     EndProgram(1);

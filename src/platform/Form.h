@@ -1,8 +1,8 @@
 #pragma once
 
 #include <QDialog>
+#include <QEventLoop>
 #include <QMainWindow>
-#include <QPointer>
 #include <QStringList>
 
 #include <functional>
@@ -35,17 +35,21 @@ public:
 
     bool IsGone() const { return gone_; }
 
+    /// The form has gone, or the process is ending: a handler that has waited goes no further.
+    bool IsOver() const;
+
     /// Connects the handlers of one control that was made after the form was loaded.
     void WireControl(QObject& control);
 
-    /// Handlers without a control, and enabled buttons and menu entries without a handler.
+    /// Handlers whose control is missing or has no such event; and enabled buttons, menu entries and
+    /// labels with a hand for a pointer that no handler serves.
     QStringList WiringProblems() const;
 
     /// Blocks in the event loop while the condition holds. Ends at once when the form has gone or
     /// the process is ending.
     void WaitWhile(const std::function<bool()>& condition);
 
-    /// A short pause in which the screen paints.
+    /// A short pause in which the screen paints. What the operator does meanwhile comes behind it.
     void PauseFor(double seconds);
 
 protected:
@@ -65,7 +69,6 @@ private:
     void Leave();
     void Run(const std::function<void()>& handler);
     void RunMethod(int method, int index);
-    void Connect(QObject& control, const QString& event, int method, int index);
     void QueueGotFocus();
 
     int running_ = 0;
@@ -80,7 +83,7 @@ public:
     void reject() override { PressEscape(); }
 
 protected:
-    Form();
+    Form() = default;
     void closeEvent(QCloseEvent* event) override;
 };
 
@@ -151,4 +154,5 @@ void EndProgram(int exitCode);
 void FailUnexpectedly(const std::exception& failure);
 
 /// Blocks in the event loop while the condition holds and the process is not ending.
-void WaitInLoop(const std::function<bool()>& condition);
+void WaitInLoop(const std::function<bool()>& condition,
+                QEventLoop::ProcessEventsFlags events = QEventLoop::AllEvents);

@@ -22,8 +22,11 @@ int GridModel::columnCount(const QModelIndex& parent) const {
 }
 
 QVariant GridModel::data(const QModelIndex& index, int role) const {
+    if (!checkIndex(index, CheckIndexOption::IndexIsValid)) return {};
     const auto column = static_cast<std::size_t>(index.column());
-    if (role == Qt::DisplayRole) return rows_.at(static_cast<std::size_t>(index.row())).value(index.column());
+    // The tip is for a cell that is too narrow for its text.
+    if (role == Qt::DisplayRole || role == Qt::ToolTipRole)
+        return rows_.at(static_cast<std::size_t>(index.row())).value(index.column());
     if (role == Qt::TextAlignmentRole && column < alignments_.size()) {
         return QVariant::fromValue(alignments_[column] | Qt::AlignVCenter);
     }
@@ -31,7 +34,7 @@ QVariant GridModel::data(const QModelIndex& index, int role) const {
 }
 
 QVariant GridModel::headerData(int section, Qt::Orientation orientation, int role) const {
-    if (orientation != Qt::Horizontal) return {};
+    if (orientation != Qt::Horizontal || section < 0) return {};
     if (role == Qt::DisplayRole) return headings_.value(section);
     if (role == Qt::TextAlignmentRole && static_cast<std::size_t>(section) < alignments_.size()) {
         return QVariant::fromValue(alignments_[static_cast<std::size_t>(section)] | Qt::AlignVCenter);

@@ -8,7 +8,7 @@
 #include <QFile>
 #include <QPainter>
 #include <QPalette>
-#include <QStyleFactory>
+#include <QProxyStyle>
 
 namespace {
 
@@ -44,6 +44,18 @@ QPalette MakePalette(const Tones& tones) {
     return palette;
 }
 
+/// Fusion, with room between a button's text and its edge.
+class Style final : public QProxyStyle {
+public:
+    Style() : QProxyStyle(QStringLiteral("Fusion")) {}
+
+    QSize sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& contents,
+                           const QWidget* widget) const override {
+        const QSize size = QProxyStyle::sizeFromContents(type, option, contents, widget);
+        return type == CT_PushButton ? size.expandedTo({contents.width() + 24, 0}) : size;
+    }
+};
+
 const Tones Light{QColor(0xf1f3f5), QColor(0xffffff), QColor(0xf6f8fa), QColor(0x1c2430),
                   QColor(0xe6eaee), QColor(0x8a94a0), QColor(0x1f6fb2), QColor(0x1a5c94)};
 const Tones Dark{QColor(0x22272e), QColor(0x1a1e24), QColor(0x262c34), QColor(0xe4e8ec),
@@ -52,7 +64,7 @@ const Tones Dark{QColor(0x22272e), QColor(0x1a1e24), QColor(0x262c34), QColor(0x
 } // namespace
 
 void ApplyLook(QApplication& application, bool dark) {
-    application.setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    application.setStyle(new Style);
     application.setPalette(MakePalette(dark ? Dark : Light));
 }
 

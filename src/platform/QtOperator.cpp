@@ -12,6 +12,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QPointer>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -45,39 +46,43 @@ QPushButton* AddButton(QMessageBox& box, MessageId caption, const QString& name,
 } // namespace
 
 Answer QtOperator::MsgBox(const Text& message, Icon icon, Buttons buttons) {
-    QMessageBox box(QApplication::activeWindow());
-    box.setObjectName(QStringLiteral("MsgBox"));
-    box.setWindowTitle(ToQt(Text(msg::Title)));
-    box.setTextFormat(Qt::PlainText);
-    box.setText(ToQt(message));
-    if (icon != Icon::None) box.setIconPixmap(Picture(BoxPicture(icon)).pixmap(36, 36));
-    box.setWindowModality(Qt::ApplicationModal);
+    // The form that it stands above may go meanwhile and takes it along.
+    const QPointer<QMessageBox> box = new QMessageBox(QApplication::activeWindow());
+    box->setObjectName(QStringLiteral("MsgBox"));
+    box->setWindowTitle(ToQt(Text(msg::Title)));
+    box->setTextFormat(Qt::PlainText);
+    box->setText(ToQt(message));
+    if (icon != Icon::None) box->setIconPixmap(Picture(BoxPicture(icon)).pixmap(36, 36));
+    box->setWindowModality(Qt::ApplicationModal);
+    QPushButton* yes = nullptr;
     if (buttons == Buttons::Ok) {
-        box.setEscapeButton(AddButton(box, msg::Ok, QStringLiteral("Ok"), QMessageBox::AcceptRole));
-        box.exec();
-        return Answer::Ok;
+        box->setEscapeButton(AddButton(*box, msg::Ok, QStringLiteral("Ok"), QMessageBox::AcceptRole));
+    } else {
+        yes = AddButton(*box, msg::Yes, QStringLiteral("Yes"), QMessageBox::YesRole);
+        QPushButton* no = AddButton(*box, msg::No, QStringLiteral("No"), QMessageBox::NoRole);
+        box->setDefaultButton(icon == Icon::Warning ? no : yes);
+        box->setEscapeButton(no);
     }
-    QPushButton* yes = AddButton(box, msg::Yes, QStringLiteral("Yes"), QMessageBox::YesRole);
-    QPushButton* no = AddButton(box, msg::No, QStringLiteral("No"), QMessageBox::NoRole);
-    box.setDefaultButton(icon == Icon::Warning ? no : yes);
-    box.setEscapeButton(no);
-    box.exec();
-    return box.clickedButton() == yes ? Answer::Yes : Answer::No;
+    box->exec();
+    const bool isYes = box && yes && box->clickedButton() == yes;
+    delete box;
+    if (buttons == Buttons::Ok) return Answer::Ok;
+    return isYes ? Answer::Yes : Answer::No;
 }
 
 std::optional<std::string> QtOperator::InputBox(const Text& prompt, const std::string& preset) {
-    QDialog box(QApplication::activeWindow());
-    box.setObjectName(QStringLiteral("InputBox"));
-    box.setWindowTitle(ToQt(Text(msg::Title)));
-    box.setWindowModality(Qt::ApplicationModal);
-    auto* label = new QLabel(ToQt(prompt), &box);
+    const QPointer<QDialog> box = new QDialog(QApplication::activeWindow());
+    box->setObjectName(QStringLiteral("InputBox"));
+    box->setWindowTitle(ToQt(Text(msg::Title)));
+    box->setWindowModality(Qt::ApplicationModal);
+    auto* label = new QLabel(ToQt(prompt), box);
     label->setTextFormat(Qt::PlainText);
     label->setWordWrap(true);
-    auto* answer = new QLineEdit(ToQt(preset), &box);
+    auto* answer = new QLineEdit(ToQt(preset), box);
     answer->setObjectName(QStringLiteral("txtAnswer"));
     answer->setMinimumWidth(360);
     label->setBuddy(answer);
-    auto* buttons = new QDialogButtonBox(&box);
+    auto* buttons = new QDialogButtonBox(box);
     QPushButton* ok =
         buttons->addButton(QString::fromStdString(CatalogueCaption(msg::Ok)), QDialogButtonBox::AcceptRole);
     ok->setObjectName(QStringLiteral("Ok"));
@@ -85,15 +90,17 @@ std::optional<std::string> QtOperator::InputBox(const Text& prompt, const std::s
     QPushButton* cancel = buttons->addButton(QString::fromStdString(CatalogueCaption(msg::Cancel)),
                                              QDialogButtonBox::RejectRole);
     cancel->setObjectName(QStringLiteral("Cancel"));
-    QObject::connect(buttons, &QDialogButtonBox::accepted, &box, &QDialog::accept);
-    QObject::connect(buttons, &QDialogButtonBox::rejected, &box, &QDialog::reject);
-    auto* layout = new QVBoxLayout(&box);
+    QObject::connect(buttons, &QDialogButtonBox::accepted, box, &QDialog::accept);
+    QObject::connect(buttons, &QDialogButtonBox::rejected, box, &QDialog::reject);
+    auto* layout = new QVBoxLayout(box);
     layout->addWidget(label);
     layout->addWidget(answer);
     layout->addWidget(buttons);
     answer->selectAll();
-    if (box.exec() != QDialog::Accepted) return std::nullopt;
-    return FromQt(answer->text());
+    std::optional<std::string> line;
+    if (box->exec() == QDialog::Accepted && box) line = FromQt(answer->text());
+    delete box;
+    return line;
 }
 
 bool QtOperator::Ask(const Question& question) {

@@ -33,9 +33,13 @@ bool SingleInstance::Take(const std::string& applicationDirectory) {
     if (other.waitForConnected(AnswerWithin)) return false;
     // Nobody answers: what stands under the name is a dead one's.
     QLocalServer::removeServer(name);
-    Server() = std::make_unique<QLocalServer>();
-    Server()->setSocketOptions(QLocalServer::UserAccessOption);
-    Server()->listen(name);
+    auto server = std::make_unique<QLocalServer>();
+    server->setSocketOptions(QLocalServer::UserAccessOption);
+    // Whoever asks wants to know that there is an answer, and no more.
+    QObject::connect(server.get(), &QLocalServer::newConnection, server.get(),
+                     [asked = server.get()] { delete asked->nextPendingConnection(); });
+    server->listen(name);
+    Server() = std::move(server);
     return true;
 }
 

@@ -6,13 +6,27 @@
 
 #include <QAbstractButton>
 #include <QAction>
+#include <QCheckBox>
 #include <QLabel>
+#include <QMenuBar>
 #include <QPushButton>
 #include <QRegularExpression>
+#include <QToolButton>
+#include <QTreeWidget>
 
 #include <filesystem>
 #include <functional>
 #include <set>
+
+/// A form to try the wiring on.
+class Wired final : public Form {
+    Q_OBJECT
+
+private slots:
+    void cmdPress_Click() {}
+    void lstRows_DblClick() {}
+    void cmdBrick_Click(int) {}
+};
 
 namespace {
 
@@ -37,7 +51,7 @@ TEST_P(AllForms, EveryHandlerHasItsControlAndEveryLiveControlItsHandler) {
     EXPECT_EQ(form_->WiringProblems().join(QStringLiteral("\n")).toStdString(), "");
 }
 
-TEST_P(AllForms, EveryTagIsATextOfTheCatalogueAndNoCaptionStandsInTheLayout) {
+TEST_P(AllForms, EveryTagIsATextOfTheCatalogue) {
     QList<QObject*> all = form_->Window().findChildren<QObject*>();
     all << &form_->Window();
     for (const QObject* object : all) {
@@ -48,24 +62,39 @@ TEST_P(AllForms, EveryTagIsATextOfTheCatalogueAndNoCaptionStandsInTheLayout) {
             EXPECT_TRUE(CatalogueHas({static_cast<std::uint16_t>(tag.toInt())}))
                 << name << " " << tag.toInt();
         }
-        if (name.empty() || name.starts_with("qt_")) continue;
-        if (const auto* button = qobject_cast<const QAbstractButton*>(object)) {
-            EXPECT_EQ(button->text().toStdString(), "") << name;
-        }
-        if (const auto* label = qobject_cast<const QLabel*>(object)) {
-            EXPECT_EQ(label->text().toStdString(), "") << name;
-        }
     }
 }
 
-TEST_P(AllForms, AButtonWithoutATextHasAnAccessibleName) {
+/// What a control is called when it is read aloud; empty when nobody could tell.
+QString SpokenName(const QWidget& control) {
+    if (!control.accessibleName().isEmpty()) return control.accessibleName();
+    if (const auto* button = qobject_cast<const QAbstractButton*>(&control)) return button->text();
+    for (const auto* label : control.window()->findChildren<QLabel*>()) {
+        if (label->buddy() == &control) return label->text();
+    }
+    return {};
+}
+
+TEST_P(AllForms, WhateverAKeyReachesCanBeReadAloud) {
     FillCaptions(form_->Window());
-    for (const auto* button : form_->Window().findChildren<QAbstractButton*>()) {
-        const QString name = button->objectName();
+    EXPECT_FALSE(form_->Window().windowTitle().isEmpty());
+    for (const auto* control : form_->Window().findChildren<QWidget*>()) {
+        const QString name = control->objectName();
         if (name.isEmpty() || name.startsWith(QLatin1String("qt_"))) continue;
+        if ((control->focusPolicy() & Qt::TabFocus) == 0) continue;
         // The two buttons of the shared question are captioned by its caller.
         if (name == QLatin1String("cmdYes") || name == QLatin1String("cmdNo")) continue;
-        EXPECT_FALSE(button->text().isEmpty() && button->accessibleName().isEmpty()) << name.toStdString();
+        EXPECT_FALSE(SpokenName(*control).isEmpty()) << name.toStdString();
+    }
+    for (const auto* action : form_->Window().findChildren<QAction*>()) {
+        EXPECT_TRUE(action->isSeparator() || !action->text().isEmpty()) << action->objectName().toStdString();
+    }
+}
+
+TEST_P(AllForms, EveryButtonIsReachedByTheTabKey) {
+    for (const auto* button : form_->Window().findChildren<QAbstractButton*>()) {
+        if (button->objectName().isEmpty() || button->objectName().startsWith(QLatin1String("qt_"))) continue;
+        EXPECT_TRUE(button->focusPolicy() & Qt::TabFocus) << button->objectName().toStdString();
     }
 }
 
@@ -90,6 +119,19 @@ TEST_P(AllForms, TwoEntriesThatShowTogetherDoNotShareAMnemonic) {
         if (letter.isEmpty()) continue;
         EXPECT_TRUE(seen.insert(letter).second)
             << button->objectName().toStdString() << " " << letter.toStdString();
+    }
+    for (const auto* label : form_->Window().findChildren<QLabel*>()) {
+        const QString letter = label->buddy() ? mnemonic(label->text()) : QString();
+        if (letter.isEmpty()) continue;
+        EXPECT_TRUE(seen.insert(letter).second)
+            << label->objectName().toStdString() << " " << letter.toStdString();
+    }
+    for (const auto* bar : form_->Window().findChildren<QMenuBar*>()) {
+        for (const auto* action : bar->actions()) {
+            const QString letter = mnemonic(action->text());
+            EXPECT_TRUE(!letter.isEmpty() && seen.insert(letter).second)
+                << "menu bar: " << action->text().toStdString();
+        }
     }
 }
 
@@ -138,20 +180,83 @@ TEST(CatalogueUse, EveryRowIsFetchedByTheCodeOrByAControlsTag) {
     EXPECT_GT(rows, 100);
 }
 
+TEST(CatalogueUse, NoLayoutHoldsATextOfItsOwn) {
+    const QRegularExpression text(QStringLiteral("<string[^>]*>([^<]*)</string>"));
+    const QRegularExpression number(QStringLiteral("^[0-9]+$"));
+    int tags = 0;
+    for (auto it = text.globalMatch(QString::fromStdString(SourceText())); it.hasNext(); ++tags) {
+        const QString words = it.next().captured(1);
+        EXPECT_TRUE(number.match(words).hasMatch()) << words.toStdString();
+    }
+    EXPECT_GT(tags, 100);
+}
+
 // ---- the wiring itself ----
 
-class Strict : public Form {
-public:
-    explicit Strict(const char* name) {
-        auto* button = new QPushButton(this);
-        button->setObjectName(QString::fromLatin1(name));
+class Wiring : public FormTest {
+protected:
+    template <class Control>
+    Control& Add(const char* name) {
+        auto* control = new Control(&form_);
+        control->setObjectName(QString::fromLatin1(name));
+        return *control;
     }
+
+    QStringList Problems() const { return form_.WiringProblems(); }
+
+    static QStringList Only(const char* problem) { return {QString::fromLatin1(problem)}; }
+
+    Wired form_;
 };
 
-TEST_F(FormTest, ALiveButtonThatNothingHandlesIsFound) {
-    Strict form("cmdNobody");
+TEST_F(Wiring, IsInOrderWhenEveryHandlerHasItsControl) {
+    Add<QPushButton>("cmdPress");
+    Add<QTreeWidget>("lstRows");
 
-    EXPECT_EQ(form.WiringProblems(), QStringList{QStringLiteral("QDialog: nothing handles cmdNobody")});
+    EXPECT_EQ(Problems(), QStringList());
+}
+
+TEST_F(Wiring, AHandlerWithoutAControlIsFound) {
+    Add<QTreeWidget>("lstRows");
+
+    EXPECT_EQ(Problems(), Only("Wired has no control cmdPress"));
+}
+
+TEST_F(Wiring, AHandlerForAnEventThatItsControlDoesNotHaveIsFound) {
+    Add<QPushButton>("cmdPress");
+    Add<QPushButton>("lstRows");
+
+    EXPECT_EQ(Problems(), Only("Wired: lstRows has no event DblClick"));
+}
+
+TEST_F(Wiring, ALiveControlThatNothingHandlesIsFoundWhateverItsKind) {
+    Add<QPushButton>("cmdPress");
+    Add<QTreeWidget>("lstRows");
+    Add<QPushButton>("cmdNobody");
+    Add<QToolButton>("lblNobody").setCheckable(true);
+    Add<QAction>("mnuNobody").setCheckable(true);
+    Add<QLabel>("imgNobody").setCursor(Qt::PointingHandCursor);
+    Add<QPushButton>("");
+    Add<QPushButton>("cmdDisabled").setEnabled(false);
+    Add<QCheckBox>("chkState");
+    Add<QLabel>("lblPlain");
+
+    EXPECT_EQ(Problems(), (QStringList{QStringLiteral("Wired: nothing handles cmdNobody"),
+                                       QStringLiteral("Wired: nothing handles lblNobody"),
+                                       QStringLiteral("Wired: nothing handles mnuNobody"),
+                                       QStringLiteral("Wired: nothing handles imgNobody"),
+                                       QStringLiteral("Wired: nothing handles a nameless QPushButton")}));
+}
+
+TEST_F(Wiring, TheElementsOfAnArrayAreServedByItsHandler) {
+    Add<QPushButton>("cmdPress");
+    Add<QTreeWidget>("lstRows");
+    Add<QToolButton>("cmdBrick_1");
+    Add<QToolButton>("cmdBrickwork_1");
+
+    EXPECT_EQ(Problems(), Only("Wired: nothing handles cmdBrickwork_1"));
 }
 
 } // namespace
+
+#include "AllFormsTest.moc"

@@ -100,6 +100,8 @@ QWidget& FormTest::Control(FormBehaviour& form, const char* name) {
 void FormTest::Click(FormBehaviour& form, const char* name) {
     auto& button = dynamic_cast<QAbstractButton&>(Control(form, name));
     ASSERT_TRUE(button.isEnabled()) << name;
+    // Whatever is live by now has its handler, also what was made or enabled since the load.
+    EXPECT_EQ(form.WiringProblems().join(QStringLiteral("\n")).toStdString(), "");
     button.click();
     Settle();
 }

@@ -1,3 +1,4 @@
+#include "core/Directories.h"
 #include "core/Messages.h"
 #include "core/SafeFile.h"
 #include "core/Settings.h"
@@ -11,6 +12,7 @@
 #include <QAction>
 #include <QDialog>
 #include <QRegularExpression>
+#include <QScopeGuard>
 #include <QTimer>
 #include <QToolButton>
 
@@ -288,6 +290,66 @@ TEST_F(MainScreen, TheEndEmptiesTheSessionEntriesAndWritesStatusAndSettings) {
     EXPECT_EQ(EngineTest::Lines(Global.InstallPath + "HSStatus.dat")[0], "Anna" + std::string(56, ' ') + "S");
     const auto lines = EngineTest::Lines(Global.AppPath + "ZUKTramble.ini");
     EXPECT_NE(std::find(lines.begin(), lines.end(), "PurgeDays=9"), lines.end());
+}
+
+TEST_F(MainScreen, TheEndRemovesTheTemporaryDirectory) {
+    const QByteArray before = qgetenv("TMPDIR");
+    const auto restore =
+        qScopeGuard([&] { before.isNull() ? qunsetenv("TMPDIR") : qputenv("TMPDIR", before); });
+    qputenv("TMPDIR", QByteArray::fromStdString(Folder()));
+    auto& form = Start();
+    std::filesystem::create_directories(TemporaryDirectory());
+    Global.TemporaryDirectory = true;
+
+    form.Unload();
+
+    EXPECT_FALSE(std::filesystem::exists(TemporaryDirectory()));
+}
+
+TEST_F(MainScreen, AStatusFileThatCannotBeWrittenIsToldOnceAndEndsTheProgram) {
+    auto& form = Start();
+    std::filesystem::remove(Global.InstallPath + "HSStatus.dat");
+    std::filesystem::create_directories(Global.InstallPath + "HSStatus.dat/in the way");
+    Operator_.Expect(msg::ResetQuestion).Answer(Answer::Yes);
+    Operator_.ExpectBeginning(msg::ConfigurationError).With(Icon::Stop);
+
+    Click(form, "cmdReset");
+    form.Unload();
+
+    EXPECT_EQ(Global.ExitCode, 1);
+    EXPECT_EQ(Global.Events.Entry(0), "basCommon:EndProcess");
+}
+
+TEST_F(MainScreen, AMaximisedWindowKeepsTheNumbersOfItsPlace) {
+    WriteWholeFile(Global.AppPath + "ZUKTramble.ini",
+                   "WindowState=2\r\nMainTop=1003\r\nMainLeft=604\r\nMainHeight=9301\r\nMainWidth=13807\r\n");
+    auto& form = Start();
+
+    form.Unload();
+
+    const auto lines = EngineTest::Lines(Global.AppPath + "ZUKTramble.ini");
+    EXPECT_NE(std::find(lines.begin(), lines.end(), "MainTop=1003"), lines.end());
+    EXPECT_NE(std::find(lines.begin(), lines.end(), "MainWidth=13807"), lines.end());
+}
+
+TEST_F(MainScreen, AWindowOfAScreenThatIsGoneIsShownWhereItCanBeReached) {
+    WriteWholeFile(
+        Global.AppPath + "ZUKTramble.ini",
+        "WindowState=0\r\nMainTop=300\r\nMainLeft=-90000\r\nMainHeight=9300\r\nMainWidth=13800\r\n");
+
+    auto& form = Start();
+
+    EXPECT_GE(form.x(), 0);
+    EXPECT_EQ(form.width(), 920);
+}
+
+TEST_F(MainScreen, ABrickShowsItsIdToTheLetter) {
+    GivenRows("ZUKLINK", {"LK_HOTSYNC", "A & B"});
+
+    auto& form = Start();
+
+    EXPECT_EQ(Control(form, "cmdHHHSIDStd_1").accessibleName(), QStringLiteral("A & B: Not Synced"));
+    EXPECT_EQ(dynamic_cast<QToolButton&>(Control(form, "cmdHHHSIDStd_1")).text(), QStringLiteral("A && B"));
 }
 
 TEST_F(MainScreen, ARestartKeepsTheTraceOfTheRunBefore) {

@@ -9,6 +9,7 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QElapsedTimer>
 #include <QKeyEvent>
 #include <QMessageBox>
 #include <QPlainTextEdit>
@@ -30,6 +31,11 @@ protected:
             }
         });
         timer->start(1);
+    }
+
+    /// Handles events until the condition holds.
+    static void SettleUntil(const std::function<bool()>& condition) {
+        WaitInLoop([&] { return !condition(); });
     }
 
     static void Press(QWidget& window, const char* button) {
@@ -194,19 +200,29 @@ public:
     ~Sleeper() override { told_.emplace_back("destroyed"); }
 
     bool WaitsForEver = false;
+    bool LeavesAtOnce = false;
+    std::string FailsIn;
 
 protected:
-    void Form_Load() override { told_.emplace_back("load"); }
+    void Form_Load() override {
+        Tell("load");
+        if (LeavesAtOnce) Unload();
+    }
     void Form_GotFocus() override {
-        told_.emplace_back("focus");
+        Tell("focus");
         if (!WaitsForEver) return;
         QTimer::singleShot(1, this, [this] { Unload(); });
         WaitWhile([] { return true; });
         told_.emplace_back(IsGone() ? "gone" : "there");
     }
-    void Form_Unload() override { told_.emplace_back("unload"); }
+    void Form_Unload() override { Tell("unload"); }
 
 private:
+    void Tell(const char* handler) {
+        told_.emplace_back(handler);
+        if (FailsIn == handler) throw std::runtime_error(handler);
+    }
+
     std::vector<std::string>& told_;
 };
 
@@ -232,6 +248,112 @@ TEST_F(SharedScreens, AHandlerThatWaitsCanLoseItsFormAndItsWaitEnds) {
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 
     EXPECT_EQ(told, (std::vector<std::string>{"load", "focus", "unload", "gone", "destroyed"}));
+}
+
+TEST_F(SharedScreens, AFormThatUnloadsItselfWhileItLoadsIsNeverShown) {
+    std::vector<std::string> told;
+    auto form = std::make_unique<Sleeper>(told);
+    form->LeavesAtOnce = true;
+
+    FormRegistry::Instance().Adopt(std::move(form)).Show(ShowMode::Modal);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+
+    EXPECT_EQ(told, (std::vector<std::string>{"load", "unload", "destroyed"}));
+}
+
+TEST_F(SharedScreens, TheFormBelowGetsTheFocusWhenTheOneAboveHasGoneAndNotBefore) {
+    std::vector<std::string> below;
+    std::vector<std::string> above;
+    FormBehaviour& lower = FormRegistry::Instance().Adopt(std::make_unique<Sleeper>(below));
+    lower.Show();
+    SettleUntil([&] { return below.size() == 2; });
+    auto& first = FormRegistry::Instance().Adopt(std::make_unique<Sleeper>(above));
+    first.Show();
+    auto& second = FormRegistry::Instance().Adopt(std::make_unique<Sleeper>(above));
+
+    first.Unload();
+    second.Show();
+    Settle();
+    EXPECT_EQ(below, (std::vector<std::string>{"load", "focus"}));
+    second.Unload();
+    Settle();
+
+    EXPECT_EQ(below, (std::vector<std::string>{"load", "focus", "focus"}));
+    FormRegistry::Instance().Clear();
+}
+
+TEST_F(SharedScreens, AModalFormThatAnotherUnloadsEndsItsWaitWhenTheOneAboveHasGone) {
+    std::vector<std::string> told;
+    FormBehaviour& lower = FormRegistry::Instance().Adopt(std::make_unique<Sleeper>(told));
+    FormBehaviour& upper = FormRegistry::Instance().Adopt(std::make_unique<Sleeper>(told));
+    QTimer::singleShot(1, &lower.Window(), [&] {
+        QTimer::singleShot(1, qApp, [&] { lower.Unload(); });
+        QTimer::singleShot(5, &upper.Window(), [&] { upper.Unload(); });
+        upper.Show(ShowMode::Modal);
+    });
+
+    lower.Show(ShowMode::Modal);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+
+    EXPECT_EQ(std::count(told.begin(), told.end(), "destroyed"), 2);
+}
+
+TEST_F(SharedScreens, APauseEndsWithItsFormAndLeavesNothingBehind) {
+    Global.InstantPauses = false;
+    std::vector<std::string> told;
+    FormBehaviour& form = FormRegistry::Instance().Adopt(std::make_unique<Sleeper>(told));
+    QTimer::singleShot(1, qApp, [&] { form.Unload(); });
+    QElapsedTimer clock;
+    clock.start();
+
+    form.PauseFor(30);
+
+    EXPECT_LT(clock.elapsed(), 10000);
+    FormRegistry::Instance().Clear();
+}
+
+TEST_F(SharedScreens, ABoxGoesWithTheFormThatItStandsAbove) {
+    std::vector<std::string> told;
+    FormBehaviour& form = FormRegistry::Instance().Adopt(std::make_unique<Sleeper>(told));
+    form.Show();
+    SettleUntil([&] { return QApplication::activeWindow() == &form.Window(); });
+    WhenShown(QStringLiteral("MsgBox"), [&](QWidget&) {
+        form.Unload();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    });
+
+    EXPECT_EQ(QtOperator().MsgBox(msg::ResetQuestion, Icon::Question, Buttons::YesNo), Answer::No);
+}
+
+TEST_F(SharedScreens, AFailureInEveryKindOfHandlerIsToldOnceAndEndsTheProgram) {
+    for (const char* handler : {"focus", "unload"}) {
+        Global.Ending = false;
+        std::vector<std::string> told;
+        auto form = std::make_unique<Sleeper>(told);
+        form->FailsIn = handler;
+        Operator_.ExpectBeginning(Text::Path(std::string(handler)));
+
+        FormBehaviour& shown = FormRegistry::Instance().Adopt(std::move(form));
+        shown.Show();
+        while (!Global.Ending) {
+            Settle();
+            if (std::string(handler) == "unload") shown.Unload();
+        }
+        EXPECT_EQ(Global.ExitCode, 1);
+        FormRegistry::Instance().Clear();
+    }
+}
+
+TEST_F(SharedScreens, AFailureInALoadIsTheCallersAndLeavesNoForm) {
+    std::vector<std::string> told;
+    auto form = std::make_unique<Sleeper>(told);
+    form->FailsIn = "load";
+
+    EXPECT_THROW(FormRegistry::Instance().Adopt(std::move(form)), std::runtime_error);
+
+    EXPECT_TRUE(FormRegistry::Instance().Names().empty());
+    EXPECT_FALSE(Global.Ending);
+    FormRegistry::Instance().Clear();
 }
 
 TEST_F(SharedScreens, AFailureThatNothingCatchesIsToldWithTheLastTraceLineAndEndsTheProgram) {

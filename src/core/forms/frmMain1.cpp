@@ -26,6 +26,9 @@
 #include <QApplication>
 #include <QHeaderView>
 #include <QProcess>
+#include <QScreen>
+#include <QStyleOptionToolButton>
+#include <QStylePainter>
 
 namespace {
 
@@ -44,7 +47,26 @@ std::string CountOf(const std::string& table) {
     return FileExists(path) ? std::to_string(TableScan(path).RecordCount()) : std::string();
 }
 
-/// An icon that looks the same on a button that cannot be pressed: a brick tells its state either way.
+/// A handheld's button. It tells a state, and is drawn in full colour whether it can be pressed or
+/// not. An id that is wider than the brick ends in an ellipsis.
+class Brick final : public QToolButton {
+public:
+    using QToolButton::QToolButton;
+
+protected:
+    void paintEvent(QPaintEvent*) override {
+        QStyleOptionToolButton option;
+        initStyleOption(&option);
+        option.palette.setColor(QPalette::Disabled, QPalette::ButtonText,
+                                palette().color(QPalette::Active, QPalette::ButtonText));
+        const int margins = option.icon.isNull() ? 4 : 10 + option.iconSize.width();
+        option.text =
+            fontMetrics().elidedText(option.text, Qt::ElideRight, width() - margins, Qt::TextShowMnemonic);
+        QStylePainter(this).drawComplexControl(QStyle::CC_ToolButton, option);
+    }
+};
+
+/// An icon that looks the same on a button that cannot be pressed.
 QIcon StateIcon(std::string_view name) {
     const QIcon plain = Picture(name);
     QIcon icon;
@@ -63,7 +85,7 @@ frmMain1::frmMain1() : totals_(new GridModel(this)) {
 void frmMain1::Form_Load() {
     try {
         StartUp();
-    } catch (const RunTimeFailure& failure) {
+    } catch (const std::exception& failure) {
         StopStart(Lines(msg::StartFileError, Text::Path(std::string_view(failure.what()))));
     }
 }
@@ -109,8 +131,8 @@ void frmMain1::StartUp() {
     LoadIcons();
     SetUpTotalsGrid();
     GetPCTotals();
-    if (!WriteStatus()) return;
     GetHHBricksStd();
+    if (Global.Ending) return;
     if (Global.PurgeBackup) {
         DeleteBackupTables([](std::string_view file) {
             Tell(Words(msg::CannotDelete, Text::Path(file)), Icon::Information);
@@ -193,13 +215,15 @@ void frmMain1::mnuExit_Click() {
 }
 
 void frmMain1::Form_Unload() {
-    if (operating_) {
+    // A start that was given up and a program that failed have nothing to keep: the trace is to end
+    // where they did.
+    if (operating_ && !Global.Ending) {
         TraceEvent("frmMain1:Form_Unload");
         for (std::string& status : Global.HHStatus) status.clear();
-        WriteStatus();
+        WithStatusFile(UpdateHHStatus);
         TakeWindowPosition();
         WriteSettings();
-        FormRegistry::Instance().UnloadSecondary();
+        UnloadForms();
     }
     SingleInstance::Release();
     EndProgram(0);
@@ -218,10 +242,12 @@ void frmMain1::UnloadForms() {
 
 void frmMain1::TakeWindowPosition() {
     Global.WindowState = isMinimized() ? std::int16_t{1} : isMaximized() ? std::int16_t{2} : std::int16_t{0};
+    // A maximised window keeps the numbers of the place that it had before.
+    if (Global.WindowState != 0) return;
     // The frame's corner and the window's size: what `move` and `resize` set.
-    const QRect place = isMaximized() ? normalGeometry() : QRect(pos(), size());
+    const QRect place(pos(), size());
     // A window that was not moved keeps the numbers it was read with, whatever the rounding.
-    if (place == restored_ || Global.WindowState == 1) return;
+    if (place == restored_) return;
     Global.MainTop = place.top() * TwipsPerPixel;
     Global.MainLeft = place.left() * TwipsPerPixel;
     Global.MainHeight = place.height() * TwipsPerPixel;
@@ -230,10 +256,12 @@ void frmMain1::TakeWindowPosition() {
 
 void frmMain1::RestoreWindow() {
     if (Global.WindowState == 0) {
-        move(Global.MainLeft / TwipsPerPixel, Global.MainTop / TwipsPerPixel);
         if (Global.MainHeight > 0 && Global.MainWidth > 0) {
             resize(Global.MainWidth / TwipsPerPixel, Global.MainHeight / TwipsPerPixel);
         }
+        const QPoint corner(Global.MainLeft / TwipsPerPixel, Global.MainTop / TwipsPerPixel);
+        // A place on a screen that is no longer there cannot be reached.
+        if (QGuiApplication::screenAt(corner + QPoint(width() / 2, 10))) move(corner);
     } else if (Global.WindowState == 1) {
         setWindowState(Qt::WindowNoState);
     } else {
@@ -244,18 +272,21 @@ void frmMain1::RestoreWindow() {
 
 // ---- status and settings on disk ----
 
-/// Reads the status list when there is none yet, else writes it. False when the program ends of it.
-bool frmMain1::WriteStatus() {
+bool frmMain1::WithStatusFile(void (*routine)()) {
     try {
-        operating_ ? UpdateHHStatus() : GetHHStatus();
+        routine();
         return true;
     } catch (const RunTimeFailure& failure) {
         Tell(Lines(msg::ConfigurationError, Text::Path(std::string_view(failure.what()))), Icon::Stop);
-        TraceEvent("basCommon:EndProcess");
-        hide();
-        EndProgram(1);
+        EndProcess();
         return false;
     }
+}
+
+void frmMain1::EndProcess() {
+    TraceEvent("basCommon:EndProcess");
+    hide();
+    EndProgram(1);
 }
 
 void frmMain1::WriteSettings() {
@@ -272,27 +303,27 @@ void frmMain1::DrawBricks(const QString& family, const std::function<QIcon(std::
                           const std::function<Text(std::size_t)>& state) {
     const bool canBeClicked = HasHandler(family + QStringLiteral("_Click"));
     while (QLayoutItem* item = grdBricks->takeAt(0)) {
-        delete item->widget();
+        // Not deleted here: it may be the brick whose click has brought this about.
+        item->widget()->setParent(nullptr);
+        item->widget()->deleteLater();
         delete item;
     }
+    brickIDs_ = LinkIDs();
     std::size_t row = 0;
-    for (const std::string& id : LinkIDs()) {
+    for (const std::string& id : brickIDs_) {
         const int place = static_cast<int>(row);
         ++row;
-        auto* brick = new QToolButton(picHHStatus);
+        auto* brick = new Brick(picHHStatus);
         brick->setObjectName(family + QLatin1Char('_') + QString::number(row));
         brick->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
         brick->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
-        brick->setText(ToQt(std::string_view(id)));
+        brick->setIconSize({16, 16});
+        // An ampersand in an id is no mark of a mnemonic.
+        brick->setText(ToQt(std::string_view(id)).replace(QLatin1Char('&'), QLatin1String("&&")));
         brick->setIcon(picture(row));
-        brick->setToolTip(ToQt(Text::Value(id)) + QStringLiteral(": ") + ToQt(state(row)));
+        brick->setToolTip(ToQt(std::string_view(id)) + QStringLiteral(": ") + ToQt(state(row)));
         brick->setAccessibleName(brick->toolTip());
         brick->setEnabled(canBeClicked);
-        // A brick tells a state: it must be read whether it can be pressed or not.
-        QPalette readable = brick->palette();
-        readable.setColor(QPalette::Disabled, QPalette::ButtonText,
-                          readable.color(QPalette::Active, QPalette::ButtonText));
-        brick->setPalette(readable);
         WireControl(*brick);
         grdBricks->addWidget(brick, place / BricksInRow, place % BricksInRow);
     }
@@ -304,7 +335,7 @@ void frmMain1::DrawBricks(const QString& family, const std::function<QIcon(std::
 
 void frmMain1::GetHHBricks() {
     TraceEvent("frmMain1:GetHHBricks");
-    GetHHStatus();
+    if (!WithStatusFile(GetHHStatus)) return;
     const auto letter = [](std::size_t row) {
         return row < Global.HHStatus.size() ? Global.HHStatus[row] : std::string();
     };
@@ -324,7 +355,7 @@ void frmMain1::GetHHBricks() {
 
 void frmMain1::GetHHBricksStd() {
     TraceEvent("frmMain1:GetHHBricksStd");
-    GetHHStatus();
+    if (!WithStatusFile(GetHHStatus)) return;
     const auto done = [](std::size_t row) {
         return row < Global.HHStatusStd.size() && Global.HHStatusStd[row] == "S";
     };
@@ -354,12 +385,11 @@ bool frmMain1::HasHandler(const QString& name) const {
 
 void frmMain1::cmdHHHSID_Click(int index) {
     TraceEvent("frmMain1:cmdHHHSID_Click");
-    const auto ids = LinkIDs();
-    const auto row = static_cast<std::size_t>(index);
-    const auto details = row >= 1 && row <= ids.size() ? ReadStatusDetails(ids[row - 1]) : std::nullopt;
+    const std::string id = brickIDs_.at(static_cast<std::size_t>(index) - 1);
+    const auto details = ReadStatusDetails(id);
     if (!details) return Tell(msg::NoStatusDetails, Icon::Information);
     auto& form = The<frmHHStatus>();
-    form.Fill(ids[row - 1], *details);
+    form.Fill(id, *details);
     form.Show(ShowMode::Modal);
 }
 
@@ -368,7 +398,7 @@ void frmMain1::cmdReset_Click() {
     if (!Global.TheOperator->Ask({msg::ResetQuestion, msg::Yes, msg::No, {}})) return;
     Global.LastReset = Now();
     ClearHHStatus();
-    if (!WriteStatus()) return;
+    if (!WithStatusFile(UpdateHHStatus)) return;
     GetHHBricksStd();
     GetPCTotals();
 }
@@ -388,7 +418,6 @@ void frmMain1::SetUpTotalsGrid() {
     FGTot->horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch);
     FGTot->horizontalHeader()->setHighlightSections(false);
     FGTot->verticalHeader()->setDefaultSectionSize(FGTot->fontMetrics().height() + 8);
-    FGTot->setAccessibleName(ToQt(Text(msg::lblMatrix)));
 }
 
 void frmMain1::GetPCTotals() {

@@ -8,6 +8,8 @@
 #include <QIcon>
 
 #include <functional>
+#include <string>
+#include <vector>
 
 /// The system's home: the state of the handhelds, the recent uploads, the daily activities and the
 /// tools. Its load is the start of the program, its unload the end.
@@ -60,10 +62,15 @@ private:
     bool HasHandler(const QString& name) const;
     void RestoreWindow();
     void TakeWindowPosition();
-    bool WriteStatus();
+
+    /// Runs a routine that reads or writes the status file. False when it could not: the operator
+    /// has been told, and the process ends.
+    bool WithStatusFile(void (*routine)());
+    void EndProcess();
     void WriteSettings();
 
     GridModel* totals_;
-    QRect restored_;         ///< the place that was set from the settings, in pixels
-    bool operating_ = false; ///< start-up has come to its end
+    std::vector<std::string> brickIDs_; ///< of the bricks that are drawn
+    QRect restored_;                    ///< the place that was set from the settings, in pixels
+    bool operating_ = false;            ///< start-up has come to its end
 };

@@ -8,7 +8,6 @@
 
 void frmMessage::Form_Load() {
     TraceEvent("frmMessage:Form_Load");
-    setWindowTitle(ToQt(Text(msg::Title)));
     Global.MessageAnswer = false;
 }
 

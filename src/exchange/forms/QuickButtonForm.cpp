@@ -121,7 +121,7 @@ void QuickButtonForm::cmdOK_Click() {
     for (std::size_t row = 0; row < templates_.size(); ++row) {
         if (templates_[row].empty()) continue;
         const RowResult result = RunRow(row, templates_[row]);
-        if (IsGone() || Global.Ending) return;
+        if (IsOver()) return;
         MarkRow(row, result.Worked);
         if (result.Report) lblSST[row]->setText(ToQt(*result.Report));
         if (!result.Worked) ++errors;

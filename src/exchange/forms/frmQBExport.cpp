@@ -34,12 +34,10 @@ QuickButtonForm::RowResult frmQBExport::RunRow(std::size_t row, const std::strin
         Tell(Words(msg::ExportFileError, name) + msg::BangOldTemplate, Icon::Warning);
         return {};
     }
-    EnsureDataDirectory(Global.DataOutPath, "DataOut", msg::DataOutUnavailable);
     lblSS[row]->setText(ToQt(name));
 
     ExportJob job;
     job.Delimiter = read.Template.Delimiter.value_or(Delimiter::Csv);
-    job.ExportFile = Global.DataOutPath + NameToPath(ExportFileName(read.Template.FileName, job.Delimiter));
     job.AddHeadings = read.Template.AddHeadings;
     job.AddBlankLine = read.Template.AddBlankLine;
     job.SortOrders = read.Template.SortOrders;
@@ -48,6 +46,9 @@ QuickButtonForm::RowResult frmQBExport::RunRow(std::size_t row, const std::strin
 
     ExportResult result;
     try {
+        EnsureDataDirectory(Global.DataOutPath, "DataOut", msg::DataOutUnavailable);
+        job.ExportFile =
+            Global.DataOutPath + NameToPath(ExportFileName(read.Template.FileName, job.Delimiter));
         OrderBook book = OpenOrderBook(Global.DBFPath + "ZUKORHDR.DBF", Global.DBFPath + "ZUKORLIN.DBF");
         PrepareOrders(job, book, OrderQuestions());
         const bool byLine = HasLineFields(job.Columns);
@@ -56,7 +57,7 @@ QuickButtonForm::RowResult frmQBExport::RunRow(std::size_t row, const std::strin
         progress.Begin(Words(msg::ConvertingTable, byLine ? msg::LineTable : msg::HeaderTable),
                        std::int64_t{walked.RecordCount()} + 2);
         PauseFor(0.2);
-        if (IsGone()) return {};
+        if (IsOver()) return {};
         result = ExportOrders(job, book.Tables, progress);
     } catch (const RunTimeFailure& failure) {
         Tell(Lines(msg::ExportStopped, Text::Path(std::string_view(failure.what()))), Icon::Stop);
@@ -77,8 +78,8 @@ void frmQBExport::OfferDeletion() {
         Tell(Lines(msg::FileError, msg::CannotBackUp), Icon::Stop);
         return;
     }
-    RecordTotals(ProgressFlag::Export);
     try {
+        RecordTotals(ProgressFlag::Export);
         for (const char* table : {"ZUKOrHdr.dbf", "ZUKOrLin.dbf"}) {
             CopyOver(Global.DBFEmptyPath + table, Global.DBFPath + table);
         }

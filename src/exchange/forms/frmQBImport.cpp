@@ -32,11 +32,14 @@ QuickButtonForm::RowResult frmQBImport::RunRow(std::size_t row, const std::strin
         Tell(Words(msg::ErrorOpening, name) + msg::MakeSureFileExists, Icon::Warning);
         return {};
     }
-    EnsureDataDirectory(Global.DataInPath, "DataIn", msg::DataInUnavailable);
-
     const auto kind = TemplateKindOf(templateName);
-    const std::string dataFile = Global.DataInPath + NameToPath(read.Template.DataFile);
-    if (!kind || read.BadDataFile || !FileExists(dataFile)) {
+    ImportJob job;
+    try {
+        EnsureDataDirectory(Global.DataInPath, "DataIn", msg::DataInUnavailable);
+        if (!kind || read.BadDataFile) throw RunTimeFailure(52, read.Template.DataFile);
+        job.ImportFile = Global.DataInPath + NameToPath(read.Template.DataFile);
+        job.LineCount = CountLines(job.ImportFile);
+    } catch (const RunTimeFailure&) {
         Tell(Words(msg::ImportFileError, name) + msg::AndOldTemplate, Icon::Warning);
         return {};
     }
@@ -45,21 +48,18 @@ QuickButtonForm::RowResult frmQBImport::RunRow(std::size_t row, const std::strin
     lblSS[row]->setText(ToQt(table));
     lblSS[row]->setToolTip(ToQt(name));
 
-    ImportJob job;
-    job.ImportFile = dataFile;
     job.TableFile = Global.DBFPath + std::string(TableFileOf(*kind));
     job.Delimiter = read.Template.Delimiter.value_or(Delimiter::Csv);
     job.StartLine = StartLineNumber(read.Template.StartLine);
     job.SelectedFields = read.Template.Fields;
     job.Literals = read.Template.Literals;
     try {
-        job.LineCount = CountLines(dataFile);
         BarProgress progress(lblProgress, *pgbProgress);
         progress.Begin(Words(customers ? msg::ImportingCustomers : msg::ImportingItems,
                              Text::Value(read.Template.DataFile)),
                        100);
         PauseFor(0.2);
-        if (IsGone()) return {};
+        if (IsOver()) return {};
         job.AvailableFields = AvailableFieldsOf(job.TableFile);
         const ImportResult result = ImportDataFile(job, progress);
         const std::int32_t good = result.FieldCountMismatch ? 0 : result.LinesRead - result.LinesFailed;

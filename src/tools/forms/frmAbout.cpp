@@ -1,6 +1,7 @@
 #include "tools/forms/frmAbout.h"
 
 #include "core/Globals.h"
+#include "core/Messages.h"
 #include "core/forms/frmEventLog.h"
 #include "platform/Convert.h"
 #include "platform/Look.h"
@@ -18,7 +19,12 @@ void frmAbout::Form_Load() {
 
     lblZUKVer1->setText(QApplication::applicationVersion());
     lblOSName1->setText(QSysInfo::prettyProductName());
-    lblOSVer1->setText(QSysInfo::kernelType() + QLatin1Char(' ') + QSysInfo::kernelVersion());
+    // "10.0.19045", "6.1.0-18-amd64": two numbers of the version, and the rest is the build.
+    const QString kernel = QSysInfo::kernelVersion();
+    const auto part = [&](int first, int last) {
+        return Text::Path(PathFromQt(kernel.section(QLatin1Char('.'), first, last)));
+    };
+    lblOSVer1->setText(ToQt(Words(Words(msg::OSVersion, part(0, 1)) + msg::OSBuild, part(2, -1))));
     lblAppPath1->setText(PathToQt(Global.AppPath));
     lblDBFPath1->setText(PathToQt(Global.DBFPath));
     lblDataInPath1->setText(PathToQt(Global.DataInPath));
