@@ -1,35 +1,5 @@
-#include "core/Failure.h"
-#include "core/Globals.h"
-#include "core/forms/frmMain1.h"
-#include "maintenance/Office.h"
-#include "platform/Convert.h"
-#include "platform/Look.h"
-#include "platform/QtOperator.h"
-#include "platform/Registry.h"
-
-#include <QApplication>
-#include <QStandardPaths>
+#include "platform/Program.h"
 
 int main(int argc, char** argv) {
-    QApplication application(argc, argv);
-    QApplication::setApplicationName(QStringLiteral("ZUKTramble"));
-    QApplication::setApplicationVersion(QStringLiteral(TRAMBLE_VERSION));
-    // The main screen's unload ends the program, and nothing else does.
-    QApplication::setQuitOnLastWindowClosed(false);
-    QtOperator atTheScreen;
-    Global.TheOperator = &atTheScreen;
-    try {
-        const QString data = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
-        Global.AppPath =
-            ApplicationDirectory(PathFromQt(QApplication::applicationDirPath()), PathFromQt(data));
-        ApplyLook(application, Registry::DarkLook());
-        auto& main = The<frmMain1>();
-        main.Show();
-    } catch (const std::exception& failure) {
-        FailUnexpectedly(failure);
-    }
-    // A start that was given up has said so; there is no loop to leave.
-    const int exitCode = Global.Ending ? Global.ExitCode : QApplication::exec();
-    FormRegistry::Instance().Clear();
-    return exitCode;
+    return RunProgram(argc, argv, TRAMBLE_VERSION);
 }

@@ -13,27 +13,6 @@
 
 class Operator;
 
-/// The tables that a viewer can be opened on, in the order of the View menu.
-enum class ViewTable {
-    None,
-    Comp,
-    Link,
-    Pay,
-    Print,
-    STax,
-    Setup,
-    Cust,
-    Item,
-    OrHdr,
-    OrLin,
-    AudtH,
-    AudtL,
-    AudHH,
-    BarIn,
-    PRN,
-    TotalPC
-};
-
 /// What `frmProgress` does when it is loaded, in the order in which it looks.
 enum class ProgressFlag {
     Export,
@@ -105,25 +84,18 @@ struct Globals {
     DateTime BackupTime;     ///< the moment of the last MakeBackup; zero once a totals event has taken it
     std::string BackupEvent; ///< the event that it was made for
     bool BackupCustomers = false, BackupItems = false; ///< backups take these tables too
-    bool UploadClosing = false; ///< flag "upload added" of `frmProgress`, for `frmTotalsMsg`
-    bool RefreshTotals = false; ///< the main screen's totals are out of date
+    bool RefreshTotals = false;                        ///< the main screen's totals are out of date
 
     // Handhelds, parallel arrays whose entry 0 is not used; see sync/Status.h.
     std::int32_t HHCount = 0;
     std::vector<std::string> HHSyncID{""}, HHStatus{""}, HHStatusStd{""};
     std::vector<std::string> HHStatusInst{""}, HHStatusDT{""}, HHStatusType{""};
-    std::int32_t LinkRecordToShow = 0;
 
     // Flags by which forms talk to each other.
     bool MessageAnswer = false;
     std::array<bool, ProgressFlags> Progress{};
-    ViewTable View = ViewTable::None;
-    bool TemplateEditMode = false;
-    bool QBRunning = false;
     bool UnloadingForms = false;
     bool TemporaryDirectory = false; ///< "ZUKTemp" was made and is removed by UnloadForms
-    bool UnattendedActive = false;
-    bool MainSyncLoaded = false;
 };
 
 extern Globals Global;
