@@ -9,13 +9,17 @@
 #include "core/TextCompare.h"
 #include "core/TextFile.h"
 
+#include <optional>
 #include <string_view>
+#include <type_traits>
+#include <variant>
 
 namespace {
 
 constexpr std::int32_t TopLimit = 8500;   // twips
 constexpr std::int32_t LeftLimit = 11550; // twips
-constexpr std::size_t LongestQuote = 80;  // characters of a line that a failure shows
+constexpr std::string_view WindowSection = "[Form Position]";
+constexpr std::size_t LongestQuote = 80; // characters of a line that a failure shows
 
 const char* Word(bool value) {
     return value ? "True" : "False";
@@ -44,108 +48,111 @@ void ReadWindowState(std::string_view text, std::int16_t& value) {
     value = wide >= 0 && wide <= 2 ? static_cast<std::int16_t>(wide) : std::int16_t{0};
 }
 
-void TakeLine(std::string_view line) {
-    std::string_view value;
-    const auto is = [&](std::string_view key) {
-        if (!BeginsWith(line, key)) return false;
-        value = line.substr(key.size());
-        return true;
-    };
-    if (is("PurgeBackup="))
-        Global.PurgeBackup = ReadYesNo(value);
-    else if (is("PurgeDays="))
-        Global.PurgeDays = ToInteger(value);
-    else if (is("RemoteSyncSettings="))
-        Global.RemoteSyncSettings = value;
-    else if (is("RemoteSelect="))
-        Global.RemoteSelect = ReadYesNo(value);
-    else if (is("RemoteSelSettings="))
-        Global.RemoteSelSettings = value;
-    else if (is("RemoteClearSelect="))
-        Global.RemoteClearSelect = ReadYesNo(value);
-    else if (is("RemoteClearSettings="))
-        Global.RemoteClearSettings = value;
-    else if (is("UploadSelect="))
-        Global.UploadSelect = ReadYesNo(value);
-    else if (is("UploadSelSettings="))
-        Global.UploadSelSettings = value;
-    else if (is("UpdateDemoTemplates="))
-        Global.UpdateDemoTemplates = ReadYesNo(value);
-    else if (is("WindowState="))
-        ReadWindowState(value, Global.WindowState);
-    else if (is("MainTop="))
-        ReadPosition(value, Global.MainTop);
-    else if (is("MainLeft="))
-        ReadPosition(value, Global.MainLeft);
-    else if (is("MainHeight="))
-        ReadPosition(value, Global.MainHeight);
-    else if (is("MainWidth="))
-        ReadPosition(value, Global.MainWidth);
-    else if (is("LastReset="))
-        Global.LastReset = CDate(value).value_or(DateTime{});
-}
+using Member = std::variant<bool Globals::*, std::int16_t Globals::*, std::int32_t Globals::*,
+                            std::string Globals::*, DateTime Globals::*>;
 
-/// What the file says of the selections of templates.
-struct Selections {
-    bool RemoteSelect = false;
-    std::string RemoteSelSettings;
-    bool RemoteClearSelect = false;
-    std::string RemoteClearSettings;
-    bool UploadSelect = false;
-    std::string UploadSelSettings;
+struct Setting {
+    std::string_view Section;
+    std::string_view Key;
+    Member Value;
 };
 
-void WriteIniFile(const Selections& selections) {
-    SafeFile file(Global.IniFile);
-    const auto key = [&](std::string_view name, std::string_view value) {
-        file.WriteLine(OneLine(std::string(name).append("=").append(value)));
-    };
-    file.WriteLine("[Backup]");
-    key("PurgeBackup", Word(Global.PurgeBackup));
-    key("PurgeDays", std::to_string(Global.PurgeDays));
-    file.WriteLine("");
-    file.WriteLine("[Remote HotSync]");
-    key("RemoteSyncSettings", Global.RemoteSyncSettings);
-    key("RemoteSelect", Word(selections.RemoteSelect));
-    key("RemoteSelSettings", selections.RemoteSelSettings);
-    key("RemoteClearSelect", Word(selections.RemoteClearSelect));
-    key("RemoteClearSettings", selections.RemoteClearSettings);
-    key("UploadSelect", Word(selections.UploadSelect));
-    key("UploadSelSettings", selections.UploadSelSettings);
-    file.WriteLine("");
-    file.WriteLine("[Updates]");
-    key("UpdateDemoTemplates", Word(Global.UpdateDemoTemplates));
-    file.WriteLine("");
+/// In the order in which the file has them. A line counts for the first key that it begins with.
+constexpr Setting Settings[] = {
+    {"[Backup]", "PurgeBackup=", &Globals::PurgeBackup},
+    {"[Backup]", "PurgeDays=", &Globals::PurgeDays},
+    {"[Remote HotSync]", "RemoteSyncSettings=", &Globals::RemoteSyncSettings},
+    {"[Remote HotSync]", "RemoteSelect=", &Globals::RemoteSelect},
+    {"[Remote HotSync]", "RemoteSelSettings=", &Globals::RemoteSelSettings},
+    {"[Remote HotSync]", "RemoteClearSelect=", &Globals::RemoteClearSelect},
+    {"[Remote HotSync]", "RemoteClearSettings=", &Globals::RemoteClearSettings},
+    {"[Remote HotSync]", "UploadSelect=", &Globals::UploadSelect},
+    {"[Remote HotSync]", "UploadSelSettings=", &Globals::UploadSelSettings},
+    {"[Updates]", "UpdateDemoTemplates=", &Globals::UpdateDemoTemplates},
+    {WindowSection, "WindowState=", &Globals::WindowState},
+    {WindowSection, "MainTop=", &Globals::MainTop},
+    {WindowSection, "MainLeft=", &Globals::MainLeft},
+    {WindowSection, "MainHeight=", &Globals::MainHeight},
+    {WindowSection, "MainWidth=", &Globals::MainWidth},
+    {"[Main Screen]", "LastReset=", &Globals::LastReset},
+};
 
+void Read(const Setting& setting, std::string_view text) {
+    const auto take = [&](auto member) {
+        auto& value = Global.*member;
+        using Type = std::remove_cvref_t<decltype(value)>;
+        if constexpr (std::is_same_v<Type, bool>)
+            value = ReadYesNo(text);
+        else if constexpr (std::is_same_v<Type, std::string>)
+            value = text;
+        else if constexpr (std::is_same_v<Type, std::int32_t>)
+            ReadPosition(text, value);
+        else if constexpr (std::is_same_v<Type, DateTime>)
+            value = CDate(text).value_or(DateTime{});
+        else if (setting.Section == WindowSection)
+            ReadWindowState(text, value);
+        else
+            value = ToInteger(text);
+    };
+    std::visit(take, setting.Value);
+}
+
+std::string Written(const Setting& setting) {
+    const auto give = [](auto member) -> std::string {
+        const auto& value = Global.*member;
+        using Type = std::remove_cvref_t<decltype(value)>;
+        if constexpr (std::is_same_v<Type, bool>)
+            return Word(value);
+        else if constexpr (std::is_same_v<Type, std::string>)
+            return value;
+        else if constexpr (std::is_same_v<Type, DateTime>)
+            return DateAndTime(value);
+        else
+            return std::to_string(value);
+    };
+    return std::visit(give, setting.Value);
+}
+
+void TakeLine(std::string_view line) {
+    for (const Setting& setting : Settings) {
+        if (BeginsWith(line, setting.Key)) return Read(setting, line.substr(setting.Key.size()));
+    }
+}
+
+/// What DeselectRemoteSelect writes in place of the present value; nothing for any other key.
+std::optional<std::string> Deselected(std::string_view key) {
+    if (key == "RemoteSelect=" || key == "UploadSelect=") return Word(false);
+    if (key == "RemoteSelSettings=" || key == "RemoteClearSettings=" || key == "UploadSelSettings=")
+        return "";
+    return std::nullopt;
+}
+
+void WriteIniFile(bool deselect = false) {
     if (Global.MainTop > TopLimit || Global.MainTop < 0) Global.MainTop = 0;
     if (Global.MainLeft > LeftLimit || Global.MainLeft < 0) Global.MainLeft = 0;
-    file.WriteLine("[Form Position]");
-    key("WindowState", std::to_string(Global.WindowState));
-    key("MainTop", std::to_string(Global.MainTop));
-    key("MainLeft", std::to_string(Global.MainLeft));
-    key("MainHeight", std::to_string(Global.MainHeight));
-    key("MainWidth", std::to_string(Global.MainWidth));
-    file.WriteLine("");
-
     if (Global.LastReset.IsZero()) Global.LastReset = Today();
-    file.WriteLine("[Main Screen]");
-    key("LastReset", DateAndTime(Global.LastReset));
+
+    SafeFile file(Global.IniFile);
+    std::string_view section;
+    for (const Setting& setting : Settings) {
+        if (setting.Section != section) {
+            if (!section.empty()) file.WriteLine("");
+            section = setting.Section;
+            file.WriteLine(section);
+        }
+        const auto off = deselect ? Deselected(setting.Key) : std::nullopt;
+        file.WriteLine(OneLine(std::string(setting.Key) + (off ? *off : Written(setting))));
+    }
     file.Commit();
 }
 
+/// The window keeps the place that it has: its default is the main form's own.
 void TakeDefaults() {
     const Globals fresh;
-    Global.PurgeBackup = fresh.PurgeBackup;
-    Global.PurgeDays = fresh.PurgeDays;
-    Global.RemoteSyncSettings.clear();
-    Global.RemoteSelect = false;
-    Global.RemoteSelSettings.clear();
-    Global.RemoteClearSelect = false;
-    Global.RemoteClearSettings.clear();
-    Global.UploadSelect = false;
-    Global.UploadSelSettings.clear();
-    Global.UpdateDemoTemplates = fresh.UpdateDemoTemplates;
-    Global.LastReset = {};
+    for (const Setting& setting : Settings) {
+        if (setting.Section == WindowSection) continue;
+        std::visit([&](auto member) { Global.*member = fresh.*member; }, setting.Value);
+    }
 }
 
 } // namespace
@@ -153,7 +160,7 @@ void TakeDefaults() {
 void MakeIniFile() {
     TraceEvent("basCommon:MakeIniFile");
     TakeDefaults();
-    WriteIniFile({});
+    WriteIniFile();
 }
 
 void GetIniFile() {
@@ -177,13 +184,10 @@ void GetIniFile() {
 
 void UpdateIniFile() {
     TraceEvent("basCommon:UpdateIniFile");
-    WriteIniFile({Global.RemoteSelect, Global.RemoteSelSettings, Global.RemoteClearSelect,
-                  Global.RemoteClearSettings, Global.UploadSelect, Global.UploadSelSettings});
+    WriteIniFile();
 }
 
 void DeselectRemoteSelect() {
     TraceEvent("basCommon:DeselectRemoteSelect");
-    Selections off;
-    off.RemoteClearSelect = Global.RemoteClearSelect;
-    WriteIniFile(off);
+    WriteIniFile(true);
 }

@@ -1,7 +1,7 @@
 #include "core/Dates.h"
+#include "support/Fails.h"
 
 #include "core/CodePage.h"
-#include "core/Failure.h"
 #include "core/TextCompare.h"
 
 #include <functional>
@@ -13,16 +13,6 @@
 #include <vector>
 
 namespace {
-
-/// The number of the failure that `deed` ends in, 0 if it ends in none.
-int FailureOf(const std::function<void()>& deed) {
-    try {
-        deed();
-    } catch (const RunTimeFailure& failure) {
-        return failure.Number();
-    }
-    return 0;
-}
 
 /// What CDate reads, written out; "none" for no date.
 std::string Read(std::string_view text) {
@@ -332,16 +322,16 @@ TEST(Dates, AnyFormatIsWritten) {
 TEST(Dates, DatesThatDoNotExistAreRefused) {
     const DateTime wrong{2026, 2, 30};
 
-    EXPECT_EQ(FailureOf([&] { ShortDate(wrong); }), 5);
-    EXPECT_EQ(FailureOf([&] { DateAndTime(wrong); }), 5);
-    EXPECT_EQ(FailureOf([&] { LongDate(wrong); }), 5);
-    EXPECT_EQ(FailureOf([&] { YyyyMmDd(wrong); }), 5);
-    EXPECT_EQ(FailureOf([&] { Format(wrong, "d"); }), 5);
-    EXPECT_EQ(FailureOf([&] { AddDays(wrong, 1); }), 5);
-    EXPECT_EQ(FailureOf([&] { DayOfWeek(wrong); }), 5);
-    EXPECT_EQ(FailureOf([&] { ToSerial(wrong); }), 5);
-    EXPECT_EQ(FailureOf([] { ToSerial({}); }), 5);
-    EXPECT_EQ(FailureOf([] { AddDays({}, 1); }), 5);
+    EXPECT_EQ(FailureNumber([&] { ShortDate(wrong); }), 5);
+    EXPECT_EQ(FailureNumber([&] { DateAndTime(wrong); }), 5);
+    EXPECT_EQ(FailureNumber([&] { LongDate(wrong); }), 5);
+    EXPECT_EQ(FailureNumber([&] { YyyyMmDd(wrong); }), 5);
+    EXPECT_EQ(FailureNumber([&] { Format(wrong, "d"); }), 5);
+    EXPECT_EQ(FailureNumber([&] { AddDays(wrong, 1); }), 5);
+    EXPECT_EQ(FailureNumber([&] { DayOfWeek(wrong); }), 5);
+    EXPECT_EQ(FailureNumber([&] { ToSerial(wrong); }), 5);
+    EXPECT_EQ(FailureNumber([] { ToSerial({}); }), 5);
+    EXPECT_EQ(FailureNumber([] { AddDays({}, 1); }), 5);
 }
 
 TEST(Dates, DaysAreAddedAcrossMonthsAndLeapDays) {
@@ -352,10 +342,10 @@ TEST(Dates, DaysAreAddedAcrossMonthsAndLeapDays) {
     EXPECT_EQ(AddDays({2026, 1, 1}, -1), (DateTime{2025, 12, 31}));
     EXPECT_EQ(AddDays({2000, 1, 1}, 146097), (DateTime{2400, 1, 1}));
     EXPECT_EQ(AddDays({100, 1, 1}, 3615900 - 1), (DateTime{9999, 12, 31}));
-    EXPECT_EQ(FailureOf([] { AddDays({9999, 12, 31}, 1); }), 6);
-    EXPECT_EQ(FailureOf([] { AddDays({100, 1, 1}, -1); }), 6);
-    EXPECT_EQ(FailureOf([] { AddDays(kMorning, std::numeric_limits<int>::max()); }), 6);
-    EXPECT_EQ(FailureOf([] { AddDays(kMorning, std::numeric_limits<int>::min()); }), 6);
+    EXPECT_EQ(FailureNumber([] { AddDays({9999, 12, 31}, 1); }), 6);
+    EXPECT_EQ(FailureNumber([] { AddDays({100, 1, 1}, -1); }), 6);
+    EXPECT_EQ(FailureNumber([] { AddDays(kMorning, std::numeric_limits<int>::max()); }), 6);
+    EXPECT_EQ(FailureNumber([] { AddDays(kMorning, std::numeric_limits<int>::min()); }), 6);
 }
 
 TEST(Dates, SerialsCountFromTheEndOf1899) {
@@ -385,7 +375,7 @@ TEST(Dates, SerialsOutsideTheCalendarAreRefused) {
     for (const double serial :
          {-657434.1, 2958466.0, 2958465.9999999, 1E300, -1E300, std::numeric_limits<double>::infinity(),
           -std::numeric_limits<double>::infinity(), std::numeric_limits<double>::quiet_NaN()})
-        EXPECT_EQ(FailureOf([&] { FromSerial(serial); }), 6) << serial;
+        EXPECT_EQ(FailureNumber([&] { FromSerial(serial); }), 6) << serial;
 }
 
 TEST(Dates, EveryDayOfTwoCenturiesFollowsTheOneBefore) {

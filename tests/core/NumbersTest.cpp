@@ -1,6 +1,5 @@
 #include "core/Numbers.h"
-
-#include "core/Failure.h"
+#include "support/Fails.h"
 
 #include <charconv>
 #include <cmath>
@@ -14,16 +13,6 @@
 #include <vector>
 
 namespace {
-
-/// The number of the failure that `deed` ends in, 0 if it ends in none.
-int FailureOf(const std::function<void()>& deed) {
-    try {
-        deed();
-    } catch (const RunTimeFailure& failure) {
-        return failure.Number();
-    }
-    return 0;
-}
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kNotANumber = std::numeric_limits<double>::quiet_NaN();
@@ -217,9 +206,9 @@ TEST(Numbers, NumbersAreWrittenPlainlyUpToFifteenDigits) {
 
 TEST(Numbers, WhatIsNoFiniteNumberCannotBeWritten) {
     for (const double value : {kInfinity, -kInfinity, kNotANumber}) {
-        EXPECT_EQ(FailureOf([&] { NumberToText(value); }), 6);
-        EXPECT_EQ(FailureOf([&] { Money(value); }), 6);
-        EXPECT_EQ(FailureOf([&] { ToFixed4(value); }), 6);
+        EXPECT_EQ(FailureNumber([&] { NumberToText(value); }), 6);
+        EXPECT_EQ(FailureNumber([&] { Money(value); }), 6);
+        EXPECT_EQ(FailureNumber([&] { ToFixed4(value); }), 6);
     }
 }
 
@@ -279,8 +268,8 @@ TEST(Numbers, MoneyForTablesHasFourDecimalsRoundedToEven) {
     }
     EXPECT_EQ(Fixed4ToText(std::numeric_limits<std::int64_t>::min()), "-922337203685477.5808");
     EXPECT_EQ(Fixed4ToText(std::numeric_limits<std::int64_t>::max()), "922337203685477.5807");
-    EXPECT_EQ(FailureOf([] { ToFixed4(1E15); }), 6);
-    EXPECT_EQ(FailureOf([] { ToFixed4(-1E300); }), 6);
+    EXPECT_EQ(FailureNumber([] { ToFixed4(1E15); }), 6);
+    EXPECT_EQ(FailureNumber([] { ToFixed4(-1E300); }), 6);
 }
 
 TEST(Numbers, FixedMoneyComesBackFromItsText) {
@@ -351,19 +340,19 @@ TEST(Numbers, WholeNumbersAreRoundedAndStayInTheirRange) {
     EXPECT_EQ(ToLong("(1,234)"), -1234);
     EXPECT_EQ(ToLong("2147483647.4"), 2147483647);
     EXPECT_EQ(ToLong("-2147483648.5"), -2147483648);
-    EXPECT_EQ(FailureOf([] { ToLong("2147483647.5"); }), 6);
-    EXPECT_EQ(FailureOf([] { ToLong("-2147483648.6"); }), 6);
-    EXPECT_EQ(FailureOf([] { ToLong("1E300"); }), 6);
+    EXPECT_EQ(FailureNumber([] { ToLong("2147483647.5"); }), 6);
+    EXPECT_EQ(FailureNumber([] { ToLong("-2147483648.6"); }), 6);
+    EXPECT_EQ(FailureNumber([] { ToLong("1E300"); }), 6);
 
     EXPECT_EQ(ToInteger("32767.4"), 32767);
     EXPECT_EQ(ToInteger("-32768.5"), -32768);
-    EXPECT_EQ(FailureOf([] { ToInteger("32767.5"); }), 6);
-    EXPECT_EQ(FailureOf([] { ToInteger("-32769"); }), 6);
+    EXPECT_EQ(FailureNumber([] { ToInteger("32767.5"); }), 6);
+    EXPECT_EQ(FailureNumber([] { ToInteger("-32769"); }), 6);
 }
 
 TEST(Numbers, WholeNumbersWantANumericText) {
     for (const char* text : {"", "  ", "abc", "12 pcs", "1E999", "0x10"}) {
-        EXPECT_EQ(FailureOf([&] { ToLong(text); }), 13) << text;
-        EXPECT_EQ(FailureOf([&] { ToInteger(text); }), 13) << text;
+        EXPECT_EQ(FailureNumber([&] { ToLong(text); }), 13) << text;
+        EXPECT_EQ(FailureNumber([&] { ToInteger(text); }), 13) << text;
     }
 }

@@ -1,5 +1,6 @@
 #include "core/Messages.h"
 #include "core/SafeFile.h"
+#include "core/TextFile.h"
 #include "exchange/Activity.h"
 #include "exchange/ExportTemplate.h"
 #include "exchange/ImportTemplate.h"
@@ -263,6 +264,35 @@ TEST_F(QuickButtons, AnActivityOfTwoEmptyRowsEndsWithoutErrors) {
     EXPECT_EQ(TextOf(form, "lblProgress"), QStringLiteral("Process completed with no errors!"));
 }
 
+TEST_F(QuickButtons, ATemplateThatMapsNothingLeavesTheTable) {
+    GivenRows("ZUKCust", {"C_CODE", "OLD"});
+    GivenFile("app/DataIn/c.csv", "A1,Acme\r\n");
+    GivenImportTemplate("Cust.cst", "c.csv", {});
+    GivenActivity("Morning.ipm", "Cust.cst");
+    auto& form = Run<frmQBImport>("Morning");
+    Operator_.ExpectBeginning(T("Error opening Import file defined in Cust.cst")).With(Icon::Warning);
+
+    Click(form, "cmdOK");
+
+    EXPECT_FALSE(Succeeded(form, 1));
+    EXPECT_EQ(Cell("ZUKCust", 1, "C_CODE"), "OLD");
+}
+
+TEST_F(QuickButtons, ATemplateThatCannotBeReadToItsEndIsNotRun) {
+    GivenRows("ZUKCust", {"C_CODE", "OLD"});
+    GivenFile("app/DataIn/c.csv", "A1,Acme\r\n");
+    WriteWholeFile(Global.ImportTemplates + "Cust.cst",
+                   "c.csv\r\nCSV\r\nStartLine=1\r\n[FIELDS]\r\nC_CODE\r\n" +
+                       std::string(TextReader::MaxLine + 1, 'x'));
+    GivenActivity("Morning.ipm", "Cust.cst");
+    auto& form = Run<frmQBImport>("Morning");
+    Operator_.Expect(T("Error opening Cust.cst. Please make sure the file exists."));
+
+    Click(form, "cmdOK");
+
+    EXPECT_EQ(Cell("ZUKCust", 1, "C_CODE"), "OLD");
+}
+
 // ---- export ----
 
 TEST_F(QuickButtons, AnExportWritesTheFileAndLeavesTheTablesAtNo) {
@@ -347,6 +377,19 @@ TEST_F(QuickButtons, ATemplateWithoutAFileNameLineIsAnOldOne) {
 
     EXPECT_FALSE(Succeeded(form, 1));
     EXPECT_EQ(TextOf(form, "lblProgress"), QStringLiteral("Process completed with 1 error!"));
+}
+
+TEST_F(QuickButtons, AnExportTemplateWithoutColumnsIsNotRunAndNothingIsDeleted) {
+    GivenOrders();
+    GivenExportTemplate("Orders.xor", "out.txt", {});
+    GivenActivity("Evening.xpm", "Orders.xor");
+    auto& form = Run<frmQBExport>("Evening");
+    Operator_.ExpectBeginning(T("Error opening Export file defined in Orders.xor!")).With(Icon::Warning);
+
+    Click(form, "cmdOK");
+
+    EXPECT_FALSE(Exists(Global.DataOutPath + "out.txt"));
+    EXPECT_EQ(RecordCount("ZUKOrHdr"), 2);
 }
 
 TEST_F(QuickButtons, AnExportFileThatCannotBeOpenedIsToldAndFailsTheRow) {

@@ -22,3 +22,14 @@ FailureSeen FailureOf(Deed&& deed) {
     ADD_FAILURE() << "nothing failed";
     return {};
 }
+
+/// The number of the failure that a deed ends in, 0 when it ends in none.
+template <typename Deed>
+int FailureNumber(Deed&& deed) {
+    try {
+        deed();
+    } catch (const RunTimeFailure& failure) {
+        return failure.Number();
+    }
+    return 0;
+}

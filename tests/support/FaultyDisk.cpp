@@ -36,15 +36,15 @@ void FaultyDisk::Step(const std::string& path) {
 
 std::unique_ptr<DiskFile> FaultyDisk::Open(const std::string& path, Access access) {
     if (access == Access::Create) Step(path);
-    return std::make_unique<FaultyFile>(under_.Open(path, access), *this, path);
+    return std::make_unique<FaultyFile>(PassingDisk::Open(path, access), *this, path);
 }
 
 void FaultyDisk::Rename(const std::string& from, const std::string& to) {
     Step(to);
-    under_.Rename(from, to);
+    PassingDisk::Rename(from, to);
 }
 
 void FaultyDisk::MakeFolder(const std::string& path) {
     Step(path);
-    under_.MakeFolder(path);
+    PassingDisk::MakeFolder(path);
 }

@@ -1,12 +1,12 @@
 #pragma once
 
-#include "core/Disk.h"
+#include "support/RefusingDisk.h"
 
 #include <cstdint>
 
 /// The real disk with a fault in it: each call that changes something is counted, and from the
 /// n-th on it fails with the number of a full or broken disk. A flush is counted and not made.
-class FaultyDisk : public Disk {
+class FaultyDisk : public PassingDisk {
 public:
     /// `failAt` counts from 1; 0 never fails. `number` is the failure, 61 or 57.
     explicit FaultyDisk(int failAt = 0, int number = 61) : failAt_(failAt), number_(number) {}
@@ -19,19 +19,9 @@ public:
     std::unique_ptr<DiskFile> Open(const std::string& path, Access access) override;
     void Rename(const std::string& from, const std::string& to) override;
     void FlushFolder(const std::string&) override {}
-    bool Remove(const std::string& path) override { return under_.Remove(path); }
     void MakeFolder(const std::string& path) override;
-    bool RemoveFolder(const std::string& path) override { return under_.RemoveFolder(path); }
-    bool IsFile(const std::string& path) override { return under_.IsFile(path); }
-    bool IsFolder(const std::string& path) override { return under_.IsFolder(path); }
-    std::vector<std::string> FilesIn(const std::string& folder) override { return under_.FilesIn(folder); }
-    std::vector<std::string> FoldersIn(const std::string& folder) override {
-        return under_.FoldersIn(folder);
-    }
-    bool LockedByAnother(const std::string& path) override { return under_.LockedByAnother(path); }
 
 private:
-    Disk& under_ = NativeDisk();
     int failAt_;
     int number_;
     int calls_ = 0;

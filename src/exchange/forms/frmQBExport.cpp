@@ -30,7 +30,7 @@ void frmQBExport::ShowHeadings() {
 QuickButtonForm::RowResult frmQBExport::RunRow(std::size_t row, const std::string& templateName) {
     const Text name = Text::Value(templateName);
     const ExportTemplateRead read = ReadExportTemplate(Global.ExportTemplates + NameToPath(templateName));
-    if (!read.Opened || !read.BeginsWithFileName || read.BadFileName) {
+    if (!read.Complete || !read.BeginsWithFileName || read.BadFileName || read.Template.Columns.empty()) {
         Tell(Words(msg::ExportFileError, name) + msg::BangOldTemplate, Icon::Warning);
         return {};
     }

@@ -28,15 +28,17 @@ void frmQBImport::ShowHeadings() {
 QuickButtonForm::RowResult frmQBImport::RunRow(std::size_t row, const std::string& templateName) {
     const Text name = Text::Value(templateName);
     const ImportTemplateRead read = ReadImportTemplate(Global.ImportTemplates + NameToPath(templateName));
-    if (!read.Opened) {
+    if (!read.Complete) {
         Tell(Words(msg::ErrorOpening, name) + msg::MakeSureFileExists, Icon::Warning);
         return {};
     }
     const auto kind = TemplateKindOf(templateName);
+    // Run all the same, a template that maps nothing would leave a table of blank records.
+    const bool mapsNothing = read.Template.Fields.empty() && read.Template.Literals.empty();
     ImportJob job;
     try {
         EnsureDataDirectory(Global.DataInPath, "DataIn", msg::DataInUnavailable);
-        if (!kind || read.BadDataFile) throw RunTimeFailure(52, read.Template.DataFile);
+        if (!kind || read.BadDataFile || mapsNothing) throw RunTimeFailure(52, read.Template.DataFile);
         job.ImportFile = Global.DataInPath + NameToPath(read.Template.DataFile);
         job.LineCount = CountLines(job.ImportFile);
     } catch (const RunTimeFailure&) {
