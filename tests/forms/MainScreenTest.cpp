@@ -90,6 +90,49 @@ TEST_F(MainScreen, MissingInstalledTablesStopTheStartBeforeAnyTableIsTouched) {
     EXPECT_TRUE(Exists(Global.DBFEmptyPath + "ZUKStray.dbf"));
 }
 
+TEST_F(MainScreen, ATableThatIsMissingIsNotReplacedAtTheStart) {
+    Global.TheDisk->Remove(Global.DBFPath + "ZUKCust.dbf");
+
+    Start();
+
+    EXPECT_FALSE(Exists(Global.DBFPath + "ZUKCust.dbf"));
+    EXPECT_TRUE(Exists(Global.DBFEmptyPath + "ZUKCust.dbf"));
+}
+
+TEST_F(MainScreen, OldBackupsLoseTheirTablesAtTheStartOnlyWhenThePurgeIsOn) {
+    for (const bool purge : {false, true}) {
+        // Eight days before noon of the 15th, and the text that says what it was.
+        GivenFile("app/Backup/61107115959/ZUKOrHdr.dbf", "x");
+        GivenFile("app/Backup/61107115959/Backup.txt", "EXPORT\r\n");
+        GivenFile("app/Backup/61109120000/ZUKOrHdr.dbf", "x");
+        WriteWholeFile(Global.AppPath + "ZUKTramble.ini",
+                       std::string("PurgeDays=7\r\nPurgeBackup=") + (purge ? "True" : "False") + "\r\n");
+
+        auto& form = Start();
+
+        EXPECT_EQ(Exists(Global.BackupPath + "61107115959/ZUKOrHdr.dbf"), !purge);
+        EXPECT_TRUE(Exists(Global.BackupPath + "61107115959/Backup.txt"));
+        EXPECT_TRUE(Exists(Global.BackupPath + "61109120000/ZUKOrHdr.dbf"));
+        form.Unload();
+        Settle();
+        Global.Ending = false;
+    }
+}
+
+TEST_F(MainScreen, ADownloadSelectionThatIsGoneIsTurnedOffWithOneMessage) {
+    WriteWholeFile(Global.AppPath + "ZUKTramble.ini",
+                   "RemoteSelect=True\r\nRemoteSelSettings=Gone\r\nUploadSelect=True\r\n");
+    Operator_.Expect(msg::PalmDesktopMissing);
+    Operator_.Expect(msg::DownloadSelectionMissing);
+
+    Open<frmMain1>();
+
+    EXPECT_FALSE(Global.RemoteSelect);
+    EXPECT_FALSE(Global.UploadSelect);
+    const auto lines = EngineTest::Lines(Global.AppPath + "ZUKTramble.ini");
+    EXPECT_NE(std::find(lines.begin(), lines.end(), "RemoteSelect=False"), lines.end());
+}
+
 TEST_F(MainScreen, AFileErrorInTheStartIsToldAndEndsTheProgram) {
     Global.TheDisk->Remove(Global.InstallPath + "ZUKPAY.dbf");
     Operator_.Expect(msg::PalmDesktopMissing);
