@@ -4,6 +4,7 @@
 #include "core/TextCompare.h"
 #include "core/TextFile.h"
 #include "store/DBFEdit.h"
+#include "support/TableSteps.h"
 
 namespace {
 
@@ -52,10 +53,9 @@ public:
             return Result;
         }
         Cells = TextArray(columnCount);
-        PrepareDBF();
+        EmptyStepByStep(Table, Job.TableFile);
         Table.FileOpen(Job.TableFile);
-        Table.Go(DBFEdit::Last);
-        Table.KillEOFFlag();
+        BeginAppending(Table);
         TextReader file(Job.ImportFile);
         for (int k = 1; k < Job.StartLine; ++k) file.RequireLine();
         while (!file.AtEnd()) {
@@ -93,16 +93,6 @@ private:
         std::size_t count = 1;
         for (const char c : sample) count += c == (Job.Delimiter == Delimiter::Tab ? '\t' : ',') ? 1 : 0;
         return count;
-    }
-
-    void PrepareDBF() {
-        Table.FileOpen(Job.TableFile);
-        Table.Go(DBFEdit::First);
-        for (std::int32_t k = 1; k <= Table.RecordCount; ++k) {
-            Table.DeleteRecord();
-            Table.Go(DBFEdit::Next);
-        }
-        Table.ReIndex(Job.TableFile);
     }
 
     void Pass(TextReader& file) {

@@ -5,6 +5,7 @@
 #include "store/DBFEdit.h"
 #include "support/Fails.h"
 #include "support/FaultyDisk.h"
+#include "support/TableSteps.h"
 
 #include <algorithm>
 #include <random>
@@ -127,16 +128,9 @@ TEST_F(OrderCheckTest, SortedTableHasTheBytesOfTheSortStepByStep) {
         }
         TableTrace();
         DBFEdit table;
+        EmptyStepByStep(table, path);
         table.FileOpen(path);
-        table.Go(DBFEdit::First);
-        for (std::int32_t k = 1; k <= table.RecordCount; ++k) {
-            table.DeleteRecord();
-            table.Go(DBFEdit::Next);
-        }
-        table.ReIndex(path);
-        table.FileOpen(path);
-        table.Go(DBFEdit::Last);
-        table.KillEOFFlag();
+        BeginAppending(table);
         for (const std::int32_t record : order) {
             table.Go(DBFEdit::Append);
             for (int k = 1; k <= copy.FieldCount(); ++k)

@@ -4,6 +4,7 @@
 #include "store/TableRewrite.h"
 #include "store/TableScan.h"
 #include "support/EngineTest.h"
+#include "support/TableSteps.h"
 
 #include <cstdlib>
 
@@ -33,15 +34,8 @@ protected:
         CreateTable(Path(), fields);
         DBFEdit table;
         table.FileOpen(Path());
-        table.Go(DBFEdit::Last);
-        table.KillEOFFlag();
-        for (const Values& row : rows) {
-            table.Go(DBFEdit::Append);
-            for (std::size_t k = 0; k < row.size(); ++k) {
-                if (!row[k].empty()) table.WriteData(static_cast<int>(k) + 1, row[k]);
-            }
-            table.UpDate();
-        }
+        BeginAppending(table);
+        for (const Values& row : rows) AppendStepByStep(table, row);
         table.Go(2);
         table.DeleteRecord();
         table.FileClose();

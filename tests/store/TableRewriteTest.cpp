@@ -5,6 +5,7 @@
 #include "support/Fails.h"
 #include "support/FaultyDisk.h"
 #include "support/TableMaker.h"
+#include "support/TableSteps.h"
 
 #include <functional>
 #include <random>
@@ -15,17 +16,6 @@ using Values = std::vector<std::string>;
 
 // What the routines stand for, record at a time.
 
-void EmptyStepByStep(const std::string& path) {
-    DBFEdit table;
-    table.FileOpen(path);
-    table.Go(DBFEdit::First);
-    for (std::int32_t k = 1; k <= table.RecordCount; ++k) {
-        table.DeleteRecord();
-        table.Go(DBFEdit::Next);
-    }
-    table.ReIndex(path);
-}
-
 void CompactStepByStep(const std::string& path) {
     DBFEdit table;
     table.FileOpen(path);
@@ -33,18 +23,11 @@ void CompactStepByStep(const std::string& path) {
 }
 
 void RefillStepByStep(const std::string& path, const std::vector<Values>& rows) {
-    EmptyStepByStep(path);
     DBFEdit table;
+    EmptyStepByStep(table, path);
     table.FileOpen(path);
-    table.Go(DBFEdit::Last);
-    table.KillEOFFlag();
-    for (const Values& row : rows) {
-        table.Go(DBFEdit::Append);
-        for (std::size_t k = 0; k < row.size(); ++k) {
-            if (!row[k].empty()) table.WriteData(static_cast<int>(k) + 1, row[k]);
-        }
-        table.UpDate();
-    }
+    BeginAppending(table);
+    for (const Values& row : rows) AppendStepByStep(table, row);
     table.FileClose();
 }
 
@@ -198,8 +181,13 @@ TEST_P(RandomTables, CompactedWholeComeOutAsStepByStep) {
 
 TEST_P(RandomTables, EmptiedWholeComeOutAsStepByStep) {
     for (int k = 0; k < Tables; ++k) {
-        ASSERT_NO_FATAL_FAILURE(ExpectSame(lots.Table(lots.Columns()).Bytes(), EmptyStepByStep,
-                                           [](const std::string& path) { EmptyTable(path); }));
+        ASSERT_NO_FATAL_FAILURE(ExpectSame(
+            lots.Table(lots.Columns()).Bytes(),
+            [](const std::string& path) {
+                DBFEdit table;
+                EmptyStepByStep(table, path);
+            },
+            [](const std::string& path) { EmptyTable(path); }));
     }
 }
 
