@@ -163,10 +163,11 @@ void MoveNewBitmaps() {
 }
 
 void RemoveStrays() {
-    for (const std::string* folder : {&Global.AppPath, &Global.DBFEmptyPath, &Global.DataInPath,
-                                      &Global.DataOutPath, &Global.UpdatesPath}) {
+    for (const std::string* folder :
+         {&Global.AppPath, &Global.DBFEmptyPath, &Global.DataOutPath, &Global.UpdatesPath}) {
         RemoveStraysIn(*folder, 0);
     }
+    RemoveStraysIn(Global.DataInPath, 1);    // with the lists of lost lines
     RemoveStraysIn(Global.InstallPath, 1);   // with its graphics
     RemoveStraysIn(Global.DBFPath, 2);       // with images and each handheld's totals
     RemoveStraysIn(Global.BackupPath, 1);    // with each backup

@@ -1,10 +1,12 @@
 #include "exchange/Import.h"
 
 #include "core/Failure.h"
+#include "core/Messages.h"
 #include "core/Numbers.h"
 #include "core/TextCompare.h"
 #include "core/Trace.h"
 #include "exchange/LineSplitter.h"
+#include "exchange/LostLines.h"
 #include "store/TableRewrite.h"
 #include "store/TableScan.h"
 
@@ -14,8 +16,6 @@
 
 namespace {
 
-constexpr std::string_view And = "; ";
-constexpr std::string_view Equals = " = ";
 constexpr int LineTooLong = 6;
 
 /// Where one field's value comes from.
@@ -49,22 +49,22 @@ private:
     }
 
     void PlaceLiteral(std::string_view row) {
-        const std::size_t equals = row.find(Equals);
+        const std::size_t equals = row.find(RowEquals);
         if (equals == std::string_view::npos) return;
         Source* source = SourceOf(Trim(row.substr(0, equals)));
-        if (source != nullptr) source->Literal = Trim(row.substr(equals + Equals.size()));
+        if (source != nullptr) source->Literal = Trim(row.substr(equals + RowEquals.size()));
     }
 
     void PlaceColumn(std::string_view row, std::size_t column) {
         const auto place = [&](std::string_view field) {
             if (Source* source = SourceOf(field)) source->Column = column;
         };
-        if (row.find(And) == std::string_view::npos) return place(row);
+        if (row.find(RowAnd) == std::string_view::npos) return place(row);
         while (true) {
-            const std::size_t end = row.find(And);
+            const std::size_t end = row.find(RowAnd);
             place(Trim(row.substr(0, end)));
             if (end == std::string_view::npos) return;
-            row.remove_prefix(end + And.size());
+            row.remove_prefix(end + RowAnd.size());
         }
     }
 
@@ -72,19 +72,15 @@ private:
     std::vector<Source> sources_;
 };
 
-/// The number of columns of the line at which the data starts, its separators simply counted.
-std::size_t CountColumns(const ImportJob& job, bool utf8) {
+/// The number of columns of the line at which the data starts.
+std::size_t ColumnsOfSample(const ImportJob& job, bool utf8) {
     ImportReader file(job.ImportFile, utf8);
     std::string sample;
-    for (std::int32_t k = 1; k <= job.StartLine; ++k) {
-        try {
-            if (!file.ReadLine(sample)) throw RunTimeFailure(62, job.ImportFile);
-        } catch (const RunTimeFailure& failure) {
-            if (failure.Number() != LineTooLong || k == job.StartLine) throw;
-        }
+    for (std::int32_t k = 1; k < job.StartLine; ++k) {
+        if (!ReadOrPass(file, sample)) throw RunTimeFailure(62, job.ImportFile);
     }
-    const char separator = job.Delimiter == Delimiter::Tab ? '\t' : ',';
-    return static_cast<std::size_t>(std::count(sample.begin(), sample.end(), separator)) + 1;
+    if (!file.ReadLine(sample)) throw RunTimeFailure(62, job.ImportFile);
+    return CountColumns(sample, job.Delimiter);
 }
 
 /// One run over the lines of a file.
@@ -96,6 +92,7 @@ public:
           splitter_(job.Delimiter, columns),
           file_(job.ImportFile, utf8),
           table_(table),
+          lost_(job.ErrorFile, job.ImportFile),
           progress_(progress) {}
 
     ImportResult TakeLines() {
@@ -103,6 +100,9 @@ public:
         while (Pass()) ShowProgress();
         return result_;
     }
+
+    /// Puts the list of the lines that failed in place; true when there is one.
+    bool ListErrors() { return lost_.Commit(); }
 
 private:
     enum class Read { Line, TooLong, Failed, End };
@@ -122,6 +122,7 @@ private:
             if (failure.Number() == LineTooLong) return Read::TooLong;
             if (unreadable_) throw;
             unreadable_ = true;
+            line_.clear(); // it is tried again
             return Read::Failed;
         }
     }
@@ -129,12 +130,13 @@ private:
     bool Pass() {
         const Read read = ReadLine();
         if (read == Read::End) return false;
-        if (read == Read::Failed) return Fail();
+        if (read == Read::Failed) return Fail(msg::LineCannotBeRead);
         if (read == Read::Line && line_.empty()) return true;
         if (result_.LinesRead < std::numeric_limits<std::int32_t>::max()) ++result_.LinesRead;
         table_.Append();
-        if (read == Read::TooLong || !splitter_.Split(line_)) return Fail();
-        return WriteRecord() || Fail();
+        if (read == Read::TooLong) return Fail(msg::LineTooLong);
+        if (!splitter_.Split(line_)) return Fail(TooManyColumns());
+        return WriteRecord() || Fail(msg::NoFieldForValue);
     }
 
     /// False for a value without a field in the table; the record is then empty.
@@ -152,8 +154,14 @@ private:
         return true;
     }
 
-    /// Counts a failed line; true, since the run goes on.
-    bool Fail() {
+    Text TooManyColumns() const {
+        return Words(msg::TooManyColumns, Text::Value(static_cast<std::int64_t>(splitter_.ColumnCount())),
+                     msg::ColumnsOfLine, Text::Value(job_.StartLine));
+    }
+
+    /// Counts and lists a failed line; true, since the run goes on.
+    bool Fail(const Text& reason) {
+        lost_.Add(file_.LineNumber(), reason, line_);
         if (result_.LinesFailed < std::numeric_limits<std::int16_t>::max()) ++result_.LinesFailed;
         return true;
     }
@@ -170,6 +178,7 @@ private:
     LineSplitter splitter_;
     ImportReader file_;
     TableRewrite& table_;
+    LostLines lost_;
     Progress& progress_;
     std::string line_;
     bool unreadable_ = false;
@@ -181,7 +190,7 @@ private:
 
 ImportResult ImportDataFile(const ImportJob& job, Progress& progress) {
     const bool utf8 = SurveyImportFile(job.ImportFile).Utf8;
-    const std::size_t columns = CountColumns(job, utf8);
+    const std::size_t columns = ColumnsOfSample(job, utf8);
     if (columns < job.SelectedFields.size()) {
         ImportResult refused;
         refused.FieldCountMismatch = true;
@@ -193,9 +202,11 @@ ImportResult ImportDataFile(const ImportJob& job, Progress& progress) {
     TraceEvent("DBFEdit:ReIndex " + job.TableFile);
     TraceEvent("DBFEdit:FileClose");
     TraceEvent("DBFEdit:FileOpen " + job.TableFile);
-    const ImportResult result = Run(job, columns, utf8, table, progress).TakeLines();
+    Run run(job, columns, utf8, table, progress);
+    ImportResult result = run.TakeLines();
     TraceEvent("DBFEdit:FileClose");
     table.Commit();
+    result.ErrorsListed = run.ListErrors();
     return result;
 }
 

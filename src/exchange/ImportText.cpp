@@ -3,12 +3,14 @@
 #include "core/CodePage.h"
 #include "core/Failure.h"
 
+#include <algorithm>
 #include <limits>
 
 namespace {
 
 constexpr std::string_view Utf8Mark = "\xEF\xBB\xBF";
 constexpr int LineTooLong = 6;
+constexpr std::size_t Beginning = 4000; ///< characters of a line that is too long
 
 } // namespace
 
@@ -23,7 +25,10 @@ bool ImportReader::ReadLine(std::string& line) {
     broken_ = false;
     if (!got) return false;
     const bool first = passed_++ == 0;
-    if (tooLong_) throw RunTimeFailure(LineTooLong, path_ + ", line " + std::to_string(passed_));
+    if (tooLong_) {
+        line = beginning_;
+        throw RunTimeFailure(LineTooLong, path_ + ", line " + std::to_string(passed_));
+    }
     if (first && line.starts_with(Utf8Mark)) {
         hasMark_ = true;
         line.erase(0, Utf8Mark.size());
@@ -41,7 +46,10 @@ bool ImportReader::TakeLine(std::string& line) {
         } catch (const RunTimeFailure& failure) {
             // The file gives up inside the line and goes on from there.
             if (failure.Number() != LineTooLong) throw;
-            if (!tooLong_ && passed_ == 0) hasMark_ = line.starts_with(Utf8Mark);
+            if (!tooLong_) {
+                beginning_ = line.substr(0, Beginning);
+                if (passed_ == 0) hasMark_ = line.starts_with(Utf8Mark);
+            }
             tooLong_ = true;
         }
     }
@@ -84,19 +92,27 @@ std::int32_t CountLines(std::string_view path) {
     return SurveyImportFile(path).LineCount;
 }
 
+bool ReadOrPass(ImportReader& file, std::string& line) {
+    try {
+        return file.ReadLine(line);
+    } catch (const RunTimeFailure& failure) {
+        if (failure.Number() != LineTooLong) throw;
+        return true;
+    }
+}
+
+std::size_t CountColumns(std::string_view line, Delimiter delimiter) {
+    const char separator = delimiter == Delimiter::Tab ? '\t' : ',';
+    return static_cast<std::size_t>(std::count(line.begin(), line.end(), separator)) + 1;
+}
+
 std::optional<Delimiter> RecogniseDelimiter(std::string_view path) {
     // The delimiters are the same bytes in either encoding.
     ImportReader file(path, false);
-    std::string line;
-    while (true) {
-        try {
-            if (!file.ReadLine(line)) return std::nullopt;
-        } catch (const RunTimeFailure& failure) {
-            if (failure.Number() != LineTooLong) throw;
-            continue;
-        }
+    for (std::string line; ReadOrPass(file, line);) {
         if (line.find("\",") != std::string::npos) return Delimiter::CsvQuotes;
         if (line.find(',') != std::string::npos) return Delimiter::Csv;
         if (line.find('\t') != std::string::npos) return Delimiter::Tab;
     }
+    return std::nullopt;
 }

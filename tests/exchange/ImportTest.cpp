@@ -1,8 +1,12 @@
 #include "exchange/Import.h"
 
+#include "core/Globals.h"
+#include "core/Paths.h"
+#include "core/SafeFile.h"
 #include "core/TextCompare.h"
 #include "exchange/ExchangeTest.h"
 #include "exchange/ImportSteps.h"
+#include "exchange/LostLines.h"
 #include "support/Fails.h"
 #include "support/FaultyDisk.h"
 
@@ -522,6 +526,72 @@ TEST_F(ImportTest, OnlyLinesThatAreNotEmptyAreCounted) {
     EXPECT_EQ(CountLines(GivenFile("any.txt", "a\n\n b\r\n\r\n \rc")), 4);
     EXPECT_EQ(CountLines(GivenFile("any.txt", "")), 0);
     EXPECT_EQ(CountLines(GivenFile("any.txt", "\xEF\xBB\xBF\na\n")), 1) << "a mark alone is an empty line";
+}
+
+// ---- the lines that were lost ----
+
+class LostLinesTest : public ImportTest {
+protected:
+    ImportResult Import(const std::string& content, std::vector<std::string> selected) {
+        ImportJob job = Job(content, std::move(selected));
+        job.ErrorFile = List();
+        NoProgress nobody;
+        return ImportDataFile(job, nobody);
+    }
+
+    std::string List() const { return LostLinesFile(Folder(), "cust.txt"); }
+};
+
+TEST_F(LostLinesTest, AreListedWithNumberAndReason) {
+    Global.Clock = [] { return DateTime{2026, 11, 21, 18, 5, 0}; };
+
+    const ImportResult result = Import("A1,Acme\n\nB2,Bolt,9\nC3,Cog\n", {"C_CODE", "C_NAME"});
+
+    EXPECT_TRUE(result.ErrorsListed);
+    EXPECT_EQ(ReadWholeFile(List()), "Lines that were not imported from cust.txt, 2026-11-21 18:05:00\r\n"
+                                     "3\tmore than the 2 columns of line 1\tB2,Bolt,9\r\n");
+}
+
+TEST_F(LostLinesTest, ALineThatIsTooLongIsListedByItsBeginning) {
+    Import("A1,Acme\n" + std::string(2'000'000, 'x') + "\nC3,Cog\n", {"C_CODE", "C_NAME"});
+
+    const std::string list = ReadWholeFile(List());
+    EXPECT_NE(list.find("\r\n2\tthe line is longer"), std::string::npos);
+    EXPECT_NE(list.find("\txxxx"), std::string::npos);
+    EXPECT_LT(list.size(), 5000U);
+}
+
+TEST_F(LostLinesTest, AListOfAnEarlierRunGoesWhenNoLineIsLost) {
+    Import("A1,Acme\nB2,Bolt,9\n", {"C_CODE", "C_NAME"});
+    ASSERT_TRUE(FileExists(List()));
+
+    const ImportResult result = Import("A1,Acme\nB2,Bolt\n", {"C_CODE", "C_NAME"});
+
+    EXPECT_FALSE(result.ErrorsListed);
+    EXPECT_FALSE(FileExists(List()));
+}
+
+TEST_F(LostLinesTest, AListThatCannotBeWrittenStopsNothing) {
+    GivenFile("Errors", "a file where the folder should be");
+
+    const ImportResult result = Import("A1,Acme\nB2,Bolt,9\nC3,Cog\n", {"C_CODE", "C_NAME"});
+
+    EXPECT_FALSE(result.ErrorsListed);
+    EXPECT_EQ(result.LinesFailed, 1);
+    EXPECT_EQ(Codes(), (std::vector<std::string>{"A1", "", "C3"}));
+}
+
+TEST_F(LostLinesTest, AnImportThatIsStoppedLeavesTheListOfTheOneBefore) {
+    Import("A1,Acme\nB2,Bolt,9\n", {"C_CODE", "C_NAME"});
+    const std::string before = ReadWholeFile(List());
+    ImportJob job = Job("A1,Acme\nB2,Bolt,9,9\n", {"C_CODE", "C_NAME"});
+    job.ErrorFile = List();
+    job.TableFile = Folder() + "gone.dbf";
+    NoProgress nobody;
+
+    EXPECT_EQ(FailureNumber([&] { ImportDataFile(job, nobody); }), 53);
+
+    EXPECT_EQ(ReadWholeFile(List()), before);
 }
 
 } // namespace

@@ -1,0 +1,58 @@
+#include "exchange/ImportPreview.h"
+
+#include "exchange/ImportText.h"
+#include "exchange/LineSplitter.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr std::size_t DataLines = 3;
+constexpr std::size_t LongestLine = 2000; ///< characters that are shown of a line
+constexpr std::size_t MostColumns = 2000; ///< more than any table has fields
+
+bool HasDigit(const PreviewLine& line) {
+    return std::any_of(line.Cells.begin(), line.Cells.end(), [](const std::string& cell) {
+        return std::any_of(cell.begin(), cell.end(), [](char c) { return c >= '0' && c <= '9'; });
+    });
+}
+
+PreviewLine Split(const std::string& line, std::int64_t number, Delimiter delimiter) {
+    // Each line for itself: one that is shorter than its neighbour shows what it lacks.
+    LineSplitter splitter(delimiter, CountColumns(line, delimiter));
+    splitter.Split(line);
+    PreviewLine split{number, {}};
+    const std::size_t columns = std::min(splitter.ColumnCount(), MostColumns);
+    for (std::size_t k = 1; k <= columns; ++k) split.Cells.push_back(splitter.Cell(k));
+    return split;
+}
+
+} // namespace
+
+ImportPreview::ImportPreview(std::string_view path) : path_(path), utf8_(SurveyImportFile(path).Utf8) {
+    ImportReader file(path_, utf8_);
+    for (std::string line; ReadOrPass(file, line);) {
+        hasMore_ = lines_.size() == MaxLines;
+        if (hasMore_) return;
+        lines_.push_back(line.substr(0, LongestLine));
+    }
+}
+
+PreviewColumns ImportPreview::Columns(Delimiter delimiter, std::int32_t startLine) const {
+    PreviewColumns columns;
+    if (path_.empty()) return columns;
+    ImportReader file(path_, utf8_);
+    std::string line;
+    while (columns.Data.size() < DataLines && ReadOrPass(file, line)) {
+        const std::int64_t number = file.LineNumber();
+        if (number == startLine)
+            columns.Count = std::min(::CountColumns(line, delimiter), MostColumns);
+        if (number == startLine - 1)
+            columns.Above.push_back(Split(line, number, delimiter));
+        else if (number >= startLine && !line.empty())
+            columns.Data.push_back(Split(line, number, delimiter));
+    }
+    columns.StartsWithHeadings = startLine == 1 && columns.Data.size() > 1 && columns.Count > 1 &&
+                                 !HasDigit(columns.Data[0]) && HasDigit(columns.Data[1]);
+    return columns;
+}
