@@ -93,6 +93,8 @@ struct Globals {
 
     // Flags by which forms talk to each other.
     bool MessageAnswer = false;
+    bool TemplateEditMode = false; ///< a screen is opened to keep its templates, and not to do its work
+    std::string TemplateEditKind;  ///< in that mode: only templates of this extension; empty for all
     std::array<bool, ProgressFlags> Progress{};
     bool UnloadingForms = false;
     bool TemporaryDirectory = false; ///< "ZUKTemp" was made and is removed by UnloadForms

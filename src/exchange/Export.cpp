@@ -6,10 +6,11 @@
 #include "core/Paths.h"
 #include "core/SafeFile.h"
 #include "core/TextCompare.h"
+#include "exchange/ExportColumns.h"
 #include "store/TableCatalogue.h"
 
 #include <algorithm>
-#include <array>
+#include <functional>
 #include <limits>
 #include <memory>
 #include <optional>
@@ -19,8 +20,6 @@ namespace {
 
 constexpr std::string_view Equals = " = ";
 constexpr std::string_view FormatWord = "Format:";
-constexpr std::array<std::string_view, 4> Operators{" + ", " - ", " * ",
-                                                    " / "}; ///< in the order they are looked for
 
 std::span<const TableField> FieldsOf(std::string_view table) {
     const TableEntry* entry = FindTable(table);
@@ -234,12 +233,17 @@ void AppendQuoted(std::string& line, std::string_view text) {
     line += '"';
 }
 
+using Sink = std::function<void(std::string_view line)>;
+
 class Run {
 public:
-    Run(const ExportJob& job, const OrderTables& tables, bool withLines, SafeFile& file, Progress& progress)
+    /// `limit`: orders or order lines to write.
+    Run(const ExportJob& job, const OrderTables& tables, bool withLines, Sink sink, Progress& progress,
+        std::int32_t limit = std::numeric_limits<std::int32_t>::max())
         : job_(job),
           tables_(tables),
-          file_(file),
+          writeLine_(std::move(sink)),
+          limit_(limit),
           progress_(progress),
           cells_(job.Columns.size()) {
         const FieldNames names(withLines);
@@ -255,14 +259,14 @@ public:
             else
                 line_ += row;
         }
-        file_.WriteLine(line_);
+        writeLine_(line_);
     }
 
     ExportResult WalkHeaders() {
         result_.Walked = tables_.FGHdr.RecordCount();
-        for (std::int32_t header = 1; header <= result_.Walked; ++header) {
+        for (std::int32_t header = 1; header <= result_.Walked && result_.Exported < limit_; ++header) {
             WriteRecord({tables_, header, 0});
-            if (job_.AddBlankLine) file_.WriteLine("");
+            if (job_.AddBlankLine) writeLine_("");
         }
         return result_;
     }
@@ -271,7 +275,7 @@ public:
         HeaderIndex headers(tables_.FGHdr);
         std::string lastOrder;
         result_.Walked = tables_.FGLin.RecordCount();
-        for (std::int32_t line = 1; line <= result_.Walked; ++line) {
+        for (std::int32_t line = 1; line <= result_.Walked && result_.Exported < limit_; ++line) {
             const std::string_view order = tables_.FGLin.CellOrEmpty(line, 1);
             const std::int32_t header = headers.Find(order);
             if (header == 0) {
@@ -280,7 +284,7 @@ public:
             }
             if (!SameText(order, lastOrder)) {
                 lastOrder = order;
-                if (job_.AddBlankLine) file_.WriteLine("");
+                if (job_.AddBlankLine) writeLine_("");
             }
             WriteRecord({tables_, header, line});
         }
@@ -317,13 +321,14 @@ private:
             Separate();
             AppendCell(cells_[k]);
         }
-        file_.WriteLine(line_);
+        writeLine_(line_);
         progress_.Show(++result_.Exported);
     }
 
     const ExportJob& job_;
     const OrderTables& tables_;
-    SafeFile& file_;
+    Sink writeLine_;
+    std::int32_t limit_;
     Progress& progress_;
     std::vector<Column> columns_;
     std::vector<std::string> cells_; ///< keep their values from record to record
@@ -355,11 +360,24 @@ ExportResult ExportOrders(const ExportJob& job, const OrderTables& tables, Progr
         refused.CouldNotOpen = true;
         return refused;
     }
-    Run run(job, tables, withLines, *file, progress);
+    Run run(
+        job, tables, withLines, [&](std::string_view line) { file->WriteLine(line); }, progress);
     if (job.AddHeadings) run.WriteHeadings();
     const ExportResult result = withLines ? run.WalkLines() : run.WalkHeaders();
     file->Commit();
     return result;
+}
+
+std::vector<std::string> PreviewOrders(const ExportJob& job, const OrderTables& tables,
+                                       std::int32_t records) {
+    std::vector<std::string> lines;
+    NoProgress nobody;
+    const bool withLines = HasLineFields(job.Columns);
+    Run run(
+        job, tables, withLines, [&](std::string_view line) { lines.emplace_back(line); }, nobody, records);
+    if (job.AddHeadings) run.WriteHeadings();
+    withLines ? run.WalkLines() : run.WalkHeaders();
+    return lines;
 }
 
 std::string ExportFileName(std::string_view text, Delimiter delimiter) {

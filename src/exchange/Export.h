@@ -42,5 +42,9 @@ bool HasLineFields(std::span<const std::string> columns);
 /// 52 and 75 as SafeFile.
 ExportResult ExportOrders(const ExportJob& job, const OrderTables& tables, Progress& progress);
 
+/// The first lines that ExportOrders would write, without their ends: headings, and so many orders or
+/// order lines with their blank lines.
+std::vector<std::string> PreviewOrders(const ExportJob& job, const OrderTables& tables, std::int32_t records);
+
 /// The file name with ".csv" or ".txt", by the delimiter, when it has no extension.
 std::string ExportFileName(std::string_view text, Delimiter delimiter);

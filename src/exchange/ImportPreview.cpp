@@ -45,8 +45,7 @@ PreviewColumns ImportPreview::Columns(Delimiter delimiter, std::int32_t startLin
     std::string line;
     while (columns.Data.size() < DataLines && ReadOrPass(file, line)) {
         const std::int64_t number = file.LineNumber();
-        if (number == startLine)
-            columns.Count = std::min(::CountColumns(line, delimiter), MostColumns);
+        if (number == startLine) columns.Count = std::min(::CountColumns(line, delimiter), MostColumns);
         if (number == startLine - 1)
             columns.Above.push_back(Split(line, number, delimiter));
         else if (number >= startLine && !line.empty())

@@ -25,8 +25,9 @@ LostLines::LostLines(std::string listFile, std::string_view dataFile)
 void LostLines::Begin() {
     MakePath(FolderOf(listFile_));
     file_.emplace(listFile_);
-    const Text head = Words(msg::LostLinesOf, Text::Path(FileNameOf(dataFile_)) + Text::Value(std::string_view(",")),
-                            Text::Value(std::string_view(DateAndTime(Now()))));
+    const Text head =
+        Words(msg::LostLinesOf, Text::Path(FileNameOf(dataFile_)) + Text::Value(std::string_view(",")),
+              Text::Value(std::string_view(DateAndTime(Now()))));
     file_->WriteLine(head.CodePage());
 }
 

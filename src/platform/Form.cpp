@@ -23,6 +23,7 @@
 #include <QMenu>
 #include <QMetaMethod>
 #include <QRadioButton>
+#include <QSpinBox>
 #include <QTabBar>
 #include <QTableView>
 #include <QTimer>
@@ -84,6 +85,16 @@ bool IsClickable(const QObject& object) {
     return false;
 }
 
+/// A list that may be typed into announces a choice only when an entry was chosen: by itself it
+/// also does when a text that was typed equals an entry.
+void AnnounceOnlyChoices(QComboBox& box) {
+    if (!box.isEditable()) return;
+    box.setInsertPolicy(QComboBox::NoInsert);
+    box.setCompleter(nullptr);
+    QObject::disconnect(box.lineEdit(), &QLineEdit::editingFinished, &box, nullptr);
+    QObject::disconnect(box.lineEdit(), &QLineEdit::returnPressed, &box, nullptr);
+}
+
 /// Connects an event of a control to a call with the control's index, or with the column where the
 /// event has one. False when a control of this kind has no such event.
 bool ConnectEvent(QObject& control, const QString& event, int index, QObject& context,
@@ -108,6 +119,8 @@ bool ConnectEvent(QObject& control, const QString& event, int index, QObject& co
             return QObject::connect(edit, &QLineEdit::textChanged, &context, run);
         if (auto* box = qobject_cast<QComboBox*>(&control))
             return QObject::connect(box, &QComboBox::editTextChanged, &context, run);
+        if (auto* spin = qobject_cast<QSpinBox*>(&control))
+            return QObject::connect(spin, &QSpinBox::valueChanged, &context, run);
     } else if (event == QLatin1String("ColumnClick")) {
         if (auto* view = qobject_cast<QTableView*>(&control))
             return QObject::connect(view->horizontalHeader(), &QHeaderView::sectionClicked, &context, call);
@@ -289,6 +302,7 @@ void FormBehaviour::LoadNow() {
         window.setObjectName(QString::fromLatin1(window.metaObject()->className()));
         for (QObject* child : window.findChildren<QObject*>()) {
             if (IsOurs(*child)) WireControl(*child);
+            if (auto* box = qobject_cast<QComboBox*>(child)) AnnounceOnlyChoices(*box);
         }
         FillCaptions(window);
         Form_Load();

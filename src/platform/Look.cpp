@@ -72,6 +72,10 @@ bool IsDarkLook() {
     return QApplication::palette().color(QPalette::Window).lightness() < 128;
 }
 
+QColor WarningTone() {
+    return IsDarkLook() ? QColor(0xff9a8f) : QColor(0xb3261e);
+}
+
 QIcon Picture(std::string_view name) {
     const std::string_view extension = ExtensionOf(name);
     const std::string base(name.substr(0, name.size() - extension.size()));

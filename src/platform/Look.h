@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QColor>
 #include <QIcon>
 #include <QWidget>
 
@@ -10,6 +11,9 @@ class QApplication;
 /// The program's style, with the light palette or the dark one.
 void ApplyLook(QApplication& application, bool dark);
 bool IsDarkLook();
+
+/// For words that tell of something wrong; readable in either look.
+QColor WarningTone();
 
 /// A picture by the base name it was asked for, "zuk1.ico" or "zuk1": drawn for this program as SVG.
 /// A picture in the graphics directory wins over the built-in one. Empty when there is none.

@@ -35,7 +35,8 @@ TEST_F(HeadLinesTest, AreRememberedBesideTheTemplate) {
 TEST_F(HeadLinesTest, AColumnThatWasAddedIsAChange) {
     RememberHeadLines(Template(), Of("List\nCode,Name\nA1,Acme\n", 3));
 
-    const auto change = FirstChange(RememberedHeadLines(Template()), Of("List\nCode,Group,Name\nA1,G,Acme\n", 3));
+    const auto change =
+        FirstChange(RememberedHeadLines(Template()), Of("List\nCode,Group,Name\nA1,G,Acme\n", 3));
 
     ASSERT_TRUE(change);
     EXPECT_EQ(change->Before, "Code,Name");

@@ -8,6 +8,8 @@
 #include "core/Operator.h"
 #include "core/Paths.h"
 #include "core/Settings.h"
+#include "exchange/forms/frmConvert.h"
+#include "exchange/forms/frmExport1.h"
 #include "exchange/forms/frmQBExport.h"
 #include "exchange/forms/frmQBImport.h"
 #include "maintenance/Backup.h"
@@ -478,6 +480,18 @@ void frmMain1::lblExportBtn_Click() {
     TraceEvent("frmMain1:lblExportBtn_Click");
     UnloadForms();
     The<frmQBExport>().Show();
+}
+
+void frmMain1::mnuMainImport_Click() {
+    TraceEvent("frmMain1:mnuMainImport_Click");
+    UnloadForms();
+    The<frmConvert>().Show(ShowMode::Modal);
+}
+
+void frmMain1::mnuMainExport_Click() {
+    TraceEvent("frmMain1:mnuMainExport_Click");
+    UnloadForms();
+    The<frmExport1>().Show(ShowMode::Modal);
 }
 
 void frmMain1::mnuMainAbout_Click() {

@@ -34,6 +34,8 @@ public:
     void UnloadForms();
 
 private slots:
+    void mnuMainImport_Click();
+    void mnuMainExport_Click();
     void mnuExit_Click();
     void mnuMainAbout_Click();
     void mnuDarkLook_Click();

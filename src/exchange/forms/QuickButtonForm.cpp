@@ -67,6 +67,7 @@ void QuickButtonForm::EmptyRows() {
         imgSuccess[row]->clear();
         lblSS[row]->clear();
         lblSST[row]->clear();
+        for (QWidget* cell : {imgSuccess[row], lblSST[row]}) cell->setToolTip(QString());
     }
     cmdOK->setEnabled(false);
 }
@@ -96,9 +97,15 @@ void QuickButtonForm::ShowActivity() {
     cmdOK->setEnabled(true);
 }
 
-void QuickButtonForm::MarkRow(std::size_t row, bool worked) {
-    imgSuccess[row]->setPixmap(Picture(worked ? "success" : "failure").pixmap(20, 20));
-    imgSuccess[row]->setAccessibleName(ToQt(Text(worked ? msg::RowWorked : msg::RowFailed)));
+void QuickButtonForm::MarkRow(std::size_t row, const RowResult& result) {
+    const char* picture = !result.Worked ? "failure" : result.Attention ? "attention" : "success";
+    const MessageId state = !result.Worked     ? msg::RowFailed
+                            : result.Attention ? msg::RowDrifted
+                                               : msg::RowWorked;
+    imgSuccess[row]->setPixmap(Picture(picture).pixmap(20, 20));
+    imgSuccess[row]->setAccessibleName(ToQt(Text(state)));
+    if (result.Report) lblSST[row]->setText(ToQt(*result.Report));
+    for (QWidget* cell : {imgSuccess[row], lblSST[row]}) cell->setToolTip(ToQt(result.Note));
 }
 
 void QuickButtonForm::cmdOK_Click() {
@@ -122,8 +129,7 @@ void QuickButtonForm::cmdOK_Click() {
         if (templates_[row].empty()) continue;
         const RowResult result = RunRow(row, templates_[row]);
         if (IsOver()) return;
-        MarkRow(row, result.Worked);
-        if (result.Report) lblSST[row]->setText(ToQt(*result.Report));
+        MarkRow(row, result);
         if (!result.Worked) ++errors;
         anyWorked = anyWorked || result.Worked;
     }
@@ -144,14 +150,4 @@ void QuickButtonForm::cmdOK_Click() {
 void QuickButtonForm::cmdCancel_Click() {
     Trace("cmdCancel_Click");
     Unload();
-}
-
-void EnsureDataDirectory(std::string& path, std::string_view name, MessageId lost) {
-    if (Global.TheDisk->IsFolder(ResolvePath(path))) return;
-    const std::string old = path;
-    path = AddBackslash(Global.AppPath + std::string(name));
-    MakePath(path);
-    Tell(Text(lost) + Text::Path(std::string_view(old)) + msg::PathChanged +
-             Text::Path(std::string_view(path)) + msg::PathChangedEnd,
-         Icon::Information);
 }

@@ -28,6 +28,8 @@ protected:
     struct RowResult {
         bool Worked = false;
         std::optional<Text> Report; ///< takes the place of the row's value
+        Text Note = {};             ///< what more there is to know; shown as the row's tool tip
+        bool Attention = false;     ///< worked, but somebody should look at it: the note says why
     };
 
     /// `extension`: that of the screen's activities, as ".ipm".
@@ -68,11 +70,8 @@ private:
     void PopMaster();
     void ShowActivity();
     void EmptyRows();
-    void MarkRow(std::size_t row, bool worked);
+    void MarkRow(std::size_t row, const RowResult& result);
 
     std::string extension_;
     std::array<std::string, 2> templates_; ///< of the activity shown; empty for "None"
 };
-
-/// Makes a data directory that is gone, and tells the operator: "`lost` (old) is not available ...".
-void EnsureDataDirectory(std::string& path, std::string_view name, MessageId lost);

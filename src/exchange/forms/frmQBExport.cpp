@@ -5,13 +5,9 @@
 #include "core/Messages.h"
 #include "core/Operator.h"
 #include "core/Paths.h"
-#include "core/forms/frmMain1.h"
-#include "core/forms/frmProgress.h"
 #include "exchange/Activity.h"
 #include "exchange/ExportTemplate.h"
-#include "exchange/forms/OrderQuestions.h"
-#include "maintenance/Backup.h"
-#include "platform/BarProgress.h"
+#include "exchange/forms/ExportRun.h"
 #include "platform/Convert.h"
 #include "ui_frmQBExport.h"
 
@@ -44,42 +40,25 @@ QuickButtonForm::RowResult frmQBExport::RunRow(std::size_t row, const std::strin
     job.QualityCheck = read.Template.QualityCheck;
     job.Columns = read.Template.Columns;
 
-    ExportResult result;
+    std::optional<ExportResult> result;
     try {
-        EnsureDataDirectory(Global.DataOutPath, "DataOut", msg::DataOutUnavailable);
-        job.ExportFile =
-            Global.DataOutPath + NameToPath(ExportFileName(read.Template.FileName, job.Delimiter));
+        job.ExportFile = ExportPath(read.Template.FileName, job.Delimiter);
         OrderBook book = OpenOrderBook(Global.DBFPath + "ZUKORHDR.DBF", Global.DBFPath + "ZUKORLIN.DBF");
-        PrepareOrders(job, book, OrderQuestions());
-        const bool byLine = HasLineFields(job.Columns);
-        const OrderTable& walked = byLine ? book.Tables.FGLin : book.Tables.FGHdr;
-        BarProgress progress(lblProgress, *pgbProgress);
-        progress.Begin(Words(msg::ConvertingTable, byLine ? msg::LineTable : msg::HeaderTable),
-                       std::int64_t{walked.RecordCount()} + 2);
-        PauseFor(0.2);
-        if (IsOver()) return {};
-        result = ExportOrders(job, book.Tables, progress);
+        result = RunExport(job, book, *this, *lblProgress, *pgbProgress);
     } catch (const RunTimeFailure& failure) {
         Tell(Lines(msg::ExportStopped, Text::Path(std::string_view(failure.what()))), Icon::Stop);
-        return {};
     }
-    if (result.CouldNotOpen) Tell(msg::ExportFileCannotBeOpened, Icon::Stop);
-    TellOrphanLines(result);
-    const Text report = Words(Text::Value(result.Exported), msg::Of, Text::Value(result.Walked));
-    if (result.CouldNotOpen) return {false, report};
+    if (!result) return {};
+    TellOrphanLines(*result);
+    const Text report = Words(Text::Value(result->Exported), msg::Of, Text::Value(result->Walked));
+    if (result->CouldNotOpen) return {false, report};
     OfferDeletion();
     return {true, report};
 }
 
 void frmQBExport::OfferDeletion() {
-    if (!AskYesNo(Lines(msg::DeleteExported, msg::DeleteExportedNote))) return;
-    if (!MakeBackup("EXPORT")) {
-        // Without a backup nothing is emptied: the orders would be gone.
-        Tell(Lines(msg::FileError, msg::CannotBackUp), Icon::Stop);
-        return;
-    }
     try {
-        RecordTotals(ProgressFlag::Export);
+        if (!AgreedToDelete()) return;
         for (const char* table : {"ZUKOrHdr.dbf", "ZUKOrLin.dbf"}) {
             CopyOver(Global.DBFEmptyPath + table, Global.DBFPath + table);
         }
@@ -89,9 +68,5 @@ void frmQBExport::OfferDeletion() {
 }
 
 void frmQBExport::FinishRun(bool) {
-    Global.RefreshTotals = true;
-    if (auto* main = IfLoaded<frmMain1>()) {
-        main->GetPCTotals();
-        main->RefreshRecordCounts();
-    }
+    RefreshMainScreen();
 }

@@ -5,10 +5,13 @@
 #include "core/Messages.h"
 #include "core/Operator.h"
 #include "core/Paths.h"
-#include "core/forms/frmMain1.h"
 #include "exchange/Activity.h"
+#include "exchange/HeadLines.h"
 #include "exchange/Import.h"
 #include "exchange/ImportTemplate.h"
+#include "exchange/LostLines.h"
+#include "exchange/forms/DataDirectory.h"
+#include "exchange/forms/ExportRun.h"
 #include "platform/BarProgress.h"
 #include "platform/Convert.h"
 #include "ui_frmQBImport.h"
@@ -24,6 +27,20 @@ void frmQBImport::ShowHeadings() {
     lblHeading1->setText(ToQt(Text(msg::HeadingTable)));
     lblHeading2->setText(ToQt(Text(msg::HeadingLinesImported)));
 }
+
+namespace {
+
+/// Whether the lines above the data have changed since the template was last used; what is there is
+/// remembered only when nothing was, so that the mark stays until somebody has looked at the mapping.
+bool HasDrifted(const ImportJob& job, const std::string& templateName) {
+    const std::string file = Global.ImportTemplates + NameToPath(templateName);
+    const HeadLines lines = ReadHeadLines(job.ImportFile, job.StartLine);
+    const auto remembered = RememberedHeadLines(file);
+    if (!remembered) RememberHeadLines(file, lines);
+    return FirstChange(remembered, lines).has_value();
+}
+
+} // namespace
 
 QuickButtonForm::RowResult frmQBImport::RunRow(std::size_t row, const std::string& templateName) {
     const Text name = Text::Value(templateName);
@@ -55,6 +72,7 @@ QuickButtonForm::RowResult frmQBImport::RunRow(std::size_t row, const std::strin
     job.StartLine = StartLineNumber(read.Template.StartLine);
     job.SelectedFields = read.Template.Fields;
     job.Literals = read.Template.Literals;
+    job.ErrorFile = LostLinesFile(Global.DataInPath, read.Template.DataFile);
     try {
         BarProgress progress(lblProgress, *pgbProgress);
         progress.Begin(Words(customers ? msg::ImportingCustomers : msg::ImportingItems,
@@ -63,10 +81,18 @@ QuickButtonForm::RowResult frmQBImport::RunRow(std::size_t row, const std::strin
         PauseFor(0.2);
         if (IsOver()) return {};
         job.AvailableFields = AvailableFieldsOf(job.TableFile);
+        const bool drifted = HasDrifted(job, templateName);
         const ImportResult result = ImportDataFile(job, progress);
         const std::int32_t good = result.FieldCountMismatch ? 0 : result.LinesRead - result.LinesFailed;
         if (result.FieldCountMismatch) Tell(msg::FieldsDoNotMatch, Icon::Warning);
-        return {!result.FieldCountMismatch, Words(Text::Value(good), msg::Of, Text::Value(job.LineCount))};
+        Text note;
+        if (drifted) note = msg::HeadChangedMark;
+        if (result.ErrorsListed) {
+            const Text list = Words(msg::LostLinesListed, Text::Path(std::string_view(job.ErrorFile)));
+            note = drifted ? Lines(note, list) : list;
+        }
+        return {!result.FieldCountMismatch, Words(Text::Value(good), msg::Of, Text::Value(job.LineCount)),
+                note, drifted};
     } catch (const RunTimeFailure& failure) {
         Tell(Lines(msg::ImportStopped, Text::Path(std::string_view(failure.what()))), Icon::Stop);
         return {false, Words(Text::Value(0), msg::Of, Text::Value(job.LineCount))};
@@ -74,9 +100,5 @@ QuickButtonForm::RowResult frmQBImport::RunRow(std::size_t row, const std::strin
 }
 
 void frmQBImport::FinishRun(bool anyWorked) {
-    if (anyWorked) Global.RefreshTotals = true;
-    auto* main = IfLoaded<frmMain1>();
-    if (!main || !anyWorked) return;
-    main->GetPCTotals();
-    main->RefreshRecordCounts();
+    if (anyWorked) RefreshMainScreen();
 }

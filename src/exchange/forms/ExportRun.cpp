@@ -1,0 +1,67 @@
+#include "exchange/forms/ExportRun.h"
+
+#include "core/Failure.h"
+#include "core/Globals.h"
+#include "core/Messages.h"
+#include "core/Operator.h"
+#include "core/Paths.h"
+#include "core/forms/frmMain1.h"
+#include "core/forms/frmProgress.h"
+#include "exchange/forms/DataDirectory.h"
+#include "maintenance/Backup.h"
+#include "platform/BarProgress.h"
+
+namespace {
+
+RepeatQuestions OrderQuestions() {
+    return {[] { return AskYesNo(msg::DuplicateOrders); }, [] { return MakeBackup("QUALCHECK"); },
+            [] { Tell(Lines(msg::FileError, msg::CannotBackUp), Icon::Stop); },
+            [] { RecordTotals(ProgressFlag::QualCheck); }};
+}
+
+} // namespace
+
+std::string ExportPath(std::string_view fileName, Delimiter delimiter) {
+    if (!IsPlainFileName(fileName)) throw RunTimeFailure(52, std::string(fileName));
+    EnsureDataDirectory(Global.DataOutPath, "DataOut", msg::DataOutUnavailable);
+    return Global.DataOutPath + NameToPath(ExportFileName(fileName, delimiter));
+}
+
+std::optional<ExportResult> RunExport(const ExportJob& job, OrderBook& book, FormBehaviour& form,
+                                      QLabel& label, QProgressBar& bar) {
+    PrepareOrders(job, book, OrderQuestions());
+    const bool byLine = HasLineFields(job.Columns);
+    const OrderTable& walked = byLine ? book.Tables.FGLin : book.Tables.FGHdr;
+    BarProgress progress(&label, bar);
+    progress.Begin(Words(msg::ConvertingTable, byLine ? msg::LineTable : msg::HeaderTable),
+                   std::int64_t{walked.RecordCount()} + 2);
+    form.PauseFor(0.2);
+    if (form.IsOver()) return std::nullopt;
+    ExportResult result = ExportOrders(job, book.Tables, progress);
+    if (result.CouldNotOpen) Tell(msg::ExportFileCannotBeOpened, Icon::Stop);
+    return result;
+}
+
+void TellOrphanLines(const ExportResult& result) {
+    if (result.OrphanLines == 0) return;
+    Tell(Words(Text::Value(result.OrphanLines), msg::LinesWithoutHeader), Icon::Information);
+}
+
+bool AgreedToDelete() {
+    if (!AskYesNo(Lines(msg::DeleteExported, msg::DeleteExportedNote))) return false;
+    if (!MakeBackup("EXPORT")) {
+        // Without a backup nothing is emptied: the orders would be gone.
+        Tell(Lines(msg::FileError, msg::CannotBackUp), Icon::Stop);
+        return false;
+    }
+    RecordTotals(ProgressFlag::Export);
+    return true;
+}
+
+void RefreshMainScreen() {
+    Global.RefreshTotals = true;
+    auto* main = IfLoaded<frmMain1>();
+    if (!main) return;
+    main->GetPCTotals();
+    main->RefreshRecordCounts();
+}

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+class QAbstractButton;
+class QComboBox;
+class QListWidget;
+
+/// What the two screens that lay out columns do with their lists. None of it announces a selection.
+
+/// Shows rows (code page 1252) in a list, one of them selected.
+void FillList(QListWidget& list, const std::vector<std::string>& rows,
+              std::optional<std::size_t> selected = std::nullopt);
+
+/// The rows of a list that are selected, in list order.
+QList<int> SelectedRows(const QListWidget& list);
+
+void Deselect(QListWidget& list);
+void Deselect(QListWidget& list, int row);
+
+/// Enter in a list presses a button; elsewhere on the form it presses the default one.
+void PressOnEnter(QListWidget& list, QAbstractButton& button);
+void PressOnDelete(QListWidget& list, QAbstractButton& button);
+
+/// Adds a name to a list that is typed into, unless it is there, any case; what is typed stays.
+void ListName(QComboBox& box, const QString& name);
+
+/// Takes the name that is typed out of the list, and empties the box.
+void UnlistName(QComboBox& box);

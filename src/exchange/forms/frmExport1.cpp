@@ -1,0 +1,367 @@
+#include "exchange/forms/frmExport1.h"
+
+#include "core/Catalogue.h"
+#include "core/Failure.h"
+#include "core/Globals.h"
+#include "core/Messages.h"
+#include "core/Operator.h"
+#include "core/Paths.h"
+#include "exchange/ExportTemplate.h"
+#include "exchange/Import.h"
+#include "exchange/forms/ExportRun.h"
+#include "exchange/forms/Lists.h"
+#include "platform/Convert.h"
+
+namespace {
+
+constexpr std::string_view Extension = ".xor";
+constexpr std::int32_t PreviewRecords = 20;
+
+} // namespace
+
+frmExport1::frmExport1() {
+    setupUi(this);
+    PressOnEnter(*lstAvailable, *cmdAdd1);
+    PressOnDelete(*lstSelected, *cmdRemove1);
+    ShowCalc(false);
+}
+
+void frmExport1::Form_Load() {
+    TraceEvent("frmExport1:Form_Load");
+    lblProgress->hide();
+    pgbProgress->hide();
+    for (std::string& name : FilesWithExtension(Global.ExportTemplates, Extension)) {
+        name.resize(name.size() - Extension.size());
+        cboSettings->addItem(PathToQt(name));
+    }
+    cboSettings->setCurrentIndex(-1);
+    try {
+        book_ = OpenOrderBook(Global.DBFPath + "ZUKORHDR.DBF", Global.DBFPath + "ZUKORLIN.DBF");
+        for (const std::string& table : {book_.HeaderFile, book_.LineFile}) {
+            const std::vector<std::string> fields = AvailableFieldsOf(table);
+            available_.insert(available_.end(), fields.begin() + 1, fields.end());
+        }
+    } catch (const RunTimeFailure& failure) {
+        Tell(Lines(msg::TablesUnreadable, Text::Path(std::string_view(failure.what()))), Icon::Stop);
+        return cmdCancel_Click();
+    }
+    FillList(*lstAvailable, available_);
+    ShowColumns(std::nullopt);
+    lstAvailable->setFocus();
+}
+
+// ---- templates ----
+
+/// In the file system's encoding.
+std::string frmExport1::TemplateName() const {
+    return PathFromQt(cboSettings->currentText().trimmed());
+}
+
+std::string frmExport1::TemplatePath() const {
+    return Global.ExportTemplates + TemplateName() + std::string(Extension);
+}
+
+void frmExport1::cboSettings_Click() {
+    TraceEvent("frmExport1:cboSettings_Click");
+    if (TemplateName().empty()) return;
+    const ExportTemplate content = ReadExportTemplate(TemplatePath()).Template;
+    cmdRemoveAll_Click();
+    txtExpFile->setText(ToQt(std::string_view(content.FileName)));
+    if (content.Delimiter) {
+        optCSVQ->setChecked(*content.Delimiter == ::Delimiter::CsvQuotes);
+        optCSV->setChecked(*content.Delimiter == ::Delimiter::Csv);
+        optTAB->setChecked(*content.Delimiter == ::Delimiter::Tab);
+    }
+    chkSort->setChecked(content.SortOrders);
+    chkBlankLine->setChecked(content.AddBlankLine);
+    chkQC->setChecked(content.QualityCheck);
+    chkHeader->setChecked(content.AddHeadings);
+    columns_ = ExportColumns(content.Columns);
+    ShowColumns(std::nullopt);
+}
+
+void frmExport1::cboSettings_Change() {
+    CheckOK();
+}
+
+void frmExport1::cmdSaveSettings_Click() {
+    TraceEvent("frmExport1:cmdSaveSettings_Click");
+    SaveSettings();
+}
+
+/// False when there is nothing to save or it could not be saved; the operator has been told.
+bool frmExport1::SaveSettings() {
+    if (TemplateName().empty()) {
+        Tell(msg::TypeTemplateName, Icon::Warning);
+        cboSettings->setFocus();
+        return false;
+    }
+    if (columns_.Rows().empty()) {
+        Tell(msg::NothingToExport, Icon::Warning);
+        lstAvailable->setFocus();
+        return false;
+    }
+    ExportTemplate content;
+    content.FileName = FromQt(txtExpFile->text().trimmed());
+    content.Delimiter = Delimiter();
+    content.SortOrders = chkSort->isChecked();
+    content.AddBlankLine = chkBlankLine->isChecked();
+    content.QualityCheck = chkQC->isChecked();
+    content.AddHeadings = chkHeader->isChecked();
+    content.Columns = columns_.Rows();
+    try {
+        if (!IsPlainFileName(TemplateName())) throw RunTimeFailure(52, TemplateName());
+        WriteExportTemplate(TemplatePath(), content);
+    } catch (const RunTimeFailure& failure) {
+        Tell(Lines(msg::TemplateNotSaved, Text::Path(std::string_view(failure.what()))), Icon::Stop);
+        return false;
+    }
+    ListName(*cboSettings, PathToQt(TemplateName()));
+    return true;
+}
+
+void frmExport1::cmdDelSettings_Click() {
+    TraceEvent("frmExport1:cmdDelSettings_Click");
+    if (IsPlainFileName(TemplateName())) RemoveQuietly(TemplatePath());
+    UnlistName(*cboSettings);
+    cmdRemoveAll_Click();
+}
+
+// ---- the columns ----
+
+::Delimiter frmExport1::Delimiter() const {
+    if (optCSVQ->isChecked()) return ::Delimiter::CsvQuotes;
+    return optTAB->isChecked() ? ::Delimiter::Tab : ::Delimiter::Csv;
+}
+
+ExportJob frmExport1::Job() const {
+    ExportJob job;
+    job.Delimiter = Delimiter();
+    job.AddHeadings = chkHeader->isChecked();
+    job.AddBlankLine = chkBlankLine->isChecked();
+    job.SortOrders = chkSort->isChecked();
+    job.QualityCheck = chkQC->isChecked();
+    job.Columns = columns_.Rows();
+    return job;
+}
+
+std::optional<std::size_t> frmExport1::SelectedRow() const {
+    const QList<int> rows = SelectedRows(*lstSelected);
+    if (rows.isEmpty()) return std::nullopt;
+    return static_cast<std::size_t>(rows.first());
+}
+
+/// Shows the columns anew, with one of them selected.
+void frmExport1::ShowColumns(std::optional<std::size_t> row) {
+    FillList(*lstSelected, columns_.Rows(), row);
+    CheckOK();
+    ShowPreview();
+}
+
+void frmExport1::ShowPreview() {
+    if (columns_.Rows().empty() || book_.Tables.FGHdr.RecordCount() == 0) {
+        rtbText->setPlainText(
+            ToQt(Text(columns_.Rows().empty() ? msg::NoColumnsYet : msg::NoOrdersYet)));
+        return;
+    }
+    QStringList lines;
+    for (const std::string& line : PreviewOrders(Job(), book_.Tables, PreviewRecords)) {
+        lines << ToQt(std::string_view(line));
+    }
+    rtbText->setPlainText(lines.join(QLatin1Char('\n')));
+}
+
+void frmExport1::CheckOK() {
+    const auto row = SelectedRow();
+    const bool inserts = row && *row + 1 < columns_.Rows().size();
+    cmdAdd1->setText(QString::fromStdString(CatalogueCaption(inserts ? msg::Insert : msg::Add)));
+    cmdAdd1->setEnabled(!SelectedRows(*lstAvailable).isEmpty());
+    cmdOK->setEnabled(!columns_.Rows().empty() && !txtExpFile->text().trimmed().isEmpty());
+    cmdRemove1->setEnabled(row.has_value());
+    cmdRemoveAll->setEnabled(!columns_.Rows().empty());
+    cmdLiteral->setEnabled(!columns_.CalcPending());
+    cmdSaveSettings->setEnabled(!columns_.Rows().empty() && !TemplateName().empty());
+    cmdDelSettings->setEnabled(!TemplateName().empty());
+}
+
+void frmExport1::txtExpFile_Change() {
+    CheckOK();
+}
+
+void frmExport1::optCSVQ_Click() {
+    ShowPreview();
+}
+
+void frmExport1::optCSV_Click() {
+    ShowPreview();
+}
+
+void frmExport1::optTAB_Click() {
+    ShowPreview();
+}
+
+void frmExport1::chkHeader_Click() {
+    ShowPreview();
+}
+
+void frmExport1::chkBlankLine_Click() {
+    ShowPreview();
+}
+
+void frmExport1::lstAvailable_Click() {
+    CheckOK();
+}
+
+void frmExport1::lstAvailable_DblClick() {
+    cmdAdd1_Click();
+}
+
+void frmExport1::lstSelected_Click() {
+    CheckOK();
+}
+
+void frmExport1::lstSelected_DblClick() {
+    cmdRemove1_Click();
+}
+
+void frmExport1::cmdAdd1_Click() {
+    TraceEvent("frmExport1:cmdAdd1_Click");
+    auto row = SelectedRow();
+    for (const int k : SelectedRows(*lstAvailable)) {
+        const std::string& field = available_[static_cast<std::size_t>(k)];
+        std::string format;
+        if (ExportColumns::IsDate(field) && !columns_.CalcPending()) {
+            format = Global.TheOperator->InputBox(msg::DateFormatQuestion, std::string(UsualDateFormat))
+                         .value_or(std::string());
+            if (IsOver()) return;
+        }
+        if (columns_.CalcPending()) ShowCalc(false);
+        const std::size_t before = columns_.Rows().size();
+        columns_.Add(field, format, row);
+        // What was put before the row that is selected moves it on.
+        if (row && *row + 1 < before && columns_.Rows().size() > before) ++*row;
+        Deselect(*lstAvailable, k);
+    }
+    ShowColumns(row);
+}
+
+void frmExport1::cmdLiteral_Click() {
+    TraceEvent("frmExport1:cmdLiteral_Click");
+    if (columns_.CalcPending()) return;
+    const auto value = Global.TheOperator->InputBox(msg::LiteralQuestion, std::string());
+    if (IsOver() || !value) return;
+    columns_.AddLiteral(*value);
+    ShowColumns(SelectedRow());
+}
+
+/// The operators and the number, in the place of the button that leads to them.
+void frmExport1::ShowCalc(bool shown) {
+    cmdCalc->setVisible(!shown);
+    for (QWidget* control : {static_cast<QWidget*>(cmdPlus), static_cast<QWidget*>(cmdMinus),
+                             static_cast<QWidget*>(cmdMultiply), static_cast<QWidget*>(cmdDivide),
+                             static_cast<QWidget*>(txtVal), static_cast<QWidget*>(cmdVal)}) {
+        control->setVisible(shown);
+    }
+}
+
+void frmExport1::cmdCalc_Click() {
+    TraceEvent("frmExport1:cmdCalc_Click");
+    const bool shown = cmdCalc->isVisibleTo(this);
+    ShowCalc(shown);
+    if (shown) cmdPlus->setFocus();
+}
+
+void frmExport1::Operate(std::string_view operation) {
+    if (const auto row = columns_.Operate(operation, SelectedRow())) {
+        ShowColumns(row);
+        lstAvailable->setFocus();
+    }
+}
+
+void frmExport1::cmdPlus_Click() {
+    TraceEvent("frmExport1:cmdPlus_Click");
+    Operate(" + ");
+}
+
+void frmExport1::cmdMinus_Click() {
+    TraceEvent("frmExport1:cmdMinus_Click");
+    Operate(" - ");
+}
+
+void frmExport1::cmdMultiply_Click() {
+    TraceEvent("frmExport1:cmdMultiply_Click");
+    Operate(" * ");
+}
+
+void frmExport1::cmdDivide_Click() {
+    TraceEvent("frmExport1:cmdDivide_Click");
+    Operate(" / ");
+}
+
+void frmExport1::cmdVal_Click() {
+    TraceEvent("frmExport1:cmdVal_Click");
+    const bool pending = columns_.CalcPending();
+    if (!columns_.AddNumber(FromQt(txtVal->text()), SelectedRow())) return txtVal->setFocus();
+    if (pending) ShowCalc(false);
+    txtVal->clear();
+    ShowColumns(SelectedRow());
+}
+
+void frmExport1::cmdRemove1_Click() {
+    TraceEvent("frmExport1:cmdRemove1_Click");
+    if (const auto row = SelectedRow()) columns_.Remove(*row);
+    ShowColumns(std::nullopt);
+}
+
+void frmExport1::cmdRemoveAll_Click() {
+    TraceEvent("frmExport1:cmdRemoveAll_Click");
+    columns_.RemoveAll();
+    ShowCalc(false);
+    ShowColumns(std::nullopt);
+}
+
+// ---- the export ----
+
+void frmExport1::cmdOK_Click() {
+    TraceEvent("frmExport1:cmdOK_Click");
+    if (!TemplateName().empty() && !SaveSettings()) return;
+    if (Global.TemplateEditMode && !AskYesNo(msg::ExportNow)) return cmdCancel_Click();
+    cmdOK->setEnabled(false);
+    cmdCancel->setEnabled(false);
+    const bool exported = Export();
+    if (IsOver()) return;
+    if (exported) {
+        // The tables stay as they are here: the backup is all that a Yes does.
+        AgreedToDelete();
+        RefreshMainScreen();
+        return cmdCancel_Click();
+    }
+    // Still here: the name of the file or the columns can be mended.
+    lblProgress->hide();
+    pgbProgress->hide();
+    cmdCancel->setEnabled(true);
+    cmdOK->setEnabled(true);
+}
+
+/// False when no file was written; the operator has been told.
+bool frmExport1::Export() {
+    try {
+        ExportJob job = Job();
+        job.ExportFile = ExportPath(FromQt(txtExpFile->text().trimmed()), job.Delimiter);
+        lblProgress->show();
+        pgbProgress->show();
+        const auto result = RunExport(job, book_, *this, *lblProgress, *pgbProgress);
+        if (!result || result->CouldNotOpen) return false;
+        Tell(Words(Text::Value(result->Exported), msg::Of, Text::Value(result->Walked), msg::RecordsExported));
+        TellOrphanLines(*result);
+        return true;
+    } catch (const RunTimeFailure& failure) {
+        Tell(Lines(msg::ExportStopped, Text::Path(std::string_view(failure.what()))), Icon::Stop);
+        return false;
+    }
+}
+
+void frmExport1::cmdCancel_Click() {
+    TraceEvent("frmExport1:cmdCancel_Click");
+    Unload();
+}

@@ -1,0 +1,92 @@
+#pragma once
+
+#include "exchange/ImportMapping.h"
+#include "exchange/ImportPreview.h"
+#include "exchange/ImportTemplate.h"
+#include "exchange/forms/PreviewModel.h"
+#include "platform/Form.h"
+#include "ui_frmImport1.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+struct ImportJob;
+struct ImportResult;
+
+/// Lays out which column of a data file feeds which field of a table, keeps that as a template, and
+/// imports by it.
+///
+/// Opened by `frmConvert`, which knows the file and the table; or, with `Global.TemplateEditMode`, to
+/// keep templates: all of them, or those of `Global.TemplateEditKind` alone.
+class frmImport1 final : public Form, private Ui::frmImport1 {
+    Q_OBJECT
+
+public:
+    frmImport1();
+
+private slots:
+    void cboSettings_Click();
+    void cboSettings_Change();
+    void cmdSaveSettings_Click();
+    void cmdDelSettings_Click();
+    void optCSVQ_Click();
+    void optCSV_Click();
+    void optTAB_Click();
+    void UpDown1_Change();
+    void lstAvailable_Click();
+    void lstAvailable_DblClick();
+    void lstSelected_Click();
+    void lstSelected_DblClick();
+    void lstLiteral_Click();
+    void lstLiteral_DblClick();
+    void FGPreview_Click();
+    void cmdAdd1_Click();
+    void cmdAnd_Click();
+    void cmdLiteral_Click();
+    void cmdRemove1_Click();
+    void cmdRemoveAll_Click();
+    void cmdOK_Click();
+    void cmdCancel_Click();
+
+protected:
+    void Form_Load() override;
+
+private:
+    enum class Mode { Import, EditTemplate, EditKind };
+
+    void LoadForImport(const std::string& importFile);
+    void LoadForEditing();
+    void ListTemplates(TemplateKind kind);
+    void ListAvailable(TemplateKind kind);
+    bool LoadPreview();
+    bool RecogniseFormat();
+
+    std::string TemplateName() const;
+    std::string TemplateFile(const std::string& name) const;
+    bool SaveSettings();
+
+    ::Delimiter Delimiter() const;
+    void SetDelimiter(::Delimiter delimiter);
+    std::optional<std::size_t> SelectedRow() const;
+    void ShowMapping(std::optional<std::size_t> row);
+    void ShowColumns();
+    void MarkColumn();
+    void SetAddText();
+    void CheckOK();
+    void CheckSaveSettings();
+
+    bool ColumnsStand() const;
+    ImportJob Job() const;
+    void Import();
+    void TellResult(const ImportJob& job, const ImportResult& result);
+
+    Mode mode_ = Mode::Import;
+    std::string importFile_; ///< full path of the data file
+    std::string tableFile_;  ///< full path of the table
+    std::optional<::TemplateKind> kind_;
+    std::vector<std::string> available_; ///< "Ignore" and the table's fields
+    ImportMapping mapping_;
+    ImportPreview preview_;
+    PreviewModel* columns_;
+};
