@@ -18,6 +18,7 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QDir>
+#include <QListWidget>
 #include <QProcess>
 #include <QTemporaryDir>
 
@@ -74,6 +75,18 @@ void Save(QWidget& window, const QString& folder, const QString& name) {
     std::printf("%s\n", path.toLocal8Bit().constData());
 }
 
+void ChooseSetting(FormBehaviour& form, const char* name) {
+    auto* settings = form.Window().findChild<QComboBox*>(QStringLiteral("cboSettings"));
+    settings->setCurrentIndex(settings->findText(QLatin1String(name)));
+    emit settings->activated(settings->currentIndex());
+    form.Window().findChild<QListWidget*>(QStringLiteral("lstSelected"))->setCurrentRow(1);
+}
+
+void ChooseFile(FormBehaviour& form) {
+    form.Window().findChild<QListWidget*>(QStringLiteral("filFiles"))->setCurrentRow(0);
+    form.Window().findChild<QAbstractButton*>(QStringLiteral("optCustomer"))->click();
+}
+
 /// What an operator would have done before looking at a screen.
 void Prepare(FormBehaviour& form) {
     if (auto* message = dynamic_cast<frmMessage*>(&form)) {
@@ -84,6 +97,10 @@ void Prepare(FormBehaviour& form) {
         activities->setCurrentIndex(0);
         emit activities->activated(0);
     }
+    // Both lay out columns: a template that is there shows what they are for.
+    if (dynamic_cast<frmImport1*>(&form)) ChooseSetting(form, "DemoCustomers.cst");
+    if (dynamic_cast<frmExport1*>(&form)) ChooseSetting(form, "DemoOrders");
+    if (dynamic_cast<frmConvert*>(&form)) ChooseFile(form);
     if (auto* details = dynamic_cast<frmHHStatus*>(&form)) {
         details->Fill("Anna Berg", {{3, 12, 431.5}, {3, 11, 402.75}});
     }
@@ -93,13 +110,24 @@ void Press(FormBehaviour& form, const char* button) {
     form.Window().findChild<QAbstractButton*>(QString::fromLatin1(button))->click();
 }
 
-/// The other pages of the main screen, and a report at its end.
+/// The other pages of the main screen, screens at work, and a report at its end.
 void OtherFaces(Nobody& nobody, const QString& folder) {
     auto& main = The<frmMain1>();
     for (const char* page : {"frmMain1-summary", "frmMain1-quickstart"}) {
         Press(main, "lblNext");
         Save(main, folder, QString::fromLatin1(page));
     }
+    auto& convert = The<frmConvert>();
+    ChooseFile(convert);
+    auto& mapping = The<frmImport1>();
+    Save(mapping, folder, QStringLiteral("frmImport1-new"));
+    mapping.Unload();
+    convert.Unload();
+    auto& calculation = The<frmExport1>();
+    ChooseSetting(calculation, "DemoOrders");
+    Press(calculation, "cmdCalc");
+    Save(calculation, folder, QStringLiteral("frmExport1-calculate"));
+    calculation.Unload();
     auto& report = The<frmQBImport>();
     Prepare(report);
     nobody.RunsActivities = true;

@@ -59,9 +59,8 @@ bool ExportColumns::AddNumber(std::string_view number, std::optional<std::size_t
 
 void ExportColumns::Remove(std::size_t row) {
     // The operator goes with the row at whose end it stands; no other row awaits an operand.
-    const bool awaits = std::any_of(Operators.begin(), Operators.end(), [&](std::string_view each) {
-        return rows_.at(row).ends_with(each);
-    });
+    const bool awaits = std::any_of(Operators.begin(), Operators.end(),
+                                    [&](std::string_view each) { return rows_.at(row).ends_with(each); });
     if (awaits) calcPending_ = false;
     rows_.erase(rows_.begin() + static_cast<std::ptrdiff_t>(row));
 }

@@ -11,10 +11,15 @@ constexpr std::size_t DataLines = 3;
 constexpr std::size_t LongestLine = 2000; ///< characters that are shown of a line
 constexpr std::size_t MostColumns = 2000; ///< more than any table has fields
 
-bool HasDigit(const PreviewLine& line) {
-    return std::any_of(line.Cells.begin(), line.Cells.end(), [](const std::string& cell) {
-        return std::any_of(cell.begin(), cell.end(), [](char c) { return c >= '0' && c <= '9'; });
-    });
+bool BeginsWithDigit(const std::string& cell) {
+    return !cell.empty() && cell.front() >= '0' && cell.front() <= '9';
+}
+
+/// Headings: every column has one, none begins with a digit, and something in the line below does.
+bool LookLikeHeadings(const PreviewLine& line, const PreviewLine& below) {
+    return std::none_of(line.Cells.begin(), line.Cells.end(),
+                        [](const std::string& cell) { return cell.empty() || BeginsWithDigit(cell); }) &&
+           std::any_of(below.Cells.begin(), below.Cells.end(), BeginsWithDigit);
 }
 
 PreviewLine Split(const std::string& line, std::int64_t number, Delimiter delimiter) {
@@ -52,6 +57,6 @@ PreviewColumns ImportPreview::Columns(Delimiter delimiter, std::int32_t startLin
             columns.Data.push_back(Split(line, number, delimiter));
     }
     columns.StartsWithHeadings = startLine == 1 && columns.Data.size() > 1 && columns.Count > 1 &&
-                                 !HasDigit(columns.Data[0]) && HasDigit(columns.Data[1]);
+                                 LookLikeHeadings(columns.Data[0], columns.Data[1]);
     return columns;
 }

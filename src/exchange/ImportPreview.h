@@ -20,7 +20,7 @@ struct PreviewColumns {
     std::vector<PreviewLine> Above; ///< the line above it, if there is one: mostly the headings
     std::vector<PreviewLine> Data;  ///< that line and the next ones that are not empty, three at most
 
-    /// The data starts at line 1, but this line has no digit in it and the next one does.
+    /// The data starts at line 1, but this line looks like the headings of what stands below.
     bool StartsWithHeadings = false;
 };
 

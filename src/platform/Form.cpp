@@ -300,9 +300,9 @@ void FormBehaviour::LoadNow() {
     try {
         QWidget& window = Window();
         window.setObjectName(QString::fromLatin1(window.metaObject()->className()));
+        for (auto* box : window.findChildren<QComboBox*>()) AnnounceOnlyChoices(*box);
         for (QObject* child : window.findChildren<QObject*>()) {
             if (IsOurs(*child)) WireControl(*child);
-            if (auto* box = qobject_cast<QComboBox*>(child)) AnnounceOnlyChoices(*box);
         }
         FillCaptions(window);
         Form_Load();

@@ -28,10 +28,16 @@ TEST_F(ImportPreviewTest, ShowsTheLineAboveAndTheFirstLinesOfData) {
 }
 
 TEST_F(ImportPreviewTest, ALineThatLooksLikeHeadingsIsNoticed) {
-    EXPECT_TRUE(Of("Code,Name\nA1,Acme\n").Columns(Delimiter::Csv, 1).StartsWithHeadings);
-    EXPECT_FALSE(Of("A0,Ace\nA1,Acme\n").Columns(Delimiter::Csv, 1).StartsWithHeadings);
-    EXPECT_FALSE(Of("Code,Name\nA1,Acme\n").Columns(Delimiter::Tab, 1).StartsWithHeadings);
-    EXPECT_FALSE(Of("Code,Name\n").Columns(Delimiter::Csv, 1).StartsWithHeadings);
+    const auto headings = [&](const std::string& content, Delimiter delimiter = Delimiter::Csv) {
+        return Of(content).Columns(delimiter, 1).StartsWithHeadings;
+    };
+
+    EXPECT_TRUE(headings("Code,Street2\nA1,12 Mill Road\n"));
+    EXPECT_FALSE(headings("A1,12 Mill Road\nA2,9 Low Street\n"));
+    EXPECT_FALSE(headings("A1,,Acme\nA2,9 Low Street,Bolt\n"));
+    EXPECT_FALSE(headings("Code,Name\nA1,Acme\n"));
+    EXPECT_FALSE(headings("Code,Street\nA1,12 Mill Road\n", Delimiter::Tab));
+    EXPECT_FALSE(headings("Code,Street\n"));
 }
 
 TEST_F(ImportPreviewTest, SplitsAsTheImportDoes) {

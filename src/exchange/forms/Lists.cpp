@@ -1,11 +1,14 @@
 #include "exchange/forms/Lists.h"
 
 #include "platform/Convert.h"
+#include "store/TableCatalogue.h"
 
 #include <QAbstractButton>
 #include <QComboBox>
 #include <QListWidget>
+#include <QPainter>
 #include <QShortcut>
+#include <QStyledItemDelegate>
 
 #include <algorithm>
 
@@ -16,7 +19,46 @@ void PressOn(Qt::Key key, QListWidget& list, QAbstractButton& button) {
     QObject::connect(shortcut, &QShortcut::activated, &button, &QAbstractButton::click);
 }
 
+/// A row with a label at its right end, in a fainter tone.
+class LabelledRow final : public QStyledItemDelegate {
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    static constexpr int Label = Qt::UserRole;
+
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override {
+        QStyledItemDelegate::paint(painter, option, index);
+        const QString label = index.data(Label).toString();
+        if (label.isEmpty()) return;
+        const int gap = 2 * option.fontMetrics.averageCharWidth();
+        const int name = option.fontMetrics.horizontalAdvance(index.data().toString()) + 2 * gap;
+        const QRect room = option.rect.adjusted(name, 0, -gap / 2, 0);
+        const bool selected = option.state.testFlag(QStyle::State_Selected);
+        painter->save();
+        painter->setPen(selected ? option.palette.color(QPalette::HighlightedText)
+                                 : option.palette.color(QPalette::Disabled, QPalette::Text));
+        painter->drawText(room, Qt::AlignRight | Qt::AlignVCenter,
+                          option.fontMetrics.elidedText(label, Qt::ElideRight, room.width()));
+        painter->restore();
+    }
+};
+
 } // namespace
+
+void ShowLabels(QListWidget& list, int first, std::string_view table) {
+    const TableEntry* entry = FindTable(table);
+    if (entry == nullptr) return;
+    if (!dynamic_cast<LabelledRow*>(list.itemDelegate())) list.setItemDelegate(new LabelledRow(&list));
+    for (int row = first; row < list.count(); ++row) {
+        QListWidgetItem& item = *list.item(row);
+        const QString label = ToQt(GetFriendlyFieldName(*entry, FromQt(item.text())));
+        if (label == item.text()) continue;
+        item.setData(LabelledRow::Label, label);
+        item.setToolTip(label);
+        item.setData(Qt::AccessibleTextRole, QStringLiteral("%1, %2").arg(item.text(), label));
+    }
+}
 
 void FillList(QListWidget& list, const std::vector<std::string>& rows, std::optional<std::size_t> selected) {
     const QSignalBlocker silent(&list);

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 class QAbstractButton;
@@ -17,6 +18,9 @@ class QListWidget;
 /// Shows rows (code page 1252) in a list, one of them selected.
 void FillList(QListWidget& list, const std::vector<std::string>& rows,
               std::optional<std::size_t> selected = std::nullopt);
+
+/// Shows beside the fields of a list, from row `first` on, what the screens of a table call them.
+void ShowLabels(QListWidget& list, int first, std::string_view table);
 
 /// The rows of a list that are selected, in list order.
 QList<int> SelectedRows(const QListWidget& list);

@@ -17,8 +17,7 @@ void frmConvert::Form_Load() {
     for (const std::string& name : FilesWithExtension(Global.DataInPath, "")) {
         filFiles->addItem(PathToQt(name));
     }
-    lblNoFiles->setText(
-        ToQt(Lines(msg::NoFiles, Text::Path(std::string_view(Global.DataInPath)))));
+    lblNoFiles->setText(ToQt(Lines(msg::NoFiles, Text::Path(std::string_view(Global.DataInPath)))));
     lblNoFiles->setVisible(filFiles->count() == 0);
     filFiles->setVisible(filFiles->count() != 0);
     CheckOK();

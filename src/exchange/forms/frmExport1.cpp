@@ -37,15 +37,17 @@ void frmExport1::Form_Load() {
     cboSettings->setCurrentIndex(-1);
     try {
         book_ = OpenOrderBook(Global.DBFPath + "ZUKORHDR.DBF", Global.DBFPath + "ZUKORLIN.DBF");
-        for (const std::string& table : {book_.HeaderFile, book_.LineFile}) {
-            const std::vector<std::string> fields = AvailableFieldsOf(table);
-            available_.insert(available_.end(), fields.begin() + 1, fields.end());
-        }
+        const std::vector<std::string> headers = AvailableFieldsOf(book_.HeaderFile);
+        const std::vector<std::string> lines = AvailableFieldsOf(book_.LineFile);
+        available_.assign(headers.begin() + 1, headers.end());
+        available_.insert(available_.end(), lines.begin() + 1, lines.end());
+        FillList(*lstAvailable, available_);
+        ShowLabels(*lstAvailable, 0, "ZUKORHDR");
+        ShowLabels(*lstAvailable, static_cast<int>(headers.size()) - 1, "ZUKORLIN");
     } catch (const RunTimeFailure& failure) {
         Tell(Lines(msg::TablesUnreadable, Text::Path(std::string_view(failure.what()))), Icon::Stop);
         return cmdCancel_Click();
     }
-    FillList(*lstAvailable, available_);
     ShowColumns(std::nullopt);
     lstAvailable->setFocus();
 }
@@ -160,8 +162,7 @@ void frmExport1::ShowColumns(std::optional<std::size_t> row) {
 
 void frmExport1::ShowPreview() {
     if (columns_.Rows().empty() || book_.Tables.FGHdr.RecordCount() == 0) {
-        rtbText->setPlainText(
-            ToQt(Text(columns_.Rows().empty() ? msg::NoColumnsYet : msg::NoOrdersYet)));
+        rtbText->setPlainText(ToQt(Text(columns_.Rows().empty() ? msg::NoColumnsYet : msg::NoOrdersYet)));
         return;
     }
     QStringList lines;
@@ -257,9 +258,9 @@ void frmExport1::cmdLiteral_Click() {
 /// The operators and the number, in the place of the button that leads to them.
 void frmExport1::ShowCalc(bool shown) {
     cmdCalc->setVisible(!shown);
-    for (QWidget* control : {static_cast<QWidget*>(cmdPlus), static_cast<QWidget*>(cmdMinus),
-                             static_cast<QWidget*>(cmdMultiply), static_cast<QWidget*>(cmdDivide),
-                             static_cast<QWidget*>(txtVal), static_cast<QWidget*>(cmdVal)}) {
+    for (QWidget* control :
+         {static_cast<QWidget*>(cmdPlus), static_cast<QWidget*>(cmdMinus), static_cast<QWidget*>(cmdMultiply),
+          static_cast<QWidget*>(cmdDivide), static_cast<QWidget*>(txtVal), static_cast<QWidget*>(cmdVal)}) {
         control->setVisible(shown);
     }
 }
@@ -352,7 +353,8 @@ bool frmExport1::Export() {
         pgbProgress->show();
         const auto result = RunExport(job, book_, *this, *lblProgress, *pgbProgress);
         if (!result || result->CouldNotOpen) return false;
-        Tell(Words(Text::Value(result->Exported), msg::Of, Text::Value(result->Walked), msg::RecordsExported));
+        Tell(
+            Words(Text::Value(result->Exported), msg::Of, Text::Value(result->Walked), msg::RecordsExported));
         TellOrphanLines(*result);
         return true;
     } catch (const RunTimeFailure& failure) {

@@ -25,7 +25,7 @@
 
 namespace {
 
-constexpr int WidestColumn = 220; // pixels; the rest of a long text is in its tip
+constexpr int WidestColumn = 220;         // pixels; the rest of a long text is in its tip
 constexpr std::size_t LongestQuote = 160; ///< characters of a line that a box repeats
 
 QString Caption(MessageId entry) {
@@ -108,6 +108,7 @@ void frmImport1::ListAvailable(TemplateKind kind) {
     tableFile_ = Global.DBFPath + std::string(TableFileOf(kind));
     available_ = AvailableFieldsOf(tableFile_);
     FillList(*lstAvailable, available_);
+    ShowLabels(*lstAvailable, 1, TableFileOf(kind));
 }
 
 /// Shows the data file; tells the operator and says no when it cannot be read.
@@ -272,6 +273,7 @@ void frmImport1::ShowMapping(std::optional<std::size_t> row) {
     FGPreview->verticalScrollBar()->setValue(scrolled);
     FGPreview->resizeColumnToContents(1);
     MarkColumn();
+    ShowHint();
     CheckSaveSettings();
     CheckOK();
 }
@@ -283,15 +285,27 @@ void frmImport1::ShowColumns() {
         columns = preview_.Columns(Delimiter(), UpDown1->value());
     } catch (const RunTimeFailure&) { // the file has gone meanwhile: it has no columns
     }
-    const bool endsBefore = columns.Count == 0 && !preview_.Lines().empty();
-    lblHint->setText(ToQt(endsBefore ? Text(msg::EndsBeforeStart) : Text(msg::HeadingsHint)));
-    lblHint->setVisible(endsBefore || columns.StartsWithHeadings);
+    endsBeforeStart_ = columns.Count == 0 && !preview_.Lines().empty();
+    startsWithHeadings_ = columns.StartsWithHeadings;
     columns_->SetColumns(std::move(columns));
     FGPreview->resizeColumnsToContents();
     for (int k = 0; k < columns_->columnCount(); ++k) {
         FGPreview->setColumnWidth(k, std::min(FGPreview->columnWidth(k), WidestColumn));
     }
     MarkColumn();
+    ShowHint();
+}
+
+/// Says what to do next where that is not plain to see.
+void frmImport1::ShowHint() {
+    std::vector<Text> hints;
+    if (endsBeforeStart_) hints.emplace_back(msg::EndsBeforeStart);
+    if (startsWithHeadings_) hints.emplace_back(msg::HeadingsHint);
+    if (kind_ && mapping_.IsEmpty()) hints.emplace_back(msg::FirstFieldHint);
+    Text all;
+    for (const Text& hint : hints) all = all.IsEmpty() ? hint : Lines(all, hint);
+    lblHint->setText(ToQt(all));
+    lblHint->setVisible(!hints.empty());
 }
 
 /// Marks the column that the selected row takes; while none is selected, the one that comes next.

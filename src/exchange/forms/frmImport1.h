@@ -72,6 +72,7 @@ private:
     void ShowMapping(std::optional<std::size_t> row);
     void ShowColumns();
     void MarkColumn();
+    void ShowHint();
     void SetAddText();
     void CheckOK();
     void CheckSaveSettings();
@@ -89,4 +90,6 @@ private:
     ImportMapping mapping_;
     ImportPreview preview_;
     PreviewModel* columns_;
+    bool endsBeforeStart_ = false;
+    bool startsWithHeadings_ = false;
 };
