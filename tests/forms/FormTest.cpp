@@ -11,9 +11,12 @@
 #include <QAction>
 #include <QApplication>
 #include <QComboBox>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QTableView>
+#include <QTest>
 
 namespace {
 
@@ -120,6 +123,52 @@ void FormTest::Choose(FormBehaviour& form, const char* name, const QString& entr
     ASSERT_GE(index, 0) << entry.toStdString();
     box.setCurrentIndex(index);
     emit box.activated(index);
+    Settle();
+}
+
+void FormTest::Select(FormBehaviour& form, const char* list, const QStringList& rows) {
+    auto& control = dynamic_cast<QListWidget&>(Control(form, list));
+    control.clearSelection();
+    for (const QString& row : rows) {
+        const QList<QListWidgetItem*> found = control.findItems(row, Qt::MatchExactly);
+        ASSERT_FALSE(found.isEmpty()) << row.toStdString();
+        control.setCurrentItem(found.first(), QItemSelectionModel::Select);
+    }
+    Settle();
+}
+
+void FormTest::DoubleClick(FormBehaviour& form, const char* list, const QString& row) {
+    Select(form, list, {row});
+    auto& control = dynamic_cast<QListWidget&>(Control(form, list));
+    emit control.doubleClicked(control.currentIndex());
+    Settle();
+}
+
+QStringList FormTest::Rows(FormBehaviour& form, const char* list) {
+    const auto& control = dynamic_cast<QListWidget&>(Control(form, list));
+    QStringList rows;
+    for (int k = 0; k < control.count(); ++k) rows << control.item(k)->text();
+    return rows;
+}
+
+void FormTest::Type(FormBehaviour& form, const char* name, const QString& text) {
+    QWidget& control = Control(form, name);
+    auto* line = qobject_cast<QLineEdit*>(&control);
+    if (auto* box = qobject_cast<QComboBox*>(&control)) line = box->lineEdit();
+    ASSERT_NE(line, nullptr) << name;
+    line->clear();
+    for (const QChar c : text) {
+        QKeyEvent press(QEvent::KeyPress, Qt::Key_unknown, Qt::NoModifier, QString(c));
+        QCoreApplication::sendEvent(line, &press);
+    }
+    emit line->editingFinished();
+    Settle();
+}
+
+void FormTest::Press(FormBehaviour& form, const char* name, Qt::Key key) {
+    QWidget& control = Control(form, name);
+    control.setFocus();
+    QTest::keyClick(&control, key);
     Settle();
 }
 

@@ -42,6 +42,14 @@ protected:
     static void Click(FormBehaviour& form, const char* name);
     static void ClickMenu(FormBehaviour& form, const char* name);
     static void Choose(FormBehaviour& form, const char* name, const QString& entry);
+    /// Selects rows of a list, and no others.
+    static void Select(FormBehaviour& form, const char* list, const QStringList& rows);
+    static void DoubleClick(FormBehaviour& form, const char* list, const QString& row);
+    static QStringList Rows(FormBehaviour& form, const char* list);
+    /// Types into a line, or into the line of an editable list, in place of what stands there.
+    static void Type(FormBehaviour& form, const char* name, const QString& text);
+    /// A key to a control, as from the keyboard.
+    static void Press(FormBehaviour& form, const char* name, Qt::Key key);
     static QString TextOf(FormBehaviour& form, const char* name);
     static bool Enabled(FormBehaviour& form, const char* name);
     static bool Visible(FormBehaviour& form, const char* name);
