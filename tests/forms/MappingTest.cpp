@@ -69,7 +69,9 @@ protected:
         Operator_.Expect(T(count + " lines successfully imported!")).With(Icon::None);
     }
 
-    static std::string TemplateOf(const std::string& file) { return ReadWholeFile(Global.ImportTemplates + file); }
+    static std::string TemplateOf(const std::string& file) {
+        return ReadWholeFile(Global.ImportTemplates + file);
+    }
 
     void GivenTemplate(const std::string& file, const std::string& dataFile,
                        const std::vector<std::string>& fields, const std::string& startLine = "1") {
@@ -194,7 +196,11 @@ TEST_F(Mapping, TheColumnThatComesNextIsMarkedAndThenTheOneThatARowTakes) {
     GivenData("c.csv", "1,Acme,x\n2,Bolt,y\n");
     auto& form = OpenFor(QStringLiteral("c.csv"));
     const auto marked = [&] {
-        return dynamic_cast<QTableView&>(Control(form, "FGPreview")).selectionModel()->selectedRows().value(0).row();
+        return dynamic_cast<QTableView&>(Control(form, "FGPreview"))
+            .selectionModel()
+            ->selectedRows()
+            .value(0)
+            .row();
     };
     EXPECT_EQ(marked(), 0);
 
@@ -224,7 +230,8 @@ TEST_F(Mapping, ALineOfHeadingsIsPointedOutUntilTheStartLineLeavesItOut) {
 
     dynamic_cast<QSpinBox&>(Control(form, "UpDown1")).setValue(2);
     EXPECT_FALSE(TextOf(form, "lblHint").contains(Caption(msg::HeadingsHint)));
-    EXPECT_EQ(GridRows(form, "FGPreview").at(0).mid(2), (QStringList{QStringLiteral("Code"), QStringLiteral("1")}));
+    EXPECT_EQ(GridRows(form, "FGPreview").at(0).mid(2),
+              (QStringList{QStringLiteral("Code"), QStringLiteral("1")}));
     dynamic_cast<QSpinBox&>(Control(form, "UpDown1")).setValue(3);
 
     EXPECT_TRUE(TextOf(form, "lblHint").contains(Caption(msg::EndsBeforeStart)));
@@ -372,11 +379,13 @@ TEST_F(Mapping, ATemplateThatIsChosenFillsTheScreen) {
 
     Choose(form, "cboSettings", QStringLiteral("Mine"));
 
-    EXPECT_EQ(Rows(form, "lstSelected"), (QStringList{QStringLiteral("C_CODE; C_SEARCH"), QStringLiteral("Ignore")}));
+    EXPECT_EQ(Rows(form, "lstSelected"),
+              (QStringList{QStringLiteral("C_CODE; C_SEARCH"), QStringLiteral("Ignore")}));
     EXPECT_EQ(Rows(form, "lstLiteral"), QStringList{QStringLiteral("C_CITY = Oslo")});
     EXPECT_EQ(TextOf(form, "txtStartLine"), QStringLiteral("2"));
     EXPECT_TRUE(dynamic_cast<QAbstractButton&>(Control(form, "optCSVQ")).isChecked());
-    EXPECT_EQ(TextOf(form, "lblPreview"), QStringLiteral("Contents of c.csv")) << "the file that was chosen stays";
+    EXPECT_EQ(TextOf(form, "lblPreview"), QStringLiteral("Contents of c.csv"))
+        << "the file that was chosen stays";
     EXPECT_TRUE(Enabled(form, "cmdSaveSettings"));
     EXPECT_TRUE(Enabled(form, "cmdOK"));
 }
@@ -501,8 +510,9 @@ protected:
     }
 
     static Text Question() {
-        return T("The lines above the data have changed since this template was last used, so the columns may "
-                 "have moved.\nBefore: Code,Name\nNow: Code,Group,Name\nImport all the same?");
+        return T(
+            "The lines above the data have changed since this template was last used, so the columns may "
+            "have moved.\nBefore: Code,Name\nNow: Code,Group,Name\nImport all the same?");
     }
 
     frmImport1& Again() {

@@ -293,6 +293,45 @@ TEST_F(QuickButtons, ATemplateThatCannotBeReadToItsEndIsNotRun) {
     EXPECT_EQ(Cell("ZUKCust", 1, "C_CODE"), "OLD");
 }
 
+TEST_F(QuickButtons, LinesThatWereLostAreNamedOnTheRowsTip) {
+    GivenFile("app/DataIn/c.csv", "A1,Acme\r\nA2,Bolt,x\r\n");
+    GivenImportTemplate("Cust.cst", "c.csv", {"C_CODE"});
+    GivenActivity("Morning.ipm", "Cust.cst");
+    auto& form = Run<frmQBImport>("Morning");
+
+    Click(form, "cmdOK");
+
+    EXPECT_EQ(TextOf(form, "lblSST_1"), QStringLiteral("1 of 2"));
+    const QString list = QString::fromStdString(Global.DataInPath + "Errors/c.csv.txt");
+    EXPECT_EQ(Control(form, "lblSST_1").toolTip(),
+              QStringLiteral("The lines that failed are listed in ") + list);
+    EXPECT_EQ(EngineTest::Lines(list.toStdString()).size(), 2U);
+}
+
+TEST_F(QuickButtons, ColumnsThatMayHaveMovedMarkTheRowUntilSomebodyHasLooked) {
+    GivenFile("app/DataIn/c.csv", "Code,Name\r\nA1,Acme\r\n");
+    WriteWholeFile(Global.ImportTemplates + "Cust.cst",
+                   "c.csv\r\nCSV\r\nStartLine=2\r\n[FIELDS]\r\nC_CODE\r\nC_NAME\r\n[LITERALS]\r\n");
+    GivenActivity("Morning.ipm", "Cust.cst");
+    const auto run = [&] {
+        auto& form = Run<frmQBImport>("Morning");
+        Click(form, "cmdOK");
+        const QString state = Control(form, "imgSuccess_1").accessibleName();
+        EXPECT_EQ(Control(form, "imgSuccess_1").toolTip().isEmpty(), state == QStringLiteral("succeeded"));
+        form.Unload();
+        Settle();
+        return state;
+    };
+    EXPECT_EQ(run(), QStringLiteral("succeeded"));
+    EXPECT_EQ(run(), QStringLiteral("succeeded"));
+
+    GivenFile("app/DataIn/c.csv", "Code,Group,Name\r\nA1,G,Acme\r\n");
+
+    EXPECT_EQ(run(), QStringLiteral("succeeded, but the columns may have moved"));
+    EXPECT_EQ(Cell("ZUKCust", 1, "C_NAME"), "G") << "it goes on as told";
+    EXPECT_EQ(run(), QStringLiteral("succeeded, but the columns may have moved"));
+}
+
 // ---- export ----
 
 TEST_F(QuickButtons, AnExportWritesTheFileAndLeavesTheTablesAtNo) {
