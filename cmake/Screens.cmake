@@ -59,8 +59,12 @@ add_library(officeforday STATIC ${CMAKE_SOURCE_DIR}/tools/OfficeForDay.cpp ${CMA
 target_include_directories(officeforday PUBLIC ${CMAKE_SOURCE_DIR}/tools)
 target_link_libraries(officeforday PUBLIC house Qt6::Core)
 
+add_library(mappingbykeys STATIC ${CMAKE_SOURCE_DIR}/tools/MappingByKeys.cpp ${CMAKE_SOURCE_DIR}/tools/MappingByKeys.h)
+target_include_directories(mappingbykeys PUBLIC ${CMAKE_SOURCE_DIR}/tools)
+target_link_libraries(mappingbykeys PUBLIC driverclient PRIVATE engine)
+
 add_executable(day ${CMAKE_SOURCE_DIR}/tools/day.cpp)
-target_link_libraries(day PRIVATE driverclient officeforday)
+target_link_libraries(day PRIVATE mappingbykeys officeforday)
 
 add_executable(pictures_of_screens ${CMAKE_SOURCE_DIR}/tools/pictures.cpp)
 target_link_libraries(pictures_of_screens PRIVATE screens pictures officeforday)

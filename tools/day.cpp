@@ -4,8 +4,10 @@
 //
 // lays out a fresh office, imports customers and items by a QuickButton activity, exports the
 // prepared orders by another, and compares the export with the one that was made by other programs.
-// Ends in 0 only if all held.
+// Then it does the same in a second office on the mapping screens, by the keyboard alone, and
+// compares. Ends in 0 only if all held.
 
+#include "MappingByKeys.h"
 #include "OfficeForDay.h"
 #include "driver/DriverClient.h"
 
@@ -63,21 +65,23 @@ void RunActivity(
     program.WaitGone(form);
 }
 
-void RunDay(const QString& build, const QString& samples) {
-    const QString where = build + QStringLiteral("/day");
-    QDir(where).removeRecursively();
-    QDir().mkpath(where);
-    const OfficeForDay office(build, where + QStringLiteral("/office"), samples);
-    Say(QStringLiteral("A fresh office lies in ") + office.Path(QString()));
-
+DrivenProgram In(const OfficeForDay& office) {
     DrivenProgram start;
     start.Program = office.Program();
     start.Folder = office.Path(QString());
-    DriverClient program(start);
+    return start;
+}
+
+void Start(DriverClient& program) {
     // No HotSync Manager is registered in this office.
     program.ExpectContaining(QStringLiteral("Palm Desktop software is needed"));
     program.Start();
     program.WaitForm(QStringLiteral("frmMain1"));
+}
+
+void RunByActivities(const OfficeForDay& office) {
+    DriverClient program(In(office));
+    Start(program);
 
     Say(QStringLiteral("Import: customers.csv (quoted, commas and accents), items.txt (tabs)"));
     RunActivity(program, QStringLiteral("lblImportBtn"), QStringLiteral("frmQBImport"),
@@ -100,7 +104,32 @@ void RunDay(const QString& build, const QString& samples) {
                      program.Text(QStringLiteral("frmMain1"), label + QLatin1Char('1'))));
     }
     Require(program.Quit() == 0, QStringLiteral("the program ended with a failure"));
+}
 
+void RunByKeys(const OfficeForDay& office) {
+    DriverClient program(In(office));
+    Start(program);
+    const QString templates = office.Path(QStringLiteral("Templates/"));
+    const QString name = QStringLiteral("Mine");
+    Say(QStringLiteral("  ") + ImportByKeys(program, templates + QStringLiteral("Import/DemoCustomers.cst"),
+                                            QStringLiteral("Alt+U"), name));
+    Say(QStringLiteral("  ") + ImportByKeys(program, templates + QStringLiteral("Import/DemoItems.itm"),
+                                            QStringLiteral("Alt+I"), name));
+    Say(QStringLiteral("  ") +
+        ExportByKeys(program, templates + QStringLiteral("Export/DemoOrders.xor"), name, [&program] {
+            program.ExpectContaining(QStringLiteral("records in the Order Lines table appear to have no"));
+            program.ExpectContaining(QStringLiteral("Delete Exported Tables on PC?"), QStringLiteral("No"));
+        }));
+    Require(program.Quit() == 0, QStringLiteral("the program ended with a failure"));
+}
+
+void RunDay(const QString& build, const QString& samples) {
+    const QString where = build + QStringLiteral("/day");
+    QDir(where).removeRecursively();
+    QDir().mkpath(where);
+    const OfficeForDay office(build, where + QStringLiteral("/office"), samples);
+    Say(QStringLiteral("A fresh office lies in ") + office.Path(QString()));
+    RunByActivities(office);
     const QString exported = office.Path(QStringLiteral("DataOut/orders.csv"));
     const QString expected = samples + QStringLiteral("/expected/orders.csv");
     Say(QStringLiteral("The tables lie in ") + office.Path(QStringLiteral("DBFFiles")));
@@ -110,6 +139,16 @@ void RunDay(const QString& build, const QString& samples) {
         Say(QStringLiteral("It equals, byte for byte, what other programs made of the same tables: ") +
             expected);
     }
+
+    const OfficeForDay second(build, where + QStringLiteral("/keyboard"), samples);
+    Say(QStringLiteral("The same on the mapping screens, by the keyboard alone, in ") +
+        second.Path(QString()));
+    RunByKeys(second);
+    for (const char* file : {"DBFFiles/ZUKCust.dbf", "DBFFiles/ZUKItem.dbf", "DataOut/orders.csv"}) {
+        const QString name = QString::fromLatin1(file);
+        Require(Bytes(office.Path(name)) == Bytes(second.Path(name)), name + QStringLiteral(" differs"));
+    }
+    Say(QStringLiteral("Tables and export are the same, byte for byte."));
 }
 
 } // namespace

@@ -17,6 +17,7 @@
 #include <QComboBox>
 #include <QGroupBox>
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -94,6 +95,28 @@ void AnnounceOnlyChoices(QComboBox& box) {
     QObject::disconnect(box.lineEdit(), &QLineEdit::editingFinished, &box, nullptr);
     QObject::disconnect(box.lineEdit(), &QLineEdit::returnPressed, &box, nullptr);
 }
+
+/// In a list with nothing selected the first arrow selects the row that has the frame. By itself the
+/// list would pass that row by, and a key could never select it.
+class FirstArrow final : public QObject {
+public:
+    explicit FirstArrow(QListWidget& list) : QObject(&list), list_(list) { list.installEventFilter(this); }
+
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() != QEvent::KeyPress || !list_.selectedItems().isEmpty() || !list_.currentItem())
+            return false;
+        const auto* key = static_cast<const QKeyEvent*>(event);
+        const bool first = list_.currentRow() == 0;
+        const bool takes =
+            key->key() == Qt::Key_Down || key->key() == Qt::Key_Up || (key->key() == Qt::Key_Home && first);
+        if (!takes || key->modifiers() != Qt::NoModifier) return false;
+        list_.setCurrentItem(list_.currentItem(), QItemSelectionModel::ClearAndSelect);
+        return true;
+    }
+
+private:
+    QListWidget& list_;
+};
 
 /// Connects an event of a control to a call with the control's index, or with the column where the
 /// event has one. False when a control of this kind has no such event.
@@ -301,6 +324,7 @@ void FormBehaviour::LoadNow() {
         QWidget& window = Window();
         window.setObjectName(QString::fromLatin1(window.metaObject()->className()));
         for (auto* box : window.findChildren<QComboBox*>()) AnnounceOnlyChoices(*box);
+        for (auto* list : window.findChildren<QListWidget*>()) new FirstArrow(*list);
         for (QObject* child : window.findChildren<QObject*>()) {
             if (IsOurs(*child)) WireControl(*child);
         }

@@ -28,10 +28,9 @@ protected:
 
     ExportScreen() {
         GivenOffice();
-        GivenRows("ZUKOrHdr",
-                  {"H_ORDCODE|H_ORDDATE|H_BILLNAME", "A2|20261103|Bolt", "A1|20261102|Acme"});
-        GivenRows("ZUKOrLin", {"L_ORDCODE|L_KEY|L_QTY|L_TOTPRICE", "A2|A2-1|3|9", "A1|A1-2|2|4",
-                               "A1|A1-1|1|2.5"});
+        GivenRows("ZUKOrHdr", {"H_ORDCODE|H_ORDDATE|H_BILLNAME", "A2|20261103|Bolt", "A1|20261102|Acme"});
+        GivenRows("ZUKOrLin",
+                  {"L_ORDCODE|L_KEY|L_QTY|L_TOTPRICE", "A2|A2-1|3|9", "A1|A1-2|2|4", "A1|A1-1|1|2.5"});
     }
 
     static void Add(FormBehaviour& form, const QStringList& fields) {
@@ -47,7 +46,9 @@ protected:
 
     void ExpectEnd(const std::string& count, Answer deletion = Answer::No) {
         Operator_.Expect(T(count + " records successfully exported!")).With(Icon::None);
-        Operator_.Expect(::Lines(msg::DeleteExported, msg::DeleteExportedNote)).With(Icon::Question).Answer(deletion);
+        Operator_.Expect(::Lines(msg::DeleteExported, msg::DeleteExportedNote))
+            .With(Icon::Question)
+            .Answer(deletion);
     }
 
     static std::string Exported(const std::string& file) { return ReadWholeFile(Global.DataOutPath + file); }
@@ -173,9 +174,10 @@ TEST_F(ExportScreen, ATemplateSurvivesASaveAndAReloadUnchanged) {
         Click(form, "cmdSaveSettings");
         Click(form, "cmdCancel");
     }
-    EXPECT_EQ(ReadWholeFile(Global.ExportTemplates + "Mine.xor"),
-              "Filename=out.txt\r\nTAB\r\nSort Orders0\r\nAdd Blank Line between Orders0\r\nQuality Check1\r\n"
-              "HDR=0\r\nL_QTY * [2]\r\nLiteral = a + b\r\n");
+    EXPECT_EQ(
+        ReadWholeFile(Global.ExportTemplates + "Mine.xor"),
+        "Filename=out.txt\r\nTAB\r\nSort Orders0\r\nAdd Blank Line between Orders0\r\nQuality Check1\r\n"
+        "HDR=0\r\nL_QTY * [2]\r\nLiteral = a + b\r\n");
     auto& form = Open<frmExport1>();
 
     Choose(form, "cboSettings", Q("Mine"));
@@ -294,8 +296,8 @@ protected:
         Global.Clock = [] { return DateTime{2026, 11, 15, 2, 36, 7}; };
         // Order A1 was uploaded twice.
         GivenRows("ZUKOrHdr", {"H_ORDCODE|H_BILLNAME", "A2|Bolt", "A1|Acme", "A1|Acme"});
-        GivenRows("ZUKOrLin", {"L_ORDCODE|L_KEY|L_QTY", "A2|A2-1|3", "A1|A1-1|1", "A1|A1-2|2", "A1|A1-1|1",
-                               "A1|A1-2|2"});
+        GivenRows("ZUKOrLin",
+                  {"L_ORDCODE|L_KEY|L_QTY", "A2|A2-1|3", "A1|A1-1|1", "A1|A1-2|2", "A1|A1-1|1", "A1|A1-2|2"});
     }
 
     FormBehaviour& Ready(const char* box) {

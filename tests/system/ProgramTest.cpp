@@ -1,3 +1,4 @@
+#include "MappingByKeys.h"
 #include "OfficeForDay.h"
 #include "driver/DriverClient.h"
 
@@ -185,6 +186,51 @@ TEST_F(Program, ImportsByKeyboardAlone) {
     program.WaitGone(form);
 
     EXPECT_EQ(program.Quit(), 0);
+}
+
+TEST_F(Program, MapsImportsAndExportsByKeyboardAloneAsTheActivitiesDo) {
+    const OfficeForDay other(QStringLiteral(TRAMBLE_BUILD), folder_.filePath(QStringLiteral("other")),
+                             Samples());
+    const QString templates = office_.Path(QStringLiteral("Templates/"));
+    {
+        DriverClient program(InOffice());
+        StartUp(program);
+        EXPECT_EQ(ImportByKeys(program, templates + QStringLiteral("Import/DemoCustomers.cst"),
+                               QStringLiteral("Alt+U"), QStringLiteral("Mine"))
+                      .toStdString(),
+                  "120 of 120 lines successfully imported!");
+        ImportByKeys(program, templates + QStringLiteral("Import/DemoItems.itm"), QStringLiteral("Alt+I"),
+                     QStringLiteral("Mine"));
+        ExportByKeys(program, templates + QStringLiteral("Export/DemoOrders.xor"), QStringLiteral("Mine"),
+                     [&] {
+                         program.ExpectContaining(QStringLiteral("3 records in the Order Lines table"));
+                         program.ExpectContaining(QStringLiteral("Delete Exported Tables on PC?"),
+                                                  QStringLiteral("No"));
+                     });
+        EXPECT_EQ(program.Quit(), 0);
+    }
+    DrivenProgram start = InOffice();
+    start.Program = other.Program();
+    start.Folder = other.Path(QString());
+    DriverClient program(start);
+    StartUp(program);
+    RunActivity(program, QStringLiteral("lblImportBtn"), QStringLiteral("frmQBImport"),
+                QStringLiteral("DemoImport"));
+    EXPECT_EQ(program.Quit(), 0);
+
+    for (const char* table : {"DBFFiles/ZUKCust.dbf", "DBFFiles/ZUKItem.dbf"}) {
+        EXPECT_EQ(Bytes(office_.Path(QString::fromLatin1(table))),
+                  Bytes(other.Path(QString::fromLatin1(table))))
+            << table;
+    }
+    for (const char* pair :
+         {"Import/Mine.cst Import/DemoCustomers.cst", "Import/Mine.itm Import/DemoItems.itm",
+          "Export/Mine.xor Export/DemoOrders.xor"}) {
+        const QStringList files = QString::fromLatin1(pair).split(QLatin1Char(' '));
+        EXPECT_EQ(Bytes(templates + files[0]), Bytes(templates + files[1])) << pair;
+    }
+    EXPECT_EQ(Bytes(office_.Path(QStringLiteral("DataOut/orders.csv"))),
+              Bytes(Samples() + QStringLiteral("/expected/orders.csv")));
 }
 
 } // namespace

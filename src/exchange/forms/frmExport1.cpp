@@ -273,10 +273,10 @@ void frmExport1::cmdCalc_Click() {
 }
 
 void frmExport1::Operate(std::string_view operation) {
-    if (const auto row = columns_.Operate(operation, SelectedRow())) {
-        ShowColumns(row);
-        lstAvailable->setFocus();
-    }
+    const auto row = SelectedRow();
+    if (!columns_.Operate(operation, row)) return;
+    ShowColumns(row);
+    lstAvailable->setFocus();
 }
 
 void frmExport1::cmdPlus_Click() {

@@ -405,7 +405,8 @@ void frmImport1::cmdAdd1_Click() {
 
 void frmImport1::cmdAnd_Click() {
     TraceEvent("frmImport1:cmdAnd_Click");
-    if (const auto joined = mapping_.And(SelectedRow())) ShowMapping(joined);
+    const auto row = SelectedRow();
+    if (mapping_.And(row)) ShowMapping(row);
     lstAvailable->setFocus();
 }
 
