@@ -9,6 +9,7 @@
 #include <QPainter>
 #include <QPalette>
 #include <QProxyStyle>
+#include <QStyleOption>
 
 namespace {
 
@@ -44,7 +45,7 @@ QPalette MakePalette(const Tones& tones) {
     return palette;
 }
 
-/// Fusion, with room between a button's text and its edge.
+/// Fusion, with room between a button's text and its edge, and with frames that can be seen.
 class Style final : public QProxyStyle {
 public:
     Style() : QProxyStyle(QStringLiteral("Fusion")) {}
@@ -53,6 +54,18 @@ public:
                            const QWidget* widget) const override {
         const QSize size = QProxyStyle::sizeFromContents(type, option, contents, widget);
         return type == CT_PushButton ? size.expandedTo({contents.width() + 24, 0}) : size;
+    }
+
+    /// The frame of a box or an option is drawn in a shade of the window, which the dark look hides.
+    void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                       const QWidget* widget) const override {
+        const auto* button = qstyleoption_cast<const QStyleOptionButton*>(option);
+        const bool framed = element == PE_IndicatorCheckBox || element == PE_IndicatorRadioButton;
+        if (!framed || !button || !IsDarkLook())
+            return QProxyStyle::drawPrimitive(element, option, painter, widget);
+        QStyleOptionButton lighter(*button);
+        lighter.palette.setColor(QPalette::Window, option->palette.color(QPalette::Disabled, QPalette::Text));
+        QProxyStyle::drawPrimitive(element, &lighter, painter, widget);
     }
 };
 
