@@ -205,6 +205,20 @@ TEST_F(ExportScreen, ANameThatIsSavedTwiceReplacesTheFileAndIsListedOnce) {
     EXPECT_NE(ReadWholeFile(Global.ExportTemplates + "Mine.xor").find("H_BILLNAME"), std::string::npos);
 }
 
+TEST_F(ExportScreen, ATemplateNeedsANameAndAColumn) {
+    auto& form = Open<frmExport1>();
+    Operator_.Expect(msg::TypeTemplateName).With(Icon::Warning);
+    Click(form, "cmdSaveSettings");
+    EXPECT_TRUE(Control(form, "cboSettings").hasFocus());
+    Type(form, "cboSettings", Q("Mine"));
+    Operator_.Expect(msg::NothingToExport).With(Icon::Warning);
+
+    Click(form, "cmdSaveSettings");
+
+    EXPECT_TRUE(Control(form, "lstAvailable").hasFocus());
+    EXPECT_FALSE(Exists(Global.ExportTemplates + "Mine.xor"));
+}
+
 TEST_F(ExportScreen, DeletingATemplateRemovesItsFileItsNameAndTheColumns) {
     auto& form = Open<frmExport1>();
     Add(form, {Q("H_ORDCODE")});
@@ -246,6 +260,21 @@ TEST_F(ExportScreen, YesAtTheDeletionBacksUpRecordsTheEventAndLeavesTheTables) {
     EXPECT_EQ(Cell("ZUKTOTALPC", 1, "TP_EVENT"), "EXPORT");
     EXPECT_EQ(RecordCount("ZUKOrHdr"), 2);
     EXPECT_EQ(RecordCount("ZUKOrLin"), 3);
+}
+
+TEST_F(ExportScreen, AnEventThatCannotBeRecordedIsToldAndTheExportStands) {
+    auto& form = Open<frmExport1>();
+    Add(form, {Q("H_ORDCODE")});
+    Type(form, "txtExpFile", Q("out"));
+    Operator_.Expect(T("2 of 2 records successfully exported!"));
+    Operator_.Expect(::Lines(msg::DeleteExported, msg::DeleteExportedNote)).Answer(Answer::Yes).Then([] {
+        WriteWholeFile(Global.DBFPath + "ZUKTotalPC.dbf", "no table");
+    });
+    Operator_.ExpectBeginning(msg::FileError).With(Icon::Stop);
+
+    Click(form, "cmdOK");
+
+    EXPECT_EQ(Exported("out.csv"), "\"A2\"\r\n\"A1\"\r\n");
 }
 
 TEST_F(ExportScreen, AFileThatCannotBeOpenedIsToldAndTheScreenStays) {

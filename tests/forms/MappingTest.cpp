@@ -641,6 +641,17 @@ TEST_F(Mapping, ANewNameInTheListOfBothKindsIsListedWithItsExtension) {
     EXPECT_TRUE(Exists(Global.ImportTemplates + "Copy.itm"));
 }
 
+TEST_F(Mapping, ANameOfBlanksIsNone) {
+    auto& form = OpenToEdit(".cst");
+    Add(form, {QStringLiteral("C_CODE")});
+    Type(form, "cboSettings", QStringLiteral("  "));
+    Operator_.Expect(msg::TypeTemplateName).With(Icon::Warning);
+
+    Click(form, "cmdSaveSettings");
+
+    EXPECT_TRUE(Control(form, "cboSettings").hasFocus());
+}
+
 TEST_F(Mapping, AnEmptyNameOrAnEmptyMappingSavesNothing) {
     auto& form = OpenToEdit(".cst");
     Select(form, "lstAvailable", {QStringLiteral("C_CODE")});

@@ -181,7 +181,6 @@ void frmExport1::CheckOK() {
     cmdRemove1->setEnabled(row.has_value());
     cmdRemoveAll->setEnabled(!columns_.Rows().empty());
     cmdLiteral->setEnabled(!columns_.CalcPending());
-    cmdSaveSettings->setEnabled(!columns_.Rows().empty() && !TemplateName().empty());
     cmdDelSettings->setEnabled(!TemplateName().empty());
 }
 
@@ -332,8 +331,7 @@ void frmExport1::cmdOK_Click() {
     const bool exported = Export();
     if (IsOver()) return;
     if (exported) {
-        // The tables stay as they are here: the backup is all that a Yes does.
-        AgreedToDelete();
+        OfferBackup();
         RefreshMainScreen();
         return cmdCancel_Click();
     }
@@ -360,6 +358,15 @@ bool frmExport1::Export() {
     } catch (const RunTimeFailure& failure) {
         Tell(Lines(msg::ExportStopped, Text::Path(std::string_view(failure.what()))), Icon::Stop);
         return false;
+    }
+}
+
+/// The tables stay as they are here: the backup is all that a Yes does.
+void frmExport1::OfferBackup() {
+    try {
+        AgreedToDelete();
+    } catch (const RunTimeFailure& failure) {
+        Tell(Lines(msg::FileError, Text::Path(std::string_view(failure.what()))), Icon::Stop);
     }
 }
 

@@ -63,6 +63,7 @@ private:
     void ShowPreview();
     void CheckOK();
     bool Export();
+    void OfferBackup();
 
     OrderBook book_;
     std::vector<std::string> available_; ///< the fields of the headers, then those of the lines

@@ -332,8 +332,9 @@ void frmImport1::CheckOK() {
 }
 
 void frmImport1::CheckSaveSettings() {
-    cmdSaveSettings->setEnabled(!mapping_.IsEmpty() && !TemplateName().empty());
-    cmdDelSettings->setEnabled(!TemplateName().empty());
+    const bool named = !cboSettings->currentText().isEmpty();
+    cmdSaveSettings->setEnabled(!mapping_.IsEmpty() && named);
+    cmdDelSettings->setEnabled(named);
     cmdAnd->setEnabled(!mapping_.IsEmpty() && !mapping_.AndPending());
 }
 
