@@ -4,7 +4,6 @@
 #include "core/Messages.h"
 #include "core/Numbers.h"
 #include "core/TextCompare.h"
-#include "store/DBFEdit.h"
 #include "store/TableRewrite.h"
 #include "store/TableScan.h"
 
@@ -72,21 +71,21 @@ DateTime TakeEventTime(std::string_view event) {
     return time;
 }
 
-/// Completes the record that the first half has written.
+/// Completes the record that the first half has written. The table is replaced whole: half of a
+/// record would be an event that never was.
 void WriteSecondHalf(std::span<const std::string> values) {
-    DBFEdit totals;
-    totals.FileOpen(TotalsTable());
-    try {
-        totals.Go(-1);
+    TableScan totals(TotalsTable());
+    TableRewrite rewrite(TotalsTable());
+    while (totals.Next()) {
+        rewrite.AppendRaw(totals.Flag(), totals.Record());
+        if (totals.RecordNumber() > 1) continue;
         for (int field = CurHead; field <= LstONu; ++field) {
-            totals.WriteData(FieldKey(field), values[static_cast<std::size_t>(field)]);
+            rewrite.Write(field, values[static_cast<std::size_t>(field)]);
         }
-        totals.UpDate();
-    } catch (...) {
-        totals.FileClose();
-        throw;
     }
-    totals.FileClose();
+    rewrite.SetTrailing(totals.Trailing());
+    totals.Close();
+    rewrite.Commit();
 }
 
 bool HasRecords(const std::string& path) {

@@ -2,6 +2,7 @@
 
 #include "core/Messages.h"
 #include "maintenance/Backup.h"
+#include "store/DBFEdit.h"
 #include "support/EngineTest.h"
 #include "support/Fails.h"
 #include "support/FaultyDisk.h"
@@ -220,6 +221,29 @@ TEST_F(TotalsTest, ASecondHalfKeepsWhatTheFirstSawAndCompletesTheRest) {
     EXPECT_EQ(Global.Files.Count(), 0);
 }
 
+TEST_F(TotalsTest, ASecondHalfLeavesTheTableThatItsStepsLeave) {
+    GivenOrders(2, {"10"});
+    for (const char* id : {"Anna", "Bea", "Cleo"}) Upload(id);
+    Calc("CLEAR");
+    const std::string path = Global.DBFPath + "ZUKTOTALPC.dbf";
+    const std::string before = Bytes(path);
+    GivenOrders(0, {});
+    Calc("CLEAR2");
+    const std::string after = Bytes(path);
+
+    GivenFile("app/DBFFiles/ZUKTOTALPC.dbf", before);
+    DBFEdit table;
+    table.FileOpen(path);
+    table.Go(DBFEdit::First);
+    const Strings values = {"0", "0", "0", "", "CLEAR", "2026-11-15 14:05:12", "", ""};
+    for (std::size_t k = 0; k < values.size(); ++k) table.WriteData(static_cast<int>(k) + 4, values[k]);
+    table.UpDate();
+    table.FileClose();
+
+    EXPECT_EQ(after, Bytes(path));
+    EXPECT_NE(after, before);
+}
+
 TEST_F(TotalsTest, ASecondHalfOverAnEmptyTableIsRecordedToo) {
     GivenOrders(1, {"10"});
 
@@ -367,13 +391,15 @@ TEST_F(TotalsTest, AnEventOnAFullDiskLeavesTheTotalsAsTheyWere) {
     const std::string path = Global.DBFPath + "ZUKTOTALPC.dbf";
     const std::string before = Bytes(path);
     Global.AppPath.clear(); // no trace: only the table meets the fault
-    for (int n = 1; n <= 5; ++n) {
-        FaultyDisk disk(n);
-        Global.TheDisk = &disk;
-        EXPECT_EQ(FailureOf([] { Calc("QUALCHECK"); }).Number, 61) << n;
-        Global.TheDisk = &NativeDisk();
-        EXPECT_EQ(Bytes(path), before) << n;
-        EXPECT_EQ(Global.Files.Count(), 0) << n;
+    for (const char* event : {"QUALCHECK", "CLEAR2"}) {
+        for (int n = 1; n <= 5; ++n) {
+            FaultyDisk disk(n);
+            Global.TheDisk = &disk;
+            EXPECT_EQ(FailureOf([&] { Calc(event); }).Number, 61) << event << n;
+            Global.TheDisk = &NativeDisk();
+            EXPECT_EQ(Bytes(path), before) << event << n;
+            EXPECT_EQ(Global.Files.Count(), 0) << event << n;
+        }
     }
 }
 
