@@ -1,0 +1,481 @@
+#include "killsweep/Jobs.h"
+
+#include "core/Directories.h"
+#include "core/Failure.h"
+#include "core/Globals.h"
+#include "core/Paths.h"
+#include "core/Progress.h"
+#include "core/SafeFile.h"
+#include "core/Settings.h"
+#include "core/TextCompare.h"
+#include "exchange/Activity.h"
+#include "exchange/Export.h"
+#include "exchange/ExportTemplate.h"
+#include "exchange/Import.h"
+#include "exchange/ImportTemplate.h"
+#include "exchange/LostLines.h"
+#include "exchange/OrderCheck.h"
+#include "maintenance/Backup.h"
+#include "maintenance/Totals.h"
+#include "store/DBFEdit.h"
+#include "store/OfficeTables.h"
+#include "store/TableCatalogue.h"
+#include "store/TableRewrite.h"
+#include "store/TableScan.h"
+#include "sync/Status.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <fstream>
+#include <utility>
+
+namespace {
+
+/// Enough records for a table to be more than one block of its writer.
+constexpr int Customers = 1200;
+constexpr int LostEvery = 100;
+constexpr int Orders = 320;
+constexpr int Lines = 1100;
+constexpr int TotalsEvents = 2200;
+
+using Cells = std::vector<std::pair<const char*, std::string>>;
+
+std::string Table(const char* name) {
+    return Global.DBFPath + name;
+}
+
+void Fill(const char* name, int count, Cells (*cells)(int)) {
+    TableRewrite table(Table(name));
+    for (int k = 1; k <= count; ++k) {
+        table.Append();
+        for (const auto& [field, value] : cells(k)) table.Write(field, value);
+    }
+    table.Commit();
+}
+
+/// Numbers from 0 to `size` - 1 in no order; `size` has no factor in common with 37.
+int Shuffled(int k, int size) {
+    return k * 37 % size;
+}
+
+/// Orders in no order; the last tenth repeats codes that came before.
+std::string OrderCode(int k) {
+    return "HH" + std::to_string(10000 + Shuffled(k, Orders * 9 / 10 + 1));
+}
+
+std::string LineKey(int k) {
+    return OrderCode(k % Orders) + "-" + std::to_string(k / Orders);
+}
+
+void FillOrders() {
+    Fill("ZUKOrHdr.dbf", Orders, [](int k) {
+        return Cells{{"H_ORDCODE", OrderCode(k)}, {"H_CUSTCODE", "C" + std::to_string(k)}};
+    });
+    Fill("ZUKOrLin.dbf", Lines, [](int k) {
+        return Cells{{"L_ORDCODE", OrderCode(k % Orders)},
+                     {"L_KEY", LineKey(k)},
+                     {"L_QTY", std::to_string(k % 9)},
+                     {"L_TOTPRICE", std::to_string(k) + ".25"}};
+    });
+}
+
+void FillTotals(int events) {
+    Fill("ZUKTOTALPC.dbf", events, [](int k) {
+        return Cells{{"TP_NUMHEAD", std::to_string(k)}, {"TP_EVENT", "UPLOAD-ADD"}};
+    });
+}
+
+OrderBook Book() {
+    return OpenOrderBook(Table("ZUKOrHdr.dbf"), Table("ZUKOrLin.dbf"));
+}
+
+// ---- the jobs ----
+
+/// A data file whose first lines are headings; every hundredth line has a column too many when
+/// `linesAreLost`.
+void PrepareCustomers(bool linesAreLost) {
+    Fill("ZUKCust.dbf", Customers / 2, [](int k) { return Cells{{"C_CODE", "OLD" + std::to_string(k)}}; });
+    std::string file = "Code,Name,Phone\r\n";
+    for (int k = 1; k <= Customers; ++k) {
+        file += "C" + std::to_string(k) + ",Customer " + std::to_string(k) + ",555";
+        file += linesAreLost && k % LostEvery == 0 ? ",one too many\r\n" : "\r\n";
+    }
+    WriteWholeFile(Global.DataInPath + "customers.csv", file);
+}
+
+std::string ImportCustomers(int linesLost) {
+    ImportJob job;
+    job.ImportFile = Global.DataInPath + "customers.csv";
+    job.TableFile = Table("ZUKCust.dbf");
+    job.StartLine = 2;
+    job.AvailableFields = AvailableFieldsOf(job.TableFile);
+    job.SelectedFields = {"C_CODE", "C_NAME", "Ignore"};
+    job.LineCount = Customers + 1;
+    job.ErrorFile = LostLinesFile(Global.DataInPath, "customers.csv");
+    NoProgress silent;
+    const ImportResult result = ImportDataFile(job, silent);
+    if (result.FieldCountMismatch) return "the file has too few columns";
+    if (result.LinesFailed != linesLost) return std::to_string(result.LinesFailed) + " lines failed";
+    if (linesLost > 0 && !result.ErrorsListed) return "the lines that failed are not listed";
+    return {};
+}
+
+std::string SortHeaders() {
+    OrderBook book = Book();
+    SortOrHdrFile(book);
+    return {};
+}
+
+std::string SortLines() {
+    OrderBook book = Book();
+    SortOrLinFile(book);
+    return {};
+}
+
+/// Few records, since the check has many calls; it writes its tables as the sorts do. Orders and lines
+/// come twice.
+void PrepareCheck() {
+    Fill("ZUKOrHdr.dbf", 40, [](int k) { return Cells{{"H_ORDCODE", OrderCode(k % 30)}}; });
+    Fill("ZUKOrLin.dbf", 90, [](int k) {
+        return Cells{{"L_ORDCODE", OrderCode(k % 30)},
+                     {"L_KEY", OrderCode(k % 30) + "-" + std::to_string(k % 2)},
+                     {"L_TOTPRICE", "12.5"}};
+    });
+    FillTotals(12);
+}
+
+std::string Check() {
+    OrderBook book = Book();
+    std::string told;
+    RepeatQuestions questions;
+    questions.DeleteRepeats = [] { return true; };
+    questions.MakeBackup = [] { return MakeBackup("QUALCHECK"); };
+    questions.BackupFailed = [&] { told = "the tables cannot be backed up"; };
+    questions.CalcPCTotals = [] {
+        NoProgress silent;
+        CalcPCTotals("QUALCHECK", silent);
+    };
+    QualityCheckOrders(book, questions);
+    return told;
+}
+
+/// Marks every third order header as deleted.
+void DeleteSome() {
+    DBFEdit table;
+    table.FileOpen(Table("ZUKOrHdr.dbf"));
+    for (int k = 3; k <= table.RecordCount; k += 3) {
+        table.Go(k);
+        table.DeleteRecord();
+    }
+    table.FileClose();
+}
+
+void PrepareCompaction() {
+    FillOrders();
+    DeleteSome();
+}
+
+/// That one writes record by record, whatever the table's length.
+void PrepareShortCompaction() {
+    Fill("ZUKOrHdr.dbf", 12, [](int k) { return Cells{{"H_ORDCODE", OrderCode(k)}}; });
+    DeleteSome();
+}
+
+std::string Compact() {
+    CompactTable(Table("ZUKOrHdr.dbf"));
+    return {};
+}
+
+std::string CompactByRecords() {
+    DBFEdit table;
+    table.FileOpen(Table("ZUKOrHdr.dbf"));
+    table.ReIndex(Table("ZUKOrHdr.dbf"));
+    return {};
+}
+
+std::string Empty() {
+    EmptyTable(Table("ZUKOrHdr.dbf"));
+    return {};
+}
+
+std::string Event(std::string_view event) {
+    NoProgress silent;
+    CalcPCTotals(event, silent);
+    return {};
+}
+
+std::string Backup() {
+    return MakeBackup("CLEAR") ? "" : "the tables cannot be backed up";
+}
+
+std::string WriteSettings() {
+    Global.PurgeDays = 31;
+    Global.RemoteSyncSettings = "Every evening";
+    UpdateIniFile();
+    return {};
+}
+
+void PrepareStatus() {
+    Fill("ZUKLINK.DBF", 12, [](int k) { return Cells{{"LK_HOTSYNC", "Handheld " + std::to_string(k)}}; });
+    MakeHHStatusFile();
+}
+
+std::string WriteStatus() {
+    GetHHStatus();
+    for (std::string& status : Global.HHStatus) status = "G";
+    UpdateHHStatus();
+    return {};
+}
+
+ImportTemplate CustomerTemplate(std::size_t fields) {
+    ImportTemplate content;
+    content.DataFile = "customers.csv";
+    content.StartLine = "2";
+    content.Fields.assign(fields, "C_CODE; C_NAME");
+    content.Literals = {"C_STATE = CA"};
+    return content;
+}
+
+std::string WriteImport() {
+    WriteImportTemplate(Global.ImportTemplates + "customers.cst", CustomerTemplate(9));
+    return {};
+}
+
+ExportTemplate OrderTemplate(std::size_t columns) {
+    ExportTemplate content;
+    content.FileName = "orders.csv";
+    content.Columns.assign(columns, "H_ORDDATE Format: mmddyyyy");
+    return content;
+}
+
+std::string WriteExport() {
+    WriteExportTemplate(Global.ExportTemplates + "orders.xor", OrderTemplate(9));
+    return {};
+}
+
+Activity ImportActivity(const char* item) {
+    Activity activity;
+    activity.Rows[0].Template = "customers.cst";
+    activity.Rows[1].Template = item;
+    return activity;
+}
+
+std::string WriteQuickButton() {
+    WriteActivity(Global.QuickButtonTemplates + "morning.ipm", ImportActivity("items.itm"));
+    return {};
+}
+
+std::string Export() {
+    ExportJob job;
+    job.ExportFile = Global.DataOutPath + "orders.csv";
+    job.AddHeadings = true;
+    for (int k = 0; k < 12; ++k) {
+        job.Columns.insert(job.Columns.end(), {"L_ORDCODE", "L_KEY", "H_CUSTCODE", "L_QTY * [1.5]"});
+    }
+    NoProgress silent;
+    return ExportOrders(job, Book().Tables, silent).CouldNotOpen ? "the export file cannot be written" : "";
+}
+
+/// What operators and updates leave for the next start to put away.
+void PrepareStart() {
+    WriteWholeFile(Global.AppPath + "orders.csv", "of an older program\r\n");
+    WriteImportTemplate(Global.TemplatesPath + "dropped.cst", CustomerTemplate(3));
+    MakePath(Global.AppPath + "DBFNew/");
+    WriteWholeFile(Global.AppPath + "DBFNew/item.bmp", "BM");
+}
+
+/// All old twins go, then each is made anew: a copy of the installed table, which is then emptied.
+std::vector<std::string> StepsOfStart() {
+    std::vector<std::string> twins;
+    for (const TableEntry& table : AllTables().first(TwinTables)) {
+        twins.push_back("DBFEmpty/" + std::string(table.Name) + ".dbf");
+    }
+    std::vector<std::string> steps = twins;
+    std::sort(steps.begin(), steps.end(),
+              [](const std::string& a, const std::string& b) { return TextCompare(a, b) < 0; });
+    for (const std::string& twin : twins) steps.insert(steps.end(), 2, twin);
+    // What moves is there before it goes where it was.
+    steps.insert(steps.end(), {"DataIn/orders.csv", "orders.csv", "Templates/Demo/Import/dropped.cst",
+                               "Templates/Import/dropped.cst", "Templates/dropped.cst",
+                               "DBFFiles/Images/item.bmp", "DBFNew/item.bmp"});
+    return steps;
+}
+
+// ---- jobs that do harm ----
+
+std::string HarmedFile() {
+    return Global.DataOutPath + "harmed.txt";
+}
+
+void PrepareHarm() {
+    WriteWholeFile(HarmedFile(), "what stood here before");
+}
+
+std::string WriteInPlace() {
+    const auto file = Global.TheDisk->Open(HarmedFile(), Access::ReadWrite);
+    file->WriteAt(0, "WHAT STANDS HERE BEHIND");
+    return {};
+}
+
+std::string LeaveAFile() {
+    const std::string work = Global.DataOutPath + "work.tmp";
+    Global.TheDisk->Open(work, Access::Create)->WriteAt(0, "new");
+    Global.TheDisk->Rename(work, HarmedFile());
+    return {};
+}
+
+std::string KeepSilent() {
+    try {
+        WriteWholeFile(HarmedFile(), "new");
+    } catch (const RunTimeFailure&) { // that nobody hears of it is the harm
+    }
+    return {};
+}
+
+std::string BreakDown() {
+    try {
+        WriteWholeFile(HarmedFile(), "new");
+    } catch (const RunTimeFailure&) {
+        std::abort();
+    }
+    return {};
+}
+
+std::string WriteInWrongOrder() {
+    WriteWholeFile(Global.DataOutPath + "about.txt", "complete");
+    WriteWholeFile(HarmedFile(), "new");
+    return {};
+}
+
+std::string WriteByStream() {
+    std::ofstream(HarmedFile()) << "new";
+    return {};
+}
+
+std::vector<SweepJob> MakeJobs() {
+    const std::string customers = "DBFFiles/ZUKCust.dbf";
+    const std::string headers = "DBFFiles/ZUKOrHdr.dbf";
+    const std::string lines = "DBFFiles/ZUKOrLin.dbf";
+    const std::string totals = "DBFFiles/ZUKTOTALPC.dbf";
+    const std::string harmed = "DataOut/harmed.txt";
+
+    // A backup says that it is there when all of its tables are.
+    std::vector<std::string> backup = {"Backup/61115093000/"};
+    for (const char* name :
+         {"ZUKOrHdr.dbf", "ZUKOrLin.dbf", "ZUKAudTH.dbf", "ZUKAudTL.dbf", "ZUKAudHH.dbf", "Backup.txt"}) {
+        backup.push_back(backup.front() + name);
+    }
+    // Sorted first; nothing is deleted before the backup and the event stand.
+    std::vector<std::string> check = {headers, lines};
+    check.insert(check.end(), backup.begin(), backup.end());
+    check.insert(check.end(), {totals, headers, lines});
+
+    const auto ordersAndTotals = [] {
+        FillOrders();
+        FillTotals(TotalsEvents);
+    };
+    return {
+        {"import", {customers}, [] { PrepareCustomers(false); }, [] { return ImportCustomers(0); }, ""},
+        {"import that loses lines",
+         {"DataIn/Errors/", customers, "DataIn/Errors/customers.csv.txt"},
+         [] { PrepareCustomers(true); },
+         [] { return ImportCustomers(Customers / LostEvery); },
+         ""},
+        {"sort of the order headers", {headers}, FillOrders, SortHeaders, ""},
+        {"sort of the order lines", {lines}, FillOrders, SortLines, ""},
+        {"order check, repeats deleted", check, PrepareCheck, Check, ""},
+        {"compaction", {headers}, PrepareCompaction, Compact, ""},
+        {"compaction by records", {headers}, PrepareShortCompaction, CompactByRecords, ""},
+        {"emptying", {headers}, FillOrders, Empty, ""},
+        {"totals event", {totals}, ordersAndTotals, [] { return Event("EXPORT"); }, ""},
+        {"totals event, second half", {totals}, ordersAndTotals, [] { return Event("CLEAR2"); }, ""},
+        {"backup", backup, FillOrders, Backup, ""},
+        {"export", {"DataOut/orders.csv"}, FillOrders, Export, ""},
+        {"export over a file",
+         {"DataOut/orders.csv"},
+         [] {
+             FillOrders();
+             WriteWholeFile(Global.DataOutPath + "orders.csv", "of yesterday\r\n");
+         },
+         Export,
+         ""},
+        {"settings", {"ZUKTramble.ini"}, [] {}, WriteSettings, ""},
+        {"status", {"Install/HSStatus.dat"}, PrepareStatus, WriteStatus, ""},
+        {"import template",
+         {"Templates/Import/customers.cst"},
+         [] { WriteImportTemplate(Global.ImportTemplates + "customers.cst", CustomerTemplate(3)); },
+         WriteImport,
+         ""},
+        {"export template",
+         {"Templates/Export/orders.xor"},
+         [] { WriteExportTemplate(Global.ExportTemplates + "orders.xor", OrderTemplate(3)); },
+         WriteExport,
+         ""},
+        {"QuickButton",
+         {"Templates/QuickButtons/morning.ipm"},
+         [] { WriteActivity(Global.QuickButtonTemplates + "morning.ipm", ImportActivity("")); },
+         WriteQuickButton,
+         ""},
+
+        {"start", StepsOfStart(), PrepareStart, nullptr, "", true},
+
+        {"harm: writes in place", {harmed}, PrepareHarm, WriteInPlace, "is neither the old nor the new"},
+        {"harm: leaves a file", {harmed}, PrepareHarm, LeaveAFile, "work.tmp lies about"},
+        {"harm: keeps silent", {harmed}, PrepareHarm, KeepSilent, "said that all went well"},
+        {"harm: breaks down", {harmed}, PrepareHarm, BreakDown, "broke down"},
+        {"harm: wrong order",
+         {harmed, "DataOut/about.txt"},
+         PrepareHarm,
+         WriteInWrongOrder,
+         "takes the steps"},
+        {"harm: writes by a stream", {harmed}, PrepareHarm, WriteByStream, "cannot be followed"},
+    };
+}
+
+void BeginOffice(const std::string& folder) {
+    Global = Globals{};
+    Global.Clock = [] { return DateTime{2026, 11, 15, 9, 30, 0}; };
+    Global.AppPath = AddBackslash(folder);
+    Global.IniFile = Global.AppPath + "ZUKTramble.ini";
+    LoadEvents();
+}
+
+} // namespace
+
+const std::vector<SweepJob>& SweepJobs() {
+    static const std::vector<SweepJob> jobs = MakeJobs();
+    return jobs;
+}
+
+void OpenOffice(const std::string& folder) {
+    BeginOffice(folder);
+    SetTablesAndInstall();
+    SetGraphics();
+    SetImagesAndTotals();
+    Global.DBFEmptyPath = Global.AppPath + "DBFEmpty/";
+    SetDataIn();
+    SetDataOutBackupTemplates();
+    TemplatePass([] {});
+    SetUpdates();
+}
+
+void StartOffice(const std::string& folder) {
+    BeginOffice(folder);
+    GetIniFile();
+    SetTablesAndInstall();
+    SetGraphics();
+    Global.CompanyName = ReadCompanyName();
+    SetImagesAndTotals();
+    CopyNotes();
+    MakeEmptyTwins();
+    SetDataIn();
+    SetDataOutBackupTemplates();
+    TemplatePass([] {});
+    SetUpdates();
+    RemoveStrays();
+    MoveNewBitmaps();
+    GetPCTotals();
+    GetHHStatus();
+    if (!Global.PurgeBackup) return;
+    DeleteBackupTables([](std::string_view file) { throw RunTimeFailure(75, std::string(file)); });
+}

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// One thing that a program does to the files of an office, to be disturbed at each call.
+struct SweepJob {
+    std::string Name;
+
+    /// The files that it puts in place, by their paths in the office, in this order: an undisturbed
+    /// run takes just these steps. A file may come twice. `Events.log` is left out.
+    std::vector<std::string> Steps;
+
+    /// Readies the laid-out office in Global for the job. Not disturbed.
+    void (*Prepare)();
+
+    /// Does it, and returns what the operator is told of failures: nothing when all went well. May
+    /// end in a RunTimeFailure, whose words are then what the operator is told.
+    std::string (*Run)();
+
+    /// Words of a complaint that the sweep must make, for a job that is meant to do harm; empty for a
+    /// job of the office.
+    std::string Harm;
+
+    /// The job is a start of the office, and so the next start completes it. `Run` is not used.
+    bool IsStart = false;
+};
+
+/// The jobs of an office, and those that do harm.
+const std::vector<SweepJob>& SweepJobs();
+
+/// Sets Global's paths to an office that has been started before. Changes no file of it.
+void OpenOffice(const std::string& folder);
+
+/// What the program's start does to the files of an office, in its order. RunTimeFailure as the
+/// routines of core/Directories.h.
+void StartOffice(const std::string& folder);
+
+/// The trace, which each job writes and which goes by a rule of its own.
+inline constexpr std::string_view TraceFile = "Events.log";

@@ -1,0 +1,163 @@
+// Disturbs each job of an office at each of its calls that change a file, and looks at what is left.
+//
+//   killsweep [JOB...]    all jobs, or those whose names begin so; prints a table, ends in 0 only
+//                         when nothing was hurt
+//   killsweep harm        jobs that do harm; ends in 0 only when each of them was found out
+
+#include "core/Failure.h"
+#include "killsweep/Sweep.h"
+#include "maintenance/Office.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <exception>
+#include <filesystem>
+#include <iomanip>
+#include <iostream>
+#include <string>
+#include <vector>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+/// A folder with an office, and one for the logs; gone with its object.
+class Place {
+public:
+    Place() {
+        std::string name = (Base() / "killsweep-XXXXXX").string();
+        if (::mkdtemp(name.data()) == nullptr) throw RunTimeFailure(75, name);
+        root_ = fs::canonical(name).string() + "/";
+        LayOutOffice(TRAMBLE_INSTALLED, Office());
+        // The pictures take no part in any job.
+        fs::remove_all(Office() + "Install/Graphics");
+        StartOffice(Office());
+    }
+    Place(const Place&) = delete;
+    Place& operator=(const Place&) = delete;
+    ~Place() {
+        std::error_code ignored;
+        fs::remove_all(root_, ignored);
+    }
+
+    std::string Office() const { return root_ + "office/"; }
+    SweepTools Tools() const {
+        return {fs::canonical("/proc/self/exe").string(), KILLSWEEP_LIBRARY, Office(), root_ + "log/"};
+    }
+
+private:
+    /// Memory where there is enough of it: the sweep writes the same few files over and over.
+    static fs::path Base() {
+        constexpr std::uintmax_t Enough = std::uintmax_t{64} << 20;
+        std::error_code failed;
+        const fs::space_info memory = fs::space("/dev/shm", failed);
+        return !failed && memory.available >= Enough ? fs::path("/dev/shm") : fs::temp_directory_path();
+    }
+
+    std::string root_;
+};
+
+constexpr int NameWidth = 30;
+constexpr int CallsWidth = 5;
+constexpr int StatesWidth = 13;
+constexpr int ToldWidth = 5;
+
+/// Kills leave nobody to tell.
+bool Tells(std::size_t fault) {
+    return fault == static_cast<std::size_t>(Fault::DiskFull) ||
+           fault == static_cast<std::size_t>(Fault::IoError);
+}
+
+void PrintHead() {
+    std::cout << std::left << std::setw(NameWidth) << "" << std::right << std::setw(CallsWidth) << ""
+              << "  " << std::left;
+    for (const char* fault : {"killed before", "killed within"}) {
+        std::cout << "  " << std::setw(StatesWidth) << fault;
+    }
+    for (const char* fault : {"disk full", "I/O error"}) {
+        std::cout << "  " << std::setw(StatesWidth + ToldWidth) << fault;
+    }
+    std::cout << "\n"
+              << std::setw(NameWidth) << "job" << std::right << std::setw(CallsWidth) << "calls"
+              << "  " << std::left;
+    for (std::size_t fault = 0; fault < Faults; ++fault) {
+        std::cout << "  " << std::setw(StatesWidth) << "old/part/new";
+        if (Tells(fault)) std::cout << std::right << std::setw(ToldWidth) << "told" << std::left;
+    }
+    std::cout << "\n";
+}
+
+void Print(const SweepJob& job, const SweepFindings& findings) {
+    std::cout << std::left << std::setw(NameWidth) << job.Name << std::right << std::setw(CallsWidth)
+              << findings.Calls << "  ";
+    for (std::size_t fault = 0; fault < Faults; ++fault) {
+        const FaultFindings& found = findings.ByFault[fault];
+        std::cout << "  " << std::left << std::setw(StatesWidth)
+                  << std::to_string(found.Old) + "/" + std::to_string(found.Part) + "/" +
+                         std::to_string(found.New);
+        if (Tells(fault)) std::cout << std::right << std::setw(ToldWidth) << found.Told;
+    }
+    std::cout << std::endl;
+    for (const std::string& complaint : findings.Complaints) std::cout << "    HURT: " << complaint << "\n";
+}
+
+bool IsAskedFor(const SweepJob& job, const std::vector<std::string>& names) {
+    return names.empty() || std::any_of(names.begin(), names.end(),
+                                        [&](const std::string& name) { return job.Name.starts_with(name); });
+}
+
+int SweepOffice(const std::vector<std::string>& names) {
+    const Place place;
+    int runs = 0;
+    int swept = 0;
+    std::size_t hurt = 0;
+    PrintHead();
+    for (const SweepJob& job : SweepJobs()) {
+        if (!job.Harm.empty() || !IsAskedFor(job, names)) continue;
+        const SweepFindings findings = Sweep(job, place.Tools());
+        Print(job, findings);
+        ++swept;
+        hurt += findings.Complaints.size();
+        for (const FaultFindings& found : findings.ByFault) runs += found.Old + found.Part + found.New;
+    }
+    std::cout << runs << " runs of " << swept << " jobs, " << hurt << " complaints\n";
+    return hurt == 0 && swept > 0 ? 0 : 1;
+}
+
+int SweepHarm() {
+    const Place place;
+    int missed = 0;
+    for (const SweepJob& job : SweepJobs()) {
+        if (job.Harm.empty()) continue;
+        const SweepFindings findings = Sweep(job, place.Tools());
+        const bool found = std::any_of(
+            findings.Complaints.begin(), findings.Complaints.end(),
+            [&](const std::string& complaint) { return complaint.find(job.Harm) != std::string::npos; });
+        missed += found ? 0 : 1;
+        std::cout << (found ? "found out  " : "NOT FOUND  ") << job.Name << "\n";
+        for (const std::string& complaint : findings.Complaints) std::cout << "    " << complaint << "\n";
+    }
+    return missed == 0 ? 0 : 1;
+}
+
+int RunOneJob(const std::string& name, const std::string& office) {
+    for (const SweepJob& job : SweepJobs()) {
+        if (job.Name == name) return RunJob(job, office);
+    }
+    return 2;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const std::vector<std::string> words(argv + 1, argv + argc);
+    try {
+        if (words.size() == 3 && words[0] == "job") return RunOneJob(words[1], words[2]);
+        if (words.size() == 1 && words[0] == "harm") return SweepHarm();
+        return SweepOffice(words);
+    } catch (const std::exception& failure) {
+        std::cerr << "killsweep: " << failure.what() << "\n";
+        return 2;
+    }
+}
