@@ -27,7 +27,7 @@ bool IsFileNameLine(std::string_view line) {
 }
 
 void TakeFileName(std::string_view text, ExportTemplateRead& result) {
-    const std::string_view name = FileNameOf(Trim(text));
+    const std::string_view name = Trim(FileNameOf(text));
     result.BadFileName = !name.empty() && !IsPlainFileName(name);
     result.Template.FileName = result.BadFileName ? std::string_view() : name;
 }

@@ -220,6 +220,12 @@ TEST_F(TemplatesTest, ExportFileNameThatIsNoneIsRefused) {
     EXPECT_EQ(read.Template.Columns, (Rows{"H_ORDCODE"}));
 }
 
+TEST_F(TemplatesTest, ExportFileNameIsTakenWithoutItsDirectoryAndTheBlanksAroundIt) {
+    const std::string path = GivenFile("old.xor", "Filename= C:\\out\\ orders.csv \nCSV\n");
+
+    EXPECT_EQ(ReadExportTemplate(path).Template.FileName, "orders.csv");
+}
+
 TEST_F(TemplatesTest, EmptyExportFileNameIsEmpty) {
     const ExportTemplateRead read = ReadExportTemplate(GivenFile("empty.xor", "Filename=\nH_ORDCODE\n"));
 
