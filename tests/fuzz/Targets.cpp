@@ -1,0 +1,390 @@
+#include "fuzz/Targets.h"
+
+#include "core/Failure.h"
+#include "core/Globals.h"
+#include "core/Progress.h"
+#include "core/TextCompare.h"
+#include "exchange/Activity.h"
+#include "exchange/Export.h"
+#include "exchange/ExportTemplate.h"
+#include "exchange/HeadLines.h"
+#include "exchange/Import.h"
+#include "exchange/ImportPreview.h"
+#include "exchange/ImportTemplate.h"
+#include "exchange/ImportText.h"
+#include "exchange/LineSplitter.h"
+#include "exchange/OrderTables.h"
+#include "fuzz/MemoryDisk.h"
+#include "store/CreateTable.h"
+#include "store/DBFEdit.h"
+#include "store/TableCatalogue.h"
+#include "store/TableRewrite.h"
+#include "store/TableScan.h"
+
+#include <array>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace {
+
+/// A fresh program over a disk in memory, with one file that came from outside.
+class Outside {
+public:
+    explicit Outside(std::string_view content) {
+        Global = Globals{};
+        Global.TheDisk = &Disk;
+        Disk.Put(File, std::string(content));
+    }
+    Outside(const Outside&) = delete;
+    Outside& operator=(const Outside&) = delete;
+    ~Outside() { Global = Globals{}; }
+
+    MemoryDisk Disk;
+    const std::string File = "/fuzz/outside.dat";
+};
+
+void Require(bool holds, const char* rule) {
+    if (!holds) throw std::logic_error(rule);
+}
+
+/// Does something that may end in a RunTimeFailure; no file may stay open after it.
+template <typename Deed>
+void Attempt(Deed&& deed) {
+    try {
+        deed();
+    } catch (const RunTimeFailure&) { // the caller is told: that is all that is asked
+    }
+    Require(Global.Files.Count() == 0, "a file was left open");
+}
+
+/// The next byte as a choice of the input's; 0 behind its end.
+unsigned Choice(std::string_view& bytes) {
+    if (bytes.empty()) return 0;
+    const auto choice = static_cast<unsigned char>(bytes.front());
+    bytes.remove_prefix(1);
+    return choice;
+}
+
+Delimiter DelimiterOf(unsigned choice) {
+    constexpr std::array Delimiters = {Delimiter::Csv, Delimiter::CsvQuotes, Delimiter::Tab};
+    return Delimiters[choice % Delimiters.size()];
+}
+
+// ---- tables ----
+
+struct TableRead {
+    bool Opened = false;
+    std::vector<std::string> Cells; ///< of all records, each behind its flag
+};
+
+template <typename Deed>
+TableRead Reading(Deed&& deed) {
+    TableRead read;
+    Attempt([&] {
+        deed(read);
+        read.Opened = true;
+    });
+    return read;
+}
+
+TableRead ScanForward(const std::string& path) {
+    return Reading([&](TableRead& read) {
+        TableScan scan(path);
+        while (scan.Next()) {
+            for (int field = 0; field <= scan.Layout().FieldCount(); ++field) {
+                read.Cells.emplace_back(scan.Field(field));
+                Require(scan.Trimmed(field) == Trim(scan.Field(field)), "a cell is trimmed at both ends");
+            }
+        }
+        scan.Trailing();
+    });
+}
+
+TableRead StepThrough(const std::string& path) {
+    return Reading([&](TableRead& read) {
+        DBFEdit table;
+        try {
+            table.FileOpen(path);
+            for (std::int32_t k = 1; k <= table.RecordCount; ++k) {
+                table.Go(k);
+                for (int field = 0; field <= table.NoFields(); ++field) {
+                    read.Cells.push_back(table.GetData(FieldKey(field)));
+                }
+            }
+        } catch (...) {
+            table.CloseAllFiles();
+            throw;
+        }
+        table.FileClose();
+    });
+}
+
+/// Every road to a table's records shows the same ones.
+void Tables(std::string_view bytes) {
+    const Outside outside(bytes);
+    const TableRead forward = ScanForward(outside.File);
+    const TableRead steps = StepThrough(outside.File);
+    Require(forward.Opened == steps.Opened, "a table that can be scanned can be edited");
+    Require(forward.Cells == steps.Cells, "a scan shows what the steps show");
+    Require(outside.Disk.Content(outside.File) == bytes, "reading changes nothing");
+}
+
+/// The records that are left, and the byte behind them, a blank when it is not there.
+std::string Counted(const MemoryDisk& disk, const std::string& path) {
+    std::string content = disk.Content(path);
+    std::size_t end = 0;
+    Attempt([&] {
+        const TableLayout layout = TableLayout::Read(*Global.TheDisk->Open(path, Access::Read), path);
+        end =
+            static_cast<std::size_t>(layout.RecordsAt()) +
+            static_cast<std::size_t>(layout.RecordCount()) * static_cast<std::size_t>(layout.RecordLength()) +
+            1;
+    });
+    content.resize(end, ' ');
+    return content;
+}
+
+/// Every way to change a table leaves one that can be read, or the one that was there.
+void TableChanges(std::string_view bytes) {
+    Outside outside(bytes);
+    std::string compacted;
+    Attempt([&] {
+        CompactTable(outside.File);
+        compacted = Counted(outside.Disk, outside.File);
+    });
+    outside.Disk.Put(outside.File, std::string(bytes));
+    Attempt([&] {
+        DBFEdit table;
+        table.FileOpen(outside.File);
+        try {
+            table.ReIndex(outside.File);
+        } catch (...) {
+            Require(compacted.empty(), "what cannot be compacted by records cannot be compacted at all");
+            throw;
+        }
+        Require(Counted(outside.Disk, outside.File) == compacted, "both compactions leave the same table");
+    });
+
+    outside.Disk.Put(outside.File, std::string(bytes));
+    Attempt([&] {
+        const std::array<std::string, 3> first = {"A", "1", "2026-11-15"};
+        const std::int32_t before = TableScan(outside.File).RecordCount();
+        ShiftDown(outside.File, first);
+        Require(TableScan(outside.File).RecordCount() == before + 1, "a shift adds one record");
+    });
+
+    outside.Disk.Put(outside.File, std::string(bytes));
+    Attempt([&] {
+        DBFEdit table;
+        try {
+            table.FileOpen(outside.File);
+            table.Go(DBFEdit::Last);
+            table.KillEOFFlag();
+            table.Go(DBFEdit::Append);
+            for (int field = 0; field <= table.NoFields(); ++field)
+                table.WriteData(FieldKey(field), "2026-11-15");
+            table.UpDate();
+            constexpr std::int32_t FewRecords = 20;
+            if (table.RecordCount < FewRecords) table.SortFile(FieldKey(1), bytes.size() % 2 == 0 ? 0 : -1);
+            table.Go(DBFEdit::First);
+            table.DeleteRecord();
+        } catch (...) {
+            table.CloseAllFiles();
+            throw;
+        }
+        table.FileClose();
+        TableScan(outside.File).Next();
+    });
+
+    outside.Disk.Put(outside.File, std::string(bytes));
+    Attempt([&] {
+        EmptyTable(outside.File);
+        Require(TableScan(outside.File).RecordCount() == 0, "an emptied table has no records");
+    });
+    Require(outside.Disk.FileCount() == 1, "no work file is left");
+}
+
+void Memo(std::string_view bytes) {
+    const unsigned block = Choice(bytes);
+    const Outside outside(bytes);
+    Global.AppPath = "/fuzz/";
+    Attempt([&] { DBFEdit().GetDBTImage(outside.File, static_cast<std::int32_t>(block)); });
+}
+
+// ---- import ----
+
+std::vector<FieldDef> FieldsOfTable(std::string_view name) {
+    std::vector<FieldDef> fields;
+    for (const TableField& field : FindTable(name)->Fields) {
+        fields.push_back({field.Name, field.Type, field.Length, field.Decimals});
+    }
+    return fields;
+}
+
+std::string CustomerTable() {
+    const std::string path = "/fuzz/ZUKCust.dbf";
+    CreateTable(path, FieldsOfTable("ZUKCust"));
+    return path;
+}
+
+void Import(std::string_view bytes) {
+    const Delimiter delimiter = DelimiterOf(Choice(bytes));
+    constexpr unsigned StartLines = 8;
+    const auto startLine = static_cast<std::int32_t>(Choice(bytes) % StartLines + 1);
+    const Outside outside(bytes);
+    ImportJob job;
+    job.ImportFile = outside.File;
+    job.TableFile = CustomerTable();
+    job.Delimiter = delimiter;
+    job.StartLine = startLine;
+    job.AvailableFields = AvailableFieldsOf(job.TableFile);
+    job.SelectedFields = {"C_CODE; C_SEARCH"};
+    job.Literals = {"C_CITY = Ulm"};
+    job.LineCount = CountLines(job.ImportFile);
+    job.ErrorFile = "/fuzz/lost.txt";
+    Attempt([&] { RecogniseDelimiter(job.ImportFile); });
+    Attempt([&] { ImportPreview(job.ImportFile).Columns(delimiter, startLine); });
+    Attempt([&] { RememberHeadLines("/fuzz/t.cst", ReadHeadLines(job.ImportFile, startLine)); });
+    Attempt([&] {
+        if (const auto kept = RememberedHeadLines("/fuzz/t.cst"))
+            Require(*kept == ReadHeadLines(job.ImportFile, startLine), "what is remembered is what was read");
+    });
+    Attempt([&] {
+        NoProgress silent;
+        const ImportResult result = ImportDataFile(job, silent);
+        Require(result.LinesRead <= job.LineCount, "no line is taken in twice");
+        Require(TableScan(job.TableFile).RecordCount() == result.LinesRead, "each line is a record");
+        Require(result.LinesFailed <= result.LinesRead, "only a line that was read can fail");
+        Require(result.ErrorsListed == (result.LinesFailed > 0), "the lines that fail are listed");
+    });
+}
+
+std::vector<std::string> CellsOf(const LineSplitter& splitter) {
+    std::vector<std::string> cells;
+    for (std::size_t k = 1; k <= splitter.ColumnCount(); ++k) cells.push_back(splitter.Cell(k));
+    return cells;
+}
+
+void Lines(std::string_view bytes) {
+    const Delimiter delimiter = DelimiterOf(Choice(bytes));
+    const std::size_t columns = Choice(bytes);
+    LineSplitter splitter(delimiter, columns);
+    while (!bytes.empty()) {
+        const std::size_t end = bytes.find('\n');
+        const std::string_view line = bytes.substr(0, end);
+        const bool taken = splitter.Split(line);
+        const std::vector<std::string> cells = CellsOf(splitter);
+        for (const std::string& cell : cells) {
+            Require(!cell.starts_with(' ') && !cell.ends_with(' '), "a cell has no blanks at its ends");
+        }
+        Require(splitter.Split(line) == taken && CellsOf(splitter) == cells, "a line says the same twice");
+        if (end == std::string_view::npos) break;
+        bytes.remove_prefix(end + 1);
+    }
+}
+
+// ---- templates ----
+
+bool Same(const ImportTemplate& a, const ImportTemplate& b) {
+    return a.DataFile == b.DataFile && a.Delimiter.value_or(Delimiter::Csv) == b.Delimiter &&
+           a.StartLine == b.StartLine && a.Fields == b.Fields && a.Literals == b.Literals;
+}
+
+void ImportTemplates(std::string_view bytes) {
+    Outside outside(bytes);
+    const ImportTemplateRead read = ReadImportTemplate(outside.File);
+    Require(Global.Files.Count() == 0, "a file was left open");
+    if (read.Complete && !read.BadDataFile) {
+        WriteImportTemplate("/fuzz/again.cst", read.Template);
+        Require(Same(read.Template, ReadImportTemplate("/fuzz/again.cst").Template),
+                "a template that is written is read as it was");
+    }
+    outside.Disk.Put("/fuzz/data.csv", "Code,Name\r\nA,\"B, C\"\r\nD\r\n");
+    ImportJob job;
+    job.ImportFile = "/fuzz/data.csv";
+    job.TableFile = CustomerTable();
+    job.Delimiter = read.Template.Delimiter.value_or(Delimiter::Csv);
+    job.StartLine = StartLineNumber(read.Template.StartLine);
+    job.AvailableFields = AvailableFieldsOf(job.TableFile);
+    job.SelectedFields = read.Template.Fields;
+    job.Literals = read.Template.Literals;
+    Attempt([&] {
+        NoProgress silent;
+        ImportDataFile(job, silent);
+    });
+}
+
+/// Two orders of which one has lines, and a line without an order.
+OrderTables SomeOrders() {
+    const auto table = [](std::string_view name, std::vector<std::vector<std::string>> rows) {
+        OrderTable orders(static_cast<int>(FindTable(name)->Fields.size()));
+        for (std::vector<std::string>& row : rows) {
+            row.resize(FindTable(name)->Fields.size(), "12.5");
+            for (const std::string& cell : row) orders.AddCell(cell);
+            orders.EndRecord();
+        }
+        return orders;
+    };
+    return {table("ZUKOrHdr", {{"1", "C1", "\"Bill\"", "", "", "20261115"}, {"2"}}),
+            table("ZUKOrLin", {{"1", "b", "C1", "I1", "1"}, {"1"}, {"3"}})};
+}
+
+bool Same(const ExportTemplate& a, const ExportTemplate& b) {
+    return a.FileName == b.FileName && a.Delimiter.value_or(Delimiter::Csv) == b.Delimiter &&
+           a.SortOrders == b.SortOrders && a.AddBlankLine == b.AddBlankLine &&
+           a.QualityCheck == b.QualityCheck && a.AddHeadings == b.AddHeadings && a.Columns == b.Columns;
+}
+
+void ExportTemplates(std::string_view bytes) {
+    const Outside outside(bytes);
+    const ExportTemplateRead read = ReadExportTemplate(outside.File);
+    Require(Global.Files.Count() == 0, "a file was left open");
+    if (read.Complete) {
+        WriteExportTemplate("/fuzz/again.xor", read.Template);
+        Require(Same(read.Template, ReadExportTemplate("/fuzz/again.xor").Template),
+                "a template that is written is read as it was");
+    }
+    static const OrderTables Orders = SomeOrders();
+    ExportJob job;
+    job.ExportFile = "/fuzz/out.csv";
+    job.Delimiter = read.Template.Delimiter.value_or(Delimiter::Csv);
+    job.AddHeadings = read.Template.AddHeadings;
+    job.AddBlankLine = read.Template.AddBlankLine;
+    job.Columns = read.Template.Columns;
+    Attempt([&] {
+        NoProgress silent;
+        const ExportResult result = ExportOrders(job, Orders, silent);
+        Require(result.Exported + result.OrphanLines == result.Walked, "each record is exported or told of");
+    });
+}
+
+void Activities(std::string_view bytes) {
+    const Outside outside(bytes);
+    Attempt([&] {
+        const Activity activity = ReadActivity(outside.File);
+        WriteActivity("/fuzz/again.ipm", activity);
+        const Activity again = ReadActivity("/fuzz/again.ipm");
+        for (std::size_t k = 0; k < activity.Rows.size(); ++k) {
+            Require(again.Rows[k].Template == activity.Rows[k].Template,
+                    "an activity that is written is read as it was");
+        }
+    });
+}
+
+constexpr std::array Targets = {
+    FuzzTarget{"tables", Tables},
+    FuzzTarget{"table-changes", TableChanges},
+    FuzzTarget{"memo", Memo},
+    FuzzTarget{"import", Import},
+    FuzzTarget{"lines", Lines},
+    FuzzTarget{"import-templates", ImportTemplates},
+    FuzzTarget{"export-templates", ExportTemplates},
+    FuzzTarget{"activities", Activities},
+};
+
+} // namespace
+
+std::span<const FuzzTarget> FuzzTargets() {
+    return Targets;
+}
