@@ -27,6 +27,10 @@ public:
 
     virtual std::uint64_t Size() = 0;
 
+    /// A number that is another one when the file has been written since, or when another file stands
+    /// under its name, as far as the system can tell: a write within the tick of its clock may pass.
+    virtual std::uint64_t Version() { return Size(); }
+
     /// Returns when the bytes are on the medium. RunTimeFailure 57 (or 61) when they are not.
     virtual void Flush() = 0;
 };

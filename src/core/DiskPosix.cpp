@@ -33,6 +33,17 @@ int NumberFor(int error, int other) {
     }
 }
 
+/// Nanoseconds since some day.
+std::uint64_t ModifiedAt(const struct stat& info) {
+#ifdef __APPLE__
+    const struct timespec& time = info.st_mtimespec;
+#else
+    const struct timespec& time = info.st_mtim;
+#endif
+    return static_cast<std::uint64_t>(time.tv_sec) * 1'000'000'000U +
+           static_cast<std::uint64_t>(time.tv_nsec);
+}
+
 class PosixFile final : public DiskFile {
 public:
     PosixFile(int descriptor, std::string path) : descriptor_(descriptor), path_(std::move(path)) {}
@@ -72,6 +83,19 @@ public:
         struct stat info {};
         if (::fstat(descriptor_, &info) != 0) throw RunTimeFailure(57, path_);
         return static_cast<std::uint64_t>(info.st_size);
+    }
+
+    std::uint64_t Version() override {
+        struct stat info {};
+        if (::fstat(descriptor_, &info) != 0) throw RunTimeFailure(57, path_);
+        std::uint64_t version = 0;
+        for (const auto part :
+             {static_cast<std::uint64_t>(info.st_dev), static_cast<std::uint64_t>(info.st_ino),
+              static_cast<std::uint64_t>(info.st_size), ModifiedAt(info)}) {
+            version = (version ^ part) * 0x9E3779B97F4A7C15U;
+            version ^= version >> 29;
+        }
+        return version;
     }
 
     void Flush() override {

@@ -97,6 +97,19 @@ public:
         return static_cast<std::uint64_t>(size.QuadPart);
     }
 
+    std::uint64_t Version() override {
+        BY_HANDLE_FILE_INFORMATION info{};
+        if (!GetFileInformationByHandle(handle_, &info)) throw RunTimeFailure(57, path_);
+        std::uint64_t version = 0;
+        for (const DWORD part :
+             {info.dwVolumeSerialNumber, info.nFileIndexHigh, info.nFileIndexLow, info.nFileSizeHigh,
+              info.nFileSizeLow, info.ftLastWriteTime.dwHighDateTime, info.ftLastWriteTime.dwLowDateTime}) {
+            version = (version ^ part) * 0x9E3779B97F4A7C15U;
+            version ^= version >> 29;
+        }
+        return version;
+    }
+
     void Flush() override {
         if (!FlushFileBuffers(handle_)) throw RunTimeFailure(NumberFor(GetLastError(), 57), path_);
     }
