@@ -299,11 +299,16 @@ std::string Fixed4ToText(std::int64_t tenThousandths) {
     return text;
 }
 
+std::string FixedDecimals(double value, int decimals) {
+    const Decimal decimal = ToDecimalFor(value, decimals);
+    const std::string digits = ScaledDigits(decimal, decimals, Half::AwayFromZero);
+    const std::string text = WithPoint(digits, static_cast<std::size_t>(decimals));
+    const bool isZero = digits.find_first_not_of('0') == std::string::npos;
+    return decimal.Negative && !isZero ? "-" + text : text;
+}
+
 std::string Money(double value) {
-    const Decimal decimal = ToDecimalFor(value, 2);
-    const std::string digits = ScaledDigits(decimal, 2, Half::AwayFromZero);
-    const std::string text = WithPoint(digits, 2);
-    return decimal.Negative && digits != "0" ? "-" + text : text;
+    return FixedDecimals(value, 2);
 }
 
 double RoundToEven(double value) {

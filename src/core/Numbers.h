@@ -34,6 +34,10 @@ std::int64_t ToFixed4(double value);
 /// "12.5", "-0.0001", "3": up to four decimals, without zeros at the end.
 std::string Fixed4ToText(std::int64_t tenThousandths);
 
+/// With exactly so many decimals (1 to 15), rounded half away from zero: 1.5 with 5 is "1.50000". What
+/// rounds to zero has no sign. Infinity and not-a-number are RunTimeFailure 6.
+std::string FixedDecimals(double value, int decimals);
+
 /// Money as the operator sees it: two decimals, rounded half away from zero, "1234.50", "-1.50".
 /// What rounds to zero is "0.00" without a sign. Infinity and not-a-number are RunTimeFailure 6.
 std::string Money(double value);

@@ -283,6 +283,21 @@ TEST(Numbers, FixedMoneyComesBackFromItsText) {
     }
 }
 
+TEST(Numbers, FixedDecimalsAreRoundedAwayFromZeroAndFilledUp) {
+    struct Case {
+        double Value;
+        int Decimals;
+        const char* Text;
+    };
+    const Case cases[] = {{6.5, 5, "6.50000"},          {0, 5, "0.00000"},
+                          {-0.000004, 5, "0.00000"},    {1.000005, 5, "1.00001"},
+                          {-12.345678, 5, "-12.34568"}, {1.25, 1, "1.3"},
+                          {-0.004, 2, "0.00"},          {123456789.5, 3, "123456789.500"}};
+    for (const Case& each : cases)
+        EXPECT_EQ(FixedDecimals(each.Value, each.Decimals), each.Text) << each.Value;
+    EXPECT_EQ(FailureNumber([] { FixedDecimals(std::numeric_limits<double>::infinity(), 5); }), 6);
+}
+
 TEST(Numbers, MoneyOnScreenHasTwoDecimals) {
     struct Row {
         double Value;
