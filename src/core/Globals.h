@@ -29,6 +29,27 @@ enum class ProgressFlag {
 };
 inline constexpr std::size_t ProgressFlags = 11;
 
+/// The tables that the browser can show, in the order in which it looks for the one that was chosen.
+enum ViewFlag {
+    ViewOrHdr,
+    ViewOrLin,
+    ViewOrHdrAudt,
+    ViewOrLinAudt,
+    ViewAudHH,
+    ViewCompany,
+    ViewPrinter,
+    ViewSetup,
+    ViewCust,
+    ViewItem,
+    ViewBarIn,
+    ViewTotals,
+    ViewSTax,
+    ViewPay,
+    ViewLink,
+    ViewPRN
+};
+inline constexpr std::size_t ViewFlags = 16;
+
 /// All state of the process that outlives a routine. Nothing else in the program is global; a test
 /// starts with a fresh one.
 struct Globals {
@@ -96,6 +117,8 @@ struct Globals {
     bool TemplateEditMode = false; ///< a screen is opened to keep its templates, and not to do its work
     std::string TemplateEditKind;  ///< in that mode: only templates of this extension; empty for all
     std::array<bool, ProgressFlags> Progress{};
+    std::array<bool, ViewFlags> View{}; ///< the table that is shown; see views/TableViews.h
+    std::int32_t SelectedRow = 0;       ///< number of the record that is chosen in it; 0 none
     bool UnloadingForms = false;
     bool TemporaryDirectory = false; ///< "ZUKTemp" was made and is removed by UnloadForms
 };

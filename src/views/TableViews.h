@@ -1,0 +1,49 @@
+#pragma once
+
+#include "core/Globals.h"
+#include "core/Text.h"
+#include "store/TableCatalogue.h"
+#include "views/TableGrid.h"
+
+#include <optional>
+#include <span>
+#include <string>
+
+/// Which routine of the grid shows a table.
+enum class DisplayRoutine { Data, CustData, ItemData, STaxData, TotalsData };
+
+/// One table that the browser shows.
+struct TableView {
+    ViewFlag Flag;
+    const char* File; ///< name in the tables directory, any case
+    MessageId GridTitle;
+    MessageId RecordTitle;
+    const char* Icon; ///< a picture's name; empty for the program's own
+    DisplayRoutine Display;
+    MessageId WhenEmpty; ///< says what fills the table
+
+    std::string Path() const { return Global.DBFPath + File; }
+    const TableEntry& Table() const;
+};
+
+/// All of them, in the order of ViewFlag.
+std::span<const TableView> AllTableViews();
+
+/// Sets every flag to no, and no row as selected. Who opens the browser does so and sets one flag.
+void ClearViewFlags();
+
+/// The view of the first flag that is set; nullptr when none is.
+const TableView* ChosenView();
+
+// The columns of each routine, for a table of a layout.
+
+/// The record number, then every field under the title by which its table is viewed. A numeric field
+/// sorts by number, any other by text.
+TableColumns DataColumns(const TableEntry& table, const TableLayout& layout);
+TableColumns CustColumns(const TableLayout& layout);
+TableColumns ItemColumns(const TableLayout& layout);
+TableColumns STaxColumns(const TableLayout& layout);
+
+/// What an event changed, what the PC held after it, and the handheld, each group under its title;
+/// without a record number.
+TableColumns TotalsColumns(const TableLayout& layout);
