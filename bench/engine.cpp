@@ -9,6 +9,7 @@
 #include "maintenance/Totals.h"
 #include "store/OfficeTables.h"
 #include "store/TableScan.h"
+#include "views/TableViews.h"
 
 #include <benchmark/benchmark.h>
 
@@ -113,6 +114,47 @@ void EmptyTwins(benchmark::State& state) {
     for (auto _ : state) MakeEmptyTwins();
 }
 BENCHMARK(EmptyTwins)->Unit(benchmark::kMillisecond);
+
+TableColumns OrderLineColumns(const TableLayout& layout) {
+    return DataColumns(*FindTable("ZUKORLIN"), layout);
+}
+
+void SortAColumn(benchmark::State& state, const char* field) {
+    const BenchOffice office;
+    office.GivenOrders(state.range(0) / 5, state.range(0));
+    TableGrid grid(Global.DBFPath + "ZUKORLIN.DBF", OrderLineColumns);
+    const int column = TableReader(grid.Path()).Layout().Find(FieldKey(field));
+    bool descending = true;
+    for (auto _ : state) grid.Sort(column, descending = !descending);
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK_CAPTURE(SortAColumn, texts, "L_ITEMDES1")->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(SortAColumn, numbers, "L_QTY")->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
+
+void FindInASortedColumn(benchmark::State& state) {
+    const BenchOffice office;
+    office.GivenOrders(state.range(0) / 5, state.range(0));
+    TableGrid grid(Global.DBFPath + "ZUKORLIN.DBF", OrderLineColumns);
+    const int column = TableReader(grid.Path()).Layout().Find("L_KEY");
+    grid.Sort(column, true);
+    for (auto _ : state) {
+        if (grid.Find(column, "nowhere", 0)) state.SkipWithError("found what is not there");
+    }
+}
+BENCHMARK(FindInASortedColumn)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
+
+void OpenATableAndShowItsEnd(benchmark::State& state) {
+    const BenchOffice office;
+    office.GivenOrders(1000, state.range(0));
+    for (auto _ : state) {
+        TableGrid grid(Global.DBFPath + "ZUKORLIN.DBF", OrderLineColumns);
+        for (std::int32_t row = grid.RowCount() - 40; row < grid.RowCount(); ++row) {
+            for (int column = 0; column < grid.ColumnCount(); ++column)
+                benchmark::DoNotOptimize(grid.Cell(row, column));
+        }
+    }
+}
+BENCHMARK(OpenATableAndShowItsEnd)->Arg(10'000)->Arg(1'000'000)->Unit(benchmark::kMicrosecond);
 
 } // namespace
 
