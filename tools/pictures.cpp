@@ -13,6 +13,7 @@
 #include "core/Operator.h"
 #include "exchange/forms/QuickButtonForm.h"
 #include "platform/Convert.h"
+#include "platform/GridView.h"
 #include "platform/Look.h"
 
 #include <QApplication>
@@ -134,6 +135,25 @@ void OtherFaces(Nobody& nobody, const QString& folder) {
     Press(report, "cmdOK");
     nobody.RunsActivities = false;
     Save(report, folder, QStringLiteral("frmQBImport-report"));
+    report.Unload();
+}
+
+/// The browser with each kind of table in it.
+void BrowserFaces(const QString& folder) {
+    const std::pair<ViewFlag, const char*> faces[] = {
+        {ViewCust, "customers"}, {ViewItem, "items"}, {ViewOrHdr, "orders"}, {ViewTotals, "totals"}};
+    for (const auto& [flag, name] : faces) {
+        ShowTable(flag);
+        auto& grid = The<frmViewGrid>();
+        auto* rows = grid.findChild<GridView*>(QStringLiteral("FG1"));
+        if (flag == ViewItem) rows->SortOn(2);
+        if (flag == ViewCust) rows->ShowFindBar();
+        Save(grid, folder, QStringLiteral("frmViewGrid-") + QString::fromLatin1(name));
+        Press(grid, "cmdDataView");
+        auto& records = The<frmViewData>();
+        Save(records, folder, QStringLiteral("frmViewData-") + QString::fromLatin1(name));
+        records.Unload();
+    }
 }
 
 template <class F>
@@ -183,10 +203,12 @@ int main(int argc, char** argv) {
             Global.AppPath = PathFromQt(office.Path(QString()));
             ApplyLook(application, dark);
             The<frmMain1>();
+            Global.View[ViewOrLinAudt] = true;
 #define PICTURE(form) Picture<form>(folder, #form);
             ALL_FORMS(PICTURE)
 #undef PICTURE
             OtherFaces(nobody, folder);
+            BrowserFaces(folder);
             FormRegistry::Instance().Clear();
         }
     } catch (const std::exception& failure) {

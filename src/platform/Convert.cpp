@@ -2,6 +2,8 @@
 
 #include "core/CodePage.h"
 
+#include <QTextDocument>
+
 namespace {
 
 QString FromUtf8(std::string_view utf8) {
@@ -24,4 +26,8 @@ QString PathToQt(std::string_view path) {
 }
 std::string PathFromQt(const QString& path) {
     return path.toStdString();
+}
+
+QString PlainTip(const QString& text) {
+    return Qt::mightBeRichText(text) ? QStringLiteral("<p>%1</p>").arg(text.toHtmlEscaped()) : text;
 }

@@ -16,3 +16,6 @@ std::string FromQt(const QString& text);
 /// The same for path texts, which are in the file system's encoding.
 QString PathToQt(std::string_view path);
 std::string PathFromQt(const QString& path);
+
+/// A text as a tool tip that shows it to the letter: what looks like markup is not taken for it.
+QString PlainTip(const QString& text);

@@ -6,6 +6,7 @@
 #include "core/Operator.h"
 #include "core/Trace.h"
 #include "platform/Convert.h"
+#include "platform/GridView.h"
 
 #include <QAbstractButton>
 #include <QAbstractEventDispatcher>
@@ -147,6 +148,9 @@ bool ConnectEvent(QObject& control, const QString& event, int index, QObject& co
     } else if (event == QLatin1String("ColumnClick")) {
         if (auto* view = qobject_cast<QTableView*>(&control))
             return QObject::connect(view->horizontalHeader(), &QHeaderView::sectionClicked, &context, call);
+    } else if (event == QLatin1String("SelChange")) {
+        if (auto* grid = qobject_cast<GridView*>(&control))
+            return QObject::connect(grid, &GridView::SelChange, &context, run);
     } else if (event == QLatin1String("Timer")) {
         if (auto* timer = qobject_cast<QTimer*>(&control))
             return QObject::connect(timer, &QTimer::timeout, &context, run);

@@ -36,6 +36,13 @@ QString DarkKey() {
     return Office() + QStringLiteral("/DarkLook");
 }
 
+/// A name in a key: neither separator stands in it.
+QString WidthsKey(const QString& grid) {
+    QString name = grid;
+    for (const char c : {'/', '\\'}) name.replace(QLatin1Char(c), QLatin1Char(' '));
+    return Office() + QStringLiteral("/ColumnWidths/") + name;
+}
+
 } // namespace
 
 std::optional<std::string> Registry::HotSyncManagerValue(std::string_view name) {
@@ -72,4 +79,20 @@ bool Registry::DarkLook() {
 
 void Registry::SetDarkLook(bool dark) {
     Own().setValue(DarkKey(), dark);
+}
+
+QList<int> Registry::ColumnWidths(const QString& grid) {
+    QList<int> widths;
+    for (const QString& part : Own().value(WidthsKey(grid)).toString().split(QLatin1Char(' '))) {
+        bool isNumber = false;
+        widths << part.toInt(&isNumber);
+        if (!isNumber) return {};
+    }
+    return widths;
+}
+
+void Registry::SetColumnWidths(const QString& grid, const QList<int>& widths) {
+    QStringList parts;
+    for (const int width : widths) parts << QString::number(width);
+    Own().setValue(WidthsKey(grid), parts.join(QLatin1Char(' ')));
 }

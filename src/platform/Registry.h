@@ -2,6 +2,9 @@
 
 #include "sync/StatusStore.h"
 
+#include <QList>
+#include <QString>
+
 #include <optional>
 #include <string>
 #include <string_view>
@@ -22,4 +25,9 @@ public:
     /// Whether the operator has chosen the dark look for this office.
     static bool DarkLook();
     static void SetDarkLook(bool dark);
+
+    /// The widths of a grid's columns, in pixels, as the operator has drawn them; empty when there are
+    /// none or they cannot be read.
+    static QList<int> ColumnWidths(const QString& grid);
+    static void SetColumnWidths(const QString& grid, const QList<int>& widths);
 };

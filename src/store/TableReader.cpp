@@ -103,7 +103,7 @@ const TableReader::Block* TableReader::BlockOf(std::int32_t number) {
 std::string_view TableReader::Record(std::int32_t number) {
     if (changed_ || number < 1 || number > RecordCount()) return blank_;
     const Block* block = BlockOf(number);
-    if (!block) return blank_;
+    if (block == nullptr) return blank_;
     const auto length = static_cast<std::size_t>(layout_.RecordLength());
     const std::size_t at = static_cast<std::size_t>(number - block->First) * length;
     return std::string_view(block->Bytes).substr(at + 1, length - 1);

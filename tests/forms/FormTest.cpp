@@ -15,6 +15,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QSettings>
 #include <QTableView>
 #include <QTest>
 
@@ -40,6 +41,8 @@ std::string TablePath(const std::string& table) {
 FormTest::FormTest() {
     Global.TheOperator = &Operator_;
     Global.InstantPauses = true;
+    // The registry of a test is its own.
+    QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, QString::fromStdString(Folder()));
     // A test before this one may have ended the program; only a fresh loop forgets that.
     QMetaObject::invokeMethod(
         qApp, [] { QCoreApplication::quit(); }, Qt::QueuedConnection);

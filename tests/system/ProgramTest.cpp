@@ -169,6 +169,48 @@ TEST_F(Program, TheDarkLookIsRemembered) {
     EXPECT_EQ(program.Quit(), 0);
 }
 
+TEST_F(Program, LooksAtATableAndItsRecordsByKeyboardAlone) {
+    DriverClient program(InOffice());
+    StartUp(program);
+    const QString grid = QStringLiteral("frmViewGrid");
+    const QString records = QStringLiteral("frmViewData");
+    const QString count = QStringLiteral("lblCount");
+
+    for (const char* key : {"Alt+V", "O", "H"}) program.Key(QString::fromLatin1(key));
+    program.WaitForm(grid);
+    EXPECT_EQ(program.Title(grid), QStringLiteral("View Order Headers"));
+    EXPECT_EQ(program.Rows(grid, QStringLiteral("FG1")).Rows.size(), 27);
+    EXPECT_TRUE(program.HasFocus(grid, QStringLiteral("FG1")));
+    program.Key(QStringLiteral("End"));
+    program.Key(QStringLiteral("Return"));
+
+    program.WaitForm(records);
+    program.WaitGone(grid);
+    program.WaitText(records, count, QStringLiteral("27 of 27"));
+    program.Key(QStringLiteral("PgUp"));
+    program.WaitText(records, count, QStringLiteral("26 of 27"));
+    program.Key(QStringLiteral("Home"));
+    program.WaitText(records, count, QStringLiteral("1 of 27"));
+    program.Key(QStringLiteral("Alt+N"));
+    program.WaitText(records, count, QStringLiteral("2 of 27"));
+    const QString order = program.Text(records, QStringLiteral("txtOrHdr_1"));
+    program.Key(QStringLiteral("Alt+G"));
+
+    program.WaitForm(grid);
+    program.WaitGone(records);
+    EXPECT_EQ(program.Text(grid, QStringLiteral("FG1")), order);
+    program.Key(QStringLiteral("Ctrl+F"));
+    program.Type(QStringLiteral("104"));
+    program.Key(QStringLiteral("Return"));
+    EXPECT_TRUE(program.Text(grid, QStringLiteral("FG1")).contains(QStringLiteral("104")));
+    program.Key(QStringLiteral("Escape"));
+    EXPECT_TRUE(program.IsShown(grid));
+    program.Key(QStringLiteral("Escape"));
+    program.WaitGone(grid);
+
+    EXPECT_EQ(program.Quit(), 0);
+}
+
 TEST_F(Program, ImportsByKeyboardAlone) {
     DriverClient program(InOffice());
     StartUp(program);

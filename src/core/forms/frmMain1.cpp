@@ -24,6 +24,8 @@
 #include "sync/StatusDetails.h"
 #include "sync/forms/frmHHStatus.h"
 #include "tools/forms/frmAbout.h"
+#include "views/forms/frmView.h"
+#include "views/forms/frmViewGrid.h"
 
 #include <QApplication>
 #include <QHeaderView>
@@ -78,7 +80,7 @@ QIcon StateIcon(std::string_view name) {
 
 } // namespace
 
-frmMain1::frmMain1() : totals_(new GridModel(this)) {
+frmMain1::frmMain1() {
     setupUi(this);
 }
 
@@ -408,33 +410,33 @@ void frmMain1::cmdReset_Click() {
 // ---- recent uploads ----
 
 void frmMain1::SetUpTotalsGrid() {
-    const Qt::Alignment left = Qt::AlignLeft;
-    const Qt::Alignment right = Qt::AlignRight;
-    totals_->SetHeadings({ToQt(Text(msg::FGTotID)), ToQt(Text(msg::FGTotDateTime)),
-                          ToQt(Text(msg::FGTotOrders)), ToQt(Text(msg::FGTotLines)),
-                          ToQt(Text(msg::FGTotDollars))},
-                         {left, left, right, right, right});
-    FGTot->setModel(totals_);
-    FGTot->verticalHeader()->hide();
+    ShowUploads({});
     FGTot->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
     FGTot->horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch);
-    FGTot->horizontalHeader()->setHighlightSections(false);
-    FGTot->verticalHeader()->setDefaultSectionSize(FGTot->fontMetrics().height() + 8);
+}
+
+void frmMain1::ShowUploads(std::vector<std::vector<Text>> rows) {
+    std::vector<GridHeading> headings{{msg::FGTotID, SortKind::Text},
+                                      {msg::FGTotDateTime, SortKind::Date},
+                                      {msg::FGTotOrders, SortKind::Number},
+                                      {msg::FGTotLines, SortKind::Number},
+                                      {msg::FGTotDollars, SortKind::Number}};
+    FGTot->SetContent(std::make_unique<ListGrid>(std::move(headings), std::move(rows)));
 }
 
 void frmMain1::GetPCTotals() {
-    std::vector<QStringList> rows;
+    std::vector<std::vector<Text>> rows;
     for (const UploadRow& row : ::GetPCTotals()) {
-        QStringList cells;
+        std::vector<Text> cells;
         for (const std::string* cell :
              {&row.HotSyncID, &row.DateTime, &row.Orders, &row.Lines, &row.Dollars}) {
-            cells << ToQt(std::string_view(*cell));
+            cells.push_back(Text::Value(std::string_view(*cell)));
         }
-        rows.push_back(cells);
+        rows.push_back(std::move(cells));
     }
     lblNoUploads->setVisible(rows.empty());
     FGTot->setVisible(!rows.empty());
-    totals_->SetRows(std::move(rows));
+    ShowUploads(std::move(rows));
     Global.RefreshTotals = false;
 }
 
@@ -492,6 +494,86 @@ void frmMain1::mnuMainExport_Click() {
     TraceEvent("frmMain1:mnuMainExport_Click");
     UnloadForms();
     The<frmExport1>().Show(ShowMode::Modal);
+}
+
+void frmMain1::lblPCTables_Click() {
+    TraceEvent("frmMain1:lblPCTables_Click");
+    UnloadForms();
+    The<frmView>().Show();
+}
+
+void frmMain1::View(const char* handler, ViewFlag flag, ShowMode mode) {
+    TraceEvent(std::string("frmMain1:") + handler);
+    UnloadForms();
+    ShowTable(flag, mode);
+}
+
+void frmMain1::cmdPCTotals_Click() {
+    View("cmdPCTotals_Click", ViewTotals, ShowMode::Modal);
+}
+
+void frmMain1::mnuTblCompany_Click() {
+    View("mnuTblCompany_Click", ViewCompany);
+}
+
+void frmMain1::mnuTblLinks_Click() {
+    View("mnuTblLinks_Click", ViewLink);
+}
+
+void frmMain1::mnuTblPayments_Click() {
+    View("mnuTblPayments_Click", ViewPay);
+}
+
+void frmMain1::mnuTblPrinter_Click() {
+    View("mnuTblPrinter_Click", ViewPrinter);
+}
+
+void frmMain1::mnuTblStax_Click() {
+    View("mnuTblStax_Click", ViewSTax);
+}
+
+void frmMain1::mnuTblSetup_Click() {
+    View("mnuTblSetup_Click", ViewSetup);
+}
+
+void frmMain1::mnuTblCust_Click() {
+    View("mnuTblCust_Click", ViewCust);
+}
+
+void frmMain1::mnuTblItem_Click() {
+    View("mnuTblItem_Click", ViewItem);
+}
+
+void frmMain1::mnuTblOrHdr_Click() {
+    View("mnuTblOrHdr_Click", ViewOrHdr);
+}
+
+void frmMain1::mnuTblOrLin_Click() {
+    View("mnuTblOrLin_Click", ViewOrLin);
+}
+
+void frmMain1::mnuTblOrHdrAudt_Click() {
+    View("mnuTblOrHdrAudt_Click", ViewOrHdrAudt);
+}
+
+void frmMain1::mnuTblOrLinAudt_Click() {
+    View("mnuTblOrLinAudt_Click", ViewOrLinAudt);
+}
+
+void frmMain1::mnuTblHHTotals_Click() {
+    View("mnuTblHHTotals_Click", ViewAudHH);
+}
+
+void frmMain1::mnuTblBarIn_Click() {
+    View("mnuTblBarIn_Click", ViewBarIn);
+}
+
+void frmMain1::mnuTblPRN_Click() {
+    View("mnuTblPRN_Click", ViewPRN);
+}
+
+void frmMain1::mnuViewTotals_Click() {
+    View("mnuViewTotals_Click", ViewTotals);
 }
 
 void frmMain1::mnuMainAbout_Click() {

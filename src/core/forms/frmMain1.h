@@ -1,8 +1,8 @@
 #pragma once
 
+#include "core/Globals.h"
 #include "core/Text.h"
 #include "platform/Form.h"
-#include "platform/GridModel.h"
 #include "ui_frmMain1.h"
 
 #include <QIcon>
@@ -39,10 +39,28 @@ private slots:
     void mnuExit_Click();
     void mnuMainAbout_Click();
     void mnuDarkLook_Click();
+    void mnuTblCompany_Click();
+    void mnuTblLinks_Click();
+    void mnuTblPayments_Click();
+    void mnuTblPrinter_Click();
+    void mnuTblStax_Click();
+    void mnuTblSetup_Click();
+    void mnuTblCust_Click();
+    void mnuTblItem_Click();
+    void mnuTblOrHdr_Click();
+    void mnuTblOrLin_Click();
+    void mnuTblOrHdrAudt_Click();
+    void mnuTblOrLinAudt_Click();
+    void mnuTblHHTotals_Click();
+    void mnuTblBarIn_Click();
+    void mnuTblPRN_Click();
+    void mnuViewTotals_Click();
+    void cmdPCTotals_Click();
     void cmdReset_Click();
     void cmdHHHSID_Click(int index);
     void lblImportBtn_Click();
     void lblExportBtn_Click();
+    void lblPCTables_Click();
     void lblPrev_Click();
     void lblNext_Click();
 
@@ -58,7 +76,9 @@ private:
     void LoadIcons();
     void SetLLQStandard();
     void SetUpTotalsGrid();
+    void ShowUploads(std::vector<std::vector<Text>> rows);
     void ShowPage(int page);
+    void View(const char* handler, ViewFlag flag, ShowMode mode = ShowMode::Modeless);
     void DrawBricks(const QString& family, const std::function<QIcon(std::size_t)>& picture,
                     const std::function<Text(std::size_t)>& state);
     bool HasHandler(const QString& name) const;
@@ -71,7 +91,6 @@ private:
     void EndProcess();
     void WriteSettings();
 
-    GridModel* totals_;
     std::vector<std::string> brickIDs_; ///< of the bricks that are drawn
     QRect restored_;                    ///< the place that was set from the settings, in pixels
     bool operating_ = false;            ///< start-up has come to its end

@@ -1,0 +1,141 @@
+#include "views/forms/frmViewGrid.h"
+
+#include "core/Failure.h"
+#include "core/Messages.h"
+#include "core/Operator.h"
+#include "platform/Convert.h"
+#include "platform/Look.h"
+#include "views/forms/frmViewData.h"
+
+namespace {
+
+constexpr double PauseBeforeReading = 0.2;
+
+/// The row of the column titles, where the grid has heading rows.
+constexpr int TitleRow = 1;
+
+} // namespace
+
+void ShowTable(ViewFlag flag, ShowMode mode) {
+    if (auto* records = IfLoaded<frmViewData>()) records->Unload();
+    if (auto* grid = IfLoaded<frmViewGrid>()) grid->Unload();
+    ClearViewFlags();
+    Global.View[flag] = true;
+    The<frmViewGrid>().Show(mode);
+}
+
+void frmViewGrid::Form_Load() {
+    TraceEvent("frmViewGrid:Form_Load");
+    const TableView* view = ChosenView();
+    if (!view) return;
+    setWindowTitle(ToQt(Text(view->GridTitle)));
+    FG1->setAccessibleName(windowTitle());
+    FG1->setToolTip({});
+    if (*view->Icon) setWindowIcon(Picture(view->Icon));
+    FG1->SetEmptyText(view->WhenEmpty);
+    const std::int32_t selected = Global.SelectedRow;
+    try {
+        Display(*view);
+    } catch (const RunTimeFailure& failure) {
+        Tell(Lines(msg::FileError, Text::Path(std::string_view(failure.what()))), Icon::Stop);
+        return Unload();
+    }
+    if (!Global.View[ViewTotals] && selected > 0) FG1->SelectRecord(selected);
+    FG1->setFocus();
+}
+
+void frmViewGrid::Display(const TableView& view) {
+    switch (view.Display) {
+    case DisplayRoutine::TotalsData:
+        return DisplayTotalsData();
+    case DisplayRoutine::CustData:
+        return DisplayCustData(view.Path());
+    case DisplayRoutine::ItemData:
+        return DisplayItemData(view.Path());
+    case DisplayRoutine::STaxData:
+        return DisplaySTaxData(view.Path());
+    case DisplayRoutine::Data:
+        return DisplayData(view.Path());
+    }
+}
+
+void frmViewGrid::Fill(const std::string& path, ColumnsOf columnsOf) {
+    const QString table = PathToQt(path).section(QLatin1Char('/'), -1).toUpper();
+    FG1->SetContent(std::make_unique<TableGrid>(path, std::move(columnsOf)),
+                    objectName() + QLatin1Char(' ') + table);
+}
+
+void frmViewGrid::DisplayData(const std::string& path) {
+    TraceEvent("frmViewGrid:DisplayData");
+    PauseFor(PauseBeforeReading);
+    if (IsOver()) return;
+    const TableEntry& table = ChosenView()->Table();
+    Fill(path, [&table](const TableLayout& layout) { return DataColumns(table, layout); });
+}
+
+void frmViewGrid::DisplayCustData(const std::string& path) {
+    TraceEvent("frmViewGrid:DisplayCustData");
+    Fill(path, CustColumns);
+}
+
+void frmViewGrid::DisplayItemData(const std::string& path) {
+    TraceEvent("frmViewGrid:DisplayItemData");
+    Fill(path, ItemColumns);
+}
+
+void frmViewGrid::DisplaySTaxData(const std::string& path) {
+    TraceEvent("frmViewGrid:DisplaySTaxData");
+    Fill(path, STaxColumns);
+}
+
+void frmViewGrid::DisplayTotalsData() {
+    TraceEvent("frmViewGrid:DisplayTotalsData");
+    Fill(ChosenView()->Path(), TotalsColumns);
+    FG1_SelChange();
+}
+
+void frmViewGrid::Form_GotFocus() {
+    FG1->Refresh();
+}
+
+void frmViewGrid::FG1_ColumnClick(int column) {
+    TraceEvent("frmViewGrid:FG1_ColumnClick");
+    FG1->SortOn(column);
+}
+
+void frmViewGrid::FG1_Click() {
+    // The second heading row is what the totals have for headings.
+    if (FG1->HeadingRows() > 0 && FG1->currentIndex().row() == TitleRow)
+        FG1_ColumnClick(FG1->currentIndex().column());
+}
+
+void frmViewGrid::FG1_SelChange() {
+    if (!Global.View[ViewTotals]) return;
+    const int row = FG1->currentIndex().row();
+    if (row < 0) FG1->SelectRecord(1);
+    cmdDataView->setEnabled(FG1->currentIndex().row() >= FG1->HeadingRows());
+}
+
+void frmViewGrid::FG1_DblClick() {
+    TraceEvent("frmViewGrid:FG1_DblClick");
+    if (cmdDataView->isEnabled()) cmdDataView_Click();
+}
+
+void frmViewGrid::cmdDataView_Click() {
+    TraceEvent("frmViewGrid:cmdDataView_Click");
+    Global.SelectedRow = FG1->SelectedRecord();
+    auto& records = The<frmViewData>();
+    records.Show();
+    // Where the table could not be opened the operator has been told, and the grid stays.
+    if (!records.IsGone()) Unload();
+}
+
+void frmViewGrid::cmdOK_Click() {
+    TraceEvent("frmViewGrid:cmdOK_Click");
+    Unload();
+}
+
+void frmViewGrid::Form_Unload() {
+    TraceEvent("frmViewGrid:Form_Unload");
+    FG1->SetContent(nullptr);
+}

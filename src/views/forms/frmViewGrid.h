@@ -1,0 +1,42 @@
+#pragma once
+
+#include "core/Globals.h"
+#include "platform/Form.h"
+#include "ui_frmViewGrid.h"
+#include "views/TableViews.h"
+
+#include <string>
+
+/// Opens the grid of a table: the one way into the browser. Clears the flags, sets the table's own,
+/// and takes the place of a grid or a record viewer that is open.
+void ShowTable(ViewFlag flag, ShowMode mode = ShowMode::Modeless);
+
+/// A table as a grid: the one whose flag is set.
+class frmViewGrid final : public Form, private Ui::frmViewGrid {
+    Q_OBJECT
+
+public:
+    frmViewGrid() { setupUi(this); }
+
+private slots:
+    void cmdDataView_Click();
+    void cmdOK_Click();
+    void FG1_Click();
+    void FG1_DblClick();
+    void FG1_ColumnClick(int column);
+    void FG1_SelChange();
+
+protected:
+    void Form_Load() override;
+    void Form_GotFocus() override;
+    void Form_Unload() override;
+
+private:
+    void Display(const TableView& view);
+    void DisplayData(const std::string& path);
+    void DisplayCustData(const std::string& path);
+    void DisplayItemData(const std::string& path);
+    void DisplaySTaxData(const std::string& path);
+    void DisplayTotalsData();
+    void Fill(const std::string& path, ColumnsOf columnsOf);
+};
