@@ -175,6 +175,23 @@ bool SameText(std::string_view a, std::string_view b) {
     return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), SameCharacter);
 }
 
+std::string SortKey(std::string_view text) {
+    std::string key;
+    std::string accents; // of the bases up to the last accent: none at all come before any
+    key.reserve(text.size());
+    Bases bases(text);
+    for (Bases::Step step = bases.Next(); step.Base != 0; step = bases.Next()) {
+        if (step.Accent != 0) {
+            accents.resize(key.size());
+            accents += static_cast<char>(step.Accent);
+        }
+        key += static_cast<char>(step.Base);
+    }
+    // No base is 0, so that a text which goes on comes behind one that ends with accents.
+    if (!accents.empty()) key.append(1, '\0').append(accents);
+    return key;
+}
+
 std::string FoldCase(std::string_view text) {
     return UpperCase(text);
 }

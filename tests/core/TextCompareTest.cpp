@@ -117,6 +117,7 @@ TEST(TextCompare, EveryPairOfCharactersIsAntisymmetricAndAgreesWithTheFold) {
             ASSERT_EQ(order == 0, FoldCase(a) == FoldCase(b)) << first << " " << second;
             ASSERT_EQ(order == 0, SameText(a, b)) << first << " " << second;
             ASSERT_EQ(order == 0, LowerCase(a) == LowerCase(b)) << first << " " << second;
+            ASSERT_EQ(order, Sign(SortKey(a).compare(SortKey(b)))) << first << " " << second;
         }
     }
 }
@@ -164,6 +165,8 @@ TEST(TextCompare, RandomTextsHaveOneOrder) {
         ASSERT_EQ(ab == 0, FoldCase(a) == FoldCase(b));
         ASSERT_EQ(ab == 0, SameText(a, b));
         ASSERT_EQ(Sign(ab), -Sign(TextCompare(b, a)));
+        ASSERT_EQ(Sign(ab), Sign(SortKey(a).compare(SortKey(b))));
+        ASSERT_EQ(Sign(ac), Sign(SortKey(a).compare(SortKey(c))));
         if (ab == 0) ++equal;
     }
     EXPECT_GT(equal, 100);
@@ -177,6 +180,18 @@ TEST(TextCompare, WhatStandsBeforeBothChangesNothing) {
         const std::string b = RandomText(random);
         ASSERT_EQ(Sign(TextCompare(before + a, before + b)), Sign(TextCompare(a, b)));
     }
+}
+
+TEST(SortKey, LongerTextComesBehindOneThatEndsInAccents) {
+    const auto key = [](std::string_view utf8) { return SortKey(Utf8ToCodePage(utf8)); };
+    EXPECT_LT(key("re"), key("ré"));
+    EXPECT_LT(key("ré"), key("rea"));
+    EXPECT_LT(key("rea"), key("réa"));
+    EXPECT_LT(key("réa"), key("reá\u0081"));
+    EXPECT_LT(key("ss"), key("ß"));
+    EXPECT_LT(key("ß"), key("ssa"));
+    EXPECT_EQ(key("Ærø"), key("æRØ"));
+    EXPECT_EQ(key(""), "");
 }
 
 TEST(SameText, NeedsTheSameLength) {
