@@ -1,5 +1,6 @@
 #include "Data.h"
 
+#include "core/CodePage.h"
 #include "core/Directories.h"
 #include "core/Globals.h"
 #include "core/SafeFile.h"
@@ -7,6 +8,7 @@
 #include "store/OfficeTables.h"
 #include "store/TableRewrite.h"
 
+#include <array>
 #include <filesystem>
 #include <random>
 
@@ -18,39 +20,83 @@ std::string Code(char letter, std::int64_t number) {
     return letter + std::string(11 - digits.size(), '0') + digits;
 }
 
+std::string Two(std::int64_t number) {
+    return {static_cast<char>('0' + number / 10 % 10), static_cast<char>('0' + number % 10)};
+}
+
+/// Every number below `count` once, in no order that a sort could use.
+std::int64_t Shuffled(std::int64_t index, std::int64_t count) {
+    constexpr std::int64_t Prime = 1'000'003; // shares no factor with the counts that are asked for
+    return index * Prime % count;
+}
+
+using Names = std::array<std::string_view, 8>;
+constexpr Names Companies{"Acme",  "Bolt & Sons", "Caf\xC3\xA9 Central", "Delta Supply", "Evans",
+                          "Fjord", "Garage",      "M\xC3\xBCller Handel"};
+constexpr Names People{"Ann Archer", "Bo Berg",     "Carl Crane", "Dora Diaz",
+                       "Eve Ek",     "Fred Farmer", "Gil Gray",   "Zo\xC3\xAB Hart"};
+constexpr Names Cities{"Springfield",
+                       "Riverton",
+                       "Lakewood",
+                       "Seattle",
+                       "Tacoma",
+                       "Olympia",
+                       "Vancouver",
+                       "Montr\xC3\xA9"
+                       "al"};
+constexpr Names Ways{"Ground", "Air", "Truck", "Mail", "Courier", "Ground", "Pick-up", "Truck"};
+
+std::string Pick(const Names& names, std::int64_t index) {
+    return std::string(names[static_cast<std::size_t>(index) % names.size()]);
+}
+
 } // namespace
 
-BenchOffice::BenchOffice() {
-    folder_ =
-        (std::filesystem::temp_directory_path() / ("tramble-bench-" + std::to_string(std::random_device()())))
-            .string() +
-        "/";
+BenchOffice::BenchOffice()
+    : folder_((std::filesystem::temp_directory_path() /
+               ("tramble-bench-" + std::to_string(std::random_device()())))
+                  .string() +
+              "/"),
+      keep_(false) {
+    Use();
+}
+
+BenchOffice::BenchOffice(std::string folder) : folder_(std::move(folder)), keep_(true) {
+    if (!folder_.ends_with('/')) folder_ += '/';
+    Use();
+}
+
+void BenchOffice::Use() const {
     Global = Globals{};
-    LayOutOffice(TRAMBLE_INSTALLED, folder_);
+    const bool fresh = !std::filesystem::exists(folder_ + "DBFFiles");
+    if (fresh) LayOutOffice(TRAMBLE_INSTALLED, folder_);
     Global.AppPath = folder_;
     SetTablesAndInstall();
     SetImagesAndTotals();
-    MakeEmptyTwins();
+    if (fresh) MakeEmptyTwins();
     SetDataIn();
     SetDataOutBackupTemplates();
 }
 
 BenchOffice::~BenchOffice() {
     Global = Globals{};
+    if (keep_) return;
     std::error_code ignored;
     std::filesystem::remove_all(folder_, ignored);
 }
 
 std::string BenchOffice::GivenCustomerFile(std::int64_t lines) const {
-    const std::string path = Global.DataInPath + "customers.csv";
+    const std::string path = Global.DataInPath + "customers-" + std::to_string(lines) + ".csv";
     SafeFile file(path);
     file.WriteLine("Code,Name,Contact,Address,City,State,Zip,Phone,Terms,Via,Tax,Alt,Second,End");
     for (std::int64_t i = 0; i < lines; ++i) {
         const std::string n = std::to_string(i);
-        file.WriteLine(
-            Code('C', i) + ",\"Company " + n + ", Ltd\",\"Contact " + n + "\",\"" + n +
-            " High Street\",\"Springfield\",\"WA\",98101,\"(206) 555-0100\",\"Net 30\",\"Ground\",STD,\"ALT" +
-            n + "\",\"Floor 2\",0");
+        const std::string zip = std::to_string(10000 + i * 7 % 90000);
+        const std::string phone = std::to_string(1000 + i * 13 % 9000);
+        file.WriteLine(Code('C', i) + ",\"" + Pick(Companies, i) + " " + n + ", Ltd\",\"" + Pick(People, i) +
+                       "\",\"" + n + " High Street\",\"" + Pick(Cities, i) + "\",\"WA\"," + zip +
+                       ",\"(206) 555-" + phone + "\",\"Net 30\",\"" + Pick(Ways, i) + "\",STD,\"ALT" + n +
+                       "\",\"Floor " + std::to_string(i % 40) + "\",0");
     }
     file.Commit(false);
     return path;
@@ -59,25 +105,40 @@ std::string BenchOffice::GivenCustomerFile(std::int64_t lines) const {
 void BenchOffice::GivenOrders(std::int64_t headers, std::int64_t lines) const {
     TableRewrite hdr(Global.DBFPath + "ZUKORHDR.DBF");
     for (std::int64_t i = 0; i < headers; ++i) {
+        const std::int64_t n = Shuffled(i, headers);
         hdr.Append();
-        // Shuffled, so that a sort has work to do.
-        hdr.Write("H_ORDCODE", Code('A', i * 7919 % headers));
-        hdr.Write("H_CUSTCODE", Code('C', i % 5000));
-        hdr.Write("H_BILLNAME", "Company " + std::to_string(i));
-        hdr.Write("H_ORDDATE", "20261115");
-        hdr.Write("H_TOTTOTAL", "123.45");
+        hdr.Write("H_ORDCODE", Code('A', n));
+        hdr.Write("H_CUSTCODE", Code('C', n % 5000));
+        hdr.Write("H_BILLNAME", Utf8ToCodePage(Pick(Companies, n)) + " " + std::to_string(n));
+        hdr.Write("H_CUST_PO", "PO-" + std::to_string(n));
+        hdr.Write("H_ORDDATE", "2026" + Two(n % 12 + 1) + Two(n % 28 + 1));
+        hdr.Write("H_ORDTIME", Two(n % 24) + ":" + Two(n % 60));
+        hdr.Write("H_SHIPVIA", Pick(Ways, n));
+        hdr.Write("H_PAYTERMS", "Net 30");
+        hdr.Write("H_BILLADD1", std::to_string(n) + " High Street");
+        hdr.Write("H_BILLCITY", "Springfield");
+        hdr.Write("H_BILLST", "WA");
+        hdr.Write("H_BILLZIP", std::to_string(10000 + n * 7 % 90000));
+        hdr.Write("H_NUMLINES", "5");
+        hdr.Write("H_TOTITEMS", std::to_string(n % 900 + 10) + ".50");
+        hdr.Write("H_TOTTOTAL", std::to_string(n % 900 + 12) + ".45");
     }
     hdr.Commit(false);
     TableRewrite lin(Global.DBFPath + "ZUKORLIN.DBF");
+    const std::int64_t each = lines > 0 ? (lines + headers - 1) / headers : 1;
     for (std::int64_t i = 0; i < lines; ++i) {
+        const std::int64_t item = i * 31 % 20000;
         lin.Append();
-        lin.Write("L_ORDCODE", Code('A', i % headers));
-        lin.Write("L_KEY", Code('K', i));
-        lin.Write("L_ITEMCODE", Code('I', i % 20000));
-        lin.Write("L_ITEMDES1", "Item number " + std::to_string(i % 20000));
+        lin.Write("L_ORDCODE", Code('A', i / each));
+        lin.Write("L_CUSTCODE", Code('C', i / each % 5000));
+        lin.Write("L_KEY", Code('A', i / each) + Two(i % each));
+        lin.Write("L_NUMBER", std::to_string(i % each + 1));
+        lin.Write("L_ITEMCODE", Code('I', item));
+        lin.Write("L_ITEMDES1", "Item number " + std::to_string(item));
         lin.Write("L_QTY", std::to_string(i % 17 + 1));
-        lin.Write("L_PRICE", "12.3333");
-        lin.Write("L_TOTPRICE", "24.67");
+        lin.Write("L_PRICE", std::to_string(i % 90 + 1) + ".25");
+        lin.Write("L_TOTPRICE", std::to_string((i % 17 + 1) * (i % 90 + 1)) + ".75");
+        lin.Write("L_DATE", "202611" + Two(i % 28 + 1));
     }
     lin.Commit(false);
 }

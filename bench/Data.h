@@ -2,25 +2,33 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
-/// An office in a folder of its own with generated data, always the same for the same counts; the
-/// shared block points at it. Gone with the object.
+/// An office in a folder with generated data, always the same for the same counts; the shared block
+/// points at it while the object lives.
 class BenchOffice {
 public:
+    /// In a temporary folder of its own, which goes with the object.
     BenchOffice();
+    /// In a folder that stays. What stands there is used as it is.
+    explicit BenchOffice(std::string folder);
     BenchOffice(const BenchOffice&) = delete;
     BenchOffice& operator=(const BenchOffice&) = delete;
     ~BenchOffice();
 
-    /// A quoted text file of customers, a line each behind a heading line; returns its path.
+    /// A quoted text file of customers in UTF-8, a line of 14 columns each behind a heading line;
+    /// returns its path.
     std::string GivenCustomerFile(std::int64_t lines) const;
 
-    /// Order headers, and lines spread over them evenly.
+    /// Order headers in no order, and lines spread over them, those of an order together.
     void GivenOrders(std::int64_t headers, std::int64_t lines) const;
 
     /// Events in the totals table.
     void GivenEvents(std::int64_t events) const;
 
 private:
-    std::string folder_;
+    void Use() const;
+
+    std::string folder_; ///< ends in a slash
+    bool keep_;
 };

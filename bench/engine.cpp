@@ -1,10 +1,10 @@
 // What the engine does in a day, on generated data. bench/run builds and starts it.
 
 #include "Data.h"
+#include "Jobs.h"
 
 #include "core/Globals.h"
-#include "core/Numbers.h"
-#include "exchange/Import.h"
+#include "core/Trace.h"
 #include "exchange/OrderCheck.h"
 #include "maintenance/Totals.h"
 #include "store/OfficeTables.h"
@@ -17,16 +17,7 @@ namespace {
 
 void ImportCustomers(benchmark::State& state) {
     const BenchOffice office;
-    ImportJob job;
-    job.ImportFile = office.GivenCustomerFile(state.range(0));
-    job.TableFile = Global.DBFPath + "ZUKCUST.DBF";
-    job.Delimiter = Delimiter::CsvQuotes;
-    job.StartLine = 2;
-    job.AvailableFields = AvailableFieldsOf(job.TableFile);
-    job.SelectedFields = {"C_CODE; C_SEARCH", "C_NAME",    "C_CONTACT",  "C_ADDRESS1", "C_CITY",
-                          "C_STATE",          "C_ZIP",     "C_PHONE",    "C_PAYTERMS", "C_SHIPVIA",
-                          "C_STCODE",         "C_ALTSRCH", "C_ADDRESS2", "Ignore"};
-    job.LineCount = CountLines(job.ImportFile);
+    const ImportJob job = CustomerImport(office.GivenCustomerFile(state.range(0)));
     NoProgress silent;
     for (auto _ : state) {
         const ImportResult result = ImportDataFile(job, silent);
@@ -40,24 +31,10 @@ BENCHMARK(ImportCustomers)->Arg(100'000)->Arg(1'000'000)->Unit(benchmark::kMilli
 void ExportOrderLines(benchmark::State& state) {
     const BenchOffice office;
     office.GivenOrders(state.range(0) / 5, state.range(0));
-    ExportJob job;
-    job.ExportFile = Global.DataOutPath + "orders.csv";
-    job.Delimiter = Delimiter::CsvQuotes;
-    job.AddHeadings = true;
-    job.Columns = {"H_ORDCODE",     "H_ORDDATE Format: dd.mm.yyyy",
-                   "H_CUSTCODE",    "H_BILLNAME",
-                   "H_CUST_PO",     "H_SHIPVIA",
-                   "H_PAYTERMS",    "H_BILLCITY",
-                   "H_BILLST",      "H_BILLZIP",
-                   "L_ITEMCODE",    "L_ITEMDES1",
-                   "L_QTY",         "L_PRICE",
-                   "L_TOTPRICE",    "L_NUMBER",
-                   "Literal = WEB", "L_QTY * L_PRICE",
-                   "H_TOTTOTAL",    "L_KEY"};
+    const ExportJob job = OrderExport(Global.DataOutPath + "orders.csv");
     NoProgress silent;
     for (auto _ : state) {
-        const OrderBook book =
-            OpenOrderBook(Global.DBFPath + "ZUKORHDR.DBF", Global.DBFPath + "ZUKORLIN.DBF");
+        const OrderBook book = OpenOrderBook(HeaderTable(), LineTable());
         if (ExportOrders(job, book.Tables, silent).Exported != state.range(0))
             state.SkipWithError("lines were lost");
     }
@@ -69,7 +46,7 @@ void SortOrderHeaders(benchmark::State& state) {
     const BenchOffice office;
     office.GivenOrders(state.range(0), 0);
     for (auto _ : state) {
-        OrderBook book = OpenOrderBook(Global.DBFPath + "ZUKORHDR.DBF", Global.DBFPath + "ZUKORLIN.DBF");
+        OrderBook book = OpenOrderBook(HeaderTable(), LineTable());
         SortOrHdrFile(book);
     }
     state.SetItemsProcessed(state.iterations() * state.range(0));
@@ -79,13 +56,7 @@ BENCHMARK(SortOrderHeaders)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMillise
 void ScanOrderLines(benchmark::State& state) {
     const BenchOffice office;
     office.GivenOrders(1000, state.range(0));
-    for (auto _ : state) {
-        TableScan scan(Global.DBFPath + "ZUKORLIN.DBF");
-        const int price = scan.Layout().Find("L_TOTPRICE");
-        double sum = 0;
-        while (scan.Next()) sum += ToNumber(scan.Trimmed(price));
-        benchmark::DoNotOptimize(sum);
-    }
+    for (auto _ : state) benchmark::DoNotOptimize(SumOfLines(LineTable()));
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 BENCHMARK(ScanOrderLines)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
