@@ -61,17 +61,29 @@ char FromCode(char32_t code) {
     return Char(0x80u + static_cast<unsigned>(found - kUpperControls.begin()));
 }
 
+/// The number of bytes below 128 at the start.
+std::size_t PlainLength(std::string_view bytes) {
+    constexpr std::size_t Step = 32;
+    std::size_t plain = 0;
+    while (plain + Step <= bytes.size() && !HasHighBytes(bytes.substr(plain, Step))) plain += Step;
+    while (plain < bytes.size() && Byte(bytes[plain]) < 0x80) ++plain;
+    return plain;
+}
+
 } // namespace
 
 std::string Utf8ToCodePage(std::string_view utf8) {
     std::string text;
     text.reserve(utf8.size());
-    while (!utf8.empty()) {
+    while (true) {
+        const std::size_t plain = PlainLength(utf8);
+        text += utf8.substr(0, plain);
+        utf8.remove_prefix(plain);
+        if (utf8.empty()) return text;
         const Sequence sequence = FirstSequence(utf8);
         text += sequence.Valid ? FromCode(sequence.Code) : '?';
         utf8.remove_prefix(sequence.Length);
     }
-    return text;
 }
 
 std::string CodePageToUtf8(std::string_view text) {
@@ -95,16 +107,19 @@ std::string CodePageToUtf8(std::string_view text) {
 }
 
 bool IsValidUtf8(std::string_view bytes) {
-    while (!bytes.empty()) {
+    while (true) {
+        bytes.remove_prefix(PlainLength(bytes));
+        if (bytes.empty()) return true;
         const Sequence sequence = FirstSequence(bytes);
         if (!sequence.Valid) return false;
         bytes.remove_prefix(sequence.Length);
     }
-    return true;
 }
 
 bool HasHighBytes(std::string_view bytes) {
-    return std::any_of(bytes.begin(), bytes.end(), [](char c) { return Byte(c) >= 0x80; });
+    unsigned char all = 0; // without a way out, so that the compiler takes many bytes at once
+    for (const char c : bytes) all |= static_cast<unsigned char>(c);
+    return all >= 0x80;
 }
 
 std::string UpperCase(std::string_view text) {

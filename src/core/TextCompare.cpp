@@ -207,17 +207,3 @@ std::size_t FindText(std::string_view text, std::string_view part, std::size_t f
     if (found == text.end() && !part.empty()) return std::string_view::npos;
     return static_cast<std::size_t>(found - text.begin());
 }
-
-std::string_view Trim(std::string_view text) {
-    return TrimLeft(TrimRight(text));
-}
-
-std::string_view TrimLeft(std::string_view text) {
-    text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
-    return text;
-}
-
-std::string_view TrimRight(std::string_view text) {
-    const std::size_t last = text.find_last_not_of(' ');
-    return last == std::string_view::npos ? text.substr(0, 0) : text.substr(0, last + 1);
-}

@@ -40,6 +40,16 @@ std::size_t FindText(std::string_view text, std::string_view part, std::size_t f
 
 /// The text without the blanks (0x20, nothing else) at both ends, its start or its end. The view
 /// lives as long as the characters that the argument views: do not keep it from a temporary.
-std::string_view Trim(std::string_view text);
-std::string_view TrimLeft(std::string_view text);
-std::string_view TrimRight(std::string_view text);
+inline std::string_view TrimLeft(std::string_view text) {
+    while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
+    return text;
+}
+inline std::string_view TrimRight(std::string_view text) {
+    constexpr std::string_view Word = "        "; // fields of tables are blank for the most part
+    while (text.ends_with(Word)) text.remove_suffix(Word.size());
+    while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
+    return text;
+}
+inline std::string_view Trim(std::string_view text) {
+    return TrimLeft(TrimRight(text));
+}

@@ -36,13 +36,27 @@ TextReader::~TextReader() {
 
 bool TextReader::Fill() {
     // Whoever reads on after a failed read finds no bytes that were never in the file.
-    at_ = 0;
-    block_.clear();
-    std::string block(BlockSize, '\0');
+    at_ = nextReturn_ = nextFeed_ = 0;
+    std::string block;
+    block.swap(block_);
+    block.resize(BlockSize);
     block.resize(Global.Files.Use(file_).ReadAt(offset_, block.data(), BlockSize));
-    block_ = std::move(block);
+    block.swap(block_);
     offset_ += block_.size();
     return !block_.empty();
+}
+
+/// Where the line at `at_` ends, or the block.
+std::size_t TextReader::LineEnd() {
+    // Each kind is looked for once: a file that has only one of them is not searched for the other
+    // at every line.
+    const auto next = [this](char end, std::size_t known) {
+        if (known >= at_ && known > 0) return known;
+        return std::min(block_.find(end, at_), block_.size());
+    };
+    nextReturn_ = next('\r', nextReturn_);
+    nextFeed_ = next('\n', nextFeed_);
+    return std::min(nextReturn_, nextFeed_);
 }
 
 bool TextReader::Peek(char& c) {
@@ -62,12 +76,11 @@ bool TextReader::ReadLine(std::string& line) {
     if (!Peek(c)) return false;
     ++line_;
     while (Peek(c)) {
-        const std::size_t end = block_.find_first_of("\r\n", at_);
-        const std::size_t stop = end == std::string::npos ? block_.size() : end;
-        line.append(block_, at_, stop - at_);
+        const std::size_t end = LineEnd();
+        line.append(block_, at_, end - at_);
         if (line.size() > MaxLine) throw RunTimeFailure(6, path_ + ", line " + std::to_string(line_));
-        at_ = stop;
-        if (end == std::string::npos) continue;
+        at_ = end;
+        if (end == block_.size()) continue;
         const char first = block_[at_++];
         if (first == '\r' && Peek(c) && c == '\n') ++at_;
         break;

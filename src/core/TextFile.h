@@ -44,11 +44,14 @@ public:
 private:
     bool Fill();
     bool Peek(char& c);
+    std::size_t LineEnd();
 
     std::string path_;
     FileNumbers::Claim file_;
     std::string block_;
     std::size_t at_ = 0;
+    std::size_t nextReturn_ = 0; ///< the first line end of each kind at `at_` or behind; the block's size
+    std::size_t nextFeed_ = 0;   ///< for none; to be looked for when it lies before `at_`, or is 0
     std::uint64_t offset_ = 0;
     std::int64_t line_ = 0;
 };

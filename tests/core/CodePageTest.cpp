@@ -120,6 +120,17 @@ TEST(CodePage, HighBytesAreThoseAbove127) {
     EXPECT_TRUE(HasHighBytes("\x80"));
 }
 
+TEST(CodePage, OneHighByteIsFoundAndConvertedAtAnyPlace) {
+    for (std::size_t before = 0; before < 100; ++before) {
+        const std::string first(before, 'a');
+        const std::string last(100 - before, 'z');
+        ASSERT_TRUE(HasHighBytes(first + "\x80" + last)) << before;
+        ASSERT_EQ(Utf8ToCodePage(first + "\xC3\xA9" + last), first + "\xE9" + last) << before;
+        ASSERT_TRUE(IsValidUtf8(first + "\xC3\xA9" + last)) << before;
+        ASSERT_FALSE(IsValidUtf8(first + "\xE9" + last)) << before;
+    }
+}
+
 TEST(CodePage, CaseChangesForEveryLetterThatHasBothForms) {
     const std::string small = Utf8ToCodePage("abcxyzàáâãäåæçèéêëìíîïðñòóôõöøùúûüýþšœžÿ");
     const std::string large = Utf8ToCodePage("ABCXYZÀÁÂÃÄÅÆÇÈÉÊËÌÍÎÏÐÑÒÓÔÕÖØÙÚÛÜÝÞŠŒŽŸ");

@@ -3,6 +3,8 @@
 #include "support/EngineTest.h"
 #include "support/Fails.h"
 
+#include <random>
+
 namespace {
 
 using Strings = std::vector<std::string>;
@@ -44,6 +46,31 @@ TEST_F(TextFileTest, ALineEndAcrossABlocksBorderIsOneEnd) {
     for (const std::size_t length : {131070u, 131071u, 131072u}) {
         const std::string line(length, 'x');
         EXPECT_EQ(Read(line + "\r\nb\r\n"), (Strings{line, "b"})) << length;
+    }
+}
+
+TEST_F(TextFileTest, AnyMixtureOfLineEndsIsReadAsOneCharacterAfterTheOther) {
+    std::mt19937 random(4);
+    for (int round = 0; round < 60; ++round) {
+        // Some files have one kind of end only.
+        const std::string_view ends = round % 3 == 0 ? "\r" : round % 3 == 1 ? "\n" : "\r\n";
+        std::string content;
+        while (content.size() < 200'000) {
+            content.append(random() % 30 * (random() % 20), 'x');
+            content += ends[random() % ends.size()];
+        }
+        Strings expected;
+        std::string line;
+        for (std::size_t k = 0; k < content.size(); ++k) {
+            if (content[k] == 'x') {
+                line += 'x';
+                continue;
+            }
+            if (content[k] == '\r' && k + 1 < content.size() && content[k + 1] == '\n') ++k;
+            expected.push_back(std::move(line));
+            line.clear();
+        }
+        ASSERT_EQ(Read(content), expected);
     }
 }
 
