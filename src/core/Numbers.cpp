@@ -104,8 +104,13 @@ double Signed(double value, bool negative) {
     return (negative ? -value : value) + 0.0;
 }
 
-/// The value of a text that is a number as a whole.
-std::optional<double> Numeric(std::string_view text) {
+/// A text that is written as a number as a whole, whatever its size.
+struct WrittenNumber {
+    std::string_view Digits; ///< what UnsignedLength found
+    bool Negative = false;
+};
+
+std::optional<WrittenNumber> TakeApart(std::string_view text) {
     text = Trim(text);
     bool hasSign = false;
     bool hasCurrency = false;
@@ -141,10 +146,17 @@ std::optional<double> Numeric(std::string_view text) {
         negative = behind[0] == '-';
     }
 
-    const std::optional<double> value = Convert(number);
-    if (!value) return std::nullopt;
-    return Signed(*value, negative);
+    return WrittenNumber{number, negative};
 }
+
+/// True if a double holds any number of so many digits without an exponent.
+bool IsSurelyFinite(std::string_view number) {
+    return number.size() <= std::numeric_limits<double>::max_exponent10 &&
+           std::none_of(number.begin(), number.end(), IsExponentLetter);
+}
+
+constexpr int kSignificant = 15;     // what NumberToText writes; any decimal of so many digits survives
+constexpr int kMostSignificant = 17; // what a double can hold apart
 
 /// A finite double as decimal digits: 0.d1d2d3... times ten to the power `Exponent`.
 struct Decimal {
@@ -157,11 +169,21 @@ struct Decimal {
 Decimal ToDecimal(double value, int significant) {
     if (!std::isfinite(value)) throw RunTimeFailure(kOverflow);
 
+    if (value == 0) return {};
+
     char buffer[40];
-    const auto written = std::to_chars(buffer, buffer + sizeof buffer, std::fabs(value),
-                                       std::chars_format::scientific, significant - 1);
-    const std::string_view text(buffer, static_cast<std::size_t>(written.ptr - buffer));
-    const std::size_t exponentAt = text.find('e');
+    char* const end = buffer + sizeof buffer;
+    const double magnitude = std::fabs(value);
+    auto written = std::to_chars(buffer, end, magnitude, std::chars_format::scientific);
+    std::size_t exponentAt = std::string_view(buffer, written.ptr).find('e');
+    const std::size_t digits = exponentAt > 1 ? exponentAt - 1 : exponentAt; // without the point
+    // The shortest form costs less. Up to as many digits as a double always keeps, rounding to that
+    // many gives the same ones.
+    if (digits > kSignificant || significant != kSignificant || !std::isnormal(value)) {
+        written = std::to_chars(buffer, end, magnitude, std::chars_format::scientific, significant - 1);
+        exponentAt = std::string_view(buffer, written.ptr).find('e');
+    }
+    const std::string_view text(buffer, written.ptr);
 
     Decimal decimal;
     for (const char c : text.substr(0, exponentAt)) {
@@ -177,9 +199,6 @@ Decimal ToDecimal(double value, int significant) {
     decimal.Negative = value < 0;
     return decimal;
 }
-
-constexpr int kSignificant = 15;     // what NumberToText writes
-constexpr int kMostSignificant = 17; // what a double can hold apart
 
 /// At 15 significant digits, or at more where that many do not reach the last of `decimals`.
 Decimal ToDecimalFor(double value, int decimals) {
@@ -229,7 +248,7 @@ std::string WithPoint(std::string digits, std::size_t decimals) {
 /// Rounded to even and inside the type, or a failure.
 template <class Whole>
 Whole ToWhole(std::string_view text) {
-    const std::optional<double> number = Numeric(text);
+    const std::optional<double> number = NumericValue(text);
     if (!number) throw RunTimeFailure(kTypeMismatch);
     const double value = RoundToEven(*number);
     if (value < std::numeric_limits<Whole>::min() || value > std::numeric_limits<Whole>::max())
@@ -240,11 +259,20 @@ Whole ToWhole(std::string_view text) {
 } // namespace
 
 bool IsNumeric(std::string_view text) {
-    return Numeric(text).has_value();
+    const std::optional<WrittenNumber> number = TakeApart(text);
+    return number && (IsSurelyFinite(number->Digits) || Convert(number->Digits));
+}
+
+std::optional<double> NumericValue(std::string_view text) {
+    const std::optional<WrittenNumber> number = TakeApart(text);
+    if (!number) return std::nullopt;
+    const std::optional<double> value = Convert(number->Digits);
+    if (!value) return std::nullopt;
+    return Signed(*value, number->Negative);
 }
 
 double ToNumber(std::string_view text) {
-    const std::optional<double> value = Numeric(text);
+    const std::optional<double> value = NumericValue(text);
     return value ? *value : Val(text);
 }
 

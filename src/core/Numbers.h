@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -13,6 +14,9 @@
 /// ($ € £ ¥) before it. Blanks may stand around all of these, not inside the number itself. A
 /// number too great for a double is none; one too small for it is 0.
 bool IsNumeric(std::string_view text);
+
+/// The value of a numeric text, nothing for any other.
+std::optional<double> NumericValue(std::string_view text);
 
 /// The value of a numeric text ("1,250.00" is 1250); of any other text its Val. Always finite,
 /// never a negative zero.

@@ -8,6 +8,7 @@
 #include <functional>
 #include <gtest/gtest.h>
 #include <limits>
+#include <optional>
 #include <random>
 #include <string>
 #include <vector>
@@ -162,6 +163,7 @@ TEST(Numbers, AnyTextIsReadAndGivesAFiniteNumber) {
         for (char& c : text) c = characters[random() % characters.size()];
         const double value = ToNumber(text);
         ASSERT_TRUE(std::isfinite(value)) << text;
+        ASSERT_EQ(NumericValue(text), IsNumeric(text) ? std::optional(value) : std::nullopt) << text;
         if (!IsNumeric(text)) {
             ASSERT_EQ(value, Val(text)) << text;
             continue;
@@ -202,6 +204,24 @@ TEST(Numbers, NumbersAreWrittenPlainlyUpToFifteenDigits) {
         {1.5E-20, "0.000000000000000000015"},
     };
     for (const Row& row : rows) EXPECT_EQ(NumberToText(row.Value), row.Text) << row.Value;
+}
+
+TEST(Numbers, FifteenDigitsAreThoseOfTheExactValueRounded) {
+    std::mt19937_64 random(17);
+    for (int round = 0; round < 100000; ++round) {
+        double value = RandomDouble(random);
+        if (round % 2 == 0) value = std::floor(value * 1E-290) / 10000; // few digits, as money has them
+        if (round % 3 == 0) value = static_cast<double>(random() % 1'000'000'000) / 10000;
+        if (round % 5 == 0) value = std::ldexp(value, -1060); // below what a double holds in full
+        if (std::fabs(value) > 1.797E308) continue;           // rounding to 15 digits could leave the range
+        char buffer[40];
+        const auto exact =
+            std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::scientific, 14);
+        double rounded = 0;
+        std::from_chars(buffer, exact.ptr, rounded);
+        ASSERT_EQ(ToNumber(NumberToText(value)), rounded) << buffer;
+    }
+    EXPECT_EQ(NumberToText(5E-324).substr(325), "494065645841247");
 }
 
 TEST(Numbers, WhatIsNoFiniteNumberCannotBeWritten) {
