@@ -140,12 +140,24 @@ void TableLayout::Convert(int field, std::string& value) const {
 
 void TableLayout::Put(int field, std::string& value, std::string& fields) const {
     Convert(field, value);
-    if (field == 0) return;
-    if (fields.size() < static_cast<std::size_t>(fieldBytes_)) throw RunTimeFailure(5, "record too short");
+    if (field > 0) PutText(At(field), value, fields);
+}
+
+void TableLayout::Fit(int field, std::string_view value, std::string& fields) const {
     const Field& to = At(field);
+    if (field == 0) return;
+    if (to.Conversion == Kind::Text) return PutText(to, value, fields);
+    if (to.Conversion == Kind::Number) return PutText(to, IsNumeric(value) ? value : "0", fields);
+    std::string date(value);
+    Convert(field, date);
+    PutText(to, date, fields);
+}
+
+void TableLayout::PutText(const Field& to, std::string_view text, std::string& fields) const {
+    if (fields.size() < static_cast<std::size_t>(fieldBytes_)) throw RunTimeFailure(5, "record too short");
     const auto begin = fields.begin() + (to.Start - 1);
-    const auto used = static_cast<std::ptrdiff_t>(std::min<std::size_t>(value.size(), to.Length));
-    const auto end = std::copy_n(value.begin(), used, begin);
+    const auto used = static_cast<std::ptrdiff_t>(std::min<std::size_t>(text.size(), to.Length));
+    const auto end = std::copy_n(text.begin(), used, begin);
     std::fill(end, begin + to.Length, ' ');
 }
 

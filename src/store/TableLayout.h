@@ -91,6 +91,9 @@ public:
     /// FieldBytes().
     void Put(int field, std::string& value, std::string& fields) const;
 
+    /// The same, but the value stays as it is. Costs less where there is nothing to convert.
+    void Fit(int field, std::string_view value, std::string& fields) const;
+
     /// A field's characters out of a record's fields, padding kept; empty for field 0.
     /// RunTimeFailure 5 when `fields` is shorter than FieldBytes().
     std::string_view Get(int field, std::string_view fields) const;
@@ -107,6 +110,7 @@ private:
     };
 
     const Field& At(int field) const;
+    void PutText(const Field& to, std::string_view text, std::string& fields) const;
     void AddField(std::string_view descriptor, std::string_view path);
 
     std::string header_;

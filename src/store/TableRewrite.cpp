@@ -44,9 +44,14 @@ void TableRewrite::AppendRaw(char flag, std::string_view bytes) {
     flag_ = flag;
 }
 
-void TableRewrite::Write(const FieldKey& key, std::string value) {
+void TableRewrite::Write(const FieldKey& key, std::string_view value) {
     if (count_ == 0) throw RunTimeFailure(63);
-    layout_.Put(layout_.Find(key), value, fields_);
+    Write(layout_.Find(key), value);
+}
+
+void TableRewrite::Write(int field, std::string_view value) {
+    if (count_ == 0) throw RunTimeFailure(63);
+    layout_.Fit(field, value, fields_);
 }
 
 void TableRewrite::Blank() {
@@ -103,7 +108,7 @@ void ShiftDown(std::string_view path, std::span<const std::string> first) {
     const auto writeFields = [&] {
         const bool top = rewrite.RecordCount() == 1;
         for (int k = 1; k <= layout.FieldCount(); ++k) {
-            rewrite.Write(k, top ? std::string() : std::string(layout.Get(k, above)));
+            rewrite.Write(k, top ? std::string_view() : layout.Get(k, above));
         }
         if (!top) return;
         for (std::size_t k = 0; k < first.size(); ++k) rewrite.Write(static_cast<int>(k) + 1, first[k]);

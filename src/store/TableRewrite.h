@@ -38,7 +38,8 @@ public:
 
     /// Changes a field of the record that was begun last, as DBFEdit::WriteData does.
     /// RunTimeFailure 63 before the first record; 9 and 6 as TableLayout::Find.
-    void Write(const FieldKey& key, std::string value);
+    void Write(const FieldKey& key, std::string_view value);
+    void Write(int field, std::string_view value);
 
     /// Makes all of the record that was begun last blank again.
     void Blank();

@@ -164,6 +164,26 @@ TEST_F(TableLayoutTest, ValuesAreConvertedByTheFieldsType) {
     EXPECT_EQ(converted(0, "any"), "any");
 }
 
+TEST_F(TableLayoutTest, ValueIsFittedWithoutBeingChangedAsItIsPut) {
+    const TableLayout layout = Read(Customers().Bytes());
+    for (const std::string value : {"", " ", "A1", " A1", "longer than any of the fields", "12.5", " 7 ",
+                                    "1,250.00", "x", "11/15/2026", "20261115", "2026-02-30", "1E999"}) {
+        for (int field = 0; field <= layout.FieldCount(); ++field) {
+            std::string put(static_cast<std::size_t>(layout.FieldBytes()), '?');
+            std::string fitted = put;
+            std::string own = value;
+            layout.Put(field, own, put);
+
+            layout.Fit(field, value, fitted);
+
+            EXPECT_EQ(fitted, put) << value << " in field " << field;
+        }
+    }
+    std::string tooShort(5, ' ');
+    EXPECT_EQ(FailureNumber([&] { layout.Fit(1, "A1", tooShort); }), 5);
+    EXPECT_EQ(FailureNumber([&] { layout.Fit(5, "A1", tooShort); }), 9);
+}
+
 TEST_F(TableLayoutTest, ShortFileIsNoTable) {
     EXPECT_EQ(FaultOf(""), "ZUKCUST.DBF: the file is 0 bytes long, too short for a table");
     EXPECT_EQ(FaultOf(Customers().Bytes().substr(0, 32)),
