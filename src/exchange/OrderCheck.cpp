@@ -5,7 +5,8 @@
 #include "store/TableRewrite.h"
 
 #include <algorithm>
-#include <numeric>
+#include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -15,12 +16,6 @@ constexpr int L_KEY = 6;     ///< position in ZUKORLIN
 
 /// Numbers of records, in the order in which they are to stand in the table.
 using Records = std::vector<std::int32_t>;
-
-Records AllRecords(const OrderTable& table) {
-    Records records(static_cast<std::size_t>(table.RecordCount()));
-    std::iota(records.begin(), records.end(), 1);
-    return records;
-}
 
 /// Empties a table and writes records of its copy, with the trace lines of those steps.
 void Refill(const std::string& path, OrderTable& copy, const Records& records) {
@@ -32,18 +27,22 @@ void Refill(const std::string& path, OrderTable& copy, const Records& records) {
     const int fields = std::min(copy.FieldCount(), table.Layout().FieldCount());
     for (const std::int32_t record : records) {
         table.Append();
-        for (int k = 1; k <= fields; ++k) table.Write(k, std::string(copy.Cell(record, k)));
+        for (int k = 1; k <= fields; ++k) table.Write(k, copy.Cell(record, k));
     }
     TraceEvent("DBFEdit:FileClose");
     table.Commit();
-    copy = LoadOrderTable(path);
+    LoadOrderTable(copy, path);
 }
 
 void SortTable(const std::string& path, OrderTable& copy, int key) {
-    Records records = AllRecords(copy);
-    std::stable_sort(records.begin(), records.end(), [&](std::int32_t a, std::int32_t b) {
-        return TextCompare(copy.CellOrEmpty(a, key), copy.CellOrEmpty(b, key)) < 0;
-    });
+    std::vector<std::pair<std::string, std::int32_t>> keyed;
+    keyed.reserve(static_cast<std::size_t>(copy.RecordCount()));
+    for (std::int32_t record = 1; record <= copy.RecordCount(); ++record)
+        keyed.emplace_back(SortKey(copy.CellOrEmpty(record, key)), record);
+    std::sort(keyed.begin(), keyed.end()); // equal keys by their records' numbers
+    Records records;
+    records.reserve(keyed.size());
+    for (const auto& [text, record] : keyed) records.push_back(record);
     Refill(path, copy, records);
 }
 

@@ -5,40 +5,41 @@
 
 #include <limits>
 
-void OrderTable::AddCell(std::string_view trimmed) {
-    text_ += trimmed;
-    ends_.push_back(text_.size());
+void OrderTable::Restart(std::span<const int> lengths) {
+    records_.clear();
+    recordCount_ = 0;
+    starts_.assign(1, 0);
+    for (const int length : lengths) starts_.push_back(starts_.back() + static_cast<std::size_t>(length));
 }
 
-void OrderTable::EndRecord() {
+void OrderTable::Add(std::string_view fields) {
+    if (fields.size() != starts_.back()) throw RunTimeFailure(5, "record of another length");
     if (recordCount_ == std::numeric_limits<std::int32_t>::max()) throw RunTimeFailure(6);
+    records_ += fields;
     ++recordCount_;
-    if (ends_.size() != static_cast<std::size_t>(recordCount_) * static_cast<std::size_t>(fieldCount_)) {
-        throw RunTimeFailure(5, "record of another number of fields");
-    }
 }
 
-std::string_view OrderTable::Cell(std::int32_t record, int field) const {
-    if (record < 1 || record > recordCount_ || field < 1 || field > fieldCount_) {
-        throw RunTimeFailure(9, "record " + std::to_string(record) + ", field " + std::to_string(field));
-    }
-    const std::size_t cell = static_cast<std::size_t>(record - 1) * static_cast<std::size_t>(fieldCount_) +
-                             static_cast<std::size_t>(field - 1);
-    const std::uint64_t begin = cell == 0 ? 0 : ends_[cell - 1];
-    return std::string_view(text_).substr(begin, ends_[cell] - begin);
+void OrderTable::Reserve(std::int32_t records) {
+    records_.reserve(static_cast<std::size_t>(records) * starts_.back());
 }
 
-std::string_view OrderTable::CellOrEmpty(std::int32_t record, int field) const {
-    return field < 1 || field > fieldCount_ ? std::string_view() : Cell(record, field);
+void OrderTable::Refuse(std::int32_t record, int field) {
+    throw RunTimeFailure(9, "record " + std::to_string(record) + ", field " + std::to_string(field));
+}
+
+void LoadOrderTable(OrderTable& table, std::string_view path) {
+    TableScan scan(path);
+    std::vector<int> lengths;
+    for (int k = 1; k <= scan.Layout().FieldCount(); ++k) lengths.push_back(scan.Layout().FieldLength(k));
+    const auto fieldBytes = static_cast<std::size_t>(scan.Layout().FieldBytes());
+    table.Restart(lengths);
+    table.Reserve(scan.RecordCount());
+    while (scan.Next()) table.Add(scan.Record().substr(0, fieldBytes));
 }
 
 OrderTable LoadOrderTable(std::string_view path) {
-    TableScan scan(path);
-    OrderTable table(scan.Layout().FieldCount());
-    while (scan.Next()) {
-        for (int k = 1; k <= table.FieldCount(); ++k) table.AddCell(scan.Trimmed(k));
-        table.EndRecord();
-    }
+    OrderTable table;
+    LoadOrderTable(table, path);
     return table;
 }
 

@@ -5,11 +5,23 @@
 #include "support/Fails.h"
 #include "support/FaultyDisk.h"
 
+#include <array>
 #include <random>
 
 namespace {
 
 using Rows = std::vector<std::string>;
+
+/// A table of one field, which is the order code in either order table.
+OrderTable OneField() {
+    constexpr std::array Lengths{12};
+    return OrderTable(Lengths);
+}
+
+std::string Padded(std::string text) {
+    text.resize(12, ' ');
+    return text;
+}
 
 class ExportTest : public ExchangeTest {
 protected:
@@ -313,10 +325,9 @@ TEST_F(ExportTest, EmptyTablesGiveAnEmptyFile) {
 }
 
 TEST_F(ExportTest, MoreOrphansThanTheCounterHoldsStopAtItsLargest) {
-    OrderTables tables{OrderTable(1), OrderTable(1)};
+    OrderTables tables{OneField(), OneField()};
     for (int k = 0; k < 70'000; ++k) {
-        tables.FGLin.AddCell("A1");
-        tables.FGLin.EndRecord();
+        tables.FGLin.Add(Padded("A1"));
     }
     NoProgress nobody;
 
@@ -372,13 +383,20 @@ TEST_F(ExportTest, FileNameWithoutExtensionTakesThatOfItsDelimiter) {
     EXPECT_EQ(ExportFileName("orders.iif", Delimiter::Tab), "orders.iif");
 }
 
+TEST_F(ExportTest, RecordOfAnotherLengthIsNotAdded) {
+    OrderTable table = OneField();
+
+    EXPECT_EQ(FailureNumber([&] { table.Add("A1"); }), 5);
+
+    EXPECT_EQ(table.RecordCount(), 0);
+    EXPECT_EQ(FailureNumber([&] { table.Cell(1, 1); }), 9);
+}
+
 TEST_F(ExportTest, EachOfManyLinesFindsItsHeader) {
-    OrderTables tables{OrderTable(1), OrderTable(1)};
+    OrderTables tables{OneField(), OneField()};
     for (int k = 0; k < 60'000; ++k) {
-        tables.FGHdr.AddCell("ORDER" + std::to_string(k));
-        tables.FGHdr.EndRecord();
-        tables.FGLin.AddCell("order" + std::to_string(60'000 - k - 1));
-        tables.FGLin.EndRecord();
+        tables.FGHdr.Add(Padded("ORDER" + std::to_string(k)));
+        tables.FGLin.Add(Padded("order" + std::to_string(60'000 - k - 1)));
     }
     NoProgress nobody;
 

@@ -318,11 +318,17 @@ void ImportTemplates(std::string_view bytes) {
 /// Two orders of which one has lines, and a line without an order.
 OrderTables SomeOrders() {
     const auto table = [](std::string_view name, std::vector<std::vector<std::string>> rows) {
-        OrderTable orders(static_cast<int>(FindTable(name)->Fields.size()));
+        constexpr int Width = 8;
+        const std::vector<int> lengths(FindTable(name)->Fields.size(), Width);
+        OrderTable orders(lengths);
         for (std::vector<std::string>& row : rows) {
-            row.resize(FindTable(name)->Fields.size(), "12.5");
-            for (const std::string& cell : row) orders.AddCell(cell);
-            orders.EndRecord();
+            row.resize(lengths.size(), "12.5");
+            std::string fields;
+            for (std::string& cell : row) {
+                cell.resize(Width, ' ');
+                fields += cell;
+            }
+            orders.Add(fields);
         }
         return orders;
     };
