@@ -164,6 +164,9 @@ public:
         if (!format_) place_ = names.Find(row);
     }
 
+    /// True when records with the same header have the same value here.
+    bool FollowsHeader() const { return operator_.empty() && place_.Of != FieldPlace::Table::Line; }
+
     void Fill(const Current& current, Operands& operands, std::string& cell) const {
         if (literal_) cell = *literal_;
         if (!operator_.empty())
@@ -176,10 +179,10 @@ private:
     void FillCalculation(const Current& current, Operands& operands, std::string& cell) const {
         left_.Evaluate(current, operands.Left);
         right_.Evaluate(current, operands.Right);
-        if (IsNumeric(operands.Left) && IsNumeric(operands.Right)) {
-            if (auto result = Calculate(ToNumber(operands.Left), operator_[1], ToNumber(operands.Right))) {
-                cell = std::move(*result);
-            }
+        const auto left = NumericValue(operands.Left);
+        const auto right = NumericValue(operands.Right);
+        if (left && right) {
+            if (auto result = Calculate(*left, operator_[1], *right)) cell = std::move(*result);
             return;
         }
         cell = operands.Left;
@@ -207,6 +210,7 @@ private:
 class HeaderIndex {
 public:
     explicit HeaderIndex(const OrderTable& headers) {
+        first_.reserve(static_cast<std::size_t>(headers.RecordCount()));
         for (std::int32_t k = 1; k <= headers.RecordCount(); ++k) {
             first_.try_emplace(FoldCase(headers.CellOrEmpty(k, 1)), k);
         }
@@ -245,7 +249,8 @@ public:
           writeLine_(std::move(sink)),
           limit_(limit),
           progress_(progress),
-          cells_(job.Columns.size()) {
+          cells_(job.Columns.size()),
+          texts_(job.Columns.size()) {
         const FieldNames names(withLines);
         for (const std::string& row : job.Columns) columns_.emplace_back(row, names);
     }
@@ -302,24 +307,31 @@ private:
         started_ = true;
     }
 
-    void AppendCell(const std::string& cell) {
+    /// The cell as it stands in the file.
+    void AppendText(const std::string& cell, std::string& to) const {
         if (job_.Delimiter != Delimiter::CsvQuotes || IsNumeric(cell)) {
-            line_ += cell;
+            to += cell;
             return;
         }
         const std::string_view text = Trim(cell);
         if (text.starts_with('"') && text.ends_with('"'))
-            line_ += text;
+            to += text;
         else
-            AppendQuoted(line_, text);
+            AppendQuoted(to, text);
     }
 
     void WriteRecord(const Current& current) {
+        const bool sameHeader = current.Header == lastHeader_;
+        lastHeader_ = current.Header;
         StartLine();
         for (std::size_t k = 0; k < columns_.size(); ++k) {
-            columns_[k].Fill(current, operands_, cells_[k]);
+            if (!sameHeader || !columns_[k].FollowsHeader()) {
+                columns_[k].Fill(current, operands_, cells_[k]);
+                texts_[k].clear();
+                AppendText(cells_[k], texts_[k]);
+            }
             Separate();
-            AppendCell(cells_[k]);
+            line_ += texts_[k];
         }
         writeLine_(line_);
         progress_.Show(++result_.Exported);
@@ -332,6 +344,8 @@ private:
     Progress& progress_;
     std::vector<Column> columns_;
     std::vector<std::string> cells_; ///< keep their values from record to record
+    std::vector<std::string> texts_; ///< the same as they stand in the file
+    std::int32_t lastHeader_ = 0;
     Operands operands_;
     std::string line_;
     bool started_ = false;
