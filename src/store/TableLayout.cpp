@@ -148,6 +148,9 @@ void TableLayout::Fit(int field, std::string_view value, std::string& fields) co
     if (field == 0) return;
     if (to.Conversion == Kind::Text) return PutText(to, value, fields);
     if (to.Conversion == Kind::Number) return PutText(to, IsNumeric(value) ? value : "0", fields);
+    // Eight digits are the form that is wanted, or no date.
+    if (value.size() == 8 && value.find_first_not_of("0123456789") == std::string_view::npos)
+        return PutText(to, value, fields);
     std::string date(value);
     Convert(field, date);
     PutText(to, date, fields);

@@ -166,8 +166,9 @@ TEST_F(TableLayoutTest, ValuesAreConvertedByTheFieldsType) {
 
 TEST_F(TableLayoutTest, ValueIsFittedWithoutBeingChangedAsItIsPut) {
     const TableLayout layout = Read(Customers().Bytes());
-    for (const std::string value : {"", " ", "A1", " A1", "longer than any of the fields", "12.5", " 7 ",
-                                    "1,250.00", "x", "11/15/2026", "20261115", "2026-02-30", "1E999"}) {
+    for (const std::string value :
+         {"", " ", "A1", " A1", "longer than any of the fields", "12.5", " 7 ", "1,250.00", "x", "11/15/2026",
+          "20261115", "20260230", "00010101", "1231", "2026-02-30", "1E999"}) {
         for (int field = 0; field <= layout.FieldCount(); ++field) {
             std::string put(static_cast<std::size_t>(layout.FieldBytes()), '?');
             std::string fitted = put;
