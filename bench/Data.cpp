@@ -26,8 +26,8 @@ std::string Two(std::int64_t number) {
 
 /// Every number below `count` once, in no order that a sort could use.
 std::int64_t Shuffled(std::int64_t index, std::int64_t count) {
-    constexpr std::int64_t Prime = 1'000'003; // shares no factor with the counts that are asked for
-    return index * Prime % count;
+    constexpr std::int64_t Step = 618'033'989; // shares no factor with a power of ten
+    return index * Step % count;
 }
 
 using Names = std::array<std::string_view, 8>;

@@ -70,4 +70,8 @@ add_executable(pictures_of_screens ${CMAKE_SOURCE_DIR}/tools/pictures.cpp)
 target_link_libraries(pictures_of_screens PRIVATE screens pictures officeforday)
 target_compile_definitions(pictures_of_screens PRIVATE TRAMBLE_VERSION="${PROJECT_VERSION}")
 
-set_target_properties(day pictures_of_screens PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+# For bench/compare: the time of a start.
+add_executable(startup ${CMAKE_SOURCE_DIR}/bench/startup.cpp)
+target_link_libraries(startup PRIVATE driverclient)
+
+set_target_properties(day pictures_of_screens startup PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
