@@ -245,26 +245,32 @@ public:
     Run(const ExportJob& job, const OrderTables& tables, bool withLines, Sink sink, Progress& progress,
         std::int32_t limit = std::numeric_limits<std::int32_t>::max())
         : job_(job),
+          delimiter_(DelimiterText(job.Delimiter)),
           tables_(tables),
           writeLine_(std::move(sink)),
           limit_(limit),
           progress_(progress),
-          cells_(job.Columns.size()),
-          texts_(job.Columns.size()) {
+          cells_(job.Columns.size()) {
         const FieldNames names(withLines);
-        for (const std::string& row : job.Columns) columns_.emplace_back(row, names);
+        for (const std::string& row : job.Columns) {
+            columns_.emplace_back(row, names);
+            const bool followsHeader = columns_.back().FollowsHeader();
+            if (parts_.empty() || parts_.back().FollowsHeader != followsHeader)
+                parts_.push_back({columns_.size() - 1, 0, followsHeader, {}});
+            parts_.back().End = columns_.size();
+        }
     }
 
     void WriteHeadings() {
-        StartLine();
+        std::string line;
         for (const std::string& row : job_.Columns) {
-            Separate();
+            if (&row != &job_.Columns.front()) line += delimiter_;
             if (job_.Delimiter == Delimiter::CsvQuotes)
-                AppendQuoted(line_, Trim(row));
+                AppendQuoted(line, Trim(row));
             else
-                line_ += row;
+                line += row;
         }
-        writeLine_(line_);
+        writeLine_(line);
     }
 
     ExportResult WalkHeaders() {
@@ -297,15 +303,12 @@ public:
     }
 
 private:
-    void StartLine() {
-        line_.clear();
-        started_ = false;
-    }
-
-    void Separate() {
-        if (started_) line_ += DelimiterText(job_.Delimiter);
-        started_ = true;
-    }
+    /// Columns next to each other that all follow the header, or none of them does.
+    struct Part {
+        std::size_t First = 0, End = 0;
+        bool FollowsHeader = false;
+        std::string Text; ///< as it stands in the line, with the delimiter before it
+    };
 
     /// The cell as it stands in the file.
     void AppendText(const std::string& cell, std::string& to) const {
@@ -320,35 +323,39 @@ private:
             AppendQuoted(to, text);
     }
 
+    void Build(Part& part, const Current& current) {
+        part.Text.clear();
+        for (std::size_t k = part.First; k < part.End; ++k) {
+            columns_[k].Fill(current, operands_, cells_[k]);
+            if (k > 0) part.Text += delimiter_;
+            AppendText(cells_[k], part.Text);
+        }
+    }
+
     void WriteRecord(const Current& current) {
         const bool sameHeader = current.Header == lastHeader_;
         lastHeader_ = current.Header;
-        StartLine();
-        for (std::size_t k = 0; k < columns_.size(); ++k) {
-            if (!sameHeader || !columns_[k].FollowsHeader()) {
-                columns_[k].Fill(current, operands_, cells_[k]);
-                texts_[k].clear();
-                AppendText(cells_[k], texts_[k]);
-            }
-            Separate();
-            line_ += texts_[k];
+        line_.clear();
+        for (Part& part : parts_) {
+            if (!sameHeader || !part.FollowsHeader) Build(part, current);
+            line_ += part.Text;
         }
         writeLine_(line_);
         progress_.Show(++result_.Exported);
     }
 
     const ExportJob& job_;
+    const std::string_view delimiter_;
     const OrderTables& tables_;
     Sink writeLine_;
     std::int32_t limit_;
     Progress& progress_;
     std::vector<Column> columns_;
     std::vector<std::string> cells_; ///< keep their values from record to record
-    std::vector<std::string> texts_; ///< the same as they stand in the file
+    std::vector<Part> parts_;
     std::int32_t lastHeader_ = 0;
     Operands operands_;
     std::string line_;
-    bool started_ = false;
     ExportResult result_;
 };
 
