@@ -45,9 +45,15 @@ inline std::string_view TrimLeft(std::string_view text) {
     return text;
 }
 inline std::string_view TrimRight(std::string_view text) {
-    constexpr std::string_view Word = "        "; // fields of tables are blank for the most part
-    while (text.ends_with(Word)) text.remove_suffix(Word.size());
-    while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
+    // In long steps, since fields of tables are blank for the most part: up to seven are left
+    // behind the first, one behind the last but one.
+    constexpr std::string_view Eight = "        ";
+    constexpr std::string_view Four = "    ";
+    constexpr std::string_view Two = "  ";
+    while (text.ends_with(Eight)) text.remove_suffix(8);
+    if (text.ends_with(Four)) text.remove_suffix(4);
+    if (text.ends_with(Two)) text.remove_suffix(2);
+    if (text.ends_with(' ')) text.remove_suffix(1);
     return text;
 }
 inline std::string_view Trim(std::string_view text) {

@@ -167,7 +167,7 @@ public:
     /// True when records with the same header have the same value here.
     bool FollowsHeader() const { return operator_.empty() && place_.Of != FieldPlace::Table::Line; }
 
-    void Fill(const Current& current, Operands& operands, std::string& cell) const {
+    void Fill(const Current& current, Operands& operands, std::string& cell) {
         if (literal_) cell = *literal_;
         if (!operator_.empty())
             FillCalculation(current, operands, cell);
@@ -190,12 +190,14 @@ private:
         cell += operands.Right;
     }
 
-    void FillField(std::string_view value, std::string& cell) const {
+    void FillField(std::string_view value, std::string& cell) {
         if (!format_ || value.empty()) {
             cell = value;
-        } else if (auto date = FormatDate(value, *format_)) {
-            cell = std::move(*date);
+            return;
         }
+        const auto [date, isNew] = dates_.try_emplace(std::string(value));
+        if (isNew) date->second = FormatDate(value, *format_);
+        if (date->second) cell = *date->second;
     }
 
     std::optional<std::string> literal_;
@@ -204,6 +206,7 @@ private:
     Operand right_;
     FieldPlace place_;
     std::optional<std::string> format_;
+    std::unordered_map<std::string, std::optional<std::string>> dates_; ///< by their digits: orders share few
 };
 
 /// Finds an order's header: the first record whose first field is the code, case not regarded.

@@ -66,8 +66,9 @@ void TableScan::Fill() {
     const std::uint64_t offset =
         layout_.RecordsAt() + static_cast<std::uint64_t>(record_ - 1) * static_cast<std::uint64_t>(length);
     blockFirst_ = 0;
-    block_.assign(static_cast<std::size_t>(count) * static_cast<std::size_t>(length), ' ');
-    Global.Files.Use(file_).ReadAt(offset, block_.data(), block_.size());
+    block_.resize(static_cast<std::size_t>(count) * static_cast<std::size_t>(length));
+    const std::size_t got = Global.Files.Use(file_).ReadAt(offset, block_.data(), block_.size());
+    std::fill(block_.begin() + static_cast<std::ptrdiff_t>(got), block_.end(), ' ');
     blockFirst_ = record_;
     blockCount_ = count;
 }
