@@ -23,7 +23,8 @@ int main(int argc, char** argv) {
         const int in = open(argv[k], O_RDONLY);
         ssize_t got = 0;
         if (in < 0) return Fail(argv[k]);
-        while ((got = read(in, bytes, Block)) > 0) {}
+        while ((got = read(in, bytes, Block)) > 0) {
+        }
         if (got < 0) return Fail(argv[k]);
         close(in);
     }

@@ -110,9 +110,9 @@ static int Split(char* line, char* cells[Columns]) {
 
 static void Import(const char* like, const char* path, const char* out) {
     /* The field that each column feeds; the first column feeds a second one too. */
-    static const char* const names[Columns] = {"C_CODE",     "C_NAME",   "C_CONTACT",  "C_ADDRESS1", "C_CITY",
-                                               "C_STATE",    "C_ZIP",    "C_PHONE",    "C_PAYTERMS", "C_SHIPVIA",
-                                               "C_STCODE",   "C_ALTSRCH", "C_ADDRESS2", NULL};
+    static const char* const names[Columns] = {
+        "C_CODE",  "C_NAME",     "C_CONTACT", "C_ADDRESS1", "C_CITY",    "C_STATE",    "C_ZIP",
+        "C_PHONE", "C_PAYTERMS", "C_SHIPVIA", "C_STCODE",   "C_ALTSRCH", "C_ADDRESS2", NULL};
     const DBFHandle pattern = OpenTable(like);
     const DBFHandle table = NewTable(pattern, out);
     DBFClose(pattern);

@@ -167,6 +167,12 @@ public:
     /// True when records with the same header have the same value here.
     bool FollowsHeader() const { return operator_.empty() && place_.Of != FieldPlace::Table::Line; }
 
+    /// The field's value where the cell is just that: it needs no memory of the record before.
+    std::optional<std::string_view> Plain(const Current& current) const {
+        if (literal_ || format_ || !operator_.empty()) return std::nullopt;
+        return current.Value(place_);
+    }
+
     void Fill(const Current& current, Operands& operands, std::string& cell) {
         if (literal_) cell = *literal_;
         if (!operator_.empty())
@@ -314,7 +320,7 @@ private:
     };
 
     /// The cell as it stands in the file.
-    void AppendText(const std::string& cell, std::string& to) const {
+    void AppendText(std::string_view cell, std::string& to) const {
         if (job_.Delimiter != Delimiter::CsvQuotes || IsNumeric(cell)) {
             to += cell;
             return;
@@ -329,9 +335,13 @@ private:
     void Build(Part& part, const Current& current) {
         part.Text.clear();
         for (std::size_t k = part.First; k < part.End; ++k) {
-            columns_[k].Fill(current, operands_, cells_[k]);
             if (k > 0) part.Text += delimiter_;
-            AppendText(cells_[k], part.Text);
+            if (const auto value = columns_[k].Plain(current)) {
+                AppendText(*value, part.Text);
+            } else {
+                columns_[k].Fill(current, operands_, cells_[k]);
+                AppendText(cells_[k], part.Text);
+            }
         }
     }
 
