@@ -24,11 +24,7 @@ void Refill(const std::string& path, OrderTable& copy, const Records& records) {
     TraceEvent("DBFEdit:ReIndex " + path);
     TraceEvent("DBFEdit:FileClose");
     TraceEvent("DBFEdit:FileOpen " + path);
-    const int fields = std::min(copy.FieldCount(), table.Layout().FieldCount());
-    for (const std::int32_t record : records) {
-        table.Append();
-        for (int k = 1; k <= fields; ++k) table.Write(k, copy.Cell(record, k));
-    }
+    for (const std::int32_t record : records) table.Append(copy.Record(record));
     TraceEvent("DBFEdit:FileClose");
     table.Commit();
     LoadOrderTable(copy, path);

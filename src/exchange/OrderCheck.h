@@ -27,7 +27,8 @@ struct RepeatQuestions {
 
 /// Sorts a table by the text of `H_ORDCODE`, or of `L_KEY`, and writes it anew; records marked as
 /// deleted come back as live ones. Equal keys keep their order. The table changes as a whole or not
-/// at all. RunTimeFailure as TableScan and TableRewrite.
+/// at all. RunTimeFailure as TableScan and TableRewrite; 5 when the table's fields are no longer those
+/// that were read.
 void SortOrHdrFile(OrderBook& book);
 void SortOrLinFile(OrderBook& book);
 

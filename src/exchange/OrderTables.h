@@ -43,6 +43,13 @@ public:
         return field < 1 || field > FieldCount() ? std::string_view() : Cell(record, field);
     }
 
+    /// All fields of a record, as they were added. RunTimeFailure 9 for a record that is not there.
+    std::string_view Record(std::int32_t record) const {
+        if (record < 1 || record > recordCount_) Refuse(record, 1);
+        const std::size_t length = starts_.back();
+        return std::string_view(records_).substr(static_cast<std::size_t>(record - 1) * length, length);
+    }
+
 private:
     [[noreturn]] static void Refuse(std::int32_t record, int field);
 

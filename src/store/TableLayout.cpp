@@ -156,6 +156,21 @@ void TableLayout::Fit(int field, std::string_view value, std::string& fields) co
     PutText(to, date, fields);
 }
 
+void TableLayout::FitAll(std::string& fields) const {
+    if (fields.size() < static_cast<std::size_t>(fieldBytes_)) throw RunTimeFailure(5, "record too short");
+    for (int k = 1; k <= FieldCount(); ++k) {
+        const Field& field = fields_[static_cast<std::size_t>(k)];
+        const auto text =
+            std::string_view(fields).substr(static_cast<std::size_t>(field.Start - 1), field.Length);
+        const bool inPlace = !text.starts_with(' ');
+        if (inPlace && field.Conversion == Kind::Text) continue;
+        const std::string_view trimmed = Trim(text);
+        if (inPlace && field.Conversion == Kind::Number && IsNumeric(trimmed)) continue;
+        if (trimmed.empty() && field.Conversion != Kind::Number) continue;
+        Fit(k, std::string(trimmed), fields);
+    }
+}
+
 void TableLayout::PutText(const Field& to, std::string_view text, std::string& fields) const {
     if (fields.size() < static_cast<std::size_t>(fieldBytes_)) throw RunTimeFailure(5, "record too short");
     const auto begin = fields.begin() + (to.Start - 1);

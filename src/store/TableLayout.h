@@ -94,6 +94,9 @@ public:
     /// The same, but the value stays as it is. Costs less where there is nothing to convert.
     void Fit(int field, std::string_view value, std::string& fields) const;
 
+    /// Fits every field of a record anew: what Fit does with its trimmed text. RunTimeFailure as Fit.
+    void FitAll(std::string& fields) const;
+
     /// A field's characters out of a record's fields, padding kept; empty for field 0.
     /// RunTimeFailure 5 when `fields` is shorter than FieldBytes().
     std::string_view Get(int field, std::string_view fields) const;

@@ -35,6 +35,14 @@ void TableRewrite::Append() {
     flag_ = TableLayout::Live;
 }
 
+void TableRewrite::Append(std::string_view fields) {
+    if (fields.size() != static_cast<std::size_t>(layout_.FieldBytes()))
+        throw RunTimeFailure(5, "fields of " + std::to_string(fields.size()) + " bytes");
+    Append();
+    fields.copy(fields_.data(), fields.size());
+    layout_.FitAll(fields_);
+}
+
 void TableRewrite::AppendRaw(char flag, std::string_view bytes) {
     if (bytes.size() + 1 != static_cast<std::size_t>(layout_.RecordLength())) {
         throw RunTimeFailure(5, "record of " + std::to_string(bytes.size() + 1) + " bytes");

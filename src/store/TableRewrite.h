@@ -32,6 +32,11 @@ public:
     /// 61 or 57 from the disk, 52 when another has closed the work file's number.
     void Append();
 
+    /// Begins a live record with the fields of one that was read from this table, each written as
+    /// Write does with its trimmed text. RunTimeFailure 5 when they are not FieldBytes() long: the
+    /// table has changed its structure since. Otherwise as Append().
+    void Append(std::string_view fields);
+
     /// Adds a whole record. `bytes` are all RecordLength - 1 bytes behind the flag, else
     /// RunTimeFailure 5. The record can still be written to.
     void AppendRaw(char flag, std::string_view bytes);

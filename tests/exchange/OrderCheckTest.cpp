@@ -106,6 +106,18 @@ TEST_F(OrderCheckTest, SortWritesEveryFieldAnew) {
     EXPECT_EQ(book.Tables.FGHdr.Cell(1, 2), "0") << "the copy is filled again after the sort";
 }
 
+TEST_F(OrderCheckTest, TableThatHasChangedItsFieldsSinceItWasReadStaysAsItIs) {
+    GivenOrders({"B", "A"}, {});
+    OrderBook book = Open();
+    GivenFile("ZUKORHDR.DBF", TableMaker({{"H_ORDCODE", 'C', 4}}).Row({"Z"}).Bytes());
+    const std::string before = Bytes(PathOf("ZUKORHDR"));
+
+    EXPECT_EQ(FailureNumber([&] { SortOrHdrFile(book); }), 5);
+
+    EXPECT_EQ(Bytes(PathOf("ZUKORHDR")), before);
+    EXPECT_EQ(book.Tables.FGHdr.Cell(1, 1), "B");
+}
+
 TEST_F(OrderCheckTest, SortedTableHasTheBytesOfTheSortStepByStep) {
     std::mt19937 random(20261115);
     for (int round = 0; round < 60; ++round) {

@@ -1,6 +1,7 @@
 #include "store/TableRewrite.h"
 
 #include "store/DBFEdit.h"
+#include "store/TableScan.h"
 #include "support/EngineTest.h"
 #include "support/Fails.h"
 #include "support/FaultyDisk.h"
@@ -217,6 +218,48 @@ TEST_P(RandomTables, RefilledWholeComeOutAsStepByStep) {
     }
 }
 
+TEST_P(RandomTables, RecordsWrittenAnewComeOutAsFieldByField) {
+    for (int k = 0; k < Tables; ++k) {
+        const auto fieldByField = [](const std::string& path) {
+            std::vector<Values> rows;
+            {
+                TableScan scan(path);
+                while (scan.Next()) {
+                    rows.emplace_back();
+                    for (int field = 1; field <= scan.Layout().FieldCount(); ++field)
+                        rows.back().emplace_back(scan.Trimmed(field));
+                }
+            }
+            DBFEdit table;
+            EmptyStepByStep(table, path);
+            table.FileOpen(path);
+            BeginAppending(table);
+            for (const Values& row : rows) {
+                table.Go(DBFEdit::Append);
+                for (std::size_t field = 0; field < row.size(); ++field)
+                    table.WriteData(FieldKey(static_cast<int>(field) + 1), row[field]);
+                table.UpDate();
+            }
+            table.FileClose();
+        };
+        const auto whole = [](const std::string& path) {
+            std::vector<std::string> records;
+            {
+                TableScan scan(path);
+                const auto fields = static_cast<std::size_t>(scan.Layout().FieldBytes());
+                while (scan.Next()) records.emplace_back(scan.Record().substr(0, fields));
+            }
+            EmptyTable(path);
+            TraceEvent("DBFEdit:FileOpen " + path);
+            TableRewrite rewrite(path);
+            for (const std::string& record : records) rewrite.Append(record);
+            TraceEvent("DBFEdit:FileClose");
+            rewrite.Commit();
+        };
+        ASSERT_NO_FATAL_FAILURE(ExpectSame(lots.Table(lots.Columns()).Bytes(), fieldByField, whole));
+    }
+}
+
 TEST_P(RandomTables, ShiftedWholeComeOutAsStepByStep) {
     for (int k = 0; k < Tables; ++k) {
         const auto columns = lots.Columns();
@@ -292,6 +335,7 @@ TEST_F(TableRewriteTest, WritingBeforeTheFirstRecordOrToNoFieldFails) {
     rewrite.Append();
     EXPECT_EQ(FailureOf([&] { rewrite.Write(4, "A"); }).Number, 9);
     EXPECT_EQ(FailureOf([&] { rewrite.AppendRaw(' ', "short"); }).Number, 5);
+    EXPECT_EQ(FailureOf([&] { rewrite.Append("short"); }).Number, 5);
     rewrite.Write("NONE", "A");
     EXPECT_EQ(rewrite.RecordCount(), 1);
 }
