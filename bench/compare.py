@@ -32,8 +32,8 @@ Every time is that of a whole process, on one processor, with the files it reads
 that it wrote on the disk at its end (a program that does not flush by itself is followed by `sync` on
 its file). Left out where a tool cannot do the job: SQLite and pgdbf write no tables. SQLite works on
 a database that was loaded before, with an index on the order codes, and sorts into a table of its own;
-pgdbf only prints, and awk does the rest. python3-dbf is left out of the longest import. `floor` reads the same files and writes as many bytes, in
-blocks, and does nothing else. The results of all tools are the same records and values: tables are
+pgdbf only prints, and awk does the rest. python3-dbf is left out of the longest import. `floor` reads
+the same files and writes as many bytes, in blocks, and does nothing else. The results of all tools are the same records and values: tables are
 compared field by field, exports cell by cell, blanks at the end cut, a number by its value, a blank
 number as 0 and in ogr2ogr's own form for blanks, headings by their count."""
 
