@@ -28,14 +28,15 @@ TOOLS = [OURS, FLOOR_NAME, C, "ogr2ogr", "SQLite", "pgdbf, awk", "python3-dbf"]
 RUNS = {OURS: 7, FLOOR_NAME: 7, C: 7, "SQLite": 5, "pgdbf, awk": 5, "ogr2ogr": 3, "python3-dbf": 1}
 
 NOTES = """\
-Every time is that of a whole process, on one processor, with the files it reads in memory and all
-that it wrote on the disk at its end (a program that does not flush by itself is followed by `sync` on
-its file). Left out where a tool cannot do the job: SQLite and pgdbf write no tables. SQLite works on
-a database that was loaded before, with an index on the order codes, and sorts into a table of its own;
-pgdbf only prints, and awk does the rest. python3-dbf is left out of the longest import. `floor` reads
-the same files and writes as many bytes, in blocks, and does nothing else. The results of all tools are the same records and values: tables are
-compared field by field, exports cell by cell, blanks at the end cut, a number by its value, a blank
-number as 0 and in ogr2ogr's own form for blanks, headings by their count."""
+Every time is that of a whole process, on one processor, with the files it reads in memory and all that
+it wrote on the disk at its end (a program that does not flush by itself is followed by `sync` on its
+file). Left out where a tool cannot do the job: SQLite and pgdbf write no tables. SQLite works on a
+database that was loaded before, with an index on the order codes, and sorts into a table of its own;
+pgdbf only prints, and awk does the rest. This program and the one in C put the sorted table in the place
+of the old one, the others beside it. python3-dbf is left out of the longest import. `floor` reads the
+same files and writes as many bytes, in blocks, and does nothing else. The results of all tools are the
+same records and values: tables are compared field by field, exports cell by cell, blanks at the end cut,
+a number by its value, a blank number as 0 and in ogr2ogr's own form for blanks, headings by their count."""
 
 
 def say(text=""):
@@ -348,12 +349,14 @@ def export_job(data, quick):
 def sort_job(data, quick):
     table = data.table(data.many, "ZUKORHDR")
     out = data.out / "sorted"
+    other = f"{out}-shp.dbf"
     reads = [data.unsorted]
     ogr = bash(*WRITE_TABLE, f"{out}-ogr.dbf", data.unsorted, "-oo", "ENCODING=CP1252", "-sql",
                "SELECT * FROM unsorted ORDER BY H_ORDCODE") + f" && sync {out}-ogr.dbf"
     commands = [Command(OURS, [JOB, "sort", data.many], table, [table],
                         prepare=lambda: shutil.copyfile(data.unsorted, table)),
-                Command(C, [SHP, "sort", data.unsorted, f"{out}-shp.dbf"], f"{out}-shp.dbf", reads),
+                Command(C, [SHP, "sort", other], other, [other],
+                        prepare=lambda: shutil.copyfile(data.unsorted, other)),
                 Command("ogr2ogr", ogr, f"{out}-ogr.dbf", reads),
                 Command("SQLite", ["sqlite3", data.database,
                                    "CREATE TABLE sorted AS SELECT * FROM unsorted ORDER BY H_ORDCODE COLLATE NOCASE"],

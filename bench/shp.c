@@ -2,7 +2,7 @@
  *
  *   shp import LIKE FILE OUT        customers from a text file into a new table with the fields of LIKE
  *   shp export HEADERS LINES FILE   order lines with their headers, in 20 columns
- *   shp sort   TABLE OUT            order headers by their codes into a new table
+ *   shp sort   TABLE                order headers by their codes; the new table replaces the old one
  *   shp scan   TABLE                prints the sum of L_TOTPRICE
  *
  * Text files and tables are as the engine has them: UTF-8 comes in, tables and exports are in code
@@ -307,7 +307,9 @@ static int CompareRows(const void* a, const void* b) {
     return order != 0 ? order : (first->Record > second->Record) - (first->Record < second->Record);
 }
 
-static void Sort(const char* path, const char* out) {
+static void Sort(const char* path) {
+    char out[4096]; /* beside the table, which stands until the new one is on the disk */
+    snprintf(out, sizeof out, "%s.new.dbf", path);
     const DBFHandle from = OpenTable(path);
     const DBFHandle to = NewTable(from, out);
     const int count = DBFGetRecordCount(from);
@@ -326,6 +328,7 @@ static void Sort(const char* path, const char* out) {
     DBFClose(from);
     DBFClose(to);
     FlushToDisk(out);
+    if (rename(out, path) != 0) Stop(path);
 }
 
 /* ---- scan */
@@ -346,8 +349,8 @@ int main(int argc, char** argv) {
         Import(argv[2], argv[3], argv[4]);
     else if (strcmp(job, "export") == 0 && argc == 5)
         Export(argv[2], argv[3], argv[4]);
-    else if (strcmp(job, "sort") == 0 && argc == 4)
-        Sort(argv[2], argv[3]);
+    else if (strcmp(job, "sort") == 0 && argc == 3)
+        Sort(argv[2]);
     else if (strcmp(job, "scan") == 0 && argc == 3)
         Scan(argv[2]);
     else
