@@ -62,6 +62,15 @@ const char* TakeRow(std::string_view line) {
     return nullptr;
 }
 
+/// The entry as it was built in or replaced.
+Globals::Replacement InForce(MessageId entry) {
+    const auto found = Global.Replacements.find(entry.Number);
+    const CatalogueRow* row = BuiltIn(entry);
+    if (!row) throw RunTimeFailure(9, "text " + std::to_string(entry.Number));
+    return found == Global.Replacements.end() ? Globals::Replacement{row->Words, row->Mnemonic}
+                                              : found->second;
+}
+
 } // namespace
 
 bool CatalogueHas(MessageId entry) {
@@ -69,17 +78,11 @@ bool CatalogueHas(MessageId entry) {
 }
 
 std::string CatalogueText(MessageId entry) {
-    const CatalogueRow* row = BuiltIn(entry);
-    if (!row) throw RunTimeFailure(9, "text " + std::to_string(entry.Number));
-    const auto found = Global.Replacements.find(entry.Number);
-    return found == Global.Replacements.end() ? row->Words : found->second.Words;
+    return InForce(entry).Words;
 }
 
 std::string CatalogueCaption(MessageId entry) {
-    const std::string text = CatalogueText(entry);
-    const auto found = Global.Replacements.find(entry.Number);
-    const char mnemonic =
-        found == Global.Replacements.end() ? BuiltIn(entry)->Mnemonic : found->second.Mnemonic;
+    const auto [text, mnemonic] = InForce(entry);
     const std::size_t place = mnemonic ? text.find(mnemonic) : std::string::npos;
     std::string caption;
     for (std::size_t i = 0; i < text.size(); ++i) {
