@@ -97,21 +97,20 @@ void AnnounceOnlyChoices(QComboBox& box) {
     QObject::disconnect(box.lineEdit(), &QLineEdit::returnPressed, &box, nullptr);
 }
 
-/// In a list with nothing selected the first arrow selects the row that has the frame. By itself the
-/// list would pass that row by, and a key could never select it.
+/// In a list with nothing selected an arrow on the first row, where the frame is when the list is
+/// entered, selects that row. By itself the list would pass it by, and a key could never select it.
 class FirstArrow final : public QObject {
 public:
     explicit FirstArrow(QListWidget& list) : QObject(&list), list_(list) { list.installEventFilter(this); }
 
     bool eventFilter(QObject*, QEvent* event) override {
-        if (event->type() != QEvent::KeyPress || !list_.selectedItems().isEmpty() || !list_.currentItem())
+        if (event->type() != QEvent::KeyPress || list_.currentRow() != 0 || !list_.selectedItems().isEmpty())
             return false;
         const auto* key = static_cast<const QKeyEvent*>(event);
-        const bool first = list_.currentRow() == 0;
-        const bool takes =
-            key->key() == Qt::Key_Down || key->key() == Qt::Key_Up || (key->key() == Qt::Key_Home && first);
-        if (!takes || key->modifiers() != Qt::NoModifier) return false;
-        list_.setCurrentItem(list_.currentItem(), QItemSelectionModel::ClearAndSelect);
+        const bool moves =
+            key->key() == Qt::Key_Down || key->key() == Qt::Key_Up || key->key() == Qt::Key_Home;
+        if (!moves || key->modifiers() != Qt::NoModifier) return false;
+        list_.setCurrentRow(0, QItemSelectionModel::ClearAndSelect);
         return true;
     }
 

@@ -322,6 +322,24 @@ TEST_F(Mapping, DoubleClicksAndKeysAddAndRemove) {
     EXPECT_FALSE(Enabled(form, "cmdSaveSettings"));
 }
 
+TEST_F(Mapping, ArrowsReachTheFirstRowAndGoOnFromAFieldThatWasAdded) {
+    GivenData("c.csv", "1,Acme\n");
+    auto& form = OpenFor(QStringLiteral("c.csv"));
+    const auto selected = [&] {
+        const auto& list = dynamic_cast<QListWidget&>(Control(form, "lstAvailable"));
+        return list.selectedItems().isEmpty() ? QString() : list.selectedItems().first()->text();
+    };
+    Press(form, "lstAvailable", Qt::Key_Down);
+    EXPECT_EQ(selected(), QStringLiteral("Ignore"));
+
+    Press(form, "lstAvailable", Qt::Key_Down);
+    Press(form, "lstAvailable", Qt::Key_Return);
+    Press(form, "lstAvailable", Qt::Key_Down);
+
+    EXPECT_EQ(Rows(form, "lstSelected"), QStringList{QStringLiteral("C_SEARCH")});
+    EXPECT_EQ(selected(), QStringLiteral("C_CODE"));
+}
+
 // ---- templates ----
 
 TEST_F(Mapping, TheFirstImportWithANewNameLeavesATemplateThatIsListedFromThenOn) {
