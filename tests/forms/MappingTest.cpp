@@ -598,6 +598,19 @@ TEST_F(Mapping, ATemplateWhoseFileIsGoneIsToldAndStaysOpen) {
     EXPECT_EQ(Rows(form, "lstSelected"), QStringList{QStringLiteral("I_ITEMCODE")});
 }
 
+TEST_F(Mapping, ATemplateWhoseFileIsGoneCanBeSaved) {
+    GivenTemplate("A.itm", "gone.csv", {"I_ITEMCODE"}, "2");
+    auto& form = OpenToEdit();
+    Operator_.Expect(msg::ImportFileUnreadable).With(Icon::Warning);
+    Choose(form, "cboSettings", QStringLiteral("A.itm"));
+    Add(form, {QStringLiteral("I_DESC1")});
+
+    Click(form, "cmdSaveSettings");
+
+    EXPECT_NE(TemplateOf("A.itm").find("I_DESC1"), std::string::npos);
+    EXPECT_TRUE(Operator_.AllCame());
+}
+
 TEST_F(Mapping, NoAtTheQuestionKeepsTheTemplateAndLeavesTheTable) {
     GivenRows("ZUKItem", {"I_ITEMCODE", "OLD"});
     GivenData("i.csv", "I1,Nail\n");

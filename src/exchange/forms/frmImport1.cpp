@@ -215,16 +215,23 @@ bool frmImport1::SaveSettings() {
     try {
         if (!IsPlainFileName(name)) throw RunTimeFailure(52, name);
         WriteImportTemplate(Global.ImportTemplates + file, content);
-        // A new template is compared from now on with the file that it was made for.
-        if (!RememberedHeadLines(Global.ImportTemplates + file))
-            RememberHeadLines(Global.ImportTemplates + file,
-                              ReadHeadLines(importFile_, StartLineNumber(content.StartLine)));
     } catch (const RunTimeFailure& failure) {
         Tell(Lines(msg::TemplateNotSaved, Text::Path(std::string_view(failure.what()))), Icon::Stop);
         return false;
     }
+    // A new template is compared from now on with the file that it was made for.
+    if (!RememberedHeadLines(Global.ImportTemplates + file)) RememberHead(file);
     ListName(*cboSettings, PathToQt(mode_ == Mode::EditTemplate ? file : name));
     return true;
+}
+
+/// Keeps the lines above the data beside a template. A data file that has gone stops nothing.
+void frmImport1::RememberHead(const std::string& templateFile) const {
+    try {
+        RememberHeadLines(Global.ImportTemplates + templateFile,
+                          ReadHeadLines(importFile_, UpDown1->value()));
+    } catch (const RunTimeFailure&) { // the next import has nothing to compare with
+    }
 }
 
 void frmImport1::cmdDelSettings_Click() {
@@ -514,9 +521,7 @@ void frmImport1::Import() {
 }
 
 void frmImport1::TellResult(const ImportJob& job, const ImportResult& result) {
-    if (!TemplateName().empty())
-        RememberHeadLines(Global.ImportTemplates + TemplateFile(TemplateName()),
-                          ReadHeadLines(importFile_, job.StartLine));
+    if (!TemplateName().empty()) RememberHead(TemplateFile(TemplateName()));
     if (auto* main = IfLoaded<frmMain1>()) main->RefreshRecordCounts();
     Text count = Words(Text::Value(result.LinesRead - result.LinesFailed), msg::Of,
                        Text::Value(result.LinesRead), msg::LinesImported);
