@@ -598,6 +598,24 @@ TEST_F(Mapping, ATemplateWhoseFileIsGoneIsToldAndStaysOpen) {
     EXPECT_EQ(Rows(form, "lstSelected"), QStringList{QStringLiteral("I_ITEMCODE")});
 }
 
+TEST_F(Mapping, ATemplateWhoseTableCannotBeReadDoesNotTakeTheMappingOfAnother) {
+    GivenData("c.csv", "1,Acme\n");
+    GivenTemplate("B.cst", "c.csv", {"C_CODE"});
+    GivenTemplate("A.itm", "c.csv", {"I_ITEMCODE"});
+    auto& form = OpenToEdit();
+    Choose(form, "cboSettings", QStringLiteral("B.cst"));
+    Select(form, "lstAvailable", {QStringLiteral("C_NAME")});
+    std::filesystem::remove(ResolvePath(Global.DBFPath + "ZUKITEM.DBF"));
+    Operator_.ExpectBeginning(msg::TablesUnreadable).With(Icon::Stop);
+
+    Choose(form, "cboSettings", QStringLiteral("A.itm"));
+
+    EXPECT_EQ(Rows(form, "lstSelected"), QStringList());
+    EXPECT_EQ(Rows(form, "lstAvailable"), QStringList());
+    EXPECT_FALSE(Enabled(form, "cmdSaveSettings"));
+    EXPECT_FALSE(Enabled(form, "cmdLiteral"));
+}
+
 TEST_F(Mapping, ATemplateWhoseFileIsGoneCanBeSaved) {
     GivenTemplate("A.itm", "gone.csv", {"I_ITEMCODE"}, "2");
     auto& form = OpenToEdit();

@@ -109,6 +109,7 @@ void frmImport1::ListAvailable(TemplateKind kind) {
     available_ = AvailableFieldsOf(tableFile_);
     FillList(*lstAvailable, available_);
     ShowLabels(*lstAvailable, 1, TableFileOf(kind));
+    lstAvailable_Click();
 }
 
 /// Shows the data file; tells the operator and says no when it cannot be read.
@@ -168,8 +169,12 @@ void frmImport1::cboSettings_Click() {
         try {
             ListAvailable(*kind_);
         } catch (const RunTimeFailure& failure) {
-            Tell(Lines(msg::TablesUnreadable, Text::Path(std::string_view(failure.what()))), Icon::Stop);
-            return;
+            // The mapping that was here is another template's, and must not be saved under this name.
+            available_.clear();
+            lstAvailable->clear();
+            cmdRemoveAll_Click();
+            return Tell(Lines(msg::TablesUnreadable, Text::Path(std::string_view(failure.what()))),
+                        Icon::Stop);
         }
     }
     cmdRemoveAll_Click();
