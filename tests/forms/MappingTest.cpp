@@ -672,6 +672,55 @@ TEST_F(Mapping, ANewNameInTheListOfBothKindsIsListedWithItsExtension) {
     EXPECT_TRUE(Exists(Global.ImportTemplates + "Copy.itm"));
 }
 
+TEST_F(Mapping, ANewNameInTheListOfBothKindsCanBeDeletedAgain) {
+    GivenData("i.csv", "I1,Nail\n");
+    GivenTemplate("A.itm", "i.csv", {"I_ITEMCODE"});
+    auto& form = OpenToEdit();
+    Choose(form, "cboSettings", QStringLiteral("A.itm"));
+    Type(form, "cboSettings", QStringLiteral("Copy"));
+    Click(form, "cmdSaveSettings");
+
+    Click(form, "cmdDelSettings");
+
+    EXPECT_FALSE(SavedSettings(form).contains(QStringLiteral("Copy.itm")));
+    EXPECT_FALSE(Exists(Global.ImportTemplates + "Copy.itm"));
+}
+
+TEST_F(Mapping, ATemplateOfTheOtherKindCanBeDeletedByItsName) {
+    GivenData("i.csv", "I1,Nail\n");
+    GivenTemplate("A.itm", "i.csv", {"I_ITEMCODE"});
+    GivenTemplate("B.cst", "i.csv", {"C_CODE"});
+    GivenTemplate("C.cst", "i.csv", {"C_CODE"});
+    auto& form = OpenToEdit();
+    Type(form, "cboSettings", QStringLiteral("C.cst"));
+    Click(form, "cmdDelSettings");
+    EXPECT_FALSE(Exists(Global.ImportTemplates + "C.cst")) << "nothing was loaded";
+    Choose(form, "cboSettings", QStringLiteral("A.itm"));
+    Type(form, "cboSettings", QStringLiteral("B.cst"));
+
+    Click(form, "cmdDelSettings");
+
+    EXPECT_FALSE(Exists(Global.ImportTemplates + "B.cst"));
+    EXPECT_TRUE(Exists(Global.ImportTemplates + "A.itm"));
+    EXPECT_FALSE(SavedSettings(form).contains(QStringLiteral("B.cst")));
+}
+
+TEST_F(Mapping, RemovingTakesTheLiteralThatIsSelectedAlsoWhenAnotherHasTheFrame) {
+    auto& form = OpenToEdit(".cst");
+    Operator_.Expect(T("Enter literal value for field: C_CODE")).Type("1");
+    Operator_.Expect(T("Enter literal value for field: C_NAME")).Type("2");
+    for (const char* field : {"C_CODE", "C_NAME"}) {
+        Select(form, "lstAvailable", {QString::fromLatin1(field)});
+        Click(form, "cmdLiteral");
+    }
+    Select(form, "lstLiteral", {QStringLiteral("C_CODE = 1")});
+    dynamic_cast<QListWidget&>(Control(form, "lstLiteral")).setCurrentRow(1, QItemSelectionModel::NoUpdate);
+
+    Click(form, "cmdRemove1");
+
+    EXPECT_EQ(Rows(form, "lstLiteral"), QStringList{QStringLiteral("C_NAME = 2")});
+}
+
 TEST_F(Mapping, ANameOfBlanksIsNone) {
     auto& form = OpenToEdit(".cst");
     Add(form, {QStringLiteral("C_CODE")});

@@ -100,8 +100,8 @@ void ListName(QComboBox& box, const QString& name) {
     box.setEditText(typed);
 }
 
-void UnlistName(QComboBox& box) {
-    const int row = box.findText(box.currentText().trimmed(), Qt::MatchFixedString);
+void UnlistName(QComboBox& box, const QString& name) {
+    const int row = box.findText(name, Qt::MatchFixedString);
     if (row >= 0) box.removeItem(row);
     box.setCurrentIndex(-1);
     box.clearEditText();

@@ -35,5 +35,5 @@ void PressOnDelete(QListWidget& list, QAbstractButton& button);
 /// Adds a name to a list that is typed into, unless it is there, any case; what is typed stays.
 void ListName(QComboBox& box, const QString& name);
 
-/// Takes the name that is typed out of the list, and empties the box.
-void UnlistName(QComboBox& box);
+/// Takes a name out of the list, any case, and empties the box.
+void UnlistName(QComboBox& box, const QString& name);

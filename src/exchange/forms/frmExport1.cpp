@@ -125,7 +125,7 @@ bool frmExport1::SaveSettings() {
 void frmExport1::cmdDelSettings_Click() {
     TraceEvent("frmExport1:cmdDelSettings_Click");
     if (IsPlainFileName(TemplateName())) RemoveQuietly(TemplatePath());
-    UnlistName(*cboSettings);
+    UnlistName(*cboSettings, PathToQt(TemplateName()));
     cmdRemoveAll_Click();
 }
 

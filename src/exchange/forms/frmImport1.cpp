@@ -241,13 +241,15 @@ void frmImport1::RememberHead(const std::string& templateFile) const {
 
 void frmImport1::cmdDelSettings_Click() {
     TraceEvent("frmImport1:cmdDelSettings_Click");
-    const std::string name = TemplateName();
-    if (kind_ && IsPlainFileName(name)) {
-        const std::string file = Global.ImportTemplates + TemplateFile(name);
-        RemoveQuietly(file);
-        ForgetHeadLines(file);
+    std::string name = TemplateName();
+    // In the list of both kinds any template can be named, also one that is not loaded.
+    const bool named = mode_ == Mode::EditTemplate && (TemplateKindOf(name) || !kind_);
+    if (!named) name = TemplateFile(name);
+    if (IsPlainFileName(name)) {
+        RemoveQuietly(Global.ImportTemplates + name);
+        ForgetHeadLines(Global.ImportTemplates + name);
     }
-    UnlistName(*cboSettings);
+    UnlistName(*cboSettings, PathToQt(mode_ == Mode::EditTemplate ? name : TemplateName()));
     cmdRemoveAll_Click();
 }
 
@@ -445,7 +447,7 @@ void frmImport1::cmdRemove1_Click() {
     const auto row = SelectedRow();
     if (row) mapping_.RemoveSelected(*row);
     if (!lstLiteral->selectedItems().isEmpty())
-        mapping_.RemoveLiteral(static_cast<std::size_t>(lstLiteral->currentRow()));
+        mapping_.RemoveLiteral(static_cast<std::size_t>(SelectedRows(*lstLiteral).first()));
     ShowMapping(std::nullopt);
 }
 
