@@ -353,6 +353,18 @@ TEST_F(ExportChecks, SortingLeavesBothTablesInTheOrderOfTheirKeys) {
     EXPECT_EQ(Exported("out.csv"), "A1,A1-1\r\nA1,A1-1\r\nA1,A1-2\r\nA1,A1-2\r\nA2,A2-1\r\n");
 }
 
+TEST_F(ExportChecks, OrdersThatComeInWhileTheScreenIsOpenAreSortedInAndExported) {
+    auto& form = Ready("chkSort");
+    GivenRows("ZUKOrHdr", {"H_ORDCODE", "B1", "A2"});
+    GivenRows("ZUKOrLin", {"L_ORDCODE|L_KEY", "B1|B1-1", "A2|A2-1"});
+    ExpectEnd("2 of 2");
+
+    Click(form, "cmdOK");
+
+    EXPECT_EQ(KeysOf("ZUKOrHdr", "H_ORDCODE"), (Keys{"A2", "B1"}));
+    EXPECT_EQ(Exported("out.csv"), "A2,A2-1\r\nB1,B1-1\r\n");
+}
+
 TEST_F(ExportChecks, YesLeavesOneSetOfTheOrderAndABackupWithBoth) {
     auto& form = Ready("chkQC");
     Operator_.Expect(msg::DuplicateOrders).With(Icon::Question).Answer(Answer::Yes);
