@@ -324,6 +324,25 @@ TEST_F(Mapping, DoubleClicksAndKeysAddAndRemove) {
 
 // ---- templates ----
 
+TEST_F(Mapping, RemovingARowByKeyNeverLeadsToRemovingAll) {
+    auto& form = OpenToEdit(".cst");
+    Add(form, {QStringLiteral("C_CODE"), QStringLiteral("C_NAME")});
+    EXPECT_TRUE(Control(form, "lstAvailable").hasFocus());
+    Operator_.Expect(T("Enter literal value for field: C_CITY")).Type("Oslo");
+    Select(form, "lstAvailable", {QStringLiteral("C_CITY")});
+    Click(form, "cmdLiteral");
+    EXPECT_TRUE(Control(form, "lstAvailable").hasFocus());
+
+    for (const char* list : {"lstSelected", "lstLiteral"}) {
+        Select(form, list, {Rows(form, list).last()});
+        Press(form, "cmdRemove1", Qt::Key_Space);
+        EXPECT_TRUE(Control(form, list).hasFocus());
+    }
+
+    EXPECT_EQ(Rows(form, "lstSelected"), QStringList{QStringLiteral("C_CODE")});
+    EXPECT_EQ(Rows(form, "lstLiteral"), QStringList());
+}
+
 TEST_F(Mapping, TheFirstImportWithANewNameLeavesATemplateThatIsListedFromThenOn) {
     GivenData("c.csv", "1,Acme\n2,Bolt\n");
     {

@@ -22,6 +22,7 @@ constexpr std::int32_t PreviewRecords = 20;
 frmExport1::frmExport1() {
     setupUi(this);
     PressOnEnter(*lstAvailable, *cmdAdd1);
+    PressOnEnter(*txtVal, *cmdVal);
     PressOnDelete(*lstSelected, *cmdRemove1);
     ShowCalc(false);
 }
@@ -243,6 +244,7 @@ void frmExport1::cmdAdd1_Click() {
         Deselect(*lstAvailable, k);
     }
     ShowColumns(row);
+    lstAvailable->setFocus();
 }
 
 void frmExport1::cmdLiteral_Click() {
@@ -305,10 +307,13 @@ void frmExport1::cmdVal_Click() {
     if (pending) ShowCalc(false);
     txtVal->clear();
     ShowColumns(SelectedRow());
+    if (pending) lstAvailable->setFocus();
 }
 
 void frmExport1::cmdRemove1_Click() {
     TraceEvent("frmExport1:cmdRemove1_Click");
+    // Before the button is disabled: the focus would go on to the one that removes all.
+    lstSelected->setFocus();
     if (const auto row = SelectedRow()) columns_.Remove(*row);
     ShowColumns(std::nullopt);
 }

@@ -416,6 +416,7 @@ void frmImport1::cmdAdd1_Click() {
     }
     cmdLiteral->setEnabled(false);
     ShowMapping(row);
+    lstAvailable->setFocus();
 }
 
 void frmImport1::cmdAnd_Click() {
@@ -440,11 +441,14 @@ void frmImport1::cmdLiteral_Click() {
     }
     ShowMapping(SelectedRow());
     lstAvailable_Click();
+    lstAvailable->setFocus();
 }
 
 void frmImport1::cmdRemove1_Click() {
     TraceEvent("frmImport1:cmdRemove1_Click");
     const auto row = SelectedRow();
+    // Before the button is disabled: the focus would go on to the one that removes all.
+    (row ? lstSelected : lstLiteral)->setFocus();
     if (row) mapping_.RemoveSelected(*row);
     if (!lstLiteral->selectedItems().isEmpty())
         mapping_.RemoveLiteral(static_cast<std::size_t>(SelectedRows(*lstLiteral).first()));
