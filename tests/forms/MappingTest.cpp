@@ -115,6 +115,17 @@ TEST_F(Mapping, AFolderThatIsGoneIsMadeAgainAndTold) {
     EXPECT_TRUE(Exists(Global.DataInPath));
 }
 
+TEST_F(Mapping, AFolderThatCannotBeMadeIsToldAndNothingOpens) {
+    std::filesystem::remove_all(Global.DataInPath);
+    WriteWholeFile(Global.AppPath + "DataIn", "a file where the folder should be");
+    Operator_.ExpectBeginning(msg::FileError).With(Icon::Stop);
+
+    Open<frmConvert>();
+
+    EXPECT_EQ(IfLoaded<frmConvert>(), nullptr);
+    EXPECT_FALSE(Global.Ending);
+}
+
 TEST_F(Mapping, OkOpensTheMappingAndClosesBehindIt) {
     GivenData("c.csv", "A1,Acme\n");
     auto& convert = Open<frmConvert>();
@@ -173,6 +184,16 @@ TEST_F(Mapping, ShowsTheTablesFieldsAndTheFilesOwnColumns) {
     EXPECT_FALSE(Enabled(form, "cmdLiteral"));
     EXPECT_FALSE(Enabled(form, "cmdAnd"));
     EXPECT_FALSE(Enabled(form, "cmdOK"));
+}
+
+TEST_F(Mapping, ACellThatLooksLikeMarkupIsShownToTheLetterInItsTip) {
+    GivenData("c.csv", "<b>1</b>,Acme\n");
+    auto& form = OpenFor(QStringLiteral("c.csv"));
+    const auto* columns = dynamic_cast<QTableView&>(Control(form, "FGPreview")).model();
+
+    EXPECT_EQ(columns->index(0, 2).data().toString(), QStringLiteral("<b>1</b>"));
+    EXPECT_EQ(columns->index(0, 2).data(Qt::ToolTipRole).toString(),
+              QStringLiteral("<p>&lt;b&gt;1&lt;/b&gt;</p>"));
 }
 
 TEST_F(Mapping, TheFirstLineWithADelimiterDecides) {
