@@ -9,11 +9,13 @@
 #include "exchange/forms/frmImport1.h"
 #include "forms/FormTest.h"
 
+#include <QApplication>
 #include <QComboBox>
 #include <QLabel>
 #include <QListWidget>
 #include <QTableView>
 #include <QTimer>
+#include <QWheelEvent>
 
 #include <filesystem>
 
@@ -439,6 +441,27 @@ TEST_F(Mapping, ANameThatIsTypedLoadsNothingAlsoWhenThereIsSuchATemplate) {
     Type(form, "cboSettings", QStringLiteral("Mine"));
 
     EXPECT_EQ(Rows(form, "lstSelected"), QStringList{QStringLiteral("C_CODE")});
+}
+
+TEST_F(Mapping, AWheelThatPassesOverTheTemplatesOrTheStartLineChangesNothing) {
+    GivenTemplate("A.cst", "c.csv", {"C_CODE"});
+    GivenTemplate("B.cst", "c.csv", {"C_CODE"});
+    auto& form = OpenToEdit(".cst");
+    Add(form, {QStringLiteral("C_NAME")});
+    dynamic_cast<QSpinBox&>(Control(form, "UpDown1")).setValue(3);
+
+    for (const char* name : {"cboSettings", "UpDown1"}) {
+        QWidget& control = Control(form, name);
+        const QPoint middle = control.rect().center();
+        QWheelEvent wheel(middle, control.mapToGlobal(middle), {}, {0, -120}, Qt::NoButton, Qt::NoModifier,
+                          Qt::NoScrollPhase, false);
+        QApplication::sendEvent(&control, &wheel);
+        Settle();
+    }
+
+    EXPECT_EQ(Rows(form, "lstSelected"), QStringList{QStringLiteral("C_NAME")});
+    EXPECT_EQ(TextOf(form, "cboSettings"), QString());
+    EXPECT_EQ(TextOf(form, "txtStartLine"), QStringLiteral("3"));
 }
 
 TEST_F(Mapping, SavingTwiceReplacesTheTemplateAndListsItOnce) {
