@@ -1,5 +1,6 @@
 #include "exchange/OrderCheck.h"
 
+#include "core/Failure.h"
 #include "core/TextCompare.h"
 #include "core/Trace.h"
 #include "store/TableRewrite.h"
@@ -58,7 +59,10 @@ public:
             if (!repeat) lastKey = own;
             if (!repeat || !deletePending_) kept.push_back(record);
         }
-        if (deletePending_) Refill(path, copy, kept);
+        if (!deletePending_) return;
+        // The question may have waited for long: what was uploaded meanwhile is not in the copy.
+        if (LoadOrderTable(path) != copy) throw RunTimeFailure(75, path);
+        Refill(path, copy, kept);
     }
 
 private:

@@ -34,7 +34,8 @@ void SortOrLinFile(OrderBook& book);
 
 /// Finds orders and order lines that are there more than once, next to each other after a sort, and
 /// removes all but the first of each once the operator has agreed. The first row of a table is
-/// never a repeat. RunTimeFailure as the sorts.
+/// never a repeat. RunTimeFailure as the sorts, and 75 when a table has changed while a question
+/// waited: it is left as it is then.
 void QualityCheckOrders(OrderBook& book, const RepeatQuestions& questions);
 
 /// What an export does before it writes: the sorts and the check that its job asks for.

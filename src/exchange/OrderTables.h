@@ -50,6 +50,9 @@ public:
         return std::string_view(records_).substr(static_cast<std::size_t>(record - 1) * length, length);
     }
 
+    /// The same fields with the same texts in the same order.
+    bool operator==(const OrderTable&) const = default;
+
 private:
     [[noreturn]] static void Refuse(std::int32_t record, int field);
 

@@ -118,6 +118,22 @@ private:
     QListWidget& list_;
 };
 
+/// A wheel that passes over a closed list or a number changes nothing: a choice loads a template over
+/// what is on the screen, and nobody has meant it.
+class NoWheel final : public QObject {
+public:
+    explicit NoWheel(QWidget& control) : QObject(&control) {
+        control.setFocusPolicy(Qt::StrongFocus);
+        control.installEventFilter(this);
+    }
+
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() != QEvent::Wheel) return false;
+        event->ignore(); // what lies around it may scroll
+        return true;
+    }
+};
+
 /// Connects an event of a control to a call with the control's index, or with the column where the
 /// event has one. False when a control of this kind has no such event.
 bool ConnectEvent(QObject& control, const QString& event, int index, QObject& context,
@@ -326,7 +342,11 @@ void FormBehaviour::LoadNow() {
     try {
         QWidget& window = Window();
         window.setObjectName(QString::fromLatin1(window.metaObject()->className()));
-        for (auto* box : window.findChildren<QComboBox*>()) AnnounceOnlyChoices(*box);
+        for (auto* box : window.findChildren<QComboBox*>()) {
+            AnnounceOnlyChoices(*box);
+            new NoWheel(*box);
+        }
+        for (auto* box : window.findChildren<QAbstractSpinBox*>()) new NoWheel(*box);
         for (auto* list : window.findChildren<QListWidget*>()) new FirstArrow(*list);
         for (QObject* child : window.findChildren<QObject*>()) {
             if (IsOurs(*child)) WireControl(*child);

@@ -114,7 +114,8 @@ QVariant GridDataModel::data(const QModelIndex& index, int role) const {
 
 QVariant GridDataModel::headerData(int section, Qt::Orientation orientation, int role) const {
     if (orientation != Qt::Horizontal || section < 0 || section >= columnCount()) return {};
-    if (role == Qt::DisplayRole || role == Qt::ToolTipRole) return Title(section);
+    if (role == Qt::DisplayRole) return Title(section);
+    if (role == Qt::ToolTipRole) return PlainTip(Title(section));
     if (role == Qt::TextAlignmentRole) {
         const bool isNumber = content_->Heading(section).Kind == SortKind::Number;
         return QVariant::fromValue((isNumber ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter);

@@ -291,6 +291,7 @@ void GridView::CopyRows() {
         ranges.emplace_back(first, range.bottom() + 1);
         count += range.bottom() + 1 - first;
     }
+    if (count == 0) return; // heading rows alone: the clipboard keeps what it has
     if (count > RowsToCopy) {
         return Tell(Words(msg::TooManyRows, Text::Value(std::int64_t{RowsToCopy})), Icon::Information);
     }

@@ -212,6 +212,20 @@ TEST_F(OrderCheckTest, SecondAndThirdOfThreeEqualKeysAreDropped) {
     EXPECT_EQ(OrderMarks(), (Rows{"h1"}));
 }
 
+TEST_F(OrderCheckTest, OrdersThatComeInWhileTheQuestionWaitsAreNotLost) {
+    GivenOrders({"A1", "A1"}, {});
+    OrderBook book = Open();
+    RepeatQuestions questions = Answering({});
+    questions.DeleteRepeats = [&] {
+        GivenOrders({"A1", "A1", "A2"}, {});
+        return true;
+    };
+
+    EXPECT_EQ(FailureNumber([&] { QualityCheckOrders(book, questions); }), 75);
+
+    EXPECT_EQ(Orders(), (Rows{"A1", "A1", "A2"}));
+}
+
 TEST_F(OrderCheckTest, RepeatsOfLinesAloneRaiseTheQuestion) {
     GivenOrders({"A1", "A2"}, {"1", "1"});
     OrderBook book = Open();

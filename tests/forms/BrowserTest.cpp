@@ -544,6 +544,17 @@ TEST_F(Browser, TheHeadingRowsOfTheTotalsCanNotBePrintedOrViewedSingly) {
     EXPECT_TRUE(Enabled(form, "cmdDataView"));
 }
 
+TEST_F(Browser, CopyingAHeadingRowAloneLeavesTheClipboard) {
+    GivenTotals();
+    auto& form = OpenGrid(ViewTotals);
+    QApplication::clipboard()->setText(QStringLiteral("mine"));
+    Grid(form).setCurrentIndex(Grid(form).model()->index(1, 0));
+
+    Grid(form).CopyRows();
+
+    EXPECT_EQ(QApplication::clipboard()->text(), QStringLiteral("mine"));
+}
+
 TEST_F(Browser, InTheTotalsTheThirdRowStandsInForNone) {
     GivenTotals();
     auto& form = OpenGrid(ViewTotals);

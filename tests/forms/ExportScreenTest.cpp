@@ -157,6 +157,33 @@ TEST_F(ExportScreen, ANumberIsAnOperandOrAColumnAndNothingElseIs) {
     EXPECT_EQ(TextOf(form, "txtVal"), QString());
 }
 
+TEST_F(ExportScreen, EnterInTheNumberAddsItAndExportsNothing) {
+    auto& form = Open<frmExport1>();
+    Add(form, {Q("L_QTY")});
+    Type(form, "txtExpFile", Q("out"));
+    Click(form, "cmdCalc");
+    Click(form, "cmdMultiply");
+    Type(form, "txtVal", Q("2"));
+
+    Press(form, "txtVal", Qt::Key_Return);
+
+    EXPECT_EQ(Rows(form, "lstSelected"), QStringList{Q("L_QTY * [2]")});
+    EXPECT_TRUE(Control(form, "lstAvailable").hasFocus());
+    EXPECT_TRUE(std::filesystem::is_empty(Global.DataOutPath));
+}
+
+TEST_F(ExportScreen, RemovingARowByKeyNeverLeadsToRemovingAll) {
+    auto& form = Open<frmExport1>();
+    Add(form, {Q("H_ORDCODE"), Q("L_QTY")});
+    EXPECT_TRUE(Control(form, "lstAvailable").hasFocus());
+    Select(form, "lstSelected", {Q("L_QTY")});
+
+    Press(form, "cmdRemove1", Qt::Key_Space);
+
+    EXPECT_TRUE(Control(form, "lstSelected").hasFocus());
+    EXPECT_EQ(Rows(form, "lstSelected"), QStringList{Q("H_ORDCODE")});
+}
+
 TEST_F(ExportScreen, ATemplateSurvivesASaveAndAReloadUnchanged) {
     {
         auto& form = Open<frmExport1>();
@@ -351,6 +378,18 @@ TEST_F(ExportChecks, SortingLeavesBothTablesInTheOrderOfTheirKeys) {
     EXPECT_EQ(KeysOf("ZUKOrHdr", "H_ORDCODE"), sortedHeaders_);
     EXPECT_EQ(KeysOf("ZUKOrLin", "L_KEY"), sortedLines_);
     EXPECT_EQ(Exported("out.csv"), "A1,A1-1\r\nA1,A1-1\r\nA1,A1-2\r\nA1,A1-2\r\nA2,A2-1\r\n");
+}
+
+TEST_F(ExportChecks, OrdersThatComeInWhileTheScreenIsOpenAreSortedInAndExported) {
+    auto& form = Ready("chkSort");
+    GivenRows("ZUKOrHdr", {"H_ORDCODE", "B1", "A2"});
+    GivenRows("ZUKOrLin", {"L_ORDCODE|L_KEY", "B1|B1-1", "A2|A2-1"});
+    ExpectEnd("2 of 2");
+
+    Click(form, "cmdOK");
+
+    EXPECT_EQ(KeysOf("ZUKOrHdr", "H_ORDCODE"), (Keys{"A2", "B1"}));
+    EXPECT_EQ(Exported("out.csv"), "A2,A2-1\r\nB1,B1-1\r\n");
 }
 
 TEST_F(ExportChecks, YesLeavesOneSetOfTheOrderAndABackupWithBoth) {

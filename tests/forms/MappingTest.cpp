@@ -9,11 +9,13 @@
 #include "exchange/forms/frmImport1.h"
 #include "forms/FormTest.h"
 
+#include <QApplication>
 #include <QComboBox>
 #include <QLabel>
 #include <QListWidget>
 #include <QTableView>
 #include <QTimer>
+#include <QWheelEvent>
 
 #include <filesystem>
 
@@ -115,6 +117,17 @@ TEST_F(Mapping, AFolderThatIsGoneIsMadeAgainAndTold) {
     EXPECT_TRUE(Exists(Global.DataInPath));
 }
 
+TEST_F(Mapping, AFolderThatCannotBeMadeIsToldAndNothingOpens) {
+    std::filesystem::remove_all(Global.DataInPath);
+    WriteWholeFile(Global.AppPath + "DataIn", "a file where the folder should be");
+    Operator_.ExpectBeginning(msg::FileError).With(Icon::Stop);
+
+    Open<frmConvert>();
+
+    EXPECT_EQ(IfLoaded<frmConvert>(), nullptr);
+    EXPECT_FALSE(Global.Ending);
+}
+
 TEST_F(Mapping, OkOpensTheMappingAndClosesBehindIt) {
     GivenData("c.csv", "A1,Acme\n");
     auto& convert = Open<frmConvert>();
@@ -173,6 +186,16 @@ TEST_F(Mapping, ShowsTheTablesFieldsAndTheFilesOwnColumns) {
     EXPECT_FALSE(Enabled(form, "cmdLiteral"));
     EXPECT_FALSE(Enabled(form, "cmdAnd"));
     EXPECT_FALSE(Enabled(form, "cmdOK"));
+}
+
+TEST_F(Mapping, ACellThatLooksLikeMarkupIsShownToTheLetterInItsTip) {
+    GivenData("c.csv", "<b>1</b>,Acme\n");
+    auto& form = OpenFor(QStringLiteral("c.csv"));
+    const auto* columns = dynamic_cast<QTableView&>(Control(form, "FGPreview")).model();
+
+    EXPECT_EQ(columns->index(0, 2).data().toString(), QStringLiteral("<b>1</b>"));
+    EXPECT_EQ(columns->index(0, 2).data(Qt::ToolTipRole).toString(),
+              QStringLiteral("<p>&lt;b&gt;1&lt;/b&gt;</p>"));
 }
 
 TEST_F(Mapping, TheFirstLineWithADelimiterDecides) {
@@ -342,6 +365,25 @@ TEST_F(Mapping, ArrowsReachTheFirstRowAndGoOnFromAFieldThatWasAdded) {
 
 // ---- templates ----
 
+TEST_F(Mapping, RemovingARowByKeyNeverLeadsToRemovingAll) {
+    auto& form = OpenToEdit(".cst");
+    Add(form, {QStringLiteral("C_CODE"), QStringLiteral("C_NAME")});
+    EXPECT_TRUE(Control(form, "lstAvailable").hasFocus());
+    Operator_.Expect(T("Enter literal value for field: C_CITY")).Type("Oslo");
+    Select(form, "lstAvailable", {QStringLiteral("C_CITY")});
+    Click(form, "cmdLiteral");
+    EXPECT_TRUE(Control(form, "lstAvailable").hasFocus());
+
+    for (const char* list : {"lstSelected", "lstLiteral"}) {
+        Select(form, list, {Rows(form, list).last()});
+        Press(form, "cmdRemove1", Qt::Key_Space);
+        EXPECT_TRUE(Control(form, list).hasFocus());
+    }
+
+    EXPECT_EQ(Rows(form, "lstSelected"), QStringList{QStringLiteral("C_CODE")});
+    EXPECT_EQ(Rows(form, "lstLiteral"), QStringList());
+}
+
 TEST_F(Mapping, TheFirstImportWithANewNameLeavesATemplateThatIsListedFromThenOn) {
     GivenData("c.csv", "1,Acme\n2,Bolt\n");
     {
@@ -417,6 +459,27 @@ TEST_F(Mapping, ANameThatIsTypedLoadsNothingAlsoWhenThereIsSuchATemplate) {
     Type(form, "cboSettings", QStringLiteral("Mine"));
 
     EXPECT_EQ(Rows(form, "lstSelected"), QStringList{QStringLiteral("C_CODE")});
+}
+
+TEST_F(Mapping, AWheelThatPassesOverTheTemplatesOrTheStartLineChangesNothing) {
+    GivenTemplate("A.cst", "c.csv", {"C_CODE"});
+    GivenTemplate("B.cst", "c.csv", {"C_CODE"});
+    auto& form = OpenToEdit(".cst");
+    Add(form, {QStringLiteral("C_NAME")});
+    dynamic_cast<QSpinBox&>(Control(form, "UpDown1")).setValue(3);
+
+    for (const char* name : {"cboSettings", "UpDown1"}) {
+        QWidget& control = Control(form, name);
+        const QPoint middle = control.rect().center();
+        QWheelEvent wheel(middle, control.mapToGlobal(middle), {}, {0, -120}, Qt::NoButton, Qt::NoModifier,
+                          Qt::NoScrollPhase, false);
+        QApplication::sendEvent(&control, &wheel);
+        Settle();
+    }
+
+    EXPECT_EQ(Rows(form, "lstSelected"), QStringList{QStringLiteral("C_NAME")});
+    EXPECT_EQ(TextOf(form, "cboSettings"), QString());
+    EXPECT_EQ(TextOf(form, "txtStartLine"), QStringLiteral("3"));
 }
 
 TEST_F(Mapping, SavingTwiceReplacesTheTemplateAndListsItOnce) {
@@ -616,6 +679,37 @@ TEST_F(Mapping, ATemplateWhoseFileIsGoneIsToldAndStaysOpen) {
     EXPECT_EQ(Rows(form, "lstSelected"), QStringList{QStringLiteral("I_ITEMCODE")});
 }
 
+TEST_F(Mapping, ATemplateWhoseTableCannotBeReadDoesNotTakeTheMappingOfAnother) {
+    GivenData("c.csv", "1,Acme\n");
+    GivenTemplate("B.cst", "c.csv", {"C_CODE"});
+    GivenTemplate("A.itm", "c.csv", {"I_ITEMCODE"});
+    auto& form = OpenToEdit();
+    Choose(form, "cboSettings", QStringLiteral("B.cst"));
+    Select(form, "lstAvailable", {QStringLiteral("C_NAME")});
+    std::filesystem::remove(ResolvePath(Global.DBFPath + "ZUKITEM.DBF"));
+    Operator_.ExpectBeginning(msg::TablesUnreadable).With(Icon::Stop);
+
+    Choose(form, "cboSettings", QStringLiteral("A.itm"));
+
+    EXPECT_EQ(Rows(form, "lstSelected"), QStringList());
+    EXPECT_EQ(Rows(form, "lstAvailable"), QStringList());
+    EXPECT_FALSE(Enabled(form, "cmdSaveSettings"));
+    EXPECT_FALSE(Enabled(form, "cmdLiteral"));
+}
+
+TEST_F(Mapping, ATemplateWhoseFileIsGoneCanBeSaved) {
+    GivenTemplate("A.itm", "gone.csv", {"I_ITEMCODE"}, "2");
+    auto& form = OpenToEdit();
+    Operator_.Expect(msg::ImportFileUnreadable).With(Icon::Warning);
+    Choose(form, "cboSettings", QStringLiteral("A.itm"));
+    Add(form, {QStringLiteral("I_DESC1")});
+
+    Click(form, "cmdSaveSettings");
+
+    EXPECT_NE(TemplateOf("A.itm").find("I_DESC1"), std::string::npos);
+    EXPECT_TRUE(Operator_.AllCame());
+}
+
 TEST_F(Mapping, NoAtTheQuestionKeepsTheTemplateAndLeavesTheTable) {
     GivenRows("ZUKItem", {"I_ITEMCODE", "OLD"});
     GivenData("i.csv", "I1,Nail\n");
@@ -657,6 +751,55 @@ TEST_F(Mapping, ANewNameInTheListOfBothKindsIsListedWithItsExtension) {
 
     EXPECT_TRUE(SavedSettings(form).contains(QStringLiteral("Copy.itm")));
     EXPECT_TRUE(Exists(Global.ImportTemplates + "Copy.itm"));
+}
+
+TEST_F(Mapping, ANewNameInTheListOfBothKindsCanBeDeletedAgain) {
+    GivenData("i.csv", "I1,Nail\n");
+    GivenTemplate("A.itm", "i.csv", {"I_ITEMCODE"});
+    auto& form = OpenToEdit();
+    Choose(form, "cboSettings", QStringLiteral("A.itm"));
+    Type(form, "cboSettings", QStringLiteral("Copy"));
+    Click(form, "cmdSaveSettings");
+
+    Click(form, "cmdDelSettings");
+
+    EXPECT_FALSE(SavedSettings(form).contains(QStringLiteral("Copy.itm")));
+    EXPECT_FALSE(Exists(Global.ImportTemplates + "Copy.itm"));
+}
+
+TEST_F(Mapping, ATemplateOfTheOtherKindCanBeDeletedByItsName) {
+    GivenData("i.csv", "I1,Nail\n");
+    GivenTemplate("A.itm", "i.csv", {"I_ITEMCODE"});
+    GivenTemplate("B.cst", "i.csv", {"C_CODE"});
+    GivenTemplate("C.cst", "i.csv", {"C_CODE"});
+    auto& form = OpenToEdit();
+    Type(form, "cboSettings", QStringLiteral("C.cst"));
+    Click(form, "cmdDelSettings");
+    EXPECT_FALSE(Exists(Global.ImportTemplates + "C.cst")) << "nothing was loaded";
+    Choose(form, "cboSettings", QStringLiteral("A.itm"));
+    Type(form, "cboSettings", QStringLiteral("B.cst"));
+
+    Click(form, "cmdDelSettings");
+
+    EXPECT_FALSE(Exists(Global.ImportTemplates + "B.cst"));
+    EXPECT_TRUE(Exists(Global.ImportTemplates + "A.itm"));
+    EXPECT_FALSE(SavedSettings(form).contains(QStringLiteral("B.cst")));
+}
+
+TEST_F(Mapping, RemovingTakesTheLiteralThatIsSelectedAlsoWhenAnotherHasTheFrame) {
+    auto& form = OpenToEdit(".cst");
+    Operator_.Expect(T("Enter literal value for field: C_CODE")).Type("1");
+    Operator_.Expect(T("Enter literal value for field: C_NAME")).Type("2");
+    for (const char* field : {"C_CODE", "C_NAME"}) {
+        Select(form, "lstAvailable", {QString::fromLatin1(field)});
+        Click(form, "cmdLiteral");
+    }
+    Select(form, "lstLiteral", {QStringLiteral("C_CODE = 1")});
+    dynamic_cast<QListWidget&>(Control(form, "lstLiteral")).setCurrentRow(1, QItemSelectionModel::NoUpdate);
+
+    Click(form, "cmdRemove1");
+
+    EXPECT_EQ(Rows(form, "lstLiteral"), QStringList{QStringLiteral("C_NAME = 2")});
 }
 
 TEST_F(Mapping, ANameOfBlanksIsNone) {

@@ -14,8 +14,8 @@
 
 namespace {
 
-void PressOn(Qt::Key key, QListWidget& list, QAbstractButton& button) {
-    auto* shortcut = new QShortcut(key, &list, nullptr, nullptr, Qt::WidgetShortcut);
+void PressOn(Qt::Key key, QWidget& control, QAbstractButton& button) {
+    auto* shortcut = new QShortcut(key, &control, nullptr, nullptr, Qt::WidgetShortcut);
     QObject::connect(shortcut, &QShortcut::activated, &button, &QAbstractButton::click);
 }
 
@@ -84,8 +84,8 @@ void Deselect(QListWidget& list, int row) {
     list.item(row)->setSelected(false);
 }
 
-void PressOnEnter(QListWidget& list, QAbstractButton& button) {
-    for (const auto key : {Qt::Key_Return, Qt::Key_Enter}) PressOn(key, list, button);
+void PressOnEnter(QWidget& control, QAbstractButton& button) {
+    for (const auto key : {Qt::Key_Return, Qt::Key_Enter}) PressOn(key, control, button);
 }
 
 void PressOnDelete(QListWidget& list, QAbstractButton& button) {
@@ -100,8 +100,8 @@ void ListName(QComboBox& box, const QString& name) {
     box.setEditText(typed);
 }
 
-void UnlistName(QComboBox& box) {
-    const int row = box.findText(box.currentText().trimmed(), Qt::MatchFixedString);
+void UnlistName(QComboBox& box, const QString& name) {
+    const int row = box.findText(name, Qt::MatchFixedString);
     if (row >= 0) box.removeItem(row);
     box.setCurrentIndex(-1);
     box.clearEditText();

@@ -12,6 +12,7 @@
 class QAbstractButton;
 class QComboBox;
 class QListWidget;
+class QWidget;
 
 /// What the two screens that lay out columns do with their lists. None of it announces a selection.
 
@@ -25,15 +26,17 @@ void ShowLabels(QListWidget& list, int first, std::string_view table);
 /// The rows of a list that are selected, in list order.
 QList<int> SelectedRows(const QListWidget& list);
 
+/// Takes the selection from all rows, or from one.
 void Deselect(QListWidget& list);
 void Deselect(QListWidget& list, int row);
 
-/// Enter in a list presses a button; elsewhere on the form it presses the default one.
-void PressOnEnter(QListWidget& list, QAbstractButton& button);
+/// Enter in a control presses a button; elsewhere on the form it presses the default one.
+void PressOnEnter(QWidget& control, QAbstractButton& button);
+/// Del in a list presses a button.
 void PressOnDelete(QListWidget& list, QAbstractButton& button);
 
 /// Adds a name to a list that is typed into, unless it is there, any case; what is typed stays.
 void ListName(QComboBox& box, const QString& name);
 
-/// Takes the name that is typed out of the list, and empties the box.
-void UnlistName(QComboBox& box);
+/// Takes a name out of the list, any case, and empties the box.
+void UnlistName(QComboBox& box, const QString& name);

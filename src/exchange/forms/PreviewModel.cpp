@@ -76,9 +76,13 @@ QVariant PreviewModel::data(const QModelIndex& index, int role) const {
     const QPalette palette = QApplication::palette();
     if (role == Qt::DisplayRole || role == Qt::ToolTipRole) {
         if (index.column() == ColumnNumber) return index.row() + 1;
-        if (index.column() == GoesTo) return ToQt(targets_[row].Words);
+        if (index.column() == GoesTo) {
+            const QString target = ToQt(targets_[row].Words);
+            return role == Qt::ToolTipRole ? PlainTip(target) : target;
+        }
         const std::vector<std::string>& cells = Line(index.column()).Cells;
-        return row < cells.size() ? ToQt(std::string_view(cells[row])) : QString();
+        const QString cell = row < cells.size() ? ToQt(std::string_view(cells[row])) : QString();
+        return role == Qt::ToolTipRole ? PlainTip(cell) : cell;
     }
     if (role == Qt::ForegroundRole) {
         if (fate == Fate::Wrong && index.column() == GoesTo) return WarningTone();

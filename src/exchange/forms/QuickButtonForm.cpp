@@ -105,7 +105,7 @@ void QuickButtonForm::MarkRow(std::size_t row, const RowResult& result) {
     imgSuccess[row]->setPixmap(Picture(picture).pixmap(20, 20));
     imgSuccess[row]->setAccessibleName(ToQt(Text(state)));
     if (result.Report) lblSST[row]->setText(ToQt(*result.Report));
-    for (QWidget* cell : {imgSuccess[row], lblSST[row]}) cell->setToolTip(ToQt(result.Note));
+    for (QWidget* cell : {imgSuccess[row], lblSST[row]}) cell->setToolTip(PlainTip(ToQt(result.Note)));
 }
 
 void QuickButtonForm::cmdOK_Click() {

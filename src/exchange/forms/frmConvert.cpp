@@ -1,7 +1,9 @@
 #include "exchange/forms/frmConvert.h"
 
+#include "core/Failure.h"
 #include "core/Globals.h"
 #include "core/Messages.h"
+#include "core/Operator.h"
 #include "core/Paths.h"
 #include "exchange/forms/DataDirectory.h"
 #include "exchange/forms/frmImport1.h"
@@ -13,7 +15,12 @@ frmConvert::frmConvert() {
 
 void frmConvert::Form_Load() {
     TraceEvent("frmConvert:Form_Load");
-    EnsureDataDirectory(Global.DataInPath, "DataIn", msg::DataInUnavailable);
+    try {
+        EnsureDataDirectory(Global.DataInPath, "DataIn", msg::DataInUnavailable);
+    } catch (const RunTimeFailure& failure) {
+        Tell(Lines(msg::FileError, Text::Path(std::string_view(failure.what()))), Icon::Stop);
+        return Unload();
+    }
     for (const std::string& name : FilesWithExtension(Global.DataInPath, "")) {
         filFiles->addItem(PathToQt(name));
     }

@@ -22,6 +22,7 @@ constexpr std::int32_t PreviewRecords = 20;
 frmExport1::frmExport1() {
     setupUi(this);
     PressOnEnter(*lstAvailable, *cmdAdd1);
+    PressOnEnter(*txtVal, *cmdVal);
     PressOnDelete(*lstSelected, *cmdRemove1);
     ShowCalc(false);
 }
@@ -125,7 +126,7 @@ bool frmExport1::SaveSettings() {
 void frmExport1::cmdDelSettings_Click() {
     TraceEvent("frmExport1:cmdDelSettings_Click");
     if (IsPlainFileName(TemplateName())) RemoveQuietly(TemplatePath());
-    UnlistName(*cboSettings);
+    UnlistName(*cboSettings, PathToQt(TemplateName()));
     cmdRemoveAll_Click();
 }
 
@@ -243,6 +244,7 @@ void frmExport1::cmdAdd1_Click() {
         Deselect(*lstAvailable, k);
     }
     ShowColumns(row);
+    lstAvailable->setFocus();
 }
 
 void frmExport1::cmdLiteral_Click() {
@@ -305,10 +307,13 @@ void frmExport1::cmdVal_Click() {
     if (pending) ShowCalc(false);
     txtVal->clear();
     ShowColumns(SelectedRow());
+    if (pending) lstAvailable->setFocus();
 }
 
 void frmExport1::cmdRemove1_Click() {
     TraceEvent("frmExport1:cmdRemove1_Click");
+    // Before the button is disabled: the focus would go on to the one that removes all.
+    lstSelected->setFocus();
     if (const auto row = SelectedRow()) columns_.Remove(*row);
     ShowColumns(std::nullopt);
 }
@@ -349,6 +354,8 @@ bool frmExport1::Export() {
         job.ExportFile = ExportPath(FromQt(txtExpFile->text().trimmed()), job.Delimiter);
         lblProgress->show();
         pgbProgress->show();
+        // Orders may have come in since the screen was opened: a sort of old copies would lose them.
+        book_ = OpenOrderBook(book_.HeaderFile, book_.LineFile);
         const auto result = RunExport(job, book_, *this, *lblProgress, *pgbProgress);
         if (!result || result->CouldNotOpen) return false;
         Tell(

@@ -109,6 +109,7 @@ void frmImport1::ListAvailable(TemplateKind kind) {
     available_ = AvailableFieldsOf(tableFile_);
     FillList(*lstAvailable, available_);
     ShowLabels(*lstAvailable, 1, TableFileOf(kind));
+    lstAvailable_Click();
 }
 
 /// Shows the data file; tells the operator and says no when it cannot be read.
@@ -168,8 +169,12 @@ void frmImport1::cboSettings_Click() {
         try {
             ListAvailable(*kind_);
         } catch (const RunTimeFailure& failure) {
-            Tell(Lines(msg::TablesUnreadable, Text::Path(std::string_view(failure.what()))), Icon::Stop);
-            return;
+            // The mapping that was here is another template's, and must not be saved under this name.
+            available_.clear();
+            lstAvailable->clear();
+            cmdRemoveAll_Click();
+            return Tell(Lines(msg::TablesUnreadable, Text::Path(std::string_view(failure.what()))),
+                        Icon::Stop);
         }
     }
     cmdRemoveAll_Click();
@@ -215,27 +220,36 @@ bool frmImport1::SaveSettings() {
     try {
         if (!IsPlainFileName(name)) throw RunTimeFailure(52, name);
         WriteImportTemplate(Global.ImportTemplates + file, content);
-        // A new template is compared from now on with the file that it was made for.
-        if (!RememberedHeadLines(Global.ImportTemplates + file))
-            RememberHeadLines(Global.ImportTemplates + file,
-                              ReadHeadLines(importFile_, StartLineNumber(content.StartLine)));
     } catch (const RunTimeFailure& failure) {
         Tell(Lines(msg::TemplateNotSaved, Text::Path(std::string_view(failure.what()))), Icon::Stop);
         return false;
     }
+    // A new template is compared from now on with the file that it was made for.
+    if (!RememberedHeadLines(Global.ImportTemplates + file)) RememberHead(file);
     ListName(*cboSettings, PathToQt(mode_ == Mode::EditTemplate ? file : name));
     return true;
 }
 
+/// Keeps the lines above the data beside a template. A data file that has gone stops nothing.
+void frmImport1::RememberHead(const std::string& templateFile) const {
+    try {
+        RememberHeadLines(Global.ImportTemplates + templateFile,
+                          ReadHeadLines(importFile_, UpDown1->value()));
+    } catch (const RunTimeFailure&) { // the next import has nothing to compare with
+    }
+}
+
 void frmImport1::cmdDelSettings_Click() {
     TraceEvent("frmImport1:cmdDelSettings_Click");
-    const std::string name = TemplateName();
-    if (kind_ && IsPlainFileName(name)) {
-        const std::string file = Global.ImportTemplates + TemplateFile(name);
-        RemoveQuietly(file);
-        ForgetHeadLines(file);
+    std::string name = TemplateName();
+    // In the list of both kinds any template can be named, also one that is not loaded.
+    const bool named = mode_ == Mode::EditTemplate && (TemplateKindOf(name) || !kind_);
+    if (!named) name = TemplateFile(name);
+    if (IsPlainFileName(name)) {
+        RemoveQuietly(Global.ImportTemplates + name);
+        ForgetHeadLines(Global.ImportTemplates + name);
     }
-    UnlistName(*cboSettings);
+    UnlistName(*cboSettings, PathToQt(mode_ == Mode::EditTemplate ? name : TemplateName()));
     cmdRemoveAll_Click();
 }
 
@@ -402,6 +416,7 @@ void frmImport1::cmdAdd1_Click() {
     }
     cmdLiteral->setEnabled(false);
     ShowMapping(row);
+    lstAvailable->setFocus();
 }
 
 void frmImport1::cmdAnd_Click() {
@@ -426,14 +441,17 @@ void frmImport1::cmdLiteral_Click() {
     }
     ShowMapping(SelectedRow());
     lstAvailable_Click();
+    lstAvailable->setFocus();
 }
 
 void frmImport1::cmdRemove1_Click() {
     TraceEvent("frmImport1:cmdRemove1_Click");
     const auto row = SelectedRow();
+    // Before the button is disabled: the focus would go on to the one that removes all.
+    (row ? lstSelected : lstLiteral)->setFocus();
     if (row) mapping_.RemoveSelected(*row);
     if (!lstLiteral->selectedItems().isEmpty())
-        mapping_.RemoveLiteral(static_cast<std::size_t>(lstLiteral->currentRow()));
+        mapping_.RemoveLiteral(static_cast<std::size_t>(SelectedRows(*lstLiteral).first()));
     ShowMapping(std::nullopt);
 }
 
@@ -514,9 +532,7 @@ void frmImport1::Import() {
 }
 
 void frmImport1::TellResult(const ImportJob& job, const ImportResult& result) {
-    if (!TemplateName().empty())
-        RememberHeadLines(Global.ImportTemplates + TemplateFile(TemplateName()),
-                          ReadHeadLines(importFile_, job.StartLine));
+    if (!TemplateName().empty()) RememberHead(TemplateFile(TemplateName()));
     if (auto* main = IfLoaded<frmMain1>()) main->RefreshRecordCounts();
     Text count = Words(Text::Value(result.LinesRead - result.LinesFailed), msg::Of,
                        Text::Value(result.LinesRead), msg::LinesImported);

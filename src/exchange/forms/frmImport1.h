@@ -65,6 +65,7 @@ private:
     std::string TemplateName() const;
     std::string TemplateFile(const std::string& name) const;
     bool SaveSettings();
+    void RememberHead(const std::string& templateFile) const;
 
     ::Delimiter Delimiter() const;
     void SetDelimiter(::Delimiter delimiter);
