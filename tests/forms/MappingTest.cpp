@@ -813,6 +813,33 @@ TEST_F(Mapping, ANameOfBlanksIsNone) {
     EXPECT_TRUE(Control(form, "cboSettings").hasFocus());
 }
 
+TEST_F(Mapping, ANewTemplateNeedsADataFile) {
+    auto& form = OpenToEdit(".cst");
+    Add(form, {QStringLiteral("C_CODE")});
+    Type(form, "cboSettings", QStringLiteral("Mine"));
+    Operator_.Expect(msg::NoDataFile).With(Icon::Warning);
+
+    Click(form, "cmdSaveSettings");
+
+    EXPECT_FALSE(Exists(Global.ImportTemplates + "Mine.cst"));
+}
+
+TEST_F(Mapping, AFileWhoseNameATemplateCannotKeepIsImportedWithoutOne) {
+    GivenData("\xC5\x82.csv", "1,Acme\n");
+    auto& form = OpenFor(QString::fromUtf8("\xC5\x82.csv"));
+    Add(form, {QStringLiteral("C_CODE")});
+    Type(form, "cboSettings", QStringLiteral("Mine"));
+    Operator_.ExpectBeginning(msg::NameNotKept).With(Icon::Warning);
+    Click(form, "cmdOK");
+    EXPECT_FALSE(Exists(Global.ImportTemplates + "Mine.cst"));
+
+    Type(form, "cboSettings", QString());
+    ExpectImported("1 of 1");
+    Click(form, "cmdOK");
+
+    EXPECT_EQ(Cell("ZUKCust", 1, "C_CODE"), "1");
+}
+
 TEST_F(Mapping, AnEmptyNameOrAnEmptyMappingSavesNothing) {
     auto& form = OpenToEdit(".cst");
     Select(form, "lstAvailable", {QStringLiteral("C_CODE")});

@@ -210,8 +210,18 @@ bool frmImport1::SaveSettings() {
         lstAvailable->setFocus();
         return false;
     }
+    const std::string_view dataFile = FileNameOf(importFile_);
+    if (dataFile.empty()) {
+        Tell(msg::NoDataFile, Icon::Warning);
+        cboSettings->setFocus();
+        return false;
+    }
     ImportTemplate content;
-    content.DataFile = PathToName(FileNameOf(importFile_));
+    content.DataFile = PathToName(dataFile);
+    if (NameToPath(content.DataFile) != dataFile) {
+        Tell(Words(msg::NameNotKept, Text::Path(dataFile)), Icon::Warning);
+        return false;
+    }
     content.Delimiter = Delimiter();
     content.StartLine = FromQt(UpDown1->cleanText());
     content.Fields = mapping_.Selected();
