@@ -250,7 +250,7 @@ void Import(std::string_view bytes) {
     const Delimiter delimiter = DelimiterOf(Choice(bytes));
     constexpr unsigned StartLines = 8;
     const auto startLine = static_cast<std::int32_t>(Choice(bytes) % StartLines + 1);
-    const Outside outside(bytes);
+    Outside outside(bytes);
     ImportJob job;
     job.ImportFile = outside.File;
     job.TableFile = CustomerTable();
@@ -267,6 +267,13 @@ void Import(std::string_view bytes) {
     Attempt([&] {
         if (const auto kept = RememberedHeadLines("/fuzz/t.cst"))
             Require(*kept == ReadHeadLines(job.ImportFile, startLine), "what is remembered is what was read");
+    });
+    outside.Disk.Put("/fuzz/old.cst.head", std::string(bytes));
+    Attempt([&] {
+        const auto old = RememberedHeadLines("/fuzz/old.cst");
+        if (!old || old->Lines.empty()) return;
+        RememberHeadLines("/fuzz/new.cst", *old);
+        Require(RememberedHeadLines("/fuzz/new.cst") == old, "what is kept again is as it was");
     });
     Attempt([&] {
         NoProgress silent;
