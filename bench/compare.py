@@ -331,8 +331,8 @@ def export_job(data, quick):
            f" | iconv -f UTF-8 -t CP1252 > {to('ogr')} && sync {to('ogr')}")
     sqlite = (bash("sqlite3", "-csv", "-header", data.database, SQLITE_EXPORT) +
               f" | iconv -f UTF-8 -t CP1252 > {to('sqlite')} && sync {to('sqlite')}")
-    awk = (f"LC_ALL=C awk -f {BENCH}/export.awk <(pgdbf {data.headers}) <(pgdbf {data.lines}) > {to('awk')} && "
-           f"sync {to('awk')}")
+    awk = (f"LC_ALL=C awk -f {bash(BENCH / 'export.awk')} <(pgdbf {data.headers}) <(pgdbf {data.lines}) > "
+           f"{to('awk')} && sync {to('awk')}")
     commands = [Command(OURS, [JOB, "export", data.orders, to("ours")], to("ours"), reads),
                 Command(C, [SHP, "export", data.headers, data.lines, to("shp")], to("shp"), reads),
                 Command("ogr2ogr", ogr, to("ogr"), reads),

@@ -23,7 +23,8 @@ public:
 
     /// The next line without its end. False at the end of the file, `line` then empty.
     /// RunTimeFailure 52 when another has closed this file's number, 57 from the disk, 6 for a line
-    /// longer than MaxLine: no text file that this program knows has one.
+    /// longer than MaxLine: no text file that this program knows has one. `line` then holds its
+    /// beginning, and the next call goes on inside it.
     bool ReadLine(std::string& line);
 
     /// The next line; RunTimeFailure 62 at the end of the file.

@@ -108,7 +108,9 @@ private:
     enum class Read { Line, TooLong, Failed, End };
 
     void SkipLines() {
-        for (std::int32_t k = 1; k < job_.StartLine; ++k) ReadLine();
+        for (std::int32_t k = 1; k < job_.StartLine;) {
+            if (ReadLine() != Read::Failed) ++k; // a line that could not be read comes again
+        }
     }
 
     /// A line that cannot be read fails for itself. When the next one cannot be read either, the

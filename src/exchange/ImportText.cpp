@@ -24,16 +24,13 @@ bool ImportReader::ReadLine(std::string& line) {
     const bool got = TakeLine(line);
     broken_ = false;
     if (!got) return false;
-    const bool first = passed_++ == 0;
-    if (tooLong_) {
-        line = beginning_;
-        throw RunTimeFailure(LineTooLong, path_ + ", line " + std::to_string(passed_));
-    }
-    if (first && line.starts_with(Utf8Mark)) {
+    if (tooLong_) line = beginning_;
+    if (passed_++ == 0 && line.starts_with(Utf8Mark)) {
         hasMark_ = true;
         line.erase(0, Utf8Mark.size());
     }
     if (utf8_ && HasHighBytes(line)) line = Utf8ToCodePage(line);
+    if (tooLong_) throw RunTimeFailure(LineTooLong, path_ + ", line " + std::to_string(passed_));
     return true;
 }
 
@@ -46,10 +43,7 @@ bool ImportReader::TakeLine(std::string& line) {
         } catch (const RunTimeFailure& failure) {
             // The file gives up inside the line and goes on from there.
             if (failure.Number() != LineTooLong) throw;
-            if (!tooLong_) {
-                beginning_ = line.substr(0, Beginning);
-                if (passed_ == 0) hasMark_ = line.starts_with(Utf8Mark);
-            }
+            if (!tooLong_) beginning_ = line.substr(0, Beginning);
             tooLong_ = true;
         }
     }

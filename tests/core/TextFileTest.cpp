@@ -87,6 +87,19 @@ TEST_F(TextFileTest, ALineOfAMegabyteIsReadAndALongerOneRefused) {
     EXPECT_NE(seen.Words.find("text.txt, line 2"), std::string::npos) << seen.Words;
 }
 
+TEST_F(TextFileTest, BehindTheEndOfALineThatIsRefusedReadingGoesOn) {
+    TextReader file(GivenFile("text.txt", std::string(TextReader::MaxLine + TextReader::MaxLine / 2, 'x') +
+                                              "\nbehind\n"));
+    std::string line;
+    EXPECT_EQ(FailureOf([&] { file.ReadLine(line); }).Number, 6);
+    EXPECT_TRUE(line.starts_with("xxx"));
+
+    EXPECT_TRUE(file.ReadLine(line));
+    EXPECT_EQ(line.find_first_not_of('x'), std::string::npos);
+    EXPECT_TRUE(file.ReadLine(line));
+    EXPECT_EQ(line, "behind");
+}
+
 TEST_F(TextFileTest, ReadingPastTheEndIsFailure62WhenALineIsRequired) {
     TextReader file(GivenFile("text.txt", "a\n"));
     EXPECT_FALSE(file.AtEnd());

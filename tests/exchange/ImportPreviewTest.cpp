@@ -81,6 +81,15 @@ TEST_F(ImportPreviewTest, AnEndlessLineIsCutAndHarmsNothing) {
     EXPECT_EQ(preview.Columns(Delimiter::Csv, 2).Data.at(0).Cells, (Cells{"A1", "Acme"}));
 }
 
+TEST_F(ImportPreviewTest, AnEndlessFirstLineIsShownWithoutTheMarkOfUtf8) {
+    const auto preview = Of("\xEF\xBB\xBF"
+                            "Caf\xC3\xA9" +
+                            std::string(3'000'000, 'x') + "\nCaf\xC3\xA9\n");
+
+    EXPECT_TRUE(preview.Lines().at(0).starts_with("Caf\xE9xxx"));
+    EXPECT_EQ(preview.Lines().at(1), "Caf\xE9");
+}
+
 TEST_F(ImportPreviewTest, AFileThatIsNotThereCannotBeShown) {
     EXPECT_EQ(FailureNumber([&] { ImportPreview(Folder() + "gone.csv"); }), 53);
 }

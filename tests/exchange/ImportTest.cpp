@@ -407,6 +407,31 @@ TEST_F(ImportTest, ReadThatFailsOnceFailsForItsPassOnly) {
     EXPECT_EQ(Codes().back(), "C19999");
 }
 
+TEST_F(ImportTest, ReadThatFailsOnceAboveTheDataMovesNoLine) {
+    std::string content;
+    for (int k = 1; k <= 20'000; ++k) content += "C" + std::to_string(k) + ",Name of this customer\n";
+    ImportJob job = Job(content, {"C_CODE", "C_NAME"});
+    job.StartLine = 15'001;
+    NoProgress nobody;
+    int imports = 0;
+    for (int read = 1; read < 20; ++read) {
+        UnreadableDisk disk(job.ImportFile, read, read);
+        Global.TheDisk = &disk;
+        try {
+            const ImportResult result = ImportDataFile(job, nobody);
+
+            ++imports;
+            EXPECT_EQ(result.LinesRead, 5'000) << read;
+        } catch (const RunTimeFailure&) { // before the run over the lines
+        }
+        Global.TheDisk = &NativeDisk();
+        if (imports == 0) continue;
+        EXPECT_EQ(Codes().front(), "C15001") << read;
+        EXPECT_EQ(Codes().back(), "C20000") << read;
+    }
+    EXPECT_GT(imports, 4);
+}
+
 TEST_F(ImportTest, FileThatCanNoLongerBeReadLeavesTheTableAsItWas) {
     std::string content;
     for (int k = 0; k < 20'000; ++k) content += "C" + std::to_string(k) + ",Name of this customer\n";
@@ -559,6 +584,19 @@ TEST_F(LostLinesTest, ALineThatIsTooLongIsListedByItsBeginning) {
     EXPECT_NE(list.find("\r\n2\tthe line is longer"), std::string::npos);
     EXPECT_NE(list.find("\txxxx"), std::string::npos);
     EXPECT_LT(list.size(), 5000U);
+}
+
+TEST_F(LostLinesTest, ALineThatIsTooLongIsListedInTheCodePageToo) {
+    std::string blocks;
+    for (int k = 0; k < 1'200'000; ++k) blocks += "\xC3\xA9";
+
+    const ImportResult result = Import("\xEF\xBB\xBF"
+                                       "A1,Acme\nCaf\xC3\xA9" +
+                                           blocks + "\nC3,Caf\xC3\xA9\n",
+                                       {"C_CODE", "C_NAME"});
+
+    EXPECT_EQ(result.LinesFailed, 1);
+    EXPECT_NE(ReadWholeFile(List()).find("\tCaf\xE9\xE9\xE9"), std::string::npos);
 }
 
 TEST_F(LostLinesTest, AListOfAnEarlierRunGoesWhenNoLineIsLost) {

@@ -18,6 +18,7 @@
 #include "store/CreateTable.h"
 #include "store/DBFEdit.h"
 #include "store/TableCatalogue.h"
+#include "store/TableReader.h"
 #include "store/TableRewrite.h"
 #include "store/TableScan.h"
 
@@ -120,13 +121,30 @@ TableRead StepThrough(const std::string& path) {
     });
 }
 
+/// Any record at any time, here from the last one back, as a grid does that is scrolled up.
+TableRead LookBackward(const std::string& path) {
+    return Reading([&](TableRead& read) {
+        TableReader reader(path);
+        const int fields = reader.Layout().FieldCount() + 1;
+        read.Cells.resize(static_cast<std::size_t>(reader.RecordCount()) * static_cast<std::size_t>(fields));
+        std::size_t at = read.Cells.size();
+        for (std::int32_t record = reader.RecordCount(); record > 0; --record) {
+            for (int field = fields - 1; field >= 0; --field)
+                read.Cells[--at] = reader.Layout().Get(field, reader.Record(record));
+        }
+    });
+}
+
 /// Every road to a table's records shows the same ones.
 void Tables(std::string_view bytes) {
     const Outside outside(bytes);
     const TableRead forward = ScanForward(outside.File);
     const TableRead steps = StepThrough(outside.File);
+    const TableRead backward = LookBackward(outside.File);
     Require(forward.Opened == steps.Opened, "a table that can be scanned can be edited");
     Require(forward.Cells == steps.Cells, "a scan shows what the steps show");
+    Require(backward.Opened == steps.Opened, "a table that can be edited can be looked at");
+    Require(backward.Cells == steps.Cells, "a grid shows what the steps show");
     Require(outside.Disk.Content(outside.File) == bytes, "reading changes nothing");
 }
 
@@ -232,7 +250,7 @@ void Import(std::string_view bytes) {
     const Delimiter delimiter = DelimiterOf(Choice(bytes));
     constexpr unsigned StartLines = 8;
     const auto startLine = static_cast<std::int32_t>(Choice(bytes) % StartLines + 1);
-    const Outside outside(bytes);
+    Outside outside(bytes);
     ImportJob job;
     job.ImportFile = outside.File;
     job.TableFile = CustomerTable();
@@ -249,6 +267,13 @@ void Import(std::string_view bytes) {
     Attempt([&] {
         if (const auto kept = RememberedHeadLines("/fuzz/t.cst"))
             Require(*kept == ReadHeadLines(job.ImportFile, startLine), "what is remembered is what was read");
+    });
+    outside.Disk.Put("/fuzz/old.cst.head", std::string(bytes));
+    Attempt([&] {
+        const auto old = RememberedHeadLines("/fuzz/old.cst");
+        if (!old || old->Lines.empty()) return;
+        RememberHeadLines("/fuzz/new.cst", *old);
+        Require(RememberedHeadLines("/fuzz/new.cst") == old, "what is kept again is as it was");
     });
     Attempt([&] {
         NoProgress silent;

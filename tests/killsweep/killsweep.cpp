@@ -29,6 +29,8 @@ public:
         std::string name = (Base() / "killsweep-XXXXXX").string();
         if (::mkdtemp(name.data()) == nullptr) throw RunTimeFailure(75, name);
         root_ = fs::canonical(name).string() + "/";
+        // A list of libraries is parted by blanks and colons, which the path of a build may hold.
+        fs::create_symlink(KILLSWEEP_LIBRARY, Library());
         LayOutOffice(TRAMBLE_INSTALLED, Office());
         // The pictures take no part in any job.
         fs::remove_all(Office() + "Install/Graphics");
@@ -43,10 +45,12 @@ public:
 
     std::string Office() const { return root_ + "office/"; }
     SweepTools Tools() const {
-        return {fs::canonical("/proc/self/exe").string(), KILLSWEEP_LIBRARY, Office(), root_ + "log/"};
+        return {fs::canonical("/proc/self/exe").string(), Library(), Office(), root_ + "log/"};
     }
 
 private:
+    std::string Library() const { return root_ + "faults.so"; }
+
     /// Memory where there is enough of it: the sweep writes the same few files over and over.
     static fs::path Base() {
         constexpr std::uintmax_t Enough = std::uintmax_t{64} << 20;
