@@ -9,6 +9,7 @@ namespace {
 
 constexpr std::size_t DataLines = 3;
 constexpr std::size_t LongestLine = 2000; ///< characters that are shown of a line
+constexpr std::size_t LongestCell = 200;  ///< and of a cell
 constexpr std::size_t MostColumns = 2000; ///< more than any table has fields
 
 bool BeginsWithDigit(const std::string& cell) {
@@ -28,7 +29,7 @@ PreviewLine Split(const std::string& line, std::int64_t number, Delimiter delimi
     splitter.Split(line);
     PreviewLine split{number, {}};
     const std::size_t columns = std::min(splitter.ColumnCount(), MostColumns);
-    for (std::size_t k = 1; k <= columns; ++k) split.Cells.push_back(splitter.Cell(k));
+    for (std::size_t k = 1; k <= columns; ++k) split.Cells.push_back(splitter.Cell(k).substr(0, LongestCell));
     return split;
 }
 

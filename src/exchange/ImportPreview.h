@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
-/// A line of a data file, split as the import splits it. The last column of a "CSV Quotes" line keeps
-/// its quotes, as it does there.
+/// A line of a data file, split as the import splits it, long cells cut. The last column of a "CSV Quotes"
+/// line keeps its quotes, as it does there.
 struct PreviewLine {
     std::int64_t Number = 0; ///< in the file, from 1
     std::vector<std::string> Cells;

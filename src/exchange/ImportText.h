@@ -29,8 +29,8 @@ public:
 
     /// The next line without its end and without a mark of UTF-8; false at the end of the file.
     /// RunTimeFailure 6 for a line longer than TextReader::MaxLine, of which `line` then holds the
-    /// beginning in the same form, and which is passed: the next call goes on behind it. Otherwise as TextReader; the next
-    /// call then opens the file anew and tries the same line again.
+    /// beginning in the same form, and which is passed: the next call goes on behind it. Otherwise as
+    /// TextReader; the next call then opens the file anew and tries the same line again.
     bool ReadLine(std::string& line);
 
     /// The number, from 1, of the line that was read last, also of one that could not be handed on.
