@@ -1,9 +1,11 @@
 #include "maintenance/Office.h"
 
+#include "core/Directories.h"
 #include "core/Failure.h"
 #include "core/Globals.h"
 #include "core/Paths.h"
 #include "core/SafeFile.h"
+#include "store/OfficeTables.h"
 #include "store/TableCatalogue.h"
 #include "store/TableRewrite.h"
 #include "store/TableScan.h"
@@ -93,4 +95,21 @@ std::string ApplicationDirectory(std::string_view programFolder, std::string_vie
     const std::string app = AddBackslash(AddBackslash(userDataFolder) + "ZUKTramble");
     LayOutOffice(own, app);
     return app;
+}
+
+bool PrepareOffice(const std::function<void()>& downloadSelectionMissing) {
+    SetTablesAndInstall();
+    if (!FileExists(Global.InstallPath + "ZUKOrHdr.dbf")) return false;
+    SetGraphics();
+    Global.CompanyName = ReadCompanyName();
+    SetImagesAndTotals();
+    CopyNotes();
+    MakeEmptyTwins();
+    SetDataIn();
+    SetDataOutBackupTemplates();
+    TemplatePass(downloadSelectionMissing);
+    SetUpdates();
+    RemoveStrays();
+    MoveNewBitmaps();
+    return true;
 }

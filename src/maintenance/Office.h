@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -17,3 +18,9 @@ void LayOutOffice(std::string_view installedSet, std::string_view office);
 /// laid out at its first use from the installed set beside the program. With a trailing separator.
 /// RunTimeFailure as LayOutOffice.
 std::string ApplicationDirectory(std::string_view programFolder, std::string_view userDataFolder);
+
+/// The start's work on the files of the office in `Global.AppPath`, once its settings are read, in
+/// its order: sets and makes its folders, remakes what is remade at each start, and clears what a
+/// killed run left. `downloadSelectionMissing` as TemplatePass. False when its tables are missing;
+/// nothing was made then. RunTimeFailure as the routines of core/Directories.h.
+bool PrepareOffice(const std::function<void()>& downloadSelectionMissing);

@@ -16,6 +16,7 @@
 #include "exchange/LostLines.h"
 #include "exchange/OrderCheck.h"
 #include "maintenance/Backup.h"
+#include "maintenance/Office.h"
 #include "maintenance/Totals.h"
 #include "store/DBFEdit.h"
 #include "store/OfficeTables.h"
@@ -462,18 +463,7 @@ void OpenOffice(const std::string& folder) {
 void StartOffice(const std::string& folder) {
     BeginOffice(folder);
     GetIniFile();
-    SetTablesAndInstall();
-    SetGraphics();
-    Global.CompanyName = ReadCompanyName();
-    SetImagesAndTotals();
-    CopyNotes();
-    MakeEmptyTwins();
-    SetDataIn();
-    SetDataOutBackupTemplates();
-    TemplatePass([] {});
-    SetUpdates();
-    RemoveStrays();
-    MoveNewBitmaps();
+    if (!PrepareOffice([] {})) throw RunTimeFailure(53, "tables");
     GetPCTotals();
     GetHHStatus();
     if (!Global.PurgeBackup) return;

@@ -13,6 +13,7 @@
 #include "exchange/forms/frmQBExport.h"
 #include "exchange/forms/frmQBImport.h"
 #include "maintenance/Backup.h"
+#include "maintenance/Office.h"
 #include "maintenance/Totals.h"
 #include "platform/Convert.h"
 #include "platform/Look.h"
@@ -119,19 +120,8 @@ void frmMain1::StartUp() {
         if (failure.Number() == 13 || failure.Number() == 6) throw;
         return StopStart(Lines(msg::ConfigurationError, Text::Path(std::string_view(failure.what()))));
     }
-    SetTablesAndInstall();
-    if (!FileExists(Global.InstallPath + "ZUKOrHdr.dbf")) return StopStart(msg::TablesMissing);
-    SetGraphics();
-    Global.CompanyName = ReadCompanyName();
-    SetImagesAndTotals();
-    CopyNotes();
-    MakeEmptyTwins();
-    SetDataIn();
-    SetDataOutBackupTemplates();
-    TemplatePass([] { Tell(msg::DownloadSelectionMissing, Icon::Information); });
-    SetUpdates();
-    RemoveStrays();
-    MoveNewBitmaps();
+    if (!PrepareOffice([] { Tell(msg::DownloadSelectionMissing, Icon::Information); }))
+        return StopStart(msg::TablesMissing);
     LoadIcons();
     SetUpTotalsGrid();
     GetPCTotals();
