@@ -4,7 +4,6 @@
 #include "Jobs.h"
 
 #include "core/Globals.h"
-#include "core/TextCompare.h"
 #include "core/Trace.h"
 #include "exchange/OrderCheck.h"
 #include "maintenance/Totals.h"
@@ -12,11 +11,7 @@
 #include "store/TableScan.h"
 #include "views/TableViews.h"
 
-#include <algorithm>
 #include <benchmark/benchmark.h>
-#include <string>
-#include <utility>
-#include <vector>
 
 namespace {
 
@@ -65,22 +60,6 @@ void ScanOrderLines(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 BENCHMARK(ScanOrderLines)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
-
-/// What a table on the screen does when its column is sorted.
-void SortTexts(benchmark::State& state) {
-    std::vector<std::string> texts;
-    for (std::int64_t k = 0; k < state.range(0); ++k)
-        texts.push_back("Caf\xE9 Company " + std::to_string(k * 618'033'989 % state.range(0)) + ", Ltd");
-    for (auto _ : state) {
-        std::vector<std::pair<std::string, std::size_t>> keyed;
-        keyed.reserve(texts.size());
-        for (std::size_t k = 0; k < texts.size(); ++k) keyed.emplace_back(SortKey(texts[k]), k);
-        std::sort(keyed.begin(), keyed.end());
-        benchmark::DoNotOptimize(keyed.data());
-    }
-    state.SetItemsProcessed(state.iterations() * state.range(0));
-}
-BENCHMARK(SortTexts)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
 
 void TotalsEvent(benchmark::State& state) {
     const BenchOffice office;

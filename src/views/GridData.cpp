@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <limits>
 #include <numeric>
+#include <utility>
 
 namespace {
 
@@ -29,10 +30,9 @@ class KeyedOrder {
 public:
     explicit KeyedOrder(std::int32_t count) { keys_.reserve(static_cast<std::size_t>(count)); }
 
-    void Add(Key key) { keys_.push_back(key); }
+    void Add(Key key) { keys_.push_back(std::move(key)); }
 
-    template <typename Less>
-    std::vector<std::int32_t> Sorted(bool descending, Less&& less) const {
+    std::vector<std::int32_t> Sorted(bool descending) const {
         std::vector<std::int32_t> order(keys_.size());
         std::iota(order.begin(), order.end(), 1);
         const auto key = [&](std::int32_t record) -> const Key& {
@@ -40,22 +40,16 @@ public:
         };
         if (descending) {
             std::stable_sort(order.begin(), order.end(),
-                             [&](std::int32_t a, std::int32_t b) { return less(key(b), key(a)); });
+                             [&](std::int32_t a, std::int32_t b) { return key(b) < key(a); });
         } else {
             std::stable_sort(order.begin(), order.end(),
-                             [&](std::int32_t a, std::int32_t b) { return less(key(a), key(b)); });
+                             [&](std::int32_t a, std::int32_t b) { return key(a) < key(b); });
         }
         return order;
     }
 
 private:
     std::vector<Key> keys_;
-};
-
-/// A text in the one long string that holds the texts of all records.
-struct Piece {
-    std::size_t At;
-    std::size_t Size;
 };
 
 } // namespace
@@ -100,26 +94,19 @@ void GridData::Sort(int column, bool descending) {
     case SortKind::Number: {
         KeyedOrder<double> keys(count);
         ForEach(column, [&](std::int32_t, std::string_view raw) { keys.Add(ToNumber(raw)); });
-        order_ = keys.Sorted(descending, std::less<>());
+        order_ = keys.Sorted(descending);
         break;
     }
     case SortKind::Date: {
         KeyedOrder<std::int64_t> keys(count);
         ForEach(column, [&](std::int32_t, std::string_view raw) { keys.Add(DateKey(raw)); });
-        order_ = keys.Sorted(descending, std::less<>());
+        order_ = keys.Sorted(descending);
         break;
     }
     case SortKind::Text: {
-        std::string all;
-        KeyedOrder<Piece> keys(count);
-        ForEach(column, [&](std::int32_t, std::string_view raw) {
-            keys.Add({all.size(), raw.size()});
-            all += raw;
-        });
-        const std::string_view text = all;
-        order_ = keys.Sorted(descending, [text](const Piece& a, const Piece& b) {
-            return TextCompare(text.substr(a.At, a.Size), text.substr(b.At, b.Size)) < 0;
-        });
+        KeyedOrder<std::string> keys(count);
+        ForEach(column, [&](std::int32_t, std::string_view raw) { keys.Add(SortKey(raw)); });
+        order_ = keys.Sorted(descending);
         break;
     }
     }

@@ -53,6 +53,16 @@ protected:
         return Open<frmImport1>();
     }
 
+    /// The same, with a template of items chosen and a name for a copy of it typed.
+    frmImport1& OpenToCopyItems() {
+        GivenData("i.csv", "I1,Nail\n");
+        GivenTemplate("A.itm", "i.csv", {"I_ITEMCODE"});
+        auto& form = OpenToEdit();
+        Choose(form, "cboSettings", QStringLiteral("A.itm"));
+        Type(form, "cboSettings", QStringLiteral("Copy"));
+        return form;
+    }
+
     static void Add(FormBehaviour& form, const QStringList& fields) {
         for (const QString& field : fields) {
             Select(form, "lstAvailable", {field});
@@ -741,11 +751,7 @@ TEST_F(Mapping, YesAtTheQuestionImportsByTheTemplate) {
 }
 
 TEST_F(Mapping, ANewNameInTheListOfBothKindsIsListedWithItsExtension) {
-    GivenData("i.csv", "I1,Nail\n");
-    GivenTemplate("A.itm", "i.csv", {"I_ITEMCODE"});
-    auto& form = OpenToEdit();
-    Choose(form, "cboSettings", QStringLiteral("A.itm"));
-    Type(form, "cboSettings", QStringLiteral("Copy"));
+    auto& form = OpenToCopyItems();
 
     Click(form, "cmdSaveSettings");
 
@@ -754,11 +760,7 @@ TEST_F(Mapping, ANewNameInTheListOfBothKindsIsListedWithItsExtension) {
 }
 
 TEST_F(Mapping, ANewNameInTheListOfBothKindsCanBeDeletedAgain) {
-    GivenData("i.csv", "I1,Nail\n");
-    GivenTemplate("A.itm", "i.csv", {"I_ITEMCODE"});
-    auto& form = OpenToEdit();
-    Choose(form, "cboSettings", QStringLiteral("A.itm"));
-    Type(form, "cboSettings", QStringLiteral("Copy"));
+    auto& form = OpenToCopyItems();
     Click(form, "cmdSaveSettings");
 
     Click(form, "cmdDelSettings");
