@@ -112,6 +112,17 @@ struct Globals {
     std::vector<std::string> HHSyncID{""}, HHStatus{""}, HHStatusStd{""};
     std::vector<std::string> HHStatusInst{""}, HHStatusDT{""}, HHStatusType{""};
 
+    // Quality Check; see quality/forms/QualityCheck.h.
+    bool QCCheckAll = false;       ///< several checks run as one: none of them shows a result
+    bool QCAutoRun = false;        ///< the Configurator checks everything as soon as it has loaded
+    bool QCWaiting = false;        ///< a caller waits for the end of the run
+    bool QCFatalFound = false;     ///< a problem blocks a download
+    bool QCHotsyncPending = false; ///< an unattended HotSync is being started
+    bool QCViewMode = false;       ///< a screen is open on behalf of the report
+    std::string QCViewRecords;     ///< then: numbers of the faulty records, or the name of one template
+    std::string QCViewField;       ///< the field that is faulty in them
+    std::string QCViewSeverity;    ///< "Fatal" or "Warn"
+
     // Flags by which forms talk to each other.
     bool MessageAnswer = false;
     bool TemplateEditMode = false; ///< a screen is opened to keep its templates, and not to do its work
@@ -119,6 +130,10 @@ struct Globals {
     std::array<bool, ProgressFlags> Progress{};
     std::array<bool, ViewFlags> View{}; ///< the table that is shown; see views/TableViews.h
     std::int32_t SelectedRow = 0;       ///< number of the record that is chosen in it; 0 none
+    bool FromConfigurator = false;      ///< a screen is open on behalf of the Configurator, and returns there
+    std::int32_t LinkRecordToShow = 0;  ///< record of the Links table that its editor opens at; 0 the first
+    std::string NewHSUser;              ///< HotSync user that the operator chose to add
+    bool ManualUploadActive = false;    ///< a screen waits for the handheld in the cradle
     bool UnloadingForms = false;
     bool TemporaryDirectory = false; ///< "ZUKTemp" was made and is removed by UnloadForms
 };
