@@ -42,7 +42,7 @@ struct Current {
     /// Nothing when the table in the file has fewer fields than it should.
     std::optional<std::string_view> Value(const FieldPlace& place) const {
         const bool ofLine = place.Of == FieldPlace::Table::Line;
-        const OrderTable& table = ofLine ? Tables.FGLin : Tables.FGHdr;
+        const MemoryTable& table = ofLine ? Tables.FGLin : Tables.FGHdr;
         if (place.Of == FieldPlace::Table::None || place.Position > table.FieldCount()) return std::nullopt;
         return table.Cell(ofLine ? Line : Header, place.Position);
     }
@@ -218,7 +218,7 @@ private:
 /// Finds an order's header: the first record whose first field is the code, case not regarded.
 class HeaderIndex {
 public:
-    explicit HeaderIndex(const OrderTable& headers) {
+    explicit HeaderIndex(const MemoryTable& headers) {
         first_.reserve(static_cast<std::size_t>(headers.RecordCount()));
         for (std::int32_t k = 1; k <= headers.RecordCount(); ++k) {
             first_.try_emplace(FoldCase(headers.CellOrEmpty(k, 1)), k);

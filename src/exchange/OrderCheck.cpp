@@ -19,7 +19,7 @@ constexpr int L_KEY = 6;     ///< position in ZUKORLIN
 using Records = std::vector<std::int32_t>;
 
 /// Empties a table and writes records of its copy, with the trace lines of those steps.
-void Refill(const std::string& path, OrderTable& copy, const Records& records) {
+void Refill(const std::string& path, MemoryTable& copy, const Records& records) {
     TraceEvent("DBFEdit:FileOpen " + path);
     TableRewrite table(path);
     TraceEvent("DBFEdit:ReIndex " + path);
@@ -28,10 +28,10 @@ void Refill(const std::string& path, OrderTable& copy, const Records& records) {
     for (const std::int32_t record : records) table.Append(copy.Record(record));
     TraceEvent("DBFEdit:FileClose");
     table.Commit();
-    LoadOrderTable(copy, path);
+    LoadTable(copy, path);
 }
 
-void SortTable(const std::string& path, OrderTable& copy, int key) {
+void SortTable(const std::string& path, MemoryTable& copy, int key) {
     std::vector<std::pair<std::string, std::int32_t>> keyed;
     keyed.reserve(static_cast<std::size_t>(copy.RecordCount()));
     for (std::int32_t record = 1; record <= copy.RecordCount(); ++record)
@@ -49,7 +49,7 @@ public:
     explicit Check(const RepeatQuestions& questions) : questions_(questions) {}
 
     /// Removes the repeats of a table, if there are any and the operator agrees.
-    void RemoveRepeats(const std::string& path, OrderTable& copy, int key) {
+    void RemoveRepeats(const std::string& path, MemoryTable& copy, int key) {
         Records kept;
         std::string_view lastKey;
         for (std::int32_t record = 1; record <= copy.RecordCount(); ++record) {
@@ -61,7 +61,7 @@ public:
         }
         if (!deletePending_) return;
         // The question may have waited for long: what was uploaded meanwhile is not in the copy.
-        if (LoadOrderTable(path) != copy) throw RunTimeFailure(75, path);
+        if (LoadTable(path) != copy) throw RunTimeFailure(75, path);
         Refill(path, copy, kept);
     }
 

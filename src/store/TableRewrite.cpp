@@ -124,7 +124,7 @@ void ShiftDown(std::string_view path, std::span<const std::string> first) {
     while (scan.Next()) {
         rewrite.AppendRaw(scan.Flag(), scan.Record());
         writeFields();
-        above = scan.Record().substr(0, fieldBytes);
+        above = scan.Fields();
     }
     rewrite.Append();
     writeFields();

@@ -44,6 +44,10 @@ public:
     bool Deleted() const { return flag_ == TableLayout::Deleted; }
     /// All bytes behind the flag: the fields, and what lies behind the last one.
     std::string_view Record() const { return fields_; }
+    /// The bytes of the fields alone.
+    std::string_view Fields() const {
+        return fields_.substr(0, static_cast<std::size_t>(layout_.FieldBytes()));
+    }
     /// Padding kept; empty for field 0. RunTimeFailure 9 outside 0 to FieldCount().
     std::string_view Field(int field) const { return layout_.Get(field, fields_); }
     /// Blanks cut at both ends.

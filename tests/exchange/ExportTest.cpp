@@ -13,9 +13,9 @@ namespace {
 using Rows = std::vector<std::string>;
 
 /// A table of one field, which is the order code in either order table.
-OrderTable OneField() {
+MemoryTable OneField() {
     constexpr std::array Lengths{12};
-    return OrderTable(Lengths);
+    return MemoryTable(Lengths);
 }
 
 std::string Padded(std::string text) {
@@ -384,7 +384,7 @@ TEST_F(ExportTest, FileNameWithoutExtensionTakesThatOfItsDelimiter) {
 }
 
 TEST_F(ExportTest, RecordOfAnotherLengthIsNotAdded) {
-    OrderTable table = OneField();
+    MemoryTable table = OneField();
 
     EXPECT_EQ(FailureNumber([&] { table.Add("A1"); }), 5);
 

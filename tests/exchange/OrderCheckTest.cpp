@@ -129,7 +129,7 @@ TEST_F(OrderCheckTest, SortedTableHasTheBytesOfTheSortStepByStep) {
         const std::string path = PathOf("ZUKORHDR");
         const std::string before = Bytes(path);
 
-        const OrderTable copy = LoadOrderTable(path);
+        const MemoryTable copy = LoadTable(path);
         std::vector<std::int32_t> order;
         for (std::int32_t k = 1; k <= copy.RecordCount(); ++k) {
             // Put in behind all that do not come after it.

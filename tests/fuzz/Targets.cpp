@@ -345,7 +345,7 @@ OrderTables SomeOrders() {
     const auto table = [](std::string_view name, std::vector<std::vector<std::string>> rows) {
         constexpr int Width = 8;
         const std::vector<int> lengths(FindTable(name)->Fields.size(), Width);
-        OrderTable orders(lengths);
+        MemoryTable orders(lengths);
         for (std::vector<std::string>& row : rows) {
             row.resize(lengths.size(), "12.5");
             std::string fields;

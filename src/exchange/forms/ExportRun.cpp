@@ -31,7 +31,7 @@ std::optional<ExportResult> RunExport(const ExportJob& job, OrderBook& book, For
                                       QLabel& label, QProgressBar& bar) {
     PrepareOrders(job, book, OrderQuestions());
     const bool byLine = HasLineFields(job.Columns);
-    const OrderTable& walked = byLine ? book.Tables.FGLin : book.Tables.FGHdr;
+    const MemoryTable& walked = byLine ? book.Tables.FGLin : book.Tables.FGHdr;
     BarProgress progress(&label, bar);
     progress.Begin(Words(msg::ConvertingTable, byLine ? msg::LineTable : msg::HeaderTable),
                    std::int64_t{walked.RecordCount()} + 2);
