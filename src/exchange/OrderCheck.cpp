@@ -2,45 +2,21 @@
 
 #include "core/Failure.h"
 #include "core/TextCompare.h"
-#include "core/Trace.h"
-#include "store/TableRewrite.h"
+#include "store/SortTables.h"
 
-#include <algorithm>
 #include <string>
+#include <string_view>
 #include <utility>
-#include <vector>
 
 namespace {
 
 constexpr int H_ORDCODE = 1; ///< position in ZUKORHDR
 constexpr int L_KEY = 6;     ///< position in ZUKORLIN
 
-/// Numbers of records, in the order in which they are to stand in the table.
-using Records = std::vector<std::int32_t>;
-
-/// Empties a table and writes records of its copy, with the trace lines of those steps.
-void Refill(const std::string& path, MemoryTable& copy, const Records& records) {
-    TraceEvent("DBFEdit:FileOpen " + path);
-    TableRewrite table(path);
-    TraceEvent("DBFEdit:ReIndex " + path);
-    TraceEvent("DBFEdit:FileClose");
-    TraceEvent("DBFEdit:FileOpen " + path);
-    for (const std::int32_t record : records) table.Append(copy.Record(record));
-    TraceEvent("DBFEdit:FileClose");
-    table.Commit();
+/// Writes records of a table's copy in the place of all that it holds, and fills the copy again.
+void Refill(const std::string& path, MemoryTable& copy, const RecordOrder& records) {
+    RefillTable(path, copy, records);
     LoadTable(copy, path);
-}
-
-void SortTable(const std::string& path, MemoryTable& copy, int key) {
-    std::vector<std::pair<std::string, std::int32_t>> keyed;
-    keyed.reserve(static_cast<std::size_t>(copy.RecordCount()));
-    for (std::int32_t record = 1; record <= copy.RecordCount(); ++record)
-        keyed.emplace_back(SortKey(copy.CellOrEmpty(record, key)), record);
-    std::sort(keyed.begin(), keyed.end()); // equal keys by their records' numbers
-    Records records;
-    records.reserve(keyed.size());
-    for (const auto& [text, record] : keyed) records.push_back(record);
-    Refill(path, copy, records);
 }
 
 /// One check over both tables: a Yes holds for what follows.
@@ -50,7 +26,7 @@ public:
 
     /// Removes the repeats of a table, if there are any and the operator agrees.
     void RemoveRepeats(const std::string& path, MemoryTable& copy, int key) {
-        Records kept;
+        RecordOrder kept;
         std::string_view lastKey;
         for (std::int32_t record = 1; record <= copy.RecordCount(); ++record) {
             const std::string_view own = copy.CellOrEmpty(record, key);
@@ -88,11 +64,11 @@ OrderBook OpenOrderBook(std::string headerFile, std::string lineFile) {
 }
 
 void SortOrHdrFile(OrderBook& book) {
-    SortTable(book.HeaderFile, book.Tables.FGHdr, H_ORDCODE);
+    Refill(book.HeaderFile, book.Tables.FGHdr, SortedByKey(book.Tables.FGHdr, H_ORDCODE));
 }
 
 void SortOrLinFile(OrderBook& book) {
-    SortTable(book.LineFile, book.Tables.FGLin, L_KEY);
+    Refill(book.LineFile, book.Tables.FGLin, SortedByKey(book.Tables.FGLin, L_KEY));
 }
 
 void QualityCheckOrders(OrderBook& book, const RepeatQuestions& questions) {
