@@ -196,6 +196,22 @@ std::string FoldCase(std::string_view text) {
     return UpperCase(text);
 }
 
+bool IsKeyCharacter(char c) {
+    static const std::array<bool, 256> known = [] {
+        std::array<bool, 256> table{};
+        for (int code = 0; code < 256; ++code) {
+            const char letter = static_cast<char>(code);
+            const std::string_view text(&letter, 1);
+            const auto liesIn = [&](std::string_view first, std::string_view last) {
+                return TextCompare(text, first) >= 0 && TextCompare(text, last) <= 0;
+            };
+            table[static_cast<std::size_t>(code)] = liesIn("0", "9") || liesIn("A", "Z");
+        }
+        return table;
+    }();
+    return known[static_cast<unsigned char>(c)];
+}
+
 bool BeginsWith(std::string_view text, std::string_view prefix) {
     return text.size() >= prefix.size() && SameText(text.substr(0, prefix.size()), prefix);
 }

@@ -34,6 +34,9 @@ std::string FoldCase(std::string_view text);
 /// True if `text` starts with `prefix`; every text starts with the empty one.
 bool BeginsWith(std::string_view text, std::string_view prefix);
 
+/// Whether the handheld's searches know a character: it lies from "0" to "9" or from "A" to "Z".
+bool IsKeyCharacter(char c);
+
 /// Position, from 0, of the first `part` that starts at `from` or behind; npos if there is none.
 /// An empty part is found at `from`, unless that lies behind the end of the text.
 std::size_t FindText(std::string_view text, std::string_view part, std::size_t from = 0);

@@ -15,17 +15,21 @@ constexpr std::string_view None = "None";
 ActivityRow RowOf(std::string_view line) {
     ActivityRow row;
     row.Label = Trim(line.substr(0, LabelWidth));
-    if (line.size() < LabelWidth) return row;
-    // The value begins with the label's last column, which is a blank.
-    const std::string_view rest = line.substr(LabelWidth - 1);
-    const std::string_view value = Trim(rest.substr(0, rest.find(';')));
-    if (value.empty() || SameText(value, None)) return row;
-    if (!IsPlainFileName(value)) throw RunTimeFailure(52, CodePageToUtf8(value));
-    row.Template = value;
+    row.Template = ActivityValue(line);
+    if (!row.Template.empty() && !IsPlainFileName(row.Template))
+        throw RunTimeFailure(52, CodePageToUtf8(row.Template));
     return row;
 }
 
 } // namespace
+
+std::string ActivityValue(std::string_view line) {
+    if (line.size() < LabelWidth) return {};
+    // The value begins with the label's last column, which is a blank.
+    const std::string_view rest = line.substr(LabelWidth - 1);
+    const std::string_view value = Trim(rest.substr(0, rest.find(';')));
+    return SameText(value, None) ? std::string() : std::string(value);
+}
 
 Activity ReadActivity(std::string_view path) {
     TextReader file(path, TextReader::OwnFile);

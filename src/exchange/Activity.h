@@ -21,6 +21,9 @@ struct Activity {
     std::array<ActivityRow, 2> Rows;
 };
 
+/// The template that a line of an activity file names, as it stands there; empty for "None".
+std::string ActivityValue(std::string_view line);
+
 /// Reads an activity file. RunTimeFailure as TextReader, 62 when it has fewer than two lines, 52 for
 /// a template that is not a plain file name.
 Activity ReadActivity(std::string_view path);

@@ -1,0 +1,44 @@
+#include "quality/Problems.h"
+
+#include "core/Globals.h"
+#include "core/Messages.h"
+
+#include <algorithm>
+#include <utility>
+
+Text SeverityText(Severity severity) {
+    return severity == Severity::Fatal ? msg::Fatal : msg::Warn;
+}
+
+std::string_view SeverityName(Severity severity) {
+    return severity == Severity::Fatal ? "Fatal" : "Warn";
+}
+
+bool IsTemplateTarget(std::string_view target) {
+    using namespace TemplateTarget;
+    for (const std::string_view word : {Download, Upload, Import, Export, QuickButtons, Unattended}) {
+        if (target == word) return true;
+    }
+    return false;
+}
+
+std::vector<std::string> SplitList(std::string_view list) {
+    std::vector<std::string> entries;
+    while (!list.empty()) {
+        const std::size_t end = std::min(list.find(ListSeparator), list.size());
+        entries.emplace_back(list.substr(0, end));
+        list.remove_prefix(std::min(end + ListSeparator.size(), list.size()));
+    }
+    return entries;
+}
+
+void ProblemList::Add(ProblemRow row) {
+    if (row.Severity == Severity::Fatal) Global.QCFatalFound = true;
+    rows_.push_back(std::move(row));
+}
+
+std::int32_t ProblemList::Count(Severity severity, std::size_t from) const {
+    const auto begin = rows_.begin() + static_cast<std::ptrdiff_t>(std::min(from, rows_.size()));
+    return static_cast<std::int32_t>(
+        std::count_if(begin, rows_.end(), [=](const ProblemRow& row) { return row.Severity == severity; }));
+}

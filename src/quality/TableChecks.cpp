@@ -1,0 +1,305 @@
+#include "quality/TableChecks.h"
+
+#include "core/Globals.h"
+#include "core/Messages.h"
+#include "core/Numbers.h"
+#include "core/TextCompare.h"
+#include "quality/ScratchGrid.h"
+#include "store/SortTables.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <span>
+#include <string_view>
+#include <unordered_set>
+
+namespace {
+
+// Places of fields: the checks go by place, as the handheld does.
+constexpr int C_SEARCH = 1, C_CODE = 2, C_STCODE = 13;
+constexpr int I_SEARCH = 1, I_ITEMCODE = 2, I_BARCODE = 3, I_PRICE = 6;
+constexpr int ST_CODE = 1, PAY_CODE = 1, LK_HOTSYNC = 1;
+
+/// The tests are sorted as they find the rows; a check reports a key and does not change it.
+constexpr SortOptions KeepKeys{.RebuildIndex = false, .SortContents = true, .RemoveSpecial = false};
+
+std::string TablePath(std::string_view file) {
+    return Global.DBFPath + std::string(file);
+}
+
+// ---- what a test collects ----
+
+using Records = std::vector<std::int32_t>;
+
+/// Rows from the top while the cell is empty: in a grid that is sorted on the field these are all.
+Records BlankRecords(const ScratchGrid& grid, int field) {
+    Records records;
+    for (std::int32_t row = 1; row <= grid.RowCount() && grid.Cell(row, field).empty(); ++row)
+        records.push_back(grid.Record(row));
+    return records;
+}
+
+/// Both rows of each pair of neighbours with the same text: three equal ones give a, b, b, c.
+Records DuplicateRecords(const ScratchGrid& grid, int field) {
+    Records records;
+    for (std::int32_t row = 1; row < grid.RowCount(); ++row) {
+        const std::string_view own = grid.Cell(row, field);
+        if (own.empty() || !SameText(own, grid.Cell(row + 1, field))) continue;
+        records.push_back(grid.Record(row));
+        records.push_back(grid.Record(row + 1));
+    }
+    return records;
+}
+
+Records RecordsWhere(const ScratchGrid& grid, int field,
+                     const std::function<bool(std::string_view)>& isFaulty) {
+    Records records;
+    for (std::int32_t row = 1; row <= grid.RowCount(); ++row) {
+        if (isFaulty(grid.Cell(row, field))) records.push_back(grid.Record(row));
+    }
+    return records;
+}
+
+Records InvalidRecords(const ScratchGrid& grid, int field) {
+    return RecordsWhere(grid, field, [](std::string_view cell) {
+        return !std::all_of(cell.begin(), cell.end(), IsKeyCharacter);
+    });
+}
+
+/// A minus sign is none of a price's characters.
+Records NoPriceRecords(const ScratchGrid& grid, int field) {
+    return RecordsWhere(grid, field, [](std::string_view cell) {
+        return !std::all_of(cell.begin(), cell.end(), [](char c) {
+            const std::string_view text(&c, 1);
+            return c == ',' || c == '.' || (TextCompare(text, "0") >= 0 && TextCompare(text, "9") <= 0);
+        });
+    });
+}
+
+/// Rows from the top while the price is 0. A text sort may put another price ahead of the zeros,
+/// and then this stops there; that is accepted.
+Records ZeroPriceRecords(const ScratchGrid& grid, int field) {
+    Records records;
+    for (std::int32_t row = 1; row <= grid.RowCount() && ToNumber(grid.Cell(row, field)) == 0; ++row)
+        records.push_back(grid.Record(row));
+    return records;
+}
+
+// ---- rows ----
+
+std::string ListOf(const Records& records) {
+    std::string list;
+    for (const std::int32_t record : records) {
+        if (!list.empty()) list += ListSeparator;
+        list += std::to_string(record);
+    }
+    return list;
+}
+
+/// A test of one field of a table.
+struct FieldTest {
+    Records (*Collect)(const ScratchGrid& grid, int field);
+    int Field;
+    int SortedOn; ///< the field in whose order the rows are put before; 0: as they stand
+    ::Severity Severity;
+    MessageId Problem, Issue, Correction;
+    const char* Name;
+    MessageId Remark = {}; ///< below the list, where there is one
+};
+
+/// A check's table, and by what name its rows go.
+struct Subject {
+    MessageId Group;
+    const char* File;
+
+    void Report(ProblemList& problems, const FieldTest& test, const Records& records) const {
+        if (records.empty()) return;
+        ProblemRow row;
+        row.Severity = test.Severity;
+        row.Group = Group;
+        row.Problem = test.Problem;
+        row.List = ListOf(records);
+        row.Issue = Lines(test.Issue, Words(msg::LabelRecords, Text::Value(std::string_view(row.List))));
+        if (test.Remark != MessageId{}) row.Issue = Lines(row.Issue, test.Remark);
+        row.Correction = test.Correction;
+        row.Target = TablePath(File);
+        row.Field = test.Name;
+        problems.Add(std::move(row));
+    }
+
+    /// A table in which something has to stand.
+    void ReportEmpty(ProblemList& problems, Severity severity, MessageId problem, MessageId issue,
+                     MessageId correction) const {
+        ProblemRow row;
+        row.Severity = severity;
+        row.Group = Group;
+        row.Problem = problem;
+        row.Issue = issue;
+        row.Correction = correction;
+        row.Target = TablePath(File);
+        problems.Add(std::move(row));
+    }
+};
+
+constexpr Subject Customers{msg::GroupCustomers, "ZUKCUST.DBF"};
+constexpr Subject Items{msg::GroupItems, "ZUKITEM.DBF"};
+constexpr Subject BarCodes{msg::GroupBarCodes, "ZUKITEM.DBF"};
+constexpr Subject SalesTax{msg::GroupSalesTax, "ZUKSTAX.DBF"};
+constexpr Subject Payments{msg::GroupPayments, "ZUKPAY.DBF"};
+constexpr Subject Links{msg::GroupLinks, "ZUKLINK.DBF"};
+
+void RunTests(const Subject& subject, std::span<const FieldTest> tests, ScratchGrid& grid,
+              ProblemList& problems) {
+    for (const FieldTest& test : tests) {
+        if (test.SortedOn) grid.SortOn(test.SortedOn);
+        subject.Report(problems, test, test.Collect(grid, test.Field));
+    }
+}
+
+constexpr Severity Fatal = Severity::Fatal;
+constexpr Severity Warn = Severity::Warn;
+
+// ---- customers ----
+
+constexpr std::array CustomerTests{
+    FieldTest{BlankRecords, C_SEARCH, C_SEARCH, Fatal, msg::ProblemBlank, msg::CustSearchBlank,
+              msg::CustSearchUnique, "C_SEARCH"},
+    FieldTest{BlankRecords, C_CODE, C_CODE, Fatal, msg::ProblemBlank, msg::CustCodeBlank,
+              msg::CustCodeUnique, "C_CODE"},
+    FieldTest{DuplicateRecords, C_CODE, C_CODE, Fatal, msg::ProblemDuplicate, msg::CustCodeDuplicate,
+              msg::CustCodeUnique, "C_CODE"},
+    FieldTest{InvalidRecords, C_SEARCH, 0, Fatal, msg::ProblemInvalid, msg::CustSearchInvalid,
+              msg::CustSearchPlain, "C_SEARCH"},
+    FieldTest{InvalidRecords, C_CODE, 0, Fatal, msg::ProblemInvalid, msg::CustCodeInvalid,
+              msg::CustCodePlain, "C_CODE"},
+};
+constexpr FieldTest TaxCodeTest{
+    nullptr,   C_STCODE, 0, Fatal, msg::ProblemSecondary, msg::CustTaxUnknown, msg::CustTaxCorrection,
+    "C_STCODE"};
+
+/// Customers whose tax code the tax table lacks, up to the first whose code it has: behind that one
+/// nobody is looked at any more, on purpose.
+Records UnknownTaxCodes(const ScratchGrid& customers, const ScratchGrid& taxes) {
+    std::unordered_set<std::string> codes;
+    for (std::int32_t row = 1; row <= taxes.RowCount(); ++row) codes.insert(FoldCase(taxes.Cell(row, ST_CODE)));
+    Records records;
+    for (std::int32_t row = 1; row <= customers.RowCount(); ++row) {
+        const std::string_view code = customers.Cell(row, C_STCODE);
+        if (code.empty()) continue;
+        if (codes.contains(FoldCase(code))) break;
+        records.push_back(customers.Record(row));
+    }
+    return records;
+}
+
+// ---- items ----
+
+constexpr std::array ItemTests{
+    FieldTest{BlankRecords, I_SEARCH, I_SEARCH, Fatal, msg::ProblemBlank, msg::ItemSearchBlank,
+              msg::ItemSearchUnique, "I_SEARCH"},
+    FieldTest{BlankRecords, I_ITEMCODE, I_ITEMCODE, Fatal, msg::ProblemBlank, msg::ItemCodeBlank,
+              msg::ItemCodeUnique, "I_ITEMCODE"},
+    FieldTest{DuplicateRecords, I_SEARCH, I_SEARCH, Warn, msg::ProblemDuplicate, msg::ItemSearchDuplicate,
+              msg::ItemSearchUnique, "I_SEARCH", msg::ItemSearchRemark},
+    FieldTest{DuplicateRecords, I_ITEMCODE, I_ITEMCODE, Fatal, msg::ProblemDuplicate, msg::ItemCodeDuplicate,
+              msg::ItemCodeUnique, "I_ITEMCODE"},
+    FieldTest{InvalidRecords, I_ITEMCODE, 0, Warn, msg::ProblemInvalid, msg::ItemCodeInvalid,
+              msg::ItemCodePlain, "I_ITEMCODE"},
+    FieldTest{NoPriceRecords, I_PRICE, 0, Fatal, msg::ProblemInvalid, msg::ItemPriceInvalid,
+              msg::ItemPriceNumber, "I_PRICE"},
+    FieldTest{ZeroPriceRecords, I_PRICE, I_PRICE, Warn, msg::ProblemBlank, msg::ItemPriceBlank,
+              msg::ItemPriceEnter, "I_PRICE"},
+};
+
+constexpr std::array BarcodeTests{
+    FieldTest{BlankRecords, I_BARCODE, 0, Warn, msg::ProblemBlank, msg::BarcodeBlank, msg::BarcodeNotFound,
+              "I_BARCODE"},
+    FieldTest{InvalidRecords, I_BARCODE, 0, Warn, msg::ProblemInvalid, msg::BarcodeInvalid,
+              msg::BarcodePlain, "I_BARCODE"},
+    FieldTest{DuplicateRecords, I_BARCODE, I_BARCODE, Warn, msg::ProblemDuplicate, msg::BarcodeDuplicate,
+              msg::BarcodeUnique, "I_BARCODE"},
+};
+
+ScratchGrid SortedItems(Progress& progress) {
+    const std::string path = TablePath(Items.File);
+    SortItemFile(path, KeepKeys, progress);
+    RebuildItemIndex(Global.DBFPath, progress);
+    return ScratchGrid(path);
+}
+
+// ---- sales tax, payments, links ----
+
+constexpr std::array TaxTests{
+    FieldTest{BlankRecords, ST_CODE, ST_CODE, Fatal, msg::ProblemBlank, msg::TaxCodeBlank,
+              msg::TaxCodeUnique, "ST_CODE"},
+    FieldTest{DuplicateRecords, ST_CODE, ST_CODE, Fatal, msg::ProblemDuplicate, msg::TaxCodeDuplicate,
+              msg::TaxCodeUnique, "ST_CODE"},
+    FieldTest{InvalidRecords, ST_CODE, ST_CODE, Fatal, msg::ProblemInvalid, msg::TaxCodeInvalid,
+              msg::TaxCodePlain, "ST_CODE"},
+};
+
+constexpr FieldTest PayTest{
+    nullptr, PAY_CODE, 0, Fatal, msg::ProblemInvalid, msg::PayCodeInvalid, msg::PayCodeCorrection, "PAY_CODE"};
+
+constexpr FieldTest LinkTest{
+    nullptr,   LK_HOTSYNC, 0, Warn, msg::ProblemHotsyncID, msg::LinksUnknown, msg::LinksUnknownCorrection,
+    "LK_HOTSYNC"};
+
+} // namespace
+
+void QCCust(ProblemList& problems, Progress& progress) {
+    const std::string taxPath = TablePath(SalesTax.File);
+    SortSTaxFile(taxPath, KeepKeys, progress);
+    const ScratchGrid taxes(taxPath);
+    const std::string path = TablePath(Customers.File);
+    SortCustFile(path, KeepKeys, progress);
+    ScratchGrid customers(path);
+    RunTests(Customers, CustomerTests, customers, problems);
+    Customers.Report(problems, TaxCodeTest, UnknownTaxCodes(customers, taxes));
+}
+
+void QCItems(ProblemList& problems, Progress& progress) {
+    ScratchGrid items = SortedItems(progress);
+    RunTests(Items, ItemTests, items, problems);
+}
+
+void QCBarcode(ProblemList& problems, Progress& progress) {
+    ScratchGrid items = SortedItems(progress);
+    items.SortOn(I_BARCODE);
+    // Blanks come first: an empty last one says that nobody here uses bar codes.
+    if (items.RowCount() == 0 || items.Cell(items.RowCount(), I_BARCODE).empty()) return;
+    RunTests(BarCodes, BarcodeTests, items, problems);
+}
+
+void QCSTax(ProblemList& problems, Progress& progress) {
+    const std::string path = TablePath(SalesTax.File);
+    SortSTaxFile(path, KeepKeys, progress);
+    ScratchGrid taxes(path);
+    RunTests(SalesTax, TaxTests, taxes, problems);
+}
+
+void QCPay(ProblemList& problems) {
+    const ScratchGrid payments(TablePath(Payments.File));
+    if (payments.RowCount() == 0) {
+        return Payments.ReportEmpty(problems, Warn, msg::ProblemEmptyTable, msg::PayEmpty,
+                                    msg::PayEmptyCorrection);
+    }
+    Payments.Report(problems, PayTest, RecordsWhere(payments, PAY_CODE, [](std::string_view code) {
+                        return !SameText(code, "CASH") && !SameText(code, "CHECK") && !SameText(code, "CARD");
+                    }));
+}
+
+void QCLinks(ProblemList& problems, const std::vector<std::string>& users) {
+    const ScratchGrid links(TablePath(Links.File));
+    if (links.RowCount() == 0 || links.Cell(1, LK_HOTSYNC).empty()) {
+        return Links.ReportEmpty(problems, Fatal, msg::ProblemTableEmpty, msg::LinksEmpty,
+                                 msg::LinksEmptyCorrection);
+    }
+    std::unordered_set<std::string> known;
+    for (const std::string& user : users) known.insert(FoldCase(user));
+    Links.Report(problems, LinkTest, RecordsWhere(links, LK_HOTSYNC, [&](std::string_view id) {
+                     return !known.contains(FoldCase(id));
+                 }));
+}
