@@ -212,6 +212,16 @@ bool IsKeyCharacter(char c) {
     return known[static_cast<unsigned char>(c)];
 }
 
+std::vector<std::string_view> SplitText(std::string_view text, std::string_view separator) {
+    std::vector<std::string_view> pieces;
+    while (!text.empty()) {
+        const std::size_t end = std::min(text.find(separator), text.size());
+        pieces.push_back(text.substr(0, end));
+        text.remove_prefix(std::min(end + separator.size(), text.size()));
+    }
+    return pieces;
+}
+
 bool BeginsWith(std::string_view text, std::string_view prefix) {
     return text.size() >= prefix.size() && SameText(text.substr(0, prefix.size()), prefix);
 }

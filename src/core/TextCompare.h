@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 /// Comparison and search without regard to case, over text in code page 1252. All of it agrees:
 /// SameText, FoldCase, BeginsWith and FindText take two characters for the same exactly when
@@ -36,6 +37,9 @@ bool BeginsWith(std::string_view text, std::string_view prefix);
 
 /// Whether the handheld's searches know a character: it lies from "0" to "9" or from "A" to "Z".
 bool IsKeyCharacter(char c);
+
+/// The pieces between separators; none for an empty text. The views live as long as the text.
+std::vector<std::string_view> SplitText(std::string_view text, std::string_view separator);
 
 /// Position, from 0, of the first `part` that starts at `from` or behind; npos if there is none.
 /// An empty part is found at `from`, unless that lies behind the end of the text.

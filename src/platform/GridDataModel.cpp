@@ -3,8 +3,29 @@
 #include "core/Failure.h"
 #include "platform/Convert.h"
 
+#include <QColor>
 #include <QGuiApplication>
 #include <QPalette>
+
+#include <optional>
+
+namespace {
+
+/// The ground on which a faulty cell stands.
+std::optional<QColor> MarkColor(CellMark mark) {
+    switch (mark) {
+    case CellMark::Fatal:
+        return QColor(255, 0, 0);
+    case CellMark::Warn:
+        return QColor(255, 255, 0);
+    case CellMark::Past:
+    case CellMark::None:
+        break;
+    }
+    return std::nullopt;
+}
+
+} // namespace
 
 void GridDataModel::SetContent(std::unique_ptr<GridData> content) {
     beginResetModel();
@@ -107,6 +128,20 @@ QVariant GridDataModel::data(const QModelIndex& index, int role) const {
     }
     case Qt::TextAlignmentRole:
         return headerData(column, Qt::Horizontal, role);
+    case Qt::BackgroundRole:
+        if (const auto color = MarkColor(content_->MarkOf(row, column))) return *color;
+        return {};
+    case Qt::ForegroundRole:
+        switch (content_->MarkOf(row, column)) {
+        case CellMark::Fatal:
+        case CellMark::Warn:
+            return QColor(Qt::black); // on red and on yellow, in either look
+        case CellMark::Past:
+            return QGuiApplication::palette().brush(QPalette::PlaceholderText);
+        case CellMark::None:
+            break;
+        }
+        return {};
     default:
         return {};
     }

@@ -20,6 +20,7 @@
 #include <QMetaMethod>
 #include <QPainter>
 #include <QScopeGuard>
+#include <QStyledItemDelegate>
 
 #include <algorithm>
 
@@ -52,10 +53,24 @@ auto WaitCursor() {
     return qScopeGuard([] { QApplication::restoreOverrideCursor(); });
 }
 
+/// Draws a marked cell on its own ground also where its row is selected: a fault is not to be hidden
+/// by the selection that leads to it.
+class CellDelegate final : public QStyledItemDelegate {
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+protected:
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
+        QStyledItemDelegate::initStyleOption(option, index);
+        if (option->backgroundBrush.style() != Qt::NoBrush) option->state &= ~QStyle::State_Selected;
+    }
+};
+
 } // namespace
 
 GridView::GridView(QWidget* parent) : QTableView(parent), model_(new GridDataModel(this)) {
     QTableView::setModel(model_);
+    setItemDelegate(new CellDelegate(this));
     setSelectionBehavior(SelectRows);
     setSelectionMode(ExtendedSelection);
     setEditTriggers(NoEditTriggers);
@@ -68,7 +83,9 @@ GridView::GridView(QWidget* parent) : QTableView(parent), model_(new GridDataMod
     verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 8);
     horizontalHeader()->setHighlightSections(false);
     connect(horizontalHeader(), &QHeaderView::sectionResized, this, [this] {
-        if (!fitting_) drawn_ = true;
+        if (fitting_) return;
+        drawn_ = true;
+        FitRows();
     });
     connect(model_, &GridDataModel::Outdated, this, &GridView::TakeNewContent);
 
@@ -113,7 +130,20 @@ void GridView::SetContent(std::unique_ptr<GridData> content, const QString& widt
     if (!model_->Content()) return;
     LayOutHeadings();
     FitColumns();
+    FitRows();
     SelectFirstRow();
+}
+
+void GridView::SetWrapped() {
+    setWordWrap(true);
+    setTextElideMode(Qt::ElideNone);
+    setVerticalScrollMode(ScrollPerPixel);
+    horizontalHeader()->setStretchLastSection(true);
+    FitRows();
+}
+
+void GridView::FitRows() {
+    if (wordWrap()) resizeRowsToContents();
 }
 
 void GridView::SetEmptyText(const Text& text) {
@@ -150,6 +180,7 @@ void GridView::TakeNewContent() {
         horizontalHeader()->setSortIndicator(-1, Qt::AscendingOrder);
         FitColumns();
     }
+    FitRows();
     setAccessibleDescription(EmptyText());
     setCurrentIndex(model_->index(HeadingRows(), column));
     if (!SelectRecord(record)) SelectFirstRow();
@@ -181,6 +212,26 @@ bool GridView::SelectRecord(std::int32_t record) {
     setCurrentIndex(index);
     scrollTo(index);
     return true;
+}
+
+void GridView::SelectRecords(const std::vector<std::int32_t>& records) {
+    if (!model_->Content()) return;
+    std::vector<std::int32_t> rows;
+    for (const std::int32_t record : records) {
+        if (const auto row = model_->Content()->RowOf(record)) rows.push_back(*row + HeadingRows());
+    }
+    if (rows.empty()) return;
+    std::sort(rows.begin(), rows.end());
+    QItemSelection selection;
+    for (std::size_t from = 0, to; from < rows.size() && selection.size() < MostStretches; from = to) {
+        for (to = from + 1; to < rows.size() && rows[to] - rows[to - 1] <= 1;) ++to;
+        selection.append(QItemSelectionRange(model_->index(rows[from], 0),
+                                             model_->index(rows[to - 1], model_->columnCount() - 1)));
+    }
+    const QModelIndex first = model_->index(rows.front(), CurrentColumn());
+    selectionModel()->setCurrentIndex(first, QItemSelectionModel::NoUpdate);
+    selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
+    scrollTo(first);
 }
 
 void GridView::SelectFirstRow() {
@@ -218,6 +269,7 @@ QString GridView::ColumnTitle(int column) const {
 }
 
 int GridView::FittingWidth(int column) const {
+    if (const int width = model_->Content()->Heading(column).Width) return width;
     constexpr int Margins = 16;
     const int arrow = style()->pixelMetric(QStyle::PM_HeaderMarkSize);
     int width = fontMetrics().horizontalAdvance(ColumnTitle(column)) + arrow + Margins;

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 class QAction;
 class FindBar;
@@ -30,6 +31,9 @@ public:
     /// A null pointer leaves a grid without columns.
     void SetContent(std::unique_ptr<GridData> content, const QString& widthsName = {});
 
+    /// Cells of several lines, in rows as high as their cells need. For few rows only: all are measured.
+    void SetWrapped();
+
     /// What the grid says when it has no rows.
     void SetEmptyText(const Text& text);
 
@@ -40,6 +44,12 @@ public:
     std::int32_t SelectedRecord() const;
     /// Selects a record's row and brings it into sight. False when it is not in the grid.
     bool SelectRecord(std::int32_t record);
+
+    /// Selects records' rows, the first of them being the current one and in sight. Of more than
+    /// MostStretches stretches of neighbouring rows only those in the first so many are selected:
+    /// a view looks through all stretches whenever it paints a cell.
+    void SelectRecords(const std::vector<std::int32_t>& records);
+    static constexpr int MostStretches = 1000;
 
     /// Sorts on a column, ascending; the second time in a row on the same column, descending.
     void SortOn(int column);
@@ -79,6 +89,7 @@ private:
     void TakeNewContent();
     void LayOutHeadings();
     void FitColumns();
+    void FitRows();
     int FittingWidth(int column) const;
     void KeepWidths();
     void SelectFirstRow();

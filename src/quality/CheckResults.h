@@ -20,7 +20,9 @@ struct CheckResult {
 class CheckResults {
 public:
     /// Nothing for a check that has never run.
-    const std::optional<CheckResult>& Of(Check check) const { return results_[static_cast<std::size_t>(check)]; }
+    const std::optional<CheckResult>& Of(Check check) const {
+        return results_[static_cast<std::size_t>(check)];
+    }
     void Set(Check check, const CheckResult& result) { results_[static_cast<std::size_t>(check)] = result; }
 
     /// A file that is not there has no results, and a line that says none is passed over. Never fails.

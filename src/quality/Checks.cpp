@@ -14,9 +14,9 @@ std::string_view CheckName(Check check) {
 
 std::span<const Check> AllChecks() {
     static constexpr std::array order{
-        Check::Download,     Check::Upload,     Check::Import, Check::Export,    Check::QuickButtons,
-        Check::Unattended,   Check::Backup,     Check::Customers, Check::Items,  Check::SalesTax,
-        Check::Payments,     Check::Printing,   Check::BarCodes};
+        Check::Download,   Check::Upload,   Check::Import,    Check::Export, Check::QuickButtons,
+        Check::Unattended, Check::Backup,   Check::Customers, Check::Items,  Check::SalesTax,
+        Check::Payments,   Check::Printing, Check::BarCodes};
     return order;
 }
 

@@ -22,16 +22,6 @@ bool IsTemplateTarget(std::string_view target) {
     return false;
 }
 
-std::vector<std::string> SplitList(std::string_view list) {
-    std::vector<std::string> entries;
-    while (!list.empty()) {
-        const std::size_t end = std::min(list.find(ListSeparator), list.size());
-        entries.emplace_back(list.substr(0, end));
-        list.remove_prefix(std::min(end + ListSeparator.size(), list.size()));
-    }
-    return entries;
-}
-
 void ProblemList::Add(ProblemRow row) {
     if (row.Severity == Severity::Fatal) Global.QCFatalFound = true;
     rows_.push_back(std::move(row));

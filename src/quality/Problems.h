@@ -26,8 +26,8 @@ struct ProblemRow {
 
     /// Where the fault lies: the full path of a table, or one of the words of TemplateTarget.
     std::string Target;
-    std::string List;  ///< record numbers or names of templates (code page 1252), parted by ", "
-    std::string Field; ///< the field that the row is about; empty for a template
+    std::string List;               ///< record numbers or names of templates (code page 1252), parted by ", "
+    std::string Field;              ///< the field that the row is about; empty for a template
     std::vector<std::string> Files; ///< full paths of the files that decide it, where it is about templates
 
     bool operator==(const ProblemRow&) const = default;
@@ -47,9 +47,6 @@ bool IsTemplateTarget(std::string_view target);
 
 /// What stands between the entries of a list.
 inline constexpr std::string_view ListSeparator = ", ";
-
-/// The entries of a row's list.
-std::vector<std::string> SplitList(std::string_view list);
 
 /// The problems that the checks of one run have found, in the order in which they found them.
 class ProblemList {

@@ -5,6 +5,7 @@
 #include "core/Globals.h"
 #include "core/Paths.h"
 #include "core/SafeFile.h"
+#include "core/TextCompare.h"
 #include "core/TextFile.h"
 #include "store/TableReader.h"
 
@@ -49,7 +50,7 @@ RowWatch::RowWatch(std::vector<ProblemRow> rows) {
         watched.IsTable = !IsTemplateTarget(row.Target);
         watched.Files = watched.IsTable ? std::vector{row.Target} : row.Files;
         if (watched.IsTable) {
-            for (const std::string& entry : SplitList(row.List)) {
+            for (const std::string_view entry : SplitText(row.List, ListSeparator)) {
                 std::int32_t record = 0;
                 std::from_chars(entry.data(), entry.data() + entry.size(), record);
                 watched.Records.push_back(record);

@@ -166,14 +166,14 @@ constexpr Severity Warn = Severity::Warn;
 constexpr std::array CustomerTests{
     FieldTest{BlankRecords, C_SEARCH, C_SEARCH, Fatal, msg::ProblemBlank, msg::CustSearchBlank,
               msg::CustSearchUnique, "C_SEARCH"},
-    FieldTest{BlankRecords, C_CODE, C_CODE, Fatal, msg::ProblemBlank, msg::CustCodeBlank,
-              msg::CustCodeUnique, "C_CODE"},
+    FieldTest{BlankRecords, C_CODE, C_CODE, Fatal, msg::ProblemBlank, msg::CustCodeBlank, msg::CustCodeUnique,
+              "C_CODE"},
     FieldTest{DuplicateRecords, C_CODE, C_CODE, Fatal, msg::ProblemDuplicate, msg::CustCodeDuplicate,
               msg::CustCodeUnique, "C_CODE"},
     FieldTest{InvalidRecords, C_SEARCH, 0, Fatal, msg::ProblemInvalid, msg::CustSearchInvalid,
               msg::CustSearchPlain, "C_SEARCH"},
-    FieldTest{InvalidRecords, C_CODE, 0, Fatal, msg::ProblemInvalid, msg::CustCodeInvalid,
-              msg::CustCodePlain, "C_CODE"},
+    FieldTest{InvalidRecords, C_CODE, 0, Fatal, msg::ProblemInvalid, msg::CustCodeInvalid, msg::CustCodePlain,
+              "C_CODE"},
 };
 constexpr FieldTest TaxCodeTest{
     nullptr,   C_STCODE, 0, Fatal, msg::ProblemSecondary, msg::CustTaxUnknown, msg::CustTaxCorrection,
@@ -183,7 +183,8 @@ constexpr FieldTest TaxCodeTest{
 /// nobody is looked at any more, on purpose.
 Records UnknownTaxCodes(const ScratchGrid& customers, const ScratchGrid& taxes) {
     std::unordered_set<std::string> codes;
-    for (std::int32_t row = 1; row <= taxes.RowCount(); ++row) codes.insert(FoldCase(taxes.Cell(row, ST_CODE)));
+    for (std::int32_t row = 1; row <= taxes.RowCount(); ++row)
+        codes.insert(FoldCase(taxes.Cell(row, ST_CODE)));
     Records records;
     for (std::int32_t row = 1; row <= customers.RowCount(); ++row) {
         const std::string_view code = customers.Cell(row, C_STCODE);
@@ -216,8 +217,8 @@ constexpr std::array ItemTests{
 constexpr std::array BarcodeTests{
     FieldTest{BlankRecords, I_BARCODE, 0, Warn, msg::ProblemBlank, msg::BarcodeBlank, msg::BarcodeNotFound,
               "I_BARCODE"},
-    FieldTest{InvalidRecords, I_BARCODE, 0, Warn, msg::ProblemInvalid, msg::BarcodeInvalid,
-              msg::BarcodePlain, "I_BARCODE"},
+    FieldTest{InvalidRecords, I_BARCODE, 0, Warn, msg::ProblemInvalid, msg::BarcodeInvalid, msg::BarcodePlain,
+              "I_BARCODE"},
     FieldTest{DuplicateRecords, I_BARCODE, I_BARCODE, Warn, msg::ProblemDuplicate, msg::BarcodeDuplicate,
               msg::BarcodeUnique, "I_BARCODE"},
 };
@@ -232,8 +233,8 @@ ScratchGrid SortedItems(Progress& progress) {
 // ---- sales tax, payments, links ----
 
 constexpr std::array TaxTests{
-    FieldTest{BlankRecords, ST_CODE, ST_CODE, Fatal, msg::ProblemBlank, msg::TaxCodeBlank,
-              msg::TaxCodeUnique, "ST_CODE"},
+    FieldTest{BlankRecords, ST_CODE, ST_CODE, Fatal, msg::ProblemBlank, msg::TaxCodeBlank, msg::TaxCodeUnique,
+              "ST_CODE"},
     FieldTest{DuplicateRecords, ST_CODE, ST_CODE, Fatal, msg::ProblemDuplicate, msg::TaxCodeDuplicate,
               msg::TaxCodeUnique, "ST_CODE"},
     FieldTest{InvalidRecords, ST_CODE, ST_CODE, Fatal, msg::ProblemInvalid, msg::TaxCodeInvalid,
@@ -241,10 +242,11 @@ constexpr std::array TaxTests{
 };
 
 constexpr FieldTest PayTest{
-    nullptr, PAY_CODE, 0, Fatal, msg::ProblemInvalid, msg::PayCodeInvalid, msg::PayCodeCorrection, "PAY_CODE"};
+    nullptr,   PAY_CODE, 0, Fatal, msg::ProblemInvalid, msg::PayCodeInvalid, msg::PayCodeCorrection,
+    "PAY_CODE"};
 
 constexpr FieldTest LinkTest{
-    nullptr,   LK_HOTSYNC, 0, Warn, msg::ProblemHotsyncID, msg::LinksUnknown, msg::LinksUnknownCorrection,
+    nullptr,     LK_HOTSYNC, 0, Warn, msg::ProblemHotsyncID, msg::LinksUnknown, msg::LinksUnknownCorrection,
     "LK_HOTSYNC"};
 
 } // namespace

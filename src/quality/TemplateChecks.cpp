@@ -9,7 +9,6 @@
 #include "exchange/Activity.h"
 #include "exchange/ExportTemplate.h"
 #include "exchange/ImportTemplate.h"
-#include "sync/UnattendedSettings.h"
 
 #include <algorithm>
 #include <initializer_list>
@@ -77,9 +76,8 @@ bool SelectsSomething(const std::string& path, std::span<const MessageId> groups
     return std::any_of(lines.begin(), lines.end(), [&](std::string_view line) {
         line = Trim(line);
         if (line.empty() || line.back() < '1' || line.back() > '9') return false;
-        return std::any_of(groups.begin(), groups.end(), [&](MessageId group) {
-            return BeginsWith(line, Text(group).CodePage());
-        });
+        return std::any_of(groups.begin(), groups.end(),
+                           [&](MessageId group) { return BeginsWith(line, Text(group).CodePage()); });
     });
 }
 
@@ -116,6 +114,27 @@ std::vector<std::string> NamesIn(const std::string& path) {
         if (!name.empty()) names.push_back(name);
     }
     return names;
+}
+
+struct UnattendedSettings {
+    bool RemoteSelect = false, UploadSelect = false, RemoteClearSelect = false;
+    std::string RemoteSelSettings, UploadSelSettings, RemoteClearSettings;
+};
+UnattendedSettings UnattendedSettingsIn(const std::string& path) {
+    UnattendedSettings s;
+    for (const std::string& line : LinesOf(path)) {
+        const auto at = line.find('=');
+        if (at == std::string::npos) continue;
+        const std::string key = line.substr(0, at + 1);
+        const std::string value(Trim(std::string_view(line).substr(at + 1)));
+        if (SameText(key, "Download=")) s.RemoteSelect = SameText(value, "True");
+        if (SameText(key, "Upload=")) s.UploadSelect = SameText(value, "True");
+        if (SameText(key, "Clear=")) s.RemoteClearSelect = SameText(value, "True");
+        if (SameText(key, "DownloadTemplate=")) s.RemoteSelSettings = value;
+        if (SameText(key, "UploadTemplate=")) s.UploadSelSettings = value;
+        if (SameText(key, "ClearTemplate=")) s.RemoteClearSettings = value;
+    }
+    return s;
 }
 
 } // namespace
@@ -215,8 +234,10 @@ void QCUA(ProblemList& problems) {
         for (const Action& action : actions) {
             if (!action.IsOn) continue;
             anyOn = true;
-            if (action.Template.empty()) anyNameless = true;
-            else if (!action.Templates.Has(action.Template)) anyGone = true;
+            if (action.Template.empty())
+                anyNameless = true;
+            else if (!action.Templates.Has(action.Template))
+                anyGone = true;
         }
         if (!anyOn) idle.Add(Global.UnattendedTemplates, file);
         if (anyNameless) nameless.Add(Global.UnattendedTemplates, file);
@@ -224,5 +245,6 @@ void QCUA(ProblemList& problems) {
     }
     subject.Report(problems, idle, msg::ProblemNoAction, msg::UANoAction, msg::UACorrection);
     subject.Report(problems, nameless, msg::ProblemNoTemplates, msg::UANoTemplates, msg::UACorrection);
-    subject.Report(problems, gone, msg::ProblemTemplateGone, msg::UATemplateGone, msg::UATemplateGoneCorrection);
+    subject.Report(problems, gone, msg::ProblemTemplateGone, msg::UATemplateGone,
+                   msg::UATemplateGoneCorrection);
 }

@@ -20,6 +20,15 @@ enum class SortKind : char {
 struct GridHeading {
     Text Title;
     SortKind Kind = SortKind::Text;
+    int Width = 0; ///< of the column at first, in pixels; 0: as wide as its cells
+};
+
+/// How a cell stands out from the others.
+enum class CellMark : char {
+    None,
+    Fatal, ///< a fault that blocks a download: on red
+    Warn,  ///< a fault that does not: on yellow
+    Past   ///< no longer so: in grey
 };
 
 /// A title over several columns.
@@ -50,6 +59,8 @@ public:
 
     /// As it is shown.
     virtual Text Cell(std::int32_t row, int column);
+
+    virtual CellMark MarkOf(std::int32_t /*row*/, int /*column*/) const { return CellMark::None; }
 
     std::int32_t RecordOf(std::int32_t row) const;
     /// Nothing for a record that the grid does not hold. Linear while the rows are sorted.

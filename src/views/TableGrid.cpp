@@ -33,6 +33,12 @@ void TableGrid::Reload() {
     readable_ = true;
 }
 
+CellMark TableGrid::MarkOf(std::int32_t row, int column) const {
+    if (column != faulty_.Column) return CellMark::None;
+    const bool isFaulty = std::binary_search(faulty_.Records.begin(), faulty_.Records.end(), RecordOf(row));
+    return isFaulty ? faulty_.Mark : CellMark::None;
+}
+
 std::string TableGrid::Raw(std::int32_t record, int column) {
     const TableColumn& shown = At(column);
     if (shown.Fields.empty()) return std::to_string(record);

@@ -24,6 +24,13 @@ struct TableColumns {
 };
 using ColumnsOf = std::function<TableColumns(const TableLayout&)>;
 
+/// Records of a table whose cell in one column is faulty.
+struct FaultyCells {
+    std::vector<std::int32_t> Records; ///< ascending
+    int Column = 0;                    ///< from 0
+    CellMark Mark = CellMark::None;
+};
+
 /// A grid over a table: row r is the r-th record of the file, deleted ones too, until it is sorted.
 /// Only what is shown is read; a sort or a search in a sorted grid reads the table once.
 class TableGrid final : public GridData {
@@ -32,6 +39,10 @@ public:
     TableGrid(std::string_view path, ColumnsOf columnsOf);
 
     const std::string& Path() const { return reader_.Path(); }
+
+    /// Marks cells, in the place of those that were marked before.
+    void MarkFaulty(FaultyCells cells) { faulty_ = std::move(cells); }
+    CellMark MarkOf(std::int32_t row, int column) const override;
 
     int ColumnCount() const override { return static_cast<int>(columns_.Columns.size()); }
     const GridHeading& Heading(int column) const override { return At(column).Heading; }
@@ -54,5 +65,6 @@ private:
     TableReader reader_;
     ColumnsOf columnsOf_;
     TableColumns columns_;
+    FaultyCells faulty_;
     bool readable_ = true;
 };

@@ -1,6 +1,7 @@
 #include "views/TableViews.h"
 
 #include "core/Messages.h"
+#include "core/Numbers.h"
 #include "core/TextCompare.h"
 
 #include <algorithm>
@@ -86,6 +87,36 @@ void ClearViewFlags() {
 const TableView* ChosenView() {
     const auto chosen = std::find(Global.View.begin(), Global.View.end(), true);
     return chosen == Global.View.end() ? nullptr : &Views[chosen - Global.View.begin()];
+}
+
+std::optional<FaultyCells> ReportedCells() {
+    struct Place {
+        ViewFlag Flag;
+        std::string_view Field;
+        int Column; ///< from 0; the record's number stands in column 0
+    };
+    static constexpr std::array places{Place{ViewCust, "C_CODE", 1},    Place{ViewCust, "C_SEARCH", 13},
+                                       Place{ViewCust, "C_STCODE", 12}, Place{ViewItem, "I_ITEMCODE", 1},
+                                       Place{ViewItem, "I_SEARCH", 6},  Place{ViewItem, "I_PRICE", 4},
+                                       Place{ViewItem, "I_BARCODE", 2}, Place{ViewSTax, "ST_CODE", 1},
+                                       Place{ViewPay, "PAY_CODE", 1},   Place{ViewLink, "LK_HOTSYNC", 1}};
+
+    if (!Global.QCViewMode || Global.QCViewRecords.empty()) return std::nullopt;
+    const TableView* view = ChosenView();
+    const auto place = std::find_if(places.begin(), places.end(), [&](const Place& candidate) {
+        return view && candidate.Flag == view->Flag && SameText(candidate.Field, Global.QCViewField);
+    });
+    if (place == places.end()) return std::nullopt;
+
+    FaultyCells cells;
+    cells.Column = place->Column;
+    cells.Mark = SameText(Global.QCViewSeverity, "Fatal")  ? CellMark::Fatal
+                 : SameText(Global.QCViewSeverity, "Warn") ? CellMark::Warn
+                                                           : CellMark::None;
+    for (const std::string_view number : SplitText(Global.QCViewRecords, ", "))
+        cells.Records.push_back(static_cast<std::int32_t>(ToNumber(number)));
+    std::sort(cells.Records.begin(), cells.Records.end());
+    return cells;
 }
 
 TableColumns DataColumns(const TableEntry& table, const TableLayout& layout) {

@@ -35,6 +35,11 @@ void ClearViewFlags();
 /// The view of the first flag that is set; nullptr when none is.
 const TableView* ChosenView();
 
+/// The cells that the Quality Check's report has sent the grid to show: by `Global.QCViewRecords`,
+/// `QCViewField` and `QCViewSeverity`, in the table whose flag is set. Nothing outside the report's view
+/// mode, and nothing for a field that the grid does not mark.
+std::optional<FaultyCells> ReportedCells();
+
 // The columns of each routine, for a table of a layout.
 
 /// The record number, then every field under the title by which its table is viewed. A numeric field

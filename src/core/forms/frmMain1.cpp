@@ -19,6 +19,8 @@
 #include "platform/Look.h"
 #include "platform/Registry.h"
 #include "platform/SingleInstance.h"
+#include "quality/forms/QCRun.h"
+#include "quality/forms/frmConfig.h"
 #include "store/OfficeTables.h"
 #include "store/TableScan.h"
 #include "sync/Status.h"
@@ -38,6 +40,7 @@
 namespace {
 
 constexpr int TwipsPerPixel = 15; // 1440 to the inch, 96 pixels
+constexpr const char* QualityCheckHelp = "Quality_Check_.htm";
 constexpr int BricksInRow = 5;
 constexpr QSize IconSize(36, 28); // wider than the picture, which keeps the text off it
 
@@ -490,6 +493,27 @@ void frmMain1::lblPCTables_Click() {
     TraceEvent("frmMain1:lblPCTables_Click");
     UnloadForms();
     The<frmView>().Show();
+}
+
+void frmMain1::lblConfigurator_Click() {
+    mnuConfig_Click();
+}
+
+void frmMain1::mnuConfig_Click() {
+    TraceEvent("frmMain1:mnuConfig_Click");
+    UnloadForms();
+    The<frmConfig>().Show();
+}
+
+void frmMain1::lblQC_Click() {
+    mnuQC_Click();
+}
+
+void frmMain1::mnuQC_Click() {
+    TraceEvent("frmMain1:mnuQC_Click");
+    UnloadForms();
+    if (Global.TheOperator->Ask({msg::QCAllQuestion, msg::Yes, msg::No, QualityCheckHelp}))
+        CheckAllProcesses();
 }
 
 void frmMain1::View(const char* handler, ViewFlag flag, ShowMode mode) {

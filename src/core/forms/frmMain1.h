@@ -61,6 +61,10 @@ private slots:
     void lblImportBtn_Click();
     void lblExportBtn_Click();
     void lblPCTables_Click();
+    void lblConfigurator_Click();
+    void lblQC_Click();
+    void mnuConfig_Click();
+    void mnuQC_Click();
     void lblPrev_Click();
     void lblNext_Click();
 

@@ -11,6 +11,8 @@ constexpr std::array<std::string_view, ProgressFlags> EventNames = {
     "EXPORT",         "QUALCHECK",  "UPLOAD-ADD",     "UPLOAD-REPLACE", "CLEAR",  "CLEAR2",
     "IMPORT-REPLACE", "IMPORT-ADD", "IMPORT2REPLACE", "IMPORT2ADD",     "RESTORE"};
 
+constexpr double TimeToPaint = 0.2; ///< seconds
+
 } // namespace
 
 void frmProgress::Form_Load() {
@@ -21,9 +23,27 @@ void frmProgress::Form_Load() {
         show();
         BarProgress progress(lblProgress, *pgbProgress);
         CalcPCTotals(EventNames[flag], progress);
-        break;
+        return Unload();
     }
-    Unload();
+}
+
+void FormProgress::Finish() {
+    bar_.reset();
+    if (auto* form = IfLoaded<frmProgress>()) form->Unload();
+}
+
+void FormProgress::Begin(const Text& label, std::int64_t maximum) {
+    auto& form = The<frmProgress>();
+    const bool isNew = !bar_;
+    if (isNew) bar_.emplace(form.Label(), form.Bar());
+    bar_->Begin(label, maximum);
+    if (!isNew) return;
+    form.FormBehaviour::Show();
+    form.PauseFor(TimeToPaint);
+}
+
+void FormProgress::Show(std::int64_t value) {
+    bar_->Show(value);
 }
 
 void RecordTotals(ProgressFlag flag) {

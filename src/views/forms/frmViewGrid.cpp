@@ -16,12 +16,26 @@ constexpr int TitleRow = 1;
 
 } // namespace
 
-void ShowTable(ViewFlag flag, ShowMode mode) {
+namespace {
+
+void ShowGrid(ViewFlag flag, ShowMode mode) {
     if (auto* records = IfLoaded<frmViewData>()) records->Unload();
     if (auto* grid = IfLoaded<frmViewGrid>()) grid->Unload();
     ClearViewFlags();
     Global.View[flag] = true;
     The<frmViewGrid>().Show(mode);
+}
+
+} // namespace
+
+void ShowTable(ViewFlag flag, ShowMode mode) {
+    Global.QCViewMode = false;
+    ShowGrid(flag, mode);
+}
+
+void ShowReported(ViewFlag flag) {
+    Global.QCViewMode = true;
+    ShowGrid(flag, ShowMode::Modeless);
 }
 
 void frmViewGrid::Form_Load() {
@@ -61,8 +75,11 @@ void frmViewGrid::Display(const TableView& view) {
 
 void frmViewGrid::Fill(const std::string& path, ColumnsOf columnsOf) {
     const QString table = PathToQt(path).section(QLatin1Char('/'), -1).toUpper();
-    FG1->SetContent(std::make_unique<TableGrid>(path, std::move(columnsOf)),
-                    objectName() + QLatin1Char(' ') + table);
+    auto grid = std::make_unique<TableGrid>(path, std::move(columnsOf));
+    const auto faulty = ReportedCells();
+    if (faulty) grid->MarkFaulty(*faulty);
+    FG1->SetContent(std::move(grid), objectName() + QLatin1Char(' ') + table);
+    if (faulty) FG1->SelectRecords(faulty->Records);
 }
 
 void frmViewGrid::DisplayData(const std::string& path) {

@@ -11,6 +11,9 @@
 /// and takes the place of a grid or a record viewer that is open.
 void ShowTable(ViewFlag flag, ShowMode mode = ShowMode::Modeless);
 
+/// The same for a row of the Quality Check's report: marks the cells that `ReportedCells` tells of.
+void ShowReported(ViewFlag flag);
+
 /// A table as a grid: the one whose flag is set.
 class frmViewGrid final : public Form, private Ui::frmViewGrid {
     Q_OBJECT

@@ -1,0 +1,78 @@
+#include "quality/ReportGrid.h"
+
+#include "core/Messages.h"
+#include "core/TextCompare.h"
+#include "quality/ReportCsv.h"
+
+#include <array>
+#include <utility>
+
+namespace {
+
+constexpr std::array Widths = {80, 190, 95, 190, 192}; ///< of the columns, in pixels
+constexpr std::size_t LongestList = 300;               ///< that a cell shows, in bytes
+
+enum Column { SeverityColumn, GroupColumn, ProblemColumn, IssueColumn, CorrectionColumn };
+
+std::string_view FromUtf8(const Text& text) {
+    return text.Utf8();
+}
+
+} // namespace
+
+Text ShortList(std::string_view list, std::size_t bytes) {
+    if (list.size() <= bytes) return Text::Path(list);
+    const std::size_t end = list.rfind(ListSeparator, bytes);
+    if (end == std::string_view::npos) return Text::Path(list);
+    const auto left = SplitText(list.substr(end + ListSeparator.size()), ListSeparator).size();
+    return Words(Text::Path(list.substr(0, end)), msg::MoreInList,
+                 Text::Value(static_cast<std::int64_t>(left)));
+}
+
+ReportGrid::ReportGrid(std::vector<ProblemRow> rows) : rows_(std::move(rows)), watch_(rows_) {
+    const std::vector<Text> titles = ReportHeadings();
+    for (std::size_t column = 0; column < titles.size(); ++column)
+        headings_.push_back({titles[column], SortKind::Text, Widths.at(column)});
+}
+
+const GridHeading& ReportGrid::Heading(int column) const {
+    return headings_.at(static_cast<std::size_t>(column));
+}
+
+Text ReportGrid::CellOf(std::int32_t record, int column) const {
+    const ProblemRow& row = Row(record);
+    switch (column) {
+    case SeverityColumn:
+        return SeverityText(row.Severity);
+    case GroupColumn:
+        return row.Group;
+    case ProblemColumn:
+        return row.Problem;
+    case IssueColumn: {
+        Text issue;
+        for (const std::string_view line : SplitText(FromUtf8(row.Issue), "\n"))
+            issue = issue.IsEmpty() ? ShortList(line, LongestList) : Lines(issue, ShortList(line, LongestList));
+        return issue;
+    }
+    default:
+        return watch_.HasChanged(static_cast<std::size_t>(record) - 1) ? Lines(row.Correction, msg::RowChanged)
+                                                                       : row.Correction;
+    }
+}
+
+Text ReportGrid::Cell(std::int32_t row, int column) {
+    return CellOf(RecordOf(row), column);
+}
+
+std::string ReportGrid::Raw(std::int32_t record, int column) {
+    return CellOf(record, column).CodePage();
+}
+
+CellMark ReportGrid::MarkOf(std::int32_t row, int) const {
+    return watch_.HasChanged(static_cast<std::size_t>(RecordOf(row)) - 1) ? CellMark::Past : CellMark::None;
+}
+
+bool ReportGrid::CheckChanged() {
+    if (watch_.Look()) outdated_ = true;
+    return outdated_;
+}

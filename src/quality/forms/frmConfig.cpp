@@ -1,0 +1,223 @@
+#include "quality/forms/frmConfig.h"
+
+#include "core/Messages.h"
+#include "exchange/forms/frmConvert.h"
+#include "exchange/forms/frmExport1.h"
+#include "platform/Convert.h"
+#include "platform/Look.h"
+#include "quality/CheckResults.h"
+#include "quality/forms/QCRun.h"
+#if __has_include("tools/forms/frmOptions.h")
+#include "tools/forms/frmOptions.h"
+#define HAVE_OPTIONS
+#endif
+#include "views/forms/frmViewGrid.h"
+
+#include <QPushButton>
+
+#include <string>
+
+namespace {
+
+Text ResultText(const std::optional<CheckResult>& result) {
+    if (!result) return msg::NeverChecked;
+    const Text when = Text::Value(std::string_view(DateAndTime(result->When).substr(0, 16)));
+    if (result->Fatal == 0 && result->Warn == 0) return Lines(when, msg::CheckedClean);
+    Text counts;
+    for (const auto& [count, severity] :
+         {std::pair{result->Fatal, Severity::Fatal}, std::pair{result->Warn, Severity::Warn}}) {
+        if (count == 0) continue;
+        const Text part = Words(Text::Value(std::int64_t{count}), SeverityText(severity));
+        counts = counts.IsEmpty() ? part : Words(counts, part);
+    }
+    return Lines(when, counts);
+}
+
+void OpenOptions() {
+#ifdef HAVE_OPTIONS
+    The<frmOptions>().Show(ShowMode::Modal);
+#endif
+}
+
+} // namespace
+
+void frmConfig::Form_Load() {
+    TraceEvent("frmConfig:Form_Load");
+    NameButtons();
+    ShowResults();
+    if (!Global.QCAutoRun) return;
+    CheckAll();
+    // Behind a run that shows nothing there is nothing to come back to.
+    if (!Global.QCAutoRun) Unload();
+}
+
+void frmConfig::NameButtons() {
+    for (auto* button : findChildren<QPushButton*>()) {
+        const QString name = button->objectName();
+        const bool configures = name.endsWith(QLatin1Char('1'));
+        if (button == cmdCheckAll || button == cmdCancel) continue;
+        button->setToolTip(PlainTip(ToQt(Text(configures ? msg::TipConfigure : msg::TipCheck))));
+    }
+    cmdCheckAll->setToolTip(PlainTip(ToQt(Text(msg::TipCheckAll))));
+    cmdCancel->setToolTip(PlainTip(ToQt(Text(msg::TipClose))));
+    // All these buttons read alike: who hears them is told their line.
+    for (auto* label : findChildren<QLabel*>()) {
+        auto* buddy = label->buddy();
+        if (!buddy) continue;
+        const QString line = label->text().remove(QLatin1Char('&'));
+        const QString button = buddy->objectName().chopped(1);
+        for (const char* end : {"1", "2"}) {
+            if (auto* one = findChild<QPushButton*>(button + QLatin1String(end)))
+                one->setAccessibleName(one->text() + QLatin1Char(' ') + line);
+        }
+    }
+}
+
+void frmConfig::Form_GotFocus() {
+    ShowResults();
+}
+
+void frmConfig::ShowResults() {
+    const CheckResults results = CheckResults::Read(CheckResultsFile());
+    // In the order of the lines, which is that of Check.
+    for (std::size_t check = 0; check < Checks; ++check) {
+        const auto& result = results.Of(static_cast<Check>(check));
+        auto* label = findChild<QLabel*>(QStringLiteral("lblResult_%1").arg(check + 1));
+        label->setText(ToQt(ResultText(result)));
+        QPalette tone = palette();
+        if (result && result->Fatal > 0) tone.setColor(QPalette::WindowText, WarningTone());
+        label->setPalette(tone);
+    }
+}
+
+// ---- checking ----
+
+void frmConfig::CheckOne(const char* handler, Check check) {
+    TraceEvent(std::string("frmConfig:") + handler);
+    RunSingleCheck(check);
+}
+
+void frmConfig::cmdLinks2_Click() {
+    CheckOne("cmdLinks2_Click", Check::Links);
+}
+
+void frmConfig::cmdCust2_Click() {
+    CheckOne("cmdCust2_Click", Check::Customers);
+}
+
+void frmConfig::cmdItems2_Click() {
+    CheckOne("cmdItems2_Click", Check::Items);
+}
+
+void frmConfig::cmdBarcode2_Click() {
+    CheckOne("cmdBarcode2_Click", Check::BarCodes);
+}
+
+void frmConfig::cmdSTax2_Click() {
+    CheckOne("cmdSTax2_Click", Check::SalesTax);
+}
+
+void frmConfig::cmdPay2_Click() {
+    CheckOne("cmdPay2_Click", Check::Payments);
+}
+
+void frmConfig::cmdPrinter2_Click() {
+    CheckOne("cmdPrinter2_Click", Check::Printing);
+}
+
+void frmConfig::cmdDownload2_Click() {
+    CheckOne("cmdDownload2_Click", Check::Download);
+}
+
+void frmConfig::cmdUpload2_Click() {
+    CheckOne("cmdUpload2_Click", Check::Upload);
+}
+
+void frmConfig::cmdImport2_Click() {
+    CheckOne("cmdImport2_Click", Check::Import);
+}
+
+void frmConfig::cmdExport2_Click() {
+    CheckOne("cmdExport2_Click", Check::Export);
+}
+
+void frmConfig::cmdQB2_Click() {
+    CheckOne("cmdQB2_Click", Check::QuickButtons);
+}
+
+void frmConfig::cmdUA2_Click() {
+    CheckOne("cmdUA2_Click", Check::Unattended);
+}
+
+void frmConfig::cmdBackup2_Click() {
+    CheckOne("cmdBackup2_Click", Check::Backup);
+}
+
+void frmConfig::CheckAll() {
+    TraceEvent("frmConfig:cmdCheckAll_Click");
+    RunChecks(AllChecks());
+}
+
+void frmConfig::cmdCheckAll_Click() {
+    CheckAll();
+}
+
+// ---- configuring ----
+
+void frmConfig::Configure(const char* handler, const std::function<void()>& open) {
+    TraceEvent(std::string("frmConfig:") + handler);
+    Global.QCViewMode = false; // the screen opens for itself, whatever the report has shown last
+    Global.FromConfigurator = true;
+    open();
+    Global.FromConfigurator = false;
+}
+
+void frmConfig::cmdLinks1_Click() {
+    Configure("cmdLinks1_Click", [] { ShowTable(ViewLink); });
+}
+
+void frmConfig::cmdBarcode1_Click() {
+    Configure("cmdBarcode1_Click", [] { ShowTable(ViewItem); });
+}
+
+void frmConfig::cmdSTax1_Click() {
+    Configure("cmdSTax1_Click", [] { ShowTable(ViewSTax); });
+}
+
+void frmConfig::cmdPay1_Click() {
+    Configure("cmdPay1_Click", [] { ShowTable(ViewPay); });
+}
+
+void frmConfig::cmdPrinter1_Click() {
+    Configure("cmdPrinter1_Click", [] { ShowTable(ViewPrinter); });
+}
+
+void frmConfig::cmdImport1_Click() {
+    Configure("cmdImport1_Click", [] { The<frmConvert>().Show(ShowMode::Modal); });
+}
+
+void frmConfig::cmdExport1_Click() {
+    Configure("cmdExport1_Click", [] {
+        Global.TemplateEditMode = true;
+        auto& mapping = The<frmExport1>();
+        if (!mapping.IsGone()) mapping.Show(ShowMode::Modal);
+        Global.TemplateEditMode = false;
+    });
+}
+
+void frmConfig::cmdQB1_Click() {
+    Configure("cmdQB1_Click", [] { OpenOptions(); });
+}
+
+void frmConfig::cmdUA1_Click() {
+    Configure("cmdUA1_Click", [] { OpenOptions(); });
+}
+
+void frmConfig::cmdBackup1_Click() {
+    Configure("cmdBackup1_Click", [] { OpenOptions(); });
+}
+
+void frmConfig::cmdCancel_Click() {
+    TraceEvent("frmConfig:cmdCancel_Click");
+    Unload();
+}

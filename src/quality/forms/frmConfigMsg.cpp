@@ -1,0 +1,196 @@
+#include "quality/forms/frmConfigMsg.h"
+
+#include "core/Catalogue.h"
+#include "core/Dates.h"
+#include "core/Failure.h"
+#include "core/Globals.h"
+#include "core/Messages.h"
+#include "core/Operator.h"
+#include "core/Paths.h"
+#include "core/TextCompare.h"
+#include "exchange/forms/frmConvert.h"
+#include "exchange/forms/frmExport1.h"
+#include "platform/Convert.h"
+#include "quality/ReportCsv.h"
+#include "quality/ReportGrid.h"
+#include "quality/forms/frmConfig.h"
+#if __has_include("tools/forms/frmOptions.h")
+#include "tools/forms/frmOptions.h"
+#define HAVE_OPTIONS
+#endif
+#include "views/TableViews.h"
+#include "views/forms/frmViewData.h"
+#include "views/forms/frmViewGrid.h"
+
+#include <QTimer>
+
+#include <array>
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <utility>
+
+namespace {
+
+/// How often the report looks whether somebody has repaired something.
+constexpr std::chrono::seconds BetweenLooks{1};
+
+/// The view of the table that a row is about; nothing for a row about templates.
+std::optional<ViewFlag> ViewOf(const ProblemRow& row) {
+    static constexpr std::array flags{
+        std::pair{"ZUKCUST.DBF", ViewCust}, std::pair{"ZUKITEM.DBF", ViewItem},
+        std::pair{"ZUKSTAX.DBF", ViewSTax}, std::pair{"ZUKPAY.DBF", ViewPay},
+        std::pair{"ZUKLINK.DBF", ViewLink}};
+    for (const auto& [file, flag] : flags) {
+        if (SameText(FileNameOf(row.Target), file)) return flag;
+    }
+    return std::nullopt;
+}
+
+/// Opens a screen on the template that `QCViewRecords` names, and waits until it has gone.
+template <class F>
+void OpenModal() {
+    auto& form = The<F>();
+    if (!form.IsGone()) form.Show(ShowMode::Modal);
+}
+
+void OpenOptions() {
+#ifdef HAVE_OPTIONS
+    The<frmOptions>().Show(ShowMode::Modal);
+#endif
+}
+
+/// The screen that keeps the templates of a row; nullptr for one that keeps none.
+void (*ScreenOf(const ProblemRow& row))() {
+    if (row.Target == TemplateTarget::Import) return OpenModal<frmConvert>;
+    if (row.Target == TemplateTarget::Export) return OpenModal<frmExport1>;
+    if (row.Target == TemplateTarget::QuickButtons) return OpenOptions;
+    if (row.Target == TemplateTarget::Unattended) return OpenOptions;
+    return nullptr;
+}
+
+} // namespace
+
+void frmConfigMsg::Form_Load() {
+    TraceEvent("frmConfigMsg:Form_Load");
+    FG1->SetWrapped();
+    cmdView->setToolTip(PlainTip(ToQt(Text(msg::TipViewRecords))));
+    cmdPrint->setToolTip(PlainTip(ToQt(Text(msg::TipPrintReport))));
+    cmdSave->setToolTip(PlainTip(ToQt(Text(msg::TipSaveReport))));
+    cmdOK->setToolTip(PlainTip(ToQt(Text(msg::TipClose))));
+    auto* look = new QTimer(this);
+    look->setObjectName(QStringLiteral("TimerLook"));
+    look->start(BetweenLooks);
+}
+
+void frmConfigMsg::ShowProblems() {
+    auto grid = std::make_unique<ReportGrid>(problems_.Rows());
+    grid_ = grid.get();
+    FG1->SetContent(std::move(grid), objectName());
+    FG1->setFocus();
+    Show();
+}
+
+void frmConfigMsg::Form_GotFocus() {
+    FG1->Refresh();
+}
+
+void frmConfigMsg::TimerLook_Timer() {
+    FG1->Refresh();
+}
+
+const ProblemRow* frmConfigMsg::SelectedRow() const {
+    const std::int32_t row = grid_ ? FG1->SelectedRecord() : 0;
+    return row > 0 ? &grid_->Row(row) : nullptr;
+}
+
+void frmConfigMsg::FG1_SelChange() {
+    const ProblemRow* row = SelectedRow();
+    if (!row) return;
+    const bool isTemplate = IsTemplateTarget(row->Target);
+    // A row of the Links table leaves the caption as it was.
+    if (isTemplate || ViewOf(*row) != ViewLink) {
+        cmdView->setText(
+            QString::fromStdString(CatalogueCaption(isTemplate ? msg::cmdViewTemplate : msg::cmdViewRecords)));
+    }
+    cmdView->setEnabled(!isTemplate || ScreenOf(*row));
+}
+
+void frmConfigMsg::FG1_DblClick() {
+    if (cmdView->isEnabled()) cmdView_Click();
+}
+
+void frmConfigMsg::FG1_ColumnClick(int column) {
+    TraceEvent("frmConfigMsg:FG1_ColumnClick");
+    FG1->SortOn(column);
+}
+
+void frmConfigMsg::cmdView_Click() {
+    TraceEvent("frmConfigMsg:cmdView_Click");
+    Global.QCViewMode = true;
+    ClearViewFlags();
+    if (!SelectedRow()) FG1->SelectRecord(1);
+    const ProblemRow* selected = SelectedRow();
+    if (!selected) return;
+    const ProblemRow row = *selected; // the report may go while a screen is open
+    if (IsTemplateTarget(row.Target)) return ViewTemplates(row);
+    Global.QCViewRecords = row.List;
+    Global.QCViewField = row.Field;
+    Global.QCViewSeverity = SeverityName(row.Severity);
+    if (const auto flag = ViewOf(row)) ShowReported(*flag);
+}
+
+void frmConfigMsg::ViewTemplates(const ProblemRow& row) {
+    for (const std::string_view name : SplitText(row.List, ListSeparator)) {
+        Global.QCViewMode = true;
+        Global.QCViewRecords = Trim(name);
+        ScreenOf(row)();
+        if (IsOver()) return;
+    }
+    // What is opened from now on is not for these templates.
+    Global.QCViewMode = false;
+    Global.QCViewRecords.clear();
+}
+
+void frmConfigMsg::cmdSave_Click() {
+    TraceEvent("frmConfigMsg:cmdSave_Click");
+    const std::string preset = Text(msg::ReportFileName).CodePage() + " " + ShortDate(Today()) + ".csv";
+    const auto typed = Global.TheOperator->InputBox(msg::SaveReportAs, preset);
+    if (!typed || IsOver()) return;
+    std::string name(Trim(*typed));
+    if (!IsPlainFileName(name)) {
+        return Tell(Lines(msg::ReportNameBad, Text::Value(std::string_view(name))), Icon::Warning);
+    }
+    if (ExtensionOf(name).empty()) name += ".csv";
+    const std::string path = Global.DataOutPath + NameToPath(name);
+    if (FileExists(path)) {
+        if (!AskYesNo(Lines(msg::ReportNameTaken, Text::Path(std::string_view(path))), Icon::Warning)) return;
+    }
+    try {
+        SaveReport(path, problems_.Rows());
+    } catch (const RunTimeFailure& failure) {
+        return Tell(Lines(msg::FileError, Text::Path(std::string_view(failure.what()))), Icon::Stop);
+    }
+    Tell(Lines(msg::ReportSaved, Text::Path(std::string_view(path))), Icon::Information);
+}
+
+void frmConfigMsg::cmdOK_Click() {
+    TraceEvent("frmConfigMsg:cmdOK_Click");
+    if (Global.QCAutoRun) {
+        Global.QCAutoRun = false;
+        if (auto* config = IfLoaded<frmConfig>()) config->Unload();
+    }
+    Global.QCWaiting = false;
+    Unload();
+}
+
+void frmConfigMsg::Form_Unload() {
+    TraceEvent("frmConfigMsg:Form_Unload");
+    Global.QCViewMode = false;
+    Global.FromConfigurator = false;
+    // A table that the report has opened can stay open, and goes by its flag.
+    if (!IfLoaded<frmViewGrid>() && !IfLoaded<frmViewData>()) ClearViewFlags();
+    // However it is closed, the next Configurator does not check by itself, and nobody waits for ever.
+    Global.QCAutoRun = false;
+    Global.QCWaiting = false;
+}

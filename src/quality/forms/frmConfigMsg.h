@@ -1,0 +1,42 @@
+#pragma once
+
+#include "platform/Form.h"
+#include "quality/Problems.h"
+#include "ui_frmConfigMsg.h"
+
+#include <string>
+
+class ReportGrid;
+
+/// The report of the Quality Check: what is wrong, and the way to the faulty records or templates.
+class frmConfigMsg final : public Form, private Ui::frmConfigMsg {
+    Q_OBJECT
+
+public:
+    frmConfigMsg() { setupUi(this); }
+
+    /// The problems that a run finds; they are on the screen once ShowProblems has shown them.
+    ProblemList& Problems() { return problems_; }
+    void ShowProblems();
+
+private slots:
+    void FG1_SelChange();
+    void FG1_DblClick();
+    void FG1_ColumnClick(int column);
+    void TimerLook_Timer();
+    void cmdView_Click();
+    void cmdSave_Click();
+    void cmdOK_Click();
+
+protected:
+    void Form_Load() override;
+    void Form_GotFocus() override;
+    void Form_Unload() override;
+
+private:
+    const ProblemRow* SelectedRow() const;
+    void ViewTemplates(const ProblemRow& row);
+
+    ProblemList problems_;
+    ReportGrid* grid_ = nullptr; ///< what FG1 shows
+};
