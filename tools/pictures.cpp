@@ -24,6 +24,8 @@
 #include <QTemporaryDir>
 
 #include <cstdio>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -40,16 +42,24 @@ public:
     bool RunsActivities = false;
 };
 
-/// Tables with a few handhelds and uploads, so that the main screen has something to show.
-void FillOffice(const QString& build, const OfficeForDay& office, const QString& folder) {
-    const auto write = [&](const QString& name, const QByteArray& content) {
-        QFile file(folder + QLatin1Char('/') + name);
+/// Fills tables of an office with rows: each with a line of field names above its records.
+void FillTables(const QString& build, const QString& office,
+                const std::vector<std::pair<QString, QByteArray>>& tables) {
+    const QTemporaryDir folder;
+    QStringList arguments{office};
+    for (const auto& [name, content] : tables) {
+        QFile file(folder.filePath(name + QStringLiteral(".tsv")));
         if (!file.open(QIODevice::WriteOnly)) throw OfficeFailure("cannot write " + name.toStdString());
         file.write(content);
-    };
-    write(QStringLiteral("ZUKLINK.tsv"),
-          "LK_HOTSYNC\tLK_MACH_ID\nAnna Berg\tA001\nBen Okafor\tB002\n"
-          "Chloé Martin\tC003\nDiego Ruiz\tD004\nEmi Sato\tE005\nFrank Weiss\tF006\n");
+        arguments << file.fileName();
+    }
+    QProcess::execute(build + QStringLiteral("/filltables"), arguments);
+}
+
+/// Tables with a few handhelds and uploads, so that the main screen has something to show.
+void FillOffice(const QString& build, const OfficeForDay& office) {
+    const QByteArray links = "LK_HOTSYNC\tLK_MACH_ID\nAnna Berg\tA001\nBen Okafor\tB002\n"
+                             "Chloé Martin\tC003\nDiego Ruiz\tD004\nEmi Sato\tE005\nFrank Weiss\tF006\n";
     QByteArray totals = "TP_NUMHEAD\tTP_NUMLINE\tTP_DOL_LIN\tTP_EVENT\tTP_DATETIM\tTP_HOTSYNC\n";
     const char* names[] = {"Anna Berg", "Ben Okafor", "Chloé Martin", "Diego Ruiz"};
     for (int i = 0; i < 4; ++i) {
@@ -58,10 +68,21 @@ void FillOffice(const QString& build, const OfficeForDay& office, const QString&
                   QByteArray::number(431.5 * (i + 1)) + "\tUPLOAD-ADD\t2999-11-1" + number + " 17:4" +
                   number + ":05\t" + names[i] + '\n';
     }
-    write(QStringLiteral("ZUKTOTALPC.tsv"), totals);
-    QProcess::execute(build + QStringLiteral("/filltables"),
-                      {office.Path(QString()), folder + QStringLiteral("/ZUKLINK.tsv"),
-                       folder + QStringLiteral("/ZUKTOTALPC.tsv")});
+    FillTables(build, office.Path(QString()),
+               {{QStringLiteral("ZUKLINK"), links}, {QStringLiteral("ZUKTOTALPC"), totals}});
+}
+
+/// Customers and items with faults in them.
+void BreakTables(const QString& build, const OfficeForDay& office) {
+    FillTables(
+        build, office.Path(QString()),
+        {{QStringLiteral("ZUKCUST"),
+          "C_SEARCH\tC_CODE\tC_NAME\tC_STCODE\n\tA100\tAcme Hardware\tNY\nBOLT\tB200\tBolt & Sons\t\n"
+          "CRANE CO\tC-300\tCrane Co\tNJ\nDELTA\tD400\tDelta Tools\t\nEAST\tD400\tEast Side Supply\t\n"},
+         {QStringLiteral("ZUKITEM"),
+          "I_SEARCH\tI_ITEMCODE\tI_DESC1\tI_PRICE\tI_BARCODE\nHAMMER\tH1\tClaw hammer\t12.50\t4006381333931\n"
+          "HAMMER\tH2\tSledge hammer\t49.00\t\nNAILS\tN-10\tNails, 10 mm\t1.2X\t\nSAW\tS1\tHand "
+          "saw\t0.00\t\n"}});
 }
 
 void Settle() {
@@ -156,6 +177,28 @@ void BrowserFaces(const QString& folder) {
     }
 }
 
+/// The report of a check of the imported tables, the Configurator behind it, and what the report's
+/// rows lead to.
+void CheckFaces(const QString& build, const OfficeForDay& office, const QString& folder) {
+    BreakTables(build, office);
+    auto& config = The<frmConfig>();
+    Press(config, "cmdCheckAll");
+    auto& report = The<frmConfigMsg>();
+    Save(config, folder, QStringLiteral("frmConfig-checked"));
+    Save(report, folder, QStringLiteral("frmConfigMsg-report"));
+    auto* rows = report.findChild<GridView*>(QStringLiteral("FG1"));
+    for (int row = 0; row < rows->model()->rowCount(); ++row) {
+        rows->SelectRecord(row + 1);
+        if (report.Problems().Row(static_cast<std::size_t>(row)).Field.empty()) continue;
+        Press(report, "cmdView");
+        auto& grid = The<frmViewGrid>();
+        Save(grid, folder, QStringLiteral("frmViewGrid-faulty-%1").arg(row + 1));
+        grid.Unload();
+    }
+    report.Unload();
+    config.Unload();
+}
+
 template <class F>
 void Picture(const QString& folder, const char* name) {
     F& form = The<F>();
@@ -192,7 +235,7 @@ int main(int argc, char** argv) {
         QDir().mkpath(folder);
         const OfficeForDay office(arguments[1], work.filePath(QStringLiteral("office")),
                                   QStringLiteral("samples/day"));
-        FillOffice(arguments[1], office, work.path());
+        FillOffice(arguments[1], office);
         if (arguments.size() == 4 &&
             !QFile::copy(arguments[3], office.Path(QStringLiteral("Messages.tsv")))) {
             throw OfficeFailure("cannot copy " + arguments[3].toStdString());
@@ -209,6 +252,7 @@ int main(int argc, char** argv) {
 #undef PICTURE
             OtherFaces(nobody, folder);
             BrowserFaces(folder);
+            CheckFaces(arguments[1], office, folder);
             FormRegistry::Instance().Clear();
         }
     } catch (const std::exception& failure) {

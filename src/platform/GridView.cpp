@@ -63,6 +63,13 @@ protected:
     void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
         QStyledItemDelegate::initStyleOption(option, index);
         if (option->backgroundBrush.style() != Qt::NoBrush) option->state &= ~QStyle::State_Selected;
+        if (option->features & QStyleOptionViewItem::WrapText) option->displayAlignment = Qt::AlignTop;
+    }
+
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
+        constexpr int BetweenRows = 6;
+        const bool wraps = option.features & QStyleOptionViewItem::WrapText;
+        return QStyledItemDelegate::sizeHint(option, index) + QSize(0, wraps ? BetweenRows : 0);
     }
 };
 
@@ -82,11 +89,14 @@ GridView::GridView(QWidget* parent) : QTableView(parent), model_(new GridDataMod
     verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 8);
     horizontalHeader()->setHighlightSections(false);
-    connect(horizontalHeader(), &QHeaderView::sectionResized, this, [this] {
-        if (fitting_) return;
-        drawn_ = true;
-        FitRows();
+    connect(horizontalHeader(), &QHeaderView::sectionResized, this, [this](int column) {
+        if (wordWrap()) rowsToFit_.start();
+        const bool stretches =
+            horizontalHeader()->stretchLastSection() && column == model_->columnCount() - 1;
+        if (!fitting_ && !stretches) drawn_ = true;
     });
+    rowsToFit_.setSingleShot(true);
+    connect(&rowsToFit_, &QTimer::timeout, this, &GridView::resizeRowsToContents);
     connect(model_, &GridDataModel::Outdated, this, &GridView::TakeNewContent);
 
     AddAction(msg::GridCopy, QKeySequence::Copy, &GridView::CopyRows);
@@ -130,7 +140,7 @@ void GridView::SetContent(std::unique_ptr<GridData> content, const QString& widt
     if (!model_->Content()) return;
     LayOutHeadings();
     FitColumns();
-    FitRows();
+    if (wordWrap()) resizeRowsToContents();
     SelectFirstRow();
 }
 
@@ -139,11 +149,6 @@ void GridView::SetWrapped() {
     setTextElideMode(Qt::ElideNone);
     setVerticalScrollMode(ScrollPerPixel);
     horizontalHeader()->setStretchLastSection(true);
-    FitRows();
-}
-
-void GridView::FitRows() {
-    if (wordWrap()) resizeRowsToContents();
 }
 
 void GridView::SetEmptyText(const Text& text) {
@@ -180,7 +185,7 @@ void GridView::TakeNewContent() {
         horizontalHeader()->setSortIndicator(-1, Qt::AscendingOrder);
         FitColumns();
     }
-    FitRows();
+    if (wordWrap()) resizeRowsToContents();
     setAccessibleDescription(EmptyText());
     setCurrentIndex(model_->index(HeadingRows(), column));
     if (!SelectRecord(record)) SelectFirstRow();

@@ -3,6 +3,7 @@
 #include "platform/GridDataModel.h"
 
 #include <QTableView>
+#include <QTimer>
 
 #include <cstdint>
 #include <memory>
@@ -89,7 +90,6 @@ private:
     void TakeNewContent();
     void LayOutHeadings();
     void FitColumns();
-    void FitRows();
     int FittingWidth(int column) const;
     void KeepWidths();
     void SelectFirstRow();
@@ -102,6 +102,7 @@ private:
     FindBar* findBar_ = nullptr;
     QList<std::pair<QAction*, MessageId>> actions_;
     QString widthsName_;
+    QTimer rowsToFit_; ///< behind the last of several columns that change their widths
     bool fitting_ = false;
     bool drawn_ = false; ///< the operator has drawn a column's width
     int sortColumn_ = -1;

@@ -51,12 +51,14 @@ Text ReportGrid::CellOf(std::int32_t record, int column) const {
     case IssueColumn: {
         Text issue;
         for (const std::string_view line : SplitText(FromUtf8(row.Issue), "\n"))
-            issue = issue.IsEmpty() ? ShortList(line, LongestList) : Lines(issue, ShortList(line, LongestList));
+            issue =
+                issue.IsEmpty() ? ShortList(line, LongestList) : Lines(issue, ShortList(line, LongestList));
         return issue;
     }
     default:
-        return watch_.HasChanged(static_cast<std::size_t>(record) - 1) ? Lines(row.Correction, msg::RowChanged)
-                                                                       : row.Correction;
+        return watch_.HasChanged(static_cast<std::size_t>(record) - 1)
+                   ? Lines(row.Correction, msg::RowChanged)
+                   : row.Correction;
     }
 }
 

@@ -14,7 +14,9 @@ public:
     explicit ReportGrid(std::vector<ProblemRow> rows);
 
     /// `record` from 1, as GridData counts.
-    const ProblemRow& Row(std::int32_t record) const { return rows_.at(static_cast<std::size_t>(record) - 1); }
+    const ProblemRow& Row(std::int32_t record) const {
+        return rows_.at(static_cast<std::size_t>(record) - 1);
+    }
     const std::vector<ProblemRow>& Rows() const { return rows_; }
 
     int ColumnCount() const override { return static_cast<int>(headings_.size()); }

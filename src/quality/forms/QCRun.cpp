@@ -112,8 +112,10 @@ void RunChecks(std::span<const Check> checks, bool forHotsync) {
 void CheckAllProcesses() {
     Global.QCAutoRun = true;
     // One that stands open does not load again.
-    if (auto* config = IfLoaded<frmConfig>()) config->CheckAll();
-    else The<frmConfig>();
+    if (auto* config = IfLoaded<frmConfig>())
+        config->CheckAll();
+    else
+        The<frmConfig>();
 }
 
 bool PassQualityCheck(FormBehaviour& caller) {

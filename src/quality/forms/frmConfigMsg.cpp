@@ -37,10 +37,9 @@ constexpr std::chrono::seconds BetweenLooks{1};
 
 /// The view of the table that a row is about; nothing for a row about templates.
 std::optional<ViewFlag> ViewOf(const ProblemRow& row) {
-    static constexpr std::array flags{
-        std::pair{"ZUKCUST.DBF", ViewCust}, std::pair{"ZUKITEM.DBF", ViewItem},
-        std::pair{"ZUKSTAX.DBF", ViewSTax}, std::pair{"ZUKPAY.DBF", ViewPay},
-        std::pair{"ZUKLINK.DBF", ViewLink}};
+    static constexpr std::array flags{std::pair{"ZUKCUST.DBF", ViewCust}, std::pair{"ZUKITEM.DBF", ViewItem},
+                                      std::pair{"ZUKSTAX.DBF", ViewSTax}, std::pair{"ZUKPAY.DBF", ViewPay},
+                                      std::pair{"ZUKLINK.DBF", ViewLink}};
     for (const auto& [file, flag] : flags) {
         if (SameText(FileNameOf(row.Target), file)) return flag;
     }
@@ -71,6 +70,13 @@ void (*ScreenOf(const ProblemRow& row))() {
 
 } // namespace
 
+frmConfigMsg::frmConfigMsg() {
+    setupUi(this);
+    auto* look = new QTimer(this);
+    look->setObjectName(QStringLiteral("TimerLook"));
+    look->start(BetweenLooks);
+}
+
 void frmConfigMsg::Form_Load() {
     TraceEvent("frmConfigMsg:Form_Load");
     FG1->SetWrapped();
@@ -78,9 +84,6 @@ void frmConfigMsg::Form_Load() {
     cmdPrint->setToolTip(PlainTip(ToQt(Text(msg::TipPrintReport))));
     cmdSave->setToolTip(PlainTip(ToQt(Text(msg::TipSaveReport))));
     cmdOK->setToolTip(PlainTip(ToQt(Text(msg::TipClose))));
-    auto* look = new QTimer(this);
-    look->setObjectName(QStringLiteral("TimerLook"));
-    look->start(BetweenLooks);
 }
 
 void frmConfigMsg::ShowProblems() {
@@ -110,8 +113,8 @@ void frmConfigMsg::FG1_SelChange() {
     const bool isTemplate = IsTemplateTarget(row->Target);
     // A row of the Links table leaves the caption as it was.
     if (isTemplate || ViewOf(*row) != ViewLink) {
-        cmdView->setText(
-            QString::fromStdString(CatalogueCaption(isTemplate ? msg::cmdViewTemplate : msg::cmdViewRecords)));
+        cmdView->setText(QString::fromStdString(
+            CatalogueCaption(isTemplate ? msg::cmdViewTemplate : msg::cmdViewRecords)));
     }
     cmdView->setEnabled(!isTemplate || ScreenOf(*row));
 }

@@ -13,7 +13,7 @@ class frmConfigMsg final : public Form, private Ui::frmConfigMsg {
     Q_OBJECT
 
 public:
-    frmConfigMsg() { setupUi(this); }
+    frmConfigMsg();
 
     /// The problems that a run finds; they are on the screen once ShowProblems has shown them.
     ProblemList& Problems() { return problems_; }
