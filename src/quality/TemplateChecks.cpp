@@ -9,6 +9,7 @@
 #include "exchange/Activity.h"
 #include "exchange/ExportTemplate.h"
 #include "exchange/ImportTemplate.h"
+#include "sync/UnattendedSettings.h"
 
 #include <algorithm>
 #include <initializer_list>
@@ -116,27 +117,6 @@ std::vector<std::string> NamesIn(const std::string& path) {
     return names;
 }
 
-struct UnattendedSettings {
-    bool RemoteSelect = false, UploadSelect = false, RemoteClearSelect = false;
-    std::string RemoteSelSettings, UploadSelSettings, RemoteClearSettings;
-};
-UnattendedSettings UnattendedSettingsIn(const std::string& path) {
-    UnattendedSettings s;
-    for (const std::string& line : LinesOf(path)) {
-        const auto at = line.find('=');
-        if (at == std::string::npos) continue;
-        const std::string key = line.substr(0, at + 1);
-        const std::string value(Trim(std::string_view(line).substr(at + 1)));
-        if (SameText(key, "Download=")) s.RemoteSelect = SameText(value, "True");
-        if (SameText(key, "Upload=")) s.UploadSelect = SameText(value, "True");
-        if (SameText(key, "Clear=")) s.RemoteClearSelect = SameText(value, "True");
-        if (SameText(key, "DownloadTemplate=")) s.RemoteSelSettings = value;
-        if (SameText(key, "UploadTemplate=")) s.UploadSelSettings = value;
-        if (SameText(key, "ClearTemplate=")) s.RemoteClearSettings = value;
-    }
-    return s;
-}
-
 } // namespace
 
 void QCDownload(ProblemList& problems) {
@@ -218,17 +198,17 @@ void QCQB(ProblemList& problems) {
 void QCUA(ProblemList& problems) {
     constexpr Subject subject{msg::GroupUA, TemplateTarget::Unattended, msg::LabelUASetting};
     Found idle, nameless, gone;
-    for (const std::string& file : FilesWithExtension(Global.UnattendedTemplates, ".uhs")) {
-        const UnattendedSettings settings = UnattendedSettingsIn(Global.UnattendedTemplates + file);
+    for (const std::string& file : FilesWithExtension(Global.UnattendedTemplates, UnattendedExtension)) {
+        const UnattendedSettings settings = GlanceAtUnattendedSettings(Global.UnattendedTemplates + file);
         struct Action {
             bool IsOn;
             const std::string& Template;
             Kind Templates;
         };
         const Action actions[] = {
-            {settings.RemoteSelect, settings.RemoteSelSettings, {Global.DownloadTemplates, {".dst"}}},
-            {settings.UploadSelect, settings.UploadSelSettings, {Global.UploadTemplates, {".ust"}}},
-            {settings.RemoteClearSelect, settings.RemoteClearSettings, {Global.DownloadTemplates, {".dct"}}},
+            {settings.Download, settings.DownloadTemplate, {Global.DownloadTemplates, {".dst"}}},
+            {settings.Upload, settings.UploadTemplate, {Global.UploadTemplates, {".ust"}}},
+            {settings.Clear, settings.ClearTemplate, {Global.DownloadTemplates, {".dct"}}},
         };
         bool anyOn = false, anyNameless = false, anyGone = false;
         for (const Action& action : actions) {

@@ -27,6 +27,7 @@
 #include "sync/StatusDetails.h"
 #include "sync/forms/frmHHStatus.h"
 #include "tools/forms/frmAbout.h"
+#include "tools/forms/frmOptions.h"
 #include "views/forms/frmView.h"
 #include "views/forms/frmViewGrid.h"
 
@@ -514,6 +515,18 @@ void frmMain1::mnuQC_Click() {
     UnloadForms();
     if (Global.TheOperator->Ask({msg::QCAllQuestion, msg::Yes, msg::No, QualityCheckHelp}))
         CheckAllProcesses();
+}
+
+void frmMain1::lblSetupPC_Click() {
+    TraceEvent("frmMain1:lblSetupPC_Click");
+    UnloadForms();
+    The<frmOptions>().Show(ShowMode::Modal);
+}
+
+void frmMain1::mnuPCSetup_Click() {
+    TraceEvent("frmMain1:mnuPCSetup_Click");
+    UnloadForms();
+    The<frmOptions>().Show(ShowMode::Modal);
 }
 
 void frmMain1::View(const char* handler, ViewFlag flag, ShowMode mode) {

@@ -65,6 +65,8 @@ private slots:
     void lblQC_Click();
     void mnuConfig_Click();
     void mnuQC_Click();
+    void lblSetupPC_Click();
+    void mnuPCSetup_Click();
     void lblPrev_Click();
     void lblNext_Click();
 

@@ -9,6 +9,7 @@
 #include "exchange/Activity.h"
 #include "platform/Convert.h"
 #include "platform/Look.h"
+#include "tools/forms/frmOptions.h"
 
 #include <QComboBox>
 #include <QLabel>
@@ -52,7 +53,8 @@ void QuickButtonForm::Form_Load() {
 
 void QuickButtonForm::PopMaster() {
     Trace("PopMaster");
-    for (const std::string& name : ListActivities(Global.QuickButtonTemplates, extension_)) {
+    cboMaster->clear();
+    for (const std::string& name : NamesWithExtension(Global.QuickButtonTemplates, extension_)) {
         cboMaster->addItem(PathToQt(name));
     }
     cboMaster->setCurrentIndex(-1);
@@ -145,6 +147,20 @@ void QuickButtonForm::cmdOK_Click() {
     cmdCancel->setEnabled(true);
     cmdCancel->setDefault(true);
     cmdCancel->setFocus();
+}
+
+void QuickButtonForm::cmdSetup_Click() {
+    Trace("cmdSetup_Click");
+    const QString chosen = cboMaster->currentText();
+    Global.TemplateEditMode = true;
+    auto& options = The<frmOptions>();
+    options.TurnTo(PathFromQt(chosen) + extension_);
+    options.Show(ShowMode::Modal);
+    Global.TemplateEditMode = false;
+    if (IsOver()) return;
+    PopMaster();
+    cboMaster->setCurrentIndex(chosen.isEmpty() ? -1 : cboMaster->findText(chosen));
+    cboMaster_Click();
 }
 
 void QuickButtonForm::cmdCancel_Click() {

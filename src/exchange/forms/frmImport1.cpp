@@ -97,8 +97,8 @@ void frmImport1::LoadForEditing() {
 /// Adds the templates of a kind to the list: with their extensions where there are two kinds.
 void frmImport1::ListTemplates(TemplateKind kind) {
     const std::string_view extension = TemplateExtension(kind);
-    for (std::string& name : FilesWithExtension(Global.ImportTemplates, extension)) {
-        if (mode_ != Mode::EditTemplate) name.resize(name.size() - extension.size());
+    const auto list = mode_ == Mode::EditTemplate ? FilesWithExtension : NamesWithExtension;
+    for (const std::string& name : list(Global.ImportTemplates, extension)) {
         cboSettings->addItem(PathToQt(name));
     }
     cboSettings->setCurrentIndex(-1);
@@ -186,6 +186,21 @@ void frmImport1::cboSettings_Click() {
     mapping_ = ImportMapping(read.Template.Fields, read.Template.Literals);
     ShowColumns();
     ShowMapping(std::nullopt);
+}
+
+bool frmImport1::SaveAnew(const std::string& templateFile) {
+    TraceEvent("frmImport1:SaveAnew");
+    // What was read of half a template would be all that is left of it.
+    if (!ReadImportTemplate(Global.ImportTemplates + templateFile).Complete) {
+        Tell(Words(msg::ErrorOpening, Text::Path(std::string_view(templateFile))) + msg::MakeSureFileExists,
+             Icon::Warning);
+        return false;
+    }
+    const QString name =
+        PathToQt(templateFile).chopped(static_cast<qsizetype>(ExtensionOf(templateFile).size()));
+    cboSettings->setCurrentIndex(cboSettings->findText(name, Qt::MatchFixedString));
+    cboSettings_Click();
+    return SaveSettings();
 }
 
 void frmImport1::cboSettings_Change() {

@@ -1,16 +1,14 @@
 #include "quality/forms/frmConfig.h"
 
 #include "core/Messages.h"
+#include "exchange/Activity.h"
 #include "exchange/forms/frmConvert.h"
 #include "exchange/forms/frmExport1.h"
 #include "platform/Convert.h"
 #include "platform/Look.h"
 #include "quality/CheckResults.h"
 #include "quality/forms/QCRun.h"
-#if __has_include("tools/forms/frmOptions.h")
 #include "tools/forms/frmOptions.h"
-#define HAVE_OPTIONS
-#endif
 #include "views/forms/frmViewGrid.h"
 
 #include <QPushButton>
@@ -33,10 +31,10 @@ Text ResultText(const std::optional<CheckResult>& result) {
     return Lines(when, counts);
 }
 
-void OpenOptions() {
-#ifdef HAVE_OPTIONS
-    The<frmOptions>().Show(ShowMode::Modal);
-#endif
+void OpenOptions(const std::function<void(frmOptions&)>& turn) {
+    auto& options = The<frmOptions>();
+    turn(options);
+    options.Show(ShowMode::Modal);
 }
 
 } // namespace
@@ -206,15 +204,16 @@ void frmConfig::cmdExport1_Click() {
 }
 
 void frmConfig::cmdQB1_Click() {
-    Configure("cmdQB1_Click", [] { OpenOptions(); });
+    Configure("cmdQB1_Click", [] { OpenOptions([](auto& options) { options.TurnTo(ImportActivities); }); });
 }
 
 void frmConfig::cmdUA1_Click() {
-    Configure("cmdUA1_Click", [] { OpenOptions(); });
+    Configure("cmdUA1_Click",
+              [] { OpenOptions([](auto& options) { options.TurnTo(UnattendedExtension); }); });
 }
 
 void frmConfig::cmdBackup1_Click() {
-    Configure("cmdBackup1_Click", [] { OpenOptions(); });
+    Configure("cmdBackup1_Click", [] { OpenOptions([](auto& options) { options.TurnToBackup(); }); });
 }
 
 void frmConfig::cmdCancel_Click() {

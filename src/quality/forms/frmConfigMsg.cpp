@@ -14,10 +14,7 @@
 #include "quality/ReportCsv.h"
 #include "quality/ReportGrid.h"
 #include "quality/forms/frmConfig.h"
-#if __has_include("tools/forms/frmOptions.h")
 #include "tools/forms/frmOptions.h"
-#define HAVE_OPTIONS
-#endif
 #include "views/TableViews.h"
 #include "views/forms/frmViewData.h"
 #include "views/forms/frmViewGrid.h"
@@ -53,18 +50,12 @@ void OpenModal() {
     if (!form.IsGone()) form.Show(ShowMode::Modal);
 }
 
-void OpenOptions() {
-#ifdef HAVE_OPTIONS
-    The<frmOptions>().Show(ShowMode::Modal);
-#endif
-}
-
 /// The screen that keeps the templates of a row; nullptr for one that keeps none.
 void (*ScreenOf(const ProblemRow& row))() {
     if (row.Target == TemplateTarget::Import) return OpenModal<frmConvert>;
     if (row.Target == TemplateTarget::Export) return OpenModal<frmExport1>;
-    if (row.Target == TemplateTarget::QuickButtons) return OpenOptions;
-    if (row.Target == TemplateTarget::Unattended) return OpenOptions;
+    if (row.Target == TemplateTarget::QuickButtons) return OpenModal<frmOptions>;
+    if (row.Target == TemplateTarget::Unattended) return OpenModal<frmOptions>;
     return nullptr;
 }
 
