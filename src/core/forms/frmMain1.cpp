@@ -24,6 +24,7 @@
 #include "sync/Status.h"
 #include "sync/StatusDetails.h"
 #include "sync/forms/StatusFile.h"
+#include "sync/forms/frmChgLink.h"
 #include "sync/forms/frmHHStatus.h"
 #include "tools/forms/frmAbout.h"
 #include "views/forms/frmView.h"
@@ -35,6 +36,8 @@
 #include <QScreen>
 #include <QStyleOptionToolButton>
 #include <QStylePainter>
+
+#include <algorithm>
 
 namespace {
 
@@ -330,7 +333,7 @@ void frmMain1::GetHHBricksStd() {
     if (!WithStatusFile(GetHHStatus)) return;
     DrawBricks(QStringLiteral("cmdHHHSIDStd"), [](std::size_t row) -> Face {
         if (IsMarked(row)) return {StateIcon("Hotsync16-256.ico"), msg::lblSyncOK, false};
-        return {{}, msg::lblNotSynced, false};
+        return {{}, msg::lblNotSynced, true};
     });
 }
 
@@ -353,6 +356,24 @@ void frmMain1::cmdHHHSID_Click(int index) {
     auto& form = The<frmHHStatus>();
     form.Fill(id, *details);
     form.Show(ShowMode::Modal);
+}
+
+void frmMain1::cmdHHHSIDStd_Click(int index) {
+    TraceEvent("frmMain1:cmdHHHSIDStd_Click");
+    const auto row = static_cast<std::size_t>(index);
+    if (IsMarked(row)) return;
+    const std::string id = brickIDs_.at(row - 1);
+    UnloadForms();
+    ClearViewFlags();
+    Global.View[ViewLink] = true;
+    Global.LinkRecordToShow = index;
+    // An editor that has just been closed may have put the table in another order.
+    if (row > brickIDs_.size() || brickIDs_[row - 1] != id) {
+        const auto moved = std::find(brickIDs_.begin(), brickIDs_.end(), id);
+        if (moved == brickIDs_.end()) return;
+        Global.LinkRecordToShow = static_cast<std::int32_t>(moved - brickIDs_.begin()) + 1;
+    }
+    The<frmChgLink>().Show();
 }
 
 void frmMain1::cmdReset_Click() {
@@ -464,6 +485,12 @@ void frmMain1::View(const char* handler, ViewFlag flag, ShowMode mode) {
     TraceEvent(std::string("frmMain1:") + handler);
     UnloadForms();
     ShowTable(flag, mode);
+}
+
+void frmMain1::mnuChgLinks_Click() {
+    TraceEvent("frmMain1:mnuChgLinks_Click");
+    UnloadForms();
+    EditTable(ViewLink);
 }
 
 void frmMain1::cmdPCTotals_Click() {

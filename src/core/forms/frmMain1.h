@@ -39,6 +39,7 @@ private slots:
     void mnuExit_Click();
     void mnuMainAbout_Click();
     void mnuDarkLook_Click();
+    void mnuChgLinks_Click();
     void mnuTblCompany_Click();
     void mnuTblLinks_Click();
     void mnuTblPayments_Click();
@@ -58,6 +59,7 @@ private slots:
     void cmdPCTotals_Click();
     void cmdReset_Click();
     void cmdHHHSID_Click(int index);
+    void cmdHHHSIDStd_Click(int index);
     void lblImportBtn_Click();
     void lblExportBtn_Click();
     void lblPCTables_Click();

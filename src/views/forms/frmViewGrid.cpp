@@ -5,6 +5,7 @@
 #include "core/Operator.h"
 #include "platform/Convert.h"
 #include "platform/Look.h"
+#include "views/forms/Editors.h"
 #include "views/forms/frmViewData.h"
 
 namespace {
@@ -16,12 +17,18 @@ constexpr int TitleRow = 1;
 
 } // namespace
 
-void ShowTable(ViewFlag flag, ShowMode mode) {
+void ShowTable(ViewFlag flag, ShowMode mode, std::int32_t record) {
     if (auto* records = IfLoaded<frmViewData>()) records->Unload();
     if (auto* grid = IfLoaded<frmViewGrid>()) grid->Unload();
     ClearViewFlags();
     Global.View[flag] = true;
+    Global.SelectedRow = record;
     The<frmViewGrid>().Show(mode);
+}
+
+void EditTable(ViewFlag flag) {
+    ShowTable(flag);
+    if (auto* grid = IfLoaded<frmViewGrid>()) grid->MakeEditDefault();
 }
 
 void frmViewGrid::Form_Load() {
@@ -33,6 +40,7 @@ void frmViewGrid::Form_Load() {
     FG1->setToolTip({});
     if (*view->Icon) setWindowIcon(Picture(view->Icon));
     FG1->SetEmptyText(view->WhenEmpty);
+    cmdEdit->setEnabled(HasEditor());
     const std::int32_t selected = Global.SelectedRow;
     try {
         Display(*view);
@@ -118,7 +126,20 @@ void frmViewGrid::FG1_SelChange() {
 
 void frmViewGrid::FG1_DblClick() {
     TraceEvent("frmViewGrid:FG1_DblClick");
-    if (cmdDataView->isEnabled()) cmdDataView_Click();
+    if (cmdEdit->isEnabled())
+        cmdEdit_Click();
+    else if (cmdDataView->isEnabled())
+        cmdDataView_Click();
+}
+
+void frmViewGrid::MakeEditDefault() {
+    cmdEdit->setDefault(true);
+}
+
+void frmViewGrid::cmdEdit_Click() {
+    TraceEvent("frmViewGrid:cmdEdit_Click");
+    Global.SelectedRow = FG1->SelectedRecord();
+    if (OpenEditor()) Unload();
 }
 
 void frmViewGrid::cmdDataView_Click() {
