@@ -15,10 +15,12 @@
 #include "platform/Convert.h"
 #include "platform/GridView.h"
 #include "platform/Look.h"
+#include "sync/SFrmAX40.h"
 
 #include <QApplication>
 #include <QComboBox>
 #include <QDir>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QProcess>
 #include <QTabWidget>
@@ -41,6 +43,16 @@ public:
     void Beep() override {}
 
     bool RunsActivities = false;
+};
+
+/// A HotSync Manager with two users.
+class TwoUsers final : public SFrmAX40 {
+public:
+    std::string UserName() const override { return {}; }
+    std::int32_t UserID() const override { return 0; }
+    std::string HotSyncUser(int index) const override {
+        return index == 0 ? "Anna Berg" : index == 1 ? "Ben Okafor" : "";
+    }
 };
 
 /// Fills tables of an office with rows: each with a line of field names above its records.
@@ -131,6 +143,11 @@ void Prepare(FormBehaviour& form) {
     if (auto* details = dynamic_cast<frmHHStatus*>(&form)) {
         details->Fill("Anna Berg", {{3, 12, 431.5}, {3, 11, 402.75}});
     }
+    if (dynamic_cast<frmChgLink*>(&form)) {
+        form.Window()
+            .findChild<QLineEdit*>(QStringLiteral("txtHotSync"))
+            ->setText(QStringLiteral("ben okafor"));
+    }
 }
 
 void Press(FormBehaviour& form, const char* button) {
@@ -162,6 +179,10 @@ void OtherFaces(Nobody& nobody, const QString& folder) {
     nobody.RunsActivities = false;
     Save(report, folder, QStringLiteral("frmQBImport-report"));
     report.Unload();
+    Global.MakeSFrmAX40 = nullptr;
+    auto& nobodyToChoose = The<frmHSID>();
+    Save(nobodyToChoose, folder, QStringLiteral("frmHSID-nobody"));
+    nobodyToChoose.Unload();
 }
 
 /// The other tabs of the options.
@@ -177,8 +198,11 @@ void OptionsFaces(const QString& folder) {
 
 /// The browser with each kind of table in it.
 void BrowserFaces(const QString& folder) {
-    const std::pair<ViewFlag, const char*> faces[] = {
-        {ViewCust, "customers"}, {ViewItem, "items"}, {ViewOrHdr, "orders"}, {ViewTotals, "totals"}};
+    const std::pair<ViewFlag, const char*> faces[] = {{ViewCust, "customers"},
+                                                      {ViewItem, "items"},
+                                                      {ViewOrHdr, "orders"},
+                                                      {ViewTotals, "totals"},
+                                                      {ViewLink, "links"}};
     for (const auto& [flag, name] : faces) {
         ShowTable(flag);
         auto& grid = The<frmViewGrid>();
@@ -259,6 +283,7 @@ int main(int argc, char** argv) {
         for (const bool dark : {false, true}) {
             Global = Globals{};
             Global.TheOperator = &nobody;
+            Global.MakeSFrmAX40 = [] { return std::make_unique<TwoUsers>(); };
             Global.AppPath = PathFromQt(office.Path(QString()));
             ApplyLook(application, dark);
             The<frmMain1>();

@@ -7,11 +7,14 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
 class Operator;
+class SFrmAX40;
 
 /// What `frmProgress` does when it is loaded, in the order in which it looks.
 enum class ProgressFlag {
@@ -60,6 +63,7 @@ struct Globals {
     bool Ending = false;             ///< the process is on its way out; every wait ends
     int ExitCode = 0;                ///< once Ending is set
     DateTime (*Clock)() = nullptr;   ///< in place of the system's clock when set; see Now
+    std::function<std::unique_ptr<SFrmAX40>()> MakeSFrmAX40; ///< in place of the platform's; see NewSFrmAX40
     FileNumbers Files;
     TraceRing Events;
 

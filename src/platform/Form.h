@@ -63,12 +63,15 @@ protected:
     /// Esc: presses `cmdCancel`, or `cmdOK` where there is no such button.
     void PressEscape();
 
+    /// Runs a handler of an event that is no control's. The form outlives it, and a failure is told and
+    /// ends the process.
+    void Run(const std::function<void()>& handler);
+
 private:
     friend class FormRegistry;
 
     void LoadNow();
     void Leave();
-    void Run(const std::function<void()>& handler);
     void RunMethod(int method, int index);
     void QueueGotFocus();
 

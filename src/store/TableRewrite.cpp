@@ -80,12 +80,16 @@ void TableRewrite::Commit(bool flush) {
 }
 
 void CompactTable(std::string_view path) {
+    RemoveRecord(path, 0);
+}
+
+void RemoveRecord(std::string_view path, std::int32_t record) {
     TableScan scan(path);
     TraceEvent("DBFEdit:ReIndex " + std::string(path));
     TableRewrite rewrite(path);
     std::int32_t lastKept = 0;
     while (scan.Next()) {
-        if (scan.Deleted()) continue;
+        if (scan.Deleted() || scan.RecordNumber() == record) continue;
         rewrite.AppendRaw(TableLayout::Live, scan.Record());
         lastKept = scan.RecordNumber();
     }

@@ -71,6 +71,10 @@ private:
 /// behind the last record, with the same trace lines.
 void CompactTable(std::string_view path);
 
+/// The same, and one more record goes: what FileOpen, Go to it, DeleteRecord and ReIndex do. Nothing
+/// stands marked in between, so a failure or a kill leaves the record where it was.
+void RemoveRecord(std::string_view path, std::int32_t record);
+
 /// Removes all records; the table keeps its structure. What FileOpen, Go(-1), DeleteRecord and Go(-4)
 /// for each record and ReIndex do, with the same trace lines. `flush` as SafeFile::Commit.
 void EmptyTable(std::string_view path, bool flush = true);

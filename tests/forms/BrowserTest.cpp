@@ -614,7 +614,7 @@ TEST_F(Browser, TheRecordViewerShowsEveryFieldUnderItsLabel) {
     EXPECT_EQ(TextOf(form, "lblOrHdr_7"), QStringLiteral("LK_SFUSER"));
     EXPECT_EQ(TextOf(form, "txtOrHdr_7"), QStringLiteral("x"));
     EXPECT_EQ(TextOf(form, "lblCount"), QStringLiteral("1 of 2"));
-    EXPECT_FALSE(Enabled(form, "cmdEdit"));
+    EXPECT_TRUE(Enabled(form, "cmdEdit"));
 }
 
 TEST_F(Browser, TheRecordViewerWalksAndStopsAtBothEnds) {

@@ -20,9 +20,11 @@
 #include "maintenance/Totals.h"
 #include "store/DBFEdit.h"
 #include "store/OfficeTables.h"
+#include "store/SortTables.h"
 #include "store/TableCatalogue.h"
 #include "store/TableRewrite.h"
 #include "store/TableScan.h"
+#include "sync/Links.h"
 #include "sync/Status.h"
 #include "sync/UnattendedSettings.h"
 
@@ -39,6 +41,7 @@ constexpr int LostEvery = 100;
 constexpr int Orders = 320;
 constexpr int Lines = 1100;
 constexpr int TotalsEvents = 2200;
+constexpr int Links = 2500;
 
 using Cells = std::vector<std::pair<const char*, std::string>>;
 
@@ -222,6 +225,27 @@ void PrepareStatus() {
     MakeHHStatusFile();
 }
 
+/// The ids come in no order.
+void PrepareLinks() {
+    Fill("ZUKLINK.DBF", Links, [](int k) {
+        return Cells{{"LK_HOTSYNC", "Handheld " + std::to_string(Shuffled(k, Links))}};
+    });
+    MakeHHStatusFile();
+}
+
+std::string DeleteLink() {
+    LinkTable links;
+    links.Open(Links / 2);
+    links.Delete();
+    return {};
+}
+
+std::string SortLinks() {
+    SortLinkFile(Table("ZUKLINK.DBF"));
+    MakeHHStatusFile();
+    return {};
+}
+
 std::string WriteStatus() {
     GetHHStatus();
     for (std::string& status : Global.HHStatus) status = "G";
@@ -368,6 +392,7 @@ std::vector<SweepJob> MakeJobs() {
     const std::string headers = "DBFFiles/ZUKOrHdr.dbf";
     const std::string lines = "DBFFiles/ZUKOrLin.dbf";
     const std::string totals = "DBFFiles/ZUKTOTALPC.dbf";
+    const std::string links = "DBFFiles/ZUKLINK.dbf";
     const std::string harmed = "DataOut/harmed.txt";
 
     // A backup says that it is there when all of its tables are.
@@ -412,6 +437,8 @@ std::vector<SweepJob> MakeJobs() {
          ""},
         {"settings", {"ZUKTramble.ini"}, [] {}, WriteSettings, ""},
         {"status", {"Install/HSStatus.dat"}, PrepareStatus, WriteStatus, ""},
+        {"deletion of a link", {links}, PrepareLinks, DeleteLink, ""},
+        {"links sorted, status anew", {links, "Install/HSStatus.dat"}, PrepareLinks, SortLinks, ""},
         {"import template",
          {"Templates/Import/customers.cst"},
          [] { WriteImportTemplate(Global.ImportTemplates + "customers.cst", CustomerTemplate(3)); },

@@ -260,6 +260,24 @@ TEST_P(RandomTables, RecordsWrittenAnewComeOutAsFieldByField) {
     }
 }
 
+TEST_P(RandomTables, ARecordRemovedWholeComesOutAsStepByStep) {
+    for (int k = 0; k < Tables; ++k) {
+        const std::string before = lots.Table(lots.Columns()).Bytes();
+        const int count = TableContent(before).Count;
+        if (count == 0) continue;
+        const std::int32_t record = 1 + lots.Below(count);
+        const auto stepByStep = [&](const std::string& path) {
+            DBFEdit table;
+            table.FileOpen(path);
+            table.Go(record);
+            table.DeleteRecord();
+            table.ReIndex(path);
+        };
+        ASSERT_NO_FATAL_FAILURE(
+            ExpectSame(before, stepByStep, [&](const std::string& path) { RemoveRecord(path, record); }));
+    }
+}
+
 TEST_P(RandomTables, ShiftedWholeComeOutAsStepByStep) {
     for (int k = 0; k < Tables; ++k) {
         const auto columns = lots.Columns();
@@ -370,7 +388,8 @@ TEST_F(TableRewriteTest, FailingDiskLeavesTheTableAsItWasAndNoWorkFile) {
     const std::string before = Items().Row({"A1", "", "20260101"}).Row({"B2"}, '*').Row({"C3"}).Bytes();
     const std::vector<std::function<void(const std::string&)>> routines = {
         CompactTable, [](const std::string& path) { EmptyTable(path); },
-        [](const std::string& path) { ShiftDown(path); }};
+        [](const std::string& path) { ShiftDown(path); },
+        [](const std::string& path) { RemoveRecord(path, 1); }};
 
     for (const auto& routine : routines) {
         int failures = 0;

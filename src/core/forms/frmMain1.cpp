@@ -25,6 +25,8 @@
 #include "store/TableScan.h"
 #include "sync/Status.h"
 #include "sync/StatusDetails.h"
+#include "sync/forms/StatusFile.h"
+#include "sync/forms/frmChgLink.h"
 #include "sync/forms/frmHHStatus.h"
 #include "tools/forms/frmAbout.h"
 #include "tools/forms/frmOptions.h"
@@ -37,6 +39,8 @@
 #include <QScreen>
 #include <QStyleOptionToolButton>
 #include <QStylePainter>
+
+#include <algorithm>
 
 namespace {
 
@@ -81,6 +85,11 @@ QIcon StateIcon(std::string_view name) {
     QIcon icon;
     for (const auto mode : {QIcon::Normal, QIcon::Disabled}) icon.addPixmap(plain.pixmap(16, 16), mode);
     return icon;
+}
+
+/// Whether a row of the Links table has had its manual download.
+bool IsMarked(std::size_t row) {
+    return row < Global.HHStatusStd.size() && Global.HHStatusStd[row] == "S";
 }
 
 } // namespace
@@ -268,24 +277,7 @@ void frmMain1::RestoreWindow() {
     restored_ = QRect(pos(), size());
 }
 
-// ---- status and settings on disk ----
-
-bool frmMain1::WithStatusFile(void (*routine)()) {
-    try {
-        routine();
-        return true;
-    } catch (const RunTimeFailure& failure) {
-        Tell(Lines(msg::ConfigurationError, Text::Path(std::string_view(failure.what()))), Icon::Stop);
-        EndProcess();
-        return false;
-    }
-}
-
-void frmMain1::EndProcess() {
-    TraceEvent("basCommon:EndProcess");
-    hide();
-    EndProgram(1);
-}
+// ---- settings on disk ----
 
 void frmMain1::WriteSettings() {
     try {
@@ -297,9 +289,7 @@ void frmMain1::WriteSettings() {
 
 // ---- handheld status ----
 
-void frmMain1::DrawBricks(const QString& family, const std::function<QIcon(std::size_t)>& picture,
-                          const std::function<Text(std::size_t)>& state) {
-    const bool canBeClicked = HasHandler(family + QStringLiteral("_Click"));
+void frmMain1::DrawBricks(const QString& family, const std::function<Face(std::size_t)>& faceOf) {
     while (QLayoutItem* item = grdBricks->takeAt(0)) {
         // Not deleted here: it may be the brick whose click has brought this about.
         item->widget()->setParent(nullptr);
@@ -310,7 +300,7 @@ void frmMain1::DrawBricks(const QString& family, const std::function<QIcon(std::
     std::size_t row = 0;
     for (const std::string& id : brickIDs_) {
         const int place = static_cast<int>(row);
-        ++row;
+        const Face face = faceOf(++row);
         auto* brick = new Brick(picHHStatus);
         brick->setObjectName(family + QLatin1Char('_') + QString::number(row));
         brick->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
@@ -318,10 +308,10 @@ void frmMain1::DrawBricks(const QString& family, const std::function<QIcon(std::
         brick->setIconSize({16, 16});
         // An ampersand in an id is no mark of a mnemonic.
         brick->setText(ToQt(std::string_view(id)).replace(QLatin1Char('&'), QLatin1String("&&")));
-        brick->setIcon(picture(row));
-        brick->setToolTip(ToQt(std::string_view(id)) + QStringLiteral(": ") + ToQt(state(row)));
+        brick->setIcon(face.Picture);
+        brick->setToolTip(ToQt(std::string_view(id)) + QStringLiteral(": ") + ToQt(face.State));
         brick->setAccessibleName(brick->toolTip());
-        brick->setEnabled(canBeClicked);
+        brick->setEnabled(face.Live);
         WireControl(*brick);
         grdBricks->addWidget(brick, place / BricksInRow, place % BricksInRow);
     }
@@ -334,51 +324,32 @@ void frmMain1::DrawBricks(const QString& family, const std::function<QIcon(std::
 void frmMain1::GetHHBricks() {
     TraceEvent("frmMain1:GetHHBricks");
     if (!WithStatusFile(GetHHStatus)) return;
-    const auto letter = [](std::size_t row) {
-        return row < Global.HHStatus.size() ? Global.HHStatus[row] : std::string();
-    };
-    DrawBricks(
-        QStringLiteral("cmdHHHSID"),
-        [&](std::size_t row) {
-            return StateIcon(letter(row) == "G"   ? "brick-syncok"
-                             : letter(row) == "B" ? "brick-badsync"
-                                                  : "brick-notsynced");
-        },
-        [&](std::size_t row) {
-            return Text(letter(row) == "G"   ? msg::lblSyncOK
-                        : letter(row) == "B" ? msg::lblBadSync
-                                             : msg::lblNotSynced);
-        });
+    DrawBricks(QStringLiteral("cmdHHHSID"), [](std::size_t row) -> Face {
+        const std::string letter = row < Global.HHStatus.size() ? Global.HHStatus[row] : std::string();
+        if (letter == "G") return {StateIcon("brick-syncok"), msg::lblSyncOK, true};
+        if (letter == "B") return {StateIcon("brick-badsync"), msg::lblBadSync, true};
+        return {StateIcon("brick-notsynced"), msg::lblNotSynced, true};
+    });
 }
 
 void frmMain1::GetHHBricksStd() {
     TraceEvent("frmMain1:GetHHBricksStd");
     if (!WithStatusFile(GetHHStatus)) return;
-    const auto done = [](std::size_t row) {
-        return row < Global.HHStatusStd.size() && Global.HHStatusStd[row] == "S";
-    };
-    DrawBricks(
-        QStringLiteral("cmdHHHSIDStd"),
-        [&](std::size_t row) { return done(row) ? StateIcon("Hotsync16-256.ico") : QIcon(); },
-        [&](std::size_t row) { return Text(done(row) ? msg::lblSyncOK : msg::lblNotSynced); });
+    DrawBricks(QStringLiteral("cmdHHHSIDStd"), [](std::size_t row) -> Face {
+        if (IsMarked(row)) return {StateIcon("Hotsync16-256.ico"), msg::lblSyncOK, false};
+        return {{}, msg::lblNotSynced, true};
+    });
 }
 
 void frmMain1::GetHHBricksInst() {
     TraceEvent("frmMain1:GetHHBricksInst");
     Registry registry;
     GetHHStatusInst(registry);
-    const auto done = [](std::size_t row) {
-        return row < Global.HHStatusInst.size() && !Global.HHStatusInst[row].empty();
-    };
-    DrawBricks(
-        QStringLiteral("cmdHHHSIDInst"),
-        [&](std::size_t row) { return done(row) ? StateIcon("Hotsync16-256.ico") : QIcon(); },
-        [&](std::size_t row) { return Text(done(row) ? msg::lblSyncOK : msg::lblNotSynced); });
-}
-
-bool frmMain1::HasHandler(const QString& name) const {
-    const QByteArray signature = name.toLatin1() + "(int)";
-    return metaObject()->indexOfSlot(signature.constData()) >= 0;
+    DrawBricks(QStringLiteral("cmdHHHSIDInst"), [](std::size_t row) -> Face {
+        if (row < Global.HHStatusInst.size() && !Global.HHStatusInst[row].empty())
+            return {StateIcon("Hotsync16-256.ico"), msg::lblSyncOK, false};
+        return {{}, msg::lblNotSynced, false};
+    });
 }
 
 void frmMain1::cmdHHHSID_Click(int index) {
@@ -389,6 +360,24 @@ void frmMain1::cmdHHHSID_Click(int index) {
     auto& form = The<frmHHStatus>();
     form.Fill(id, *details);
     form.Show(ShowMode::Modal);
+}
+
+void frmMain1::cmdHHHSIDStd_Click(int index) {
+    TraceEvent("frmMain1:cmdHHHSIDStd_Click");
+    const auto row = static_cast<std::size_t>(index);
+    if (IsMarked(row)) return;
+    const std::string id = brickIDs_.at(row - 1);
+    UnloadForms();
+    ClearViewFlags();
+    Global.View[ViewLink] = true;
+    Global.LinkRecordToShow = index;
+    // An editor that has just been closed may have put the table in another order.
+    if (row > brickIDs_.size() || brickIDs_[row - 1] != id) {
+        const auto moved = std::find(brickIDs_.begin(), brickIDs_.end(), id);
+        if (moved == brickIDs_.end()) return;
+        Global.LinkRecordToShow = static_cast<std::int32_t>(moved - brickIDs_.begin()) + 1;
+    }
+    The<frmChgLink>().Show();
 }
 
 void frmMain1::cmdReset_Click() {
@@ -533,6 +522,12 @@ void frmMain1::View(const char* handler, ViewFlag flag, ShowMode mode) {
     TraceEvent(std::string("frmMain1:") + handler);
     UnloadForms();
     ShowTable(flag, mode);
+}
+
+void frmMain1::mnuChgLinks_Click() {
+    TraceEvent("frmMain1:mnuChgLinks_Click");
+    UnloadForms();
+    EditTable(ViewLink);
 }
 
 void frmMain1::cmdPCTotals_Click() {

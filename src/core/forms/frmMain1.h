@@ -39,6 +39,7 @@ private slots:
     void mnuExit_Click();
     void mnuMainAbout_Click();
     void mnuDarkLook_Click();
+    void mnuChgLinks_Click();
     void mnuTblCompany_Click();
     void mnuTblLinks_Click();
     void mnuTblPayments_Click();
@@ -58,6 +59,7 @@ private slots:
     void cmdPCTotals_Click();
     void cmdReset_Click();
     void cmdHHHSID_Click(int index);
+    void cmdHHHSIDStd_Click(int index);
     void lblImportBtn_Click();
     void lblExportBtn_Click();
     void lblPCTables_Click();
@@ -85,16 +87,16 @@ private:
     void ShowUploads(std::vector<std::vector<Text>> rows);
     void ShowPage(int page);
     void View(const char* handler, ViewFlag flag, ShowMode mode = ShowMode::Modeless);
-    void DrawBricks(const QString& family, const std::function<QIcon(std::size_t)>& picture,
-                    const std::function<Text(std::size_t)>& state);
-    bool HasHandler(const QString& name) const;
+
+    /// What a brick shows.
+    struct Face {
+        QIcon Picture;
+        Text State;
+        bool Live = false; ///< a click does something
+    };
+    void DrawBricks(const QString& family, const std::function<Face(std::size_t row)>& faceOf);
     void RestoreWindow();
     void TakeWindowPosition();
-
-    /// Runs a routine that reads or writes the status file. False when it could not: the operator
-    /// has been told, and the process ends.
-    bool WithStatusFile(void (*routine)());
-    void EndProcess();
     void WriteSettings();
 
     std::vector<std::string> brickIDs_; ///< of the bricks that are drawn

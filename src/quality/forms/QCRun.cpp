@@ -5,6 +5,7 @@
 #include "core/Messages.h"
 #include "core/Operator.h"
 #include "core/forms/frmProgress.h"
+#include "platform/HotSyncControl.h"
 #include "quality/CheckResults.h"
 #include "quality/forms/frmConfig.h"
 #include "quality/forms/frmConfigMsg.h"
@@ -57,7 +58,7 @@ void Run(Check check, FormProgress& progress) {
     ProblemList& problems = The<frmConfigMsg>().Problems();
     const std::size_t before = problems.ProblemRows();
     try {
-        RunCheck(check, {progress, [] { return std::vector<std::string>(); }}, problems);
+        RunCheck(check, {progress, [] { return HotSyncUsers(*NewSFrmAX40()); }}, problems);
     } catch (const RunTimeFailure& failure) {
         if (Global.QCCheckAll) throw;
         return Stop(failure, progress);

@@ -6,6 +6,7 @@
 #include "core/Operator.h"
 #include "platform/Convert.h"
 #include "platform/Look.h"
+#include "views/forms/Editors.h"
 #include "views/forms/frmViewGrid.h"
 
 #include <QGridLayout>
@@ -51,6 +52,7 @@ void frmViewData::Form_Load() {
     if (!view_) return;
     setWindowTitle(ToQt(Text(view_->RecordTitle)));
     if (*view_->Icon) setWindowIcon(Picture(view_->Icon));
+    cmdEdit->setEnabled(HasEditor());
     try {
         DisplayFields(view_->Path());
     } catch (const RunTimeFailure& failure) {
@@ -183,6 +185,12 @@ void frmViewData::cmdGridView_Click() {
     auto& grid = The<frmViewGrid>();
     grid.Show();
     if (!grid.IsGone()) Unload();
+}
+
+void frmViewData::cmdEdit_Click() {
+    TraceEvent("frmViewData:cmdEdit_Click");
+    Global.SelectedRow = record_;
+    if (OpenEditor()) Unload();
 }
 
 void frmViewData::cmdOK_Click() {

@@ -22,6 +22,7 @@ private slots:
     void cmdNext_Click();
     void cmdLast_Click();
     void cmdGridView_Click();
+    void cmdEdit_Click();
     void cmdOK_Click();
 
 protected:

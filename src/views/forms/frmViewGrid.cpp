@@ -5,6 +5,7 @@
 #include "core/Operator.h"
 #include "platform/Convert.h"
 #include "platform/Look.h"
+#include "views/forms/Editors.h"
 #include "views/forms/frmViewData.h"
 
 namespace {
@@ -14,28 +15,30 @@ constexpr double PauseBeforeReading = 0.2;
 /// The row of the column titles, where the grid has heading rows.
 constexpr int TitleRow = 1;
 
-} // namespace
-
-namespace {
-
-void ShowGrid(ViewFlag flag, ShowMode mode) {
+void ShowGrid(ViewFlag flag, ShowMode mode, std::int32_t record = 0) {
     if (auto* records = IfLoaded<frmViewData>()) records->Unload();
     if (auto* grid = IfLoaded<frmViewGrid>()) grid->Unload();
     ClearViewFlags();
     Global.View[flag] = true;
+    Global.SelectedRow = record;
     The<frmViewGrid>().Show(mode);
 }
 
 } // namespace
 
-void ShowTable(ViewFlag flag, ShowMode mode) {
+void ShowTable(ViewFlag flag, ShowMode mode, std::int32_t record) {
     Global.QCViewMode = false;
-    ShowGrid(flag, mode);
+    ShowGrid(flag, mode, record);
 }
 
 void ShowReported(ViewFlag flag) {
     Global.QCViewMode = true;
     ShowGrid(flag, ShowMode::Modeless);
+}
+
+void EditTable(ViewFlag flag) {
+    ShowTable(flag);
+    if (auto* grid = IfLoaded<frmViewGrid>()) grid->MakeEditDefault();
 }
 
 void frmViewGrid::Form_Load() {
@@ -47,6 +50,7 @@ void frmViewGrid::Form_Load() {
     FG1->setToolTip({});
     if (*view->Icon) setWindowIcon(Picture(view->Icon));
     FG1->SetEmptyText(view->WhenEmpty);
+    cmdEdit->setEnabled(HasEditor());
     const std::int32_t selected = Global.SelectedRow;
     try {
         Display(*view);
@@ -135,7 +139,20 @@ void frmViewGrid::FG1_SelChange() {
 
 void frmViewGrid::FG1_DblClick() {
     TraceEvent("frmViewGrid:FG1_DblClick");
-    if (cmdDataView->isEnabled()) cmdDataView_Click();
+    if (cmdEdit->isEnabled())
+        cmdEdit_Click();
+    else if (cmdDataView->isEnabled())
+        cmdDataView_Click();
+}
+
+void frmViewGrid::MakeEditDefault() {
+    cmdEdit->setDefault(true);
+}
+
+void frmViewGrid::cmdEdit_Click() {
+    TraceEvent("frmViewGrid:cmdEdit_Click");
+    Global.SelectedRow = FG1->SelectedRecord();
+    if (OpenEditor()) Unload();
 }
 
 void frmViewGrid::cmdDataView_Click() {

@@ -5,11 +5,15 @@
 #include "ui_frmViewGrid.h"
 #include "views/TableViews.h"
 
+#include <cstdint>
 #include <string>
 
 /// Opens the grid of a table: the one way into the browser. Clears the flags, sets the table's own,
-/// and takes the place of a grid or a record viewer that is open.
-void ShowTable(ViewFlag flag, ShowMode mode = ShowMode::Modeless);
+/// and takes the place of a grid or a record viewer that is open. A record may be selected at once.
+void ShowTable(ViewFlag flag, ShowMode mode = ShowMode::Modeless, std::int32_t record = 0);
+
+/// The same for who comes to change the table: Enter opens its editor.
+void EditTable(ViewFlag flag);
 
 /// The same for a row of the Quality Check's report: marks the cells that `ReportedCells` tells of.
 void ShowReported(ViewFlag flag);
@@ -21,8 +25,11 @@ class frmViewGrid final : public Form, private Ui::frmViewGrid {
 public:
     frmViewGrid() { setupUi(this); }
 
+    void MakeEditDefault();
+
 private slots:
     void cmdDataView_Click();
+    void cmdEdit_Click();
     void cmdOK_Click();
     void FG1_Click();
     void FG1_DblClick();
