@@ -125,7 +125,8 @@ void RebuildItemIndex(std::string_view directory, Progress& progress) {
     TableRewrite index(path);
     const TableLayout& layout = index.Layout();
     if (layout.FieldCount() != 2)
-        throw RunTimeFailure(321, "ZUKBarin.dbf: " + std::to_string(layout.FieldCount()) + " fields in the place of 2");
+        throw RunTimeFailure(321, "ZUKBarin.dbf: " + std::to_string(layout.FieldCount()) +
+                                      " fields in the place of 2");
     const int code = layout.Find(FieldKey(layout.FieldName(1)));
     const int place = layout.Find(FieldKey(layout.FieldName(2)));
     TraceEmptying(path);

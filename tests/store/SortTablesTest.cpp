@@ -9,8 +9,8 @@
 #include "support/FaultyDisk.h"
 #include "support/Lots.h"
 #include "support/Rubbish.h"
-#include "support/Tables.h"
 #include "support/TableSteps.h"
+#include "support/Tables.h"
 
 #include <algorithm>
 
@@ -157,8 +157,9 @@ protected:
 };
 
 TEST_F(SortTablesTest, RecordsComeInTheOrderOfTheirKeysAndEqualOnesKeepTheirs) {
-    const std::string path = GivenKeys({"b2", "A1", "B2", "\xC4"
-                                                        "1",
+    const std::string path = GivenKeys({"b2", "A1", "B2",
+                                        "\xC4"
+                                        "1",
                                         "", "B10", " a1"});
 
     SortCustFile(path, {}, Nobody);
@@ -172,7 +173,8 @@ TEST_F(SortTablesTest, RecordsComeInTheOrderOfTheirKeysAndEqualOnesKeepTheirs) {
 
 TEST_F(SortTablesTest, KeyIsTheFirstFieldWhateverItIsCalled) {
     const std::string path = GivenFile(
-        "T.DBF", TableMaker({{"MARK", 'C', 2}, {"C_SEARCH", 'C', 4}}).Row({"2", "A"}).Row({"1", "B"}).Bytes());
+        "T.DBF",
+        TableMaker({{"MARK", 'C', 2}, {"C_SEARCH", 'C', 4}}).Row({"2", "A"}).Row({"1", "B"}).Bytes());
 
     SortCustFile(path, {}, Nobody);
 
@@ -219,8 +221,8 @@ TEST_F(SortTablesTest, KeysThatAreNotToBeCleanedStayAsTheyAreTrimmed) {
 }
 
 TEST_F(SortTablesTest, CleaningLeavesEveryFieldButTheKey) {
-    const std::string path =
-        GivenFile("T.DBF", TableMaker({{"KEY", 'C', 4}, {"NAME", 'C', 10}}).Row({"a-b", " o'Neil & "}).Bytes());
+    const std::string path = GivenFile(
+        "T.DBF", TableMaker({{"KEY", 'C', 4}, {"NAME", 'C', 10}}).Row({"a-b", " o'Neil & "}).Bytes());
 
     SortCustFile(path, Cleaning, Nobody);
 
@@ -266,8 +268,9 @@ TEST_F(SortTablesTest, ValuesAreWrittenAnewAlsoInATableThatIsInOrder) {
 
     SortCustFile(path, {}, Nobody);
 
-    EXPECT_EQ(TableAt(path).Rows,
-              (Grid{{"a   ", "0   ", "20251231"}, {"b   ", "7   ", "        "}, {"c   ", "0   ", "20261115"}}));
+    EXPECT_EQ(
+        TableAt(path).Rows,
+        (Grid{{"a   ", "0   ", "20251231"}, {"b   ", "7   ", "        "}, {"c   ", "0   ", "20261115"}}));
 }
 
 TEST_F(SortTablesTest, NumbersAsKeysAreSortedAsTextsAsTheyStoodAndBlankOnesBecomeZeros) {
@@ -290,7 +293,8 @@ TEST_F(SortTablesTest, CleanedNumberLosesItsSignAndPoint) {
 }
 
 TEST_F(SortTablesTest, TableWithoutFieldsKeepsItsRecords) {
-    const std::string path = GivenFile("T.DBF", TableMaker({}).Slack(3).RawRow("xyz", ' ').RawRow("uvw", '*').Bytes());
+    const std::string path =
+        GivenFile("T.DBF", TableMaker({}).Slack(3).RawRow("xyz", ' ').RawRow("uvw", '*').Bytes());
 
     SortCustFile(path, Cleaning, Nobody);
 
@@ -349,7 +353,8 @@ TEST_F(SortTablesTest, TableThatIsNotThereIsAFailure) {
 
 TEST_F(SortTablesTest, RubbishIsSortedOrRefusedAndThenLeft) {
     TableMaker good({{"C_CODE", 'C', 10}, {"C_BAL", 'N', 8, 2}, {"C_SINCE", 'D', 8}});
-    for (int k = 0; k < 6; ++k) good.Row({"C" + std::to_string(k * 5 % 6), std::to_string(k * 3), "20260101"}, " *"[k % 2]);
+    for (int k = 0; k < 6; ++k)
+        good.Row({"C" + std::to_string(k * 5 % 6), std::to_string(k * 3), "20260101"}, " *"[k % 2]);
     for (const std::string& content : Rubbish(good.Bytes())) {
         const std::string path = GivenFile("T.DBF", content);
         bool sorted = false;
@@ -357,7 +362,9 @@ TEST_F(SortTablesTest, RubbishIsSortedOrRefusedAndThenLeft) {
             SortItemFile(path, Cleaning, Nobody);
             sorted = true;
         });
-        if (!sorted) EXPECT_EQ(Bytes(path), content);
+        if (!sorted) {
+            EXPECT_EQ(Bytes(path), content);
+        }
         EXPECT_FALSE(Exists(path + ".zuk~"));
     }
 }
@@ -588,10 +595,11 @@ TEST_F(SortTablesTest, IndexHasTheBytesAndTheTraceOfTheStepsRecordByRecord) {
         barcode.Length = lots.Below(6);
         GivenFile("ZUKItem.dbf", lots.Table(items).Bytes());
         // The fields of the index are found by their own names, as prefixes.
-        static const Values Names = {"BARCODE", "ROWNUM", "BAR", "barcode", "ROW", ""};
+        static const Values Names = {"BARCODE", "ROWNUM", "BAR", "barcode", "ROW", " "};
         std::vector<TableMaker::Column> index;
         for (int k = 0; k < 2; ++k)
-            index.push_back({Names[static_cast<std::size_t>(lots.Below(6))], "CND"[lots.Below(3)], lots.Below(12)});
+            index.push_back(
+                {Names[static_cast<std::size_t>(lots.Below(6))], "CND"[lots.Below(3)], lots.Below(12)});
         const std::string before = lots.Table(index).Bytes();
         GivenFile("ZUKBarin.dbf", before);
         TableTrace();
@@ -622,13 +630,17 @@ TEST_F(SortTablesTest, RubbishInThePlaceOfEitherTableLosesNothing) {
     for (const std::string& content : Rubbish(items)) {
         GivenFile("ZUKItem.dbf", content);
         GivenFile("ZUKBarin.dbf", index);
-        if (!rebuild()) EXPECT_EQ(Bytes(Index()), index);
+        if (!rebuild()) {
+            EXPECT_EQ(Bytes(Index()), index);
+        }
         EXPECT_EQ(Bytes(Folder() + "ZUKItem.dbf"), content);
     }
     GivenFile("ZUKItem.dbf", items);
     for (const std::string& content : Rubbish(index)) {
         GivenFile("ZUKBarin.dbf", content);
-        if (!rebuild()) EXPECT_EQ(Bytes(Index()), content);
+        if (!rebuild()) {
+            EXPECT_EQ(Bytes(Index()), content);
+        }
         EXPECT_FALSE(Exists(Index() + ".zuk~"));
     }
 }

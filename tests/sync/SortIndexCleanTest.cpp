@@ -13,6 +13,7 @@ class SortIndexCleanTest : public EngineTest {
 protected:
     SortIndexCleanTest() {
         GivenAppDirectory();
+        Global.DownloadTemplates = Global.AppPath + "Templates/Download/";
         GivenTable(Global.DBFPath, "ZUKCUST", {{"c-2"}, {"c-1"}});
         GivenTable(Global.DBFPath, "ZUKITEM",
                    {RowOf("ZUKITEM", {{"I_SEARCH", "i-2"}, {"I_BARCODE", "200"}}),
@@ -24,8 +25,7 @@ protected:
     }
 
     void GivenTemplate(const std::string& content) {
-        const std::string folder = Global.DownloadTemplates.substr(Folder().size());
-        GivenFile(folder + "Evening.dst", content);
+        GivenFile("app/Templates/Download/Evening.dst", content);
     }
 
     static Values Column(const std::string& table, std::size_t field = 1) {
