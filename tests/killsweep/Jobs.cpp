@@ -147,6 +147,16 @@ void FillKeys(const char* table, const char* key, int count) {
     content.Commit();
 }
 
+/// All in order but the last one, so that the beginning of the table stays what it is.
+void PrepareLateCustomer() {
+    TableRewrite content(Table("ZUKCust.dbf"));
+    for (int k = 1; k <= Customers; ++k) {
+        content.Append();
+        content.Write("C_SEARCH", "K" + std::to_string(k == Customers ? 10'950 : 10'000 + k));
+    }
+    content.Commit();
+}
+
 std::string Sort(const char* table, void (*sort)(std::string_view, const SortOptions&, Progress&)) {
     NoProgress silent;
     sort(Table(table), {.RemoveSpecial = true}, silent);
@@ -426,6 +436,11 @@ std::vector<SweepJob> MakeJobs() {
         {"sort of the customers",
          {customers},
          [] { FillKeys("ZUKCust.dbf", "C_SEARCH", Customers); },
+         [] { return Sort("ZUKCust.dbf", SortCustFile); },
+         ""},
+        {"sort of the customers, one late",
+         {customers},
+         PrepareLateCustomer,
          [] { return Sort("ZUKCust.dbf", SortCustFile); },
          ""},
         {"sort of the items",
