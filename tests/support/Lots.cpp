@@ -34,7 +34,7 @@ std::vector<TableMaker::Column> Lots::Columns() {
     for (int k = 1; k <= count; ++k) {
         const char type = "CCNDcnd"[Below(7)];
         const bool date = type == 'D' || type == 'd';
-        columns.push_back({"F" + std::to_string(k), type, date && Below(4) ? 8 : Below(30)});
+        columns.push_back({"F" + std::to_string(k), type, date && Below(4) != 0 ? 8 : Below(30)});
     }
     return columns;
 }
@@ -43,7 +43,7 @@ TableMaker Lots::Table(const std::vector<TableMaker::Column>& columns) {
     TableMaker maker(columns);
     maker.Preamble(Bytes(4), Bytes(20)).ClaimHeaderLength(static_cast<std::int16_t>(Below(5000)));
     maker.Terminator(static_cast<char>(Below(32)));
-    const int slack = Below(3) ? 0 : 1 + Below(5);
+    const int slack = Below(3) != 0 ? 0 : 1 + Below(5);
     maker.Slack(slack);
     const int count = Below(6) == 0 ? 0 : 1 + Below(Below(4) == 0 ? 300 : 20);
     const int deletedIn = 1 + Below(4);
@@ -59,7 +59,7 @@ TableMaker Lots::Table(const std::vector<TableMaker::Column>& columns) {
         if (kind == 0) deleted = false;
         if (kind == 1) deleted = k > count / 2;
         if (kind == 2) deleted = true;
-        const char live = Below(20) ? ' ' : static_cast<char>(Below(42));
+        const char live = Below(20) != 0 ? ' ' : static_cast<char>(Below(42));
         maker.RawRow(fields + Bytes(slack), deleted ? '*' : live);
     }
     static const Values Ends = {"\x1A", " ", "", "*", "\x1A more behind"};
