@@ -102,6 +102,44 @@ std::string BenchOffice::GivenCustomerFile(std::int64_t lines) const {
     return path;
 }
 
+void BenchOffice::GivenCustomers(std::int64_t count, Order order) const {
+    TableRewrite table(Global.DBFPath + "ZUKCust.dbf");
+    for (std::int64_t i = 0; i < count; ++i) {
+        const std::int64_t n = order == Order::None ? Shuffled(i, count) : i;
+        table.Append();
+        table.Write("C_SEARCH", Code('C', n));
+        table.Write("C_CODE", Code('C', n));
+        table.Write("C_PHONE", "(206) 555-" + std::to_string(1000 + n * 13 % 9000));
+        table.Write("C_NAME", Utf8ToCodePage(Pick(Companies, n)) + " " + std::to_string(n));
+        table.Write("C_ZIP", std::to_string(10000 + n * 7 % 90000));
+        table.Write("C_ADDRESS1", std::to_string(n) + " High Street");
+        table.Write("C_CITY", Utf8ToCodePage(Pick(Cities, n)));
+        table.Write("C_STATE", "WA");
+        table.Write("C_CONTACT", Utf8ToCodePage(Pick(People, n)));
+        table.Write("C_PAYTERMS", "Net 30");
+        table.Write("C_SHIPVIA", Pick(Ways, n));
+        table.Write("C_STCODE", "STD");
+    }
+    table.Commit(false);
+}
+
+void BenchOffice::GivenItems(std::int64_t count, Order order) const {
+    TableRewrite table(Global.DBFPath + "ZUKItem.dbf");
+    for (std::int64_t i = 0; i < count; ++i) {
+        const std::int64_t n = order == Order::None ? Shuffled(i, count) : i;
+        table.Append();
+        table.Write("I_SEARCH", Code('I', n));
+        table.Write("I_ITEMCODE", Code('I', n));
+        table.Write("I_BARCODE", std::to_string(4'000'000'000'000 + Shuffled(n, count)));
+        table.Write("I_DESC1", "Item number " + std::to_string(n));
+        table.Write("I_UM", "EACH");
+        table.Write("I_PRICE", std::to_string(n % 90 + 1) + ".25");
+        table.Write("I_STAXUSE", "Y");
+        if (n % 4 == 0) table.Write("I_BARCODE2", std::to_string(5'000'000'000'000 + n));
+    }
+    table.Commit(false);
+}
+
 void BenchOffice::GivenOrders(std::int64_t headers, std::int64_t lines) const {
     TableRewrite hdr(Global.DBFPath + "ZUKORHDR.DBF");
     for (std::int64_t i = 0; i < headers; ++i) {

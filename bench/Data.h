@@ -20,6 +20,12 @@ public:
     /// returns its path.
     std::string GivenCustomerFile(std::int64_t lines) const;
 
+    /// Customers, and items with barcodes, as an accounting system delivers them: in no order, or in that
+    /// of their keys.
+    enum class Order { None, OfKeys };
+    void GivenCustomers(std::int64_t count, Order order) const;
+    void GivenItems(std::int64_t count, Order order) const;
+
     /// Order headers in no order, and lines spread over them, those of an order together.
     void GivenOrders(std::int64_t headers, std::int64_t lines) const;
 

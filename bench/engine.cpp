@@ -4,10 +4,13 @@
 #include "Jobs.h"
 
 #include "core/Globals.h"
+#include "core/Paths.h"
 #include "core/Trace.h"
 #include "exchange/OrderCheck.h"
 #include "maintenance/Totals.h"
 #include "store/OfficeTables.h"
+#include "store/SortTables.h"
+#include "store/TableRewrite.h"
 #include "store/TableScan.h"
 #include "views/TableViews.h"
 
@@ -20,6 +23,9 @@ void ImportCustomers(benchmark::State& state) {
     const ImportJob job = CustomerImport(office.GivenCustomerFile(state.range(0)));
     NoProgress silent;
     for (auto _ : state) {
+        state.PauseTiming();
+        EmptyTable(job.TableFile, false); // what stands there already is not written again
+        state.ResumeTiming();
         const ImportResult result = ImportDataFile(job, silent);
         if (result.LinesRead != state.range(0) || result.LinesFailed != 0)
             state.SkipWithError("lines were lost");
@@ -45,13 +51,100 @@ BENCHMARK(ExportOrderLines)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMillise
 void SortOrderHeaders(benchmark::State& state) {
     const BenchOffice office;
     office.GivenOrders(state.range(0), 0);
+    CopyOver(HeaderTable(), HeaderTable() + ".uploaded", false);
     for (auto _ : state) {
+        state.PauseTiming();
+        CopyOver(HeaderTable() + ".uploaded", HeaderTable(), false);
+        state.ResumeTiming();
         OrderBook book = OpenOrderBook(HeaderTable(), LineTable());
         SortOrHdrFile(book);
     }
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 BENCHMARK(SortOrderHeaders)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
+
+using Order = BenchOffice::Order;
+using Sort = void (*)(std::string_view, const SortOptions&, Progress&);
+
+/// Each time on the table as it was delivered.
+void SortMaster(benchmark::State& state, Sort sort, const char* table) {
+    const std::string path = Global.DBFPath + table;
+    CopyOver(path, path + ".delivered", false);
+    NoProgress silent;
+    for (auto _ : state) {
+        state.PauseTiming();
+        CopyOver(path + ".delivered", path, false);
+        state.ResumeTiming();
+        sort(path, {}, silent);
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+
+void SortCustomers(benchmark::State& state, Order order) {
+    const BenchOffice office;
+    office.GivenCustomers(state.range(0), order);
+    SortMaster(state, SortCustFile, "ZUKCust.dbf");
+}
+BENCHMARK_CAPTURE(SortCustomers, shuffled, Order::None)
+    ->Arg(10'000)
+    ->Arg(100'000)
+    ->Arg(1'000'000)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(SortCustomers, sorted, Order::OfKeys)
+    ->Arg(10'000)
+    ->Arg(100'000)
+    ->Arg(1'000'000)
+    ->Unit(benchmark::kMillisecond);
+
+void SortItems(benchmark::State& state, Order order) {
+    const BenchOffice office;
+    office.GivenItems(state.range(0), order);
+    SortMaster(state, SortItemFile, "ZUKItem.dbf");
+}
+BENCHMARK_CAPTURE(SortItems, shuffled, Order::None)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(SortItems, sorted, Order::OfKeys)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
+
+/// In `again` the index is there already, and of the same items.
+void RebuildBarcodes(benchmark::State& state, bool again) {
+    const BenchOffice office;
+    office.GivenItems(state.range(0), Order::OfKeys);
+    NoProgress silent;
+    RebuildIndexTables(silent);
+    for (auto _ : state) {
+        state.PauseTiming();
+        if (!again) EmptyTable(Global.DBFPath + "ZUKBarin.dbf", false);
+        state.ResumeTiming();
+        RebuildIndexTables(silent);
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK_CAPTURE(RebuildBarcodes, anew, false)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(RebuildBarcodes, again, true)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
+
+/// The sorts of a Quality Check of everything: the items are sorted for their own check and again for
+/// that of the barcodes.
+void SortsOfACheck(benchmark::State& state, Order order) {
+    const BenchOffice office;
+    office.GivenCustomers(state.range(0), order);
+    office.GivenItems(state.range(0), order);
+    const std::string customers = Global.DBFPath + "ZUKCust.dbf";
+    const std::string items = Global.DBFPath + "ZUKItem.dbf";
+    for (const std::string& table : {customers, items}) CopyOver(table, table + ".delivered", false);
+    NoProgress silent;
+    for (auto _ : state) {
+        state.PauseTiming();
+        for (const std::string& table : {customers, items}) CopyOver(table + ".delivered", table, false);
+        state.ResumeTiming();
+        SortSTaxFile(Global.DBFPath + "ZUKSTAX.dbf", {}, silent);
+        SortCustFile(customers, {}, silent);
+        for (int check = 1; check <= 2; ++check) {
+            SortItemFile(items, {}, silent);
+            RebuildIndexTables(silent);
+        }
+    }
+}
+BENCHMARK_CAPTURE(SortsOfACheck, shuffled, Order::None)->Arg(100'000)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(SortsOfACheck, sorted, Order::OfKeys)->Arg(100'000)->Unit(benchmark::kMillisecond);
 
 void ScanOrderLines(benchmark::State& state) {
     const BenchOffice office;

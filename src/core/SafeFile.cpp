@@ -4,19 +4,44 @@
 #include "core/Globals.h"
 #include "core/Paths.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace {
 
 constexpr std::size_t BlockSize = std::size_t{1} << 18;
 
 } // namespace
 
-SafeFile::SafeFile(std::string_view path)
+SafeFile::SafeFile(std::string_view path, WhenSame whenSame)
     : path_(ResolvePath(path)),
       work_(path_ + std::string(WorkExtension)) {
     // A file that may not be written must not be replaced by way of its folder.
-    if (Global.TheDisk->IsFile(path_)) Global.TheDisk->Open(path_, Access::ReadWrite);
+    if (Global.TheDisk->IsFile(path_)) same_ = Global.TheDisk->Open(path_, Access::ReadWrite);
     if (Global.TheDisk->IsFolder(path_)) throw RunTimeFailure(75, path_);
+    if (!same_ || whenSame == WhenSame::Replace) BeginWorkFile();
+}
+
+void SafeFile::BeginWorkFile() {
+    const auto from = std::move(same_);
     file_ = Global.Files.Open(*Global.TheDisk, work_, Access::Create);
+    std::string block;
+    for (std::uint64_t at = 0; at < written_; at += block.size()) {
+        block.resize(static_cast<std::size_t>(std::min<std::uint64_t>(written_ - at, BlockSize)));
+        if (from->ReadAt(at, block.data(), block.size()) != block.size()) throw RunTimeFailure(57, path_);
+        Global.Files.Use(file_).WriteAt(at, block);
+    }
+}
+
+bool SafeFile::StandsThere(std::uint64_t offset, std::string_view bytes) {
+    std::string block(bytes.size(), '\0');
+    return same_->ReadAt(offset, block.data(), block.size()) == bytes.size() && block == bytes;
+}
+
+void SafeFile::Put(std::uint64_t offset, std::string_view bytes) {
+    if (same_ && StandsThere(offset, bytes)) return;
+    if (same_) BeginWorkFile();
+    Global.Files.Use(file_).WriteAt(offset, bytes);
 }
 
 SafeFile::~SafeFile() {
@@ -32,7 +57,7 @@ void SafeFile::Discard() noexcept {
 }
 
 void SafeFile::Drain() {
-    Global.Files.Use(file_).WriteAt(written_, pending_);
+    Put(written_, pending_);
     written_ += pending_.size();
     pending_.clear();
 }
@@ -50,11 +75,17 @@ void SafeFile::WriteLine(std::string_view line) {
 void SafeFile::Overwrite(std::uint64_t offset, std::string_view bytes) {
     if (offset + bytes.size() > Size()) throw RunTimeFailure(5, path_);
     Drain();
-    Global.Files.Use(file_).WriteAt(offset, bytes);
+    Put(offset, bytes);
 }
 
 void SafeFile::Commit(bool flush) {
     Drain();
+    if (same_ && same_->Size() == written_) {
+        same_.reset();
+        done_ = true;
+        return;
+    }
+    if (same_) BeginWorkFile();
     if (flush) Global.Files.Use(file_).Flush();
     Global.Files.Close(file_);
     Global.TheDisk->Rename(work_, path_);

@@ -3,6 +3,7 @@
 #include "core/FileNumbers.h"
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -11,12 +12,16 @@
 /// new one. An object that ends without Commit removes its work file.
 class SafeFile {
 public:
+    /// What becomes of a file when what is written turns out to be what it holds. `Keep` leaves it
+    /// alone, at the cost of reading it: the work file is made at the first difference.
+    enum class WhenSame { Replace, Keep };
+
     /// The extension of work files. Strays of a killed run are removed at the next start.
     static constexpr std::string_view WorkExtension = ".zuk~";
 
     /// Opens the work file under a file number of its own. `path` is resolved here.
     /// RunTimeFailure as Disk::Open; 70 when the file stands there and may not be written.
-    explicit SafeFile(std::string_view path);
+    explicit SafeFile(std::string_view path, WhenSame whenSame = WhenSame::Replace);
     SafeFile(const SafeFile&) = delete;
     SafeFile& operator=(const SafeFile&) = delete;
     ~SafeFile();
@@ -40,11 +45,15 @@ public:
 
 private:
     void Drain();
+    void Put(std::uint64_t offset, std::string_view bytes);
+    bool StandsThere(std::uint64_t offset, std::string_view bytes);
+    void BeginWorkFile();
     void Discard() noexcept;
 
     std::string path_;
     std::string work_;
     FileNumbers::Claim file_;
+    std::unique_ptr<DiskFile> same_; ///< the file itself, while all that was written is what it holds
     std::string pending_;
     std::uint64_t written_ = 0;
     bool done_ = false;

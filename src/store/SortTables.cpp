@@ -30,32 +30,22 @@ private:
     std::int64_t value_ = 0;
 };
 
-/// By the code of the character.
-std::array<bool, 256> LegalCharacters() {
-    std::array<bool, 256> legal{};
-    for (std::size_t code = 0; code < legal.size(); ++code) {
-        const char c = static_cast<char>(static_cast<unsigned char>(code));
-        const std::string_view text(&c, 1);
-        legal[code] = (TextCompare(text, "0") >= 0 && TextCompare(text, "9") <= 0) ||
-                      (TextCompare(text, "A") >= 0 && TextCompare(text, "Z") <= 0);
-    }
-    return legal;
-}
-
 /// The end of a table's steps: `append` adds the records, then the new content is put in place.
 template <typename Append>
 void Fill(const std::string& path, TableRewrite& table, Append&& append) {
     TraceEvent("DBFEdit:FileOpen " + path);
-    append();
+    append(table);
     TraceEvent("DBFEdit:FileClose");
     table.Commit();
 }
 
-/// The trace lines of opening a table and removing all of its records.
-void TraceEmptying(const std::string& path) {
+template <typename Append>
+void EmptyAndFill(const std::string& path, Append&& append) {
     TraceEvent("DBFEdit:FileOpen " + path);
+    TableRewrite table(path);
     TraceEvent("DBFEdit:ReIndex " + path);
     TraceEvent("DBFEdit:FileClose");
+    Fill(path, table, append);
 }
 
 enum class Keys { Stay, Clean };
@@ -78,10 +68,10 @@ void SortTable(const std::string& path, Keys keys, const Text& label, Progress& 
     }
     const RecordOrder order = SortedByKey(copy, SortField);
 
-    TableRewrite table(path);
+    TableRewrite rewrite(path);
     TraceEvent("DBFEdit:ReIndex " + path);
     scan.Close();
-    Fill(path, table, [&] {
+    Fill(path, rewrite, [&](TableRewrite& table) {
         for (const std::int32_t record : order) {
             table.Append(copy.Record(record));
             bar.Up();
@@ -121,19 +111,17 @@ void RebuildItemIndex(std::string_view directory, Progress& progress) {
     items.Close();
     const RecordOrder order = SortedByKey(barcodes, SortField);
 
-    const std::string path = std::string(directory) + "ZUKBarin.dbf";
-    TableRewrite index(path);
-    const TableLayout& layout = index.Layout();
-    if (layout.FieldCount() != 2)
-        throw RunTimeFailure(321, "ZUKBarin.dbf: " + std::to_string(layout.FieldCount()) +
-                                      " fields in the place of 2");
-    const int code = layout.Find(FieldKey(layout.FieldName(1)));
-    const int place = layout.Find(FieldKey(layout.FieldName(2)));
-    TraceEmptying(path);
-    Fill(path, index, [&] {
+    EmptyAndFill(std::string(directory) + "ZUKBarin.dbf", [&](TableRewrite& index) {
+        const TableLayout& layout = index.Layout();
+        if (layout.FieldCount() != 2) {
+            throw RunTimeFailure(321, "ZUKBarin.dbf: " + std::to_string(layout.FieldCount()) +
+                                          " fields in the place of 2");
+        }
+        const int code = layout.Find(FieldKey(layout.FieldName(1)));
+        const int place = layout.Find(FieldKey(layout.FieldName(2)));
         for (const std::int32_t item : order) {
             index.Append();
-            index.Write(code, barcodes.Cell(item, 1));
+            index.Write(code, barcodes.Cell(item, SortField));
             index.Write(place, std::to_string(item - 1)); // the handheld counts records from 0
             bar.Up();
         }
@@ -145,9 +133,8 @@ void RebuildIndexTables(Progress& progress) {
 }
 
 std::string CleanKey(std::string_view key) {
-    static const auto Legal = LegalCharacters();
     std::string clean = UpperCase(key);
-    std::erase_if(clean, [](char c) { return !Legal[static_cast<unsigned char>(c)]; });
+    std::erase_if(clean, [](char c) { return !IsKeyCharacter(c); });
     return clean;
 }
 
@@ -164,10 +151,7 @@ RecordOrder SortedByKey(const MemoryTable& table, int key) {
 }
 
 void RefillTable(std::string_view path, const MemoryTable& copy, const RecordOrder& records) {
-    const std::string name(path);
-    TableRewrite table(name);
-    TraceEmptying(name);
-    Fill(name, table, [&] {
+    EmptyAndFill(std::string(path), [&](TableRewrite& table) {
         for (const std::int32_t record : records) table.Append(copy.Record(record));
     });
 }

@@ -19,7 +19,9 @@ TableLayout LayoutOf(std::string_view path) {
 
 } // namespace
 
-TableRewrite::TableRewrite(std::string_view path) : layout_(LayoutOf(path)), file_(path) {
+TableRewrite::TableRewrite(std::string_view path)
+    : layout_(LayoutOf(path)),
+      file_(path, SafeFile::WhenSame::Keep) {
     file_.Write(layout_.Header());
 }
 

@@ -15,9 +15,9 @@
 ///     rewrite.Commit();
 ///
 /// The header is that of the table as it stands, with the new number of records. The file ends with
-/// one byte behind the last record. Memory holds no more than a block. An object that ends without
-/// Commit leaves the table as it was. No trace line is written here; the routines below write those
-/// of the DBFEdit steps that they stand for.
+/// one byte behind the last record. Memory holds no more than a block. A content that the table has
+/// already is not written again. An object that ends without Commit leaves the table as it was. No trace line
+/// is written here; the routines below write those of the DBFEdit steps that they stand for.
 class TableRewrite {
 public:
     /// RunTimeFailure as Disk::Open, TableLayout::Read and SafeFile.

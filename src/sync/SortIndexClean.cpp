@@ -2,6 +2,7 @@
 
 #include "core/Failure.h"
 #include "core/Globals.h"
+#include "core/Messages.h"
 #include "core/Paths.h"
 #include "core/TextCompare.h"
 #include "core/TextFile.h"
@@ -14,15 +15,15 @@ namespace {
 
 /// A line of a download template, and what makes its table ready.
 struct Sort {
-    std::string_view Group;
+    MessageId Group;
     std::string_view Table;
     void (*Run)(std::string_view path, const SortOptions& options, Progress& progress);
 };
 
 constexpr std::array Sorts = {
-    Sort{"Customers", "ZUKCust.dbf", SortCustFile},
-    Sort{"Items", "ZUKItem.dbf", SortItemFile},
-    Sort{"Setup Tables", "ZUKStax.dbf", SortSTaxFile},
+    Sort{msg::TablesCustomers, "ZUKCust.dbf", SortCustFile},
+    Sort{msg::TablesItems, "ZUKItem.dbf", SortItemFile},
+    Sort{msg::TablesSetup, "ZUKStax.dbf", SortSTaxFile},
 };
 
 void SortByTemplate(const std::string& path, const SortOptions& options, Progress& progress) {
@@ -30,7 +31,7 @@ void SortByTemplate(const std::string& path, const SortOptions& options, Progres
     for (std::string line; lines.ReadLine(line);) {
         const std::string_view text = Trim(line);
         for (const Sort& sort : Sorts) {
-            if (BeginsWith(text, sort.Group) && text.ends_with('1'))
+            if (BeginsWith(text, Text(sort.Group).CodePage()) && text.ends_with('1'))
                 sort.Run(Global.DBFPath + std::string(sort.Table), options, progress);
         }
     }

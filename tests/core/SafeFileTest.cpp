@@ -5,6 +5,7 @@
 #include "support/FaultyDisk.h"
 #include "support/RefusingDisk.h"
 
+#include <algorithm>
 #include <filesystem>
 
 namespace {
@@ -142,6 +143,93 @@ TEST_F(SafeFileTest, AWholeFileIsReadUpToALimit) {
     EXPECT_EQ(ReadWholeFile(path_, 3), "old");
     EXPECT_EQ(FailureOf([&] { ReadWholeFile(path_, 2); }).Number, 6);
     EXPECT_EQ(FailureOf([&] { ReadWholeFile(path_ + "x"); }).Number, 53);
+}
+
+/// Writes a content in pieces to a file that keeps what it has.
+void WriteIfOther(const std::string& path, std::string_view content) {
+    SafeFile file(path, SafeFile::WhenSame::Keep);
+    for (; !content.empty(); content.remove_prefix(std::min<std::size_t>(content.size(), 1000)))
+        file.Write(content.substr(0, 1000));
+    file.Commit();
+}
+
+TEST_F(SafeFileTest, FileThatHoldsWhatIsWrittenIsLeftAlone) {
+    for (const std::string& content : {std::string(), std::string("x"), std::string(1'000'000, 'x')}) {
+        GivenFile("file.txt", content);
+        FaultyDisk disk(1);
+        Global.TheDisk = &disk;
+
+        WriteIfOther(path_, content);
+
+        Global.TheDisk = &NativeDisk();
+        EXPECT_EQ(disk.Calls(), 0) << "of a disk that takes nothing";
+        EXPECT_EQ(Bytes(path_), content);
+        EXPECT_EQ(Global.Files.Count(), 0);
+    }
+}
+
+TEST_F(SafeFileTest, FileThatDiffersAnywhereOrInItsLengthIsReplaced) {
+    const std::string old(1'000'000, 'x');
+    std::vector<std::string> contents = {"", "x", old + "x", old.substr(1), old + std::string(600'000, 'y')};
+    for (const std::size_t at : {0, 1, 262'143, 262'144, 600'000, 999'999}) {
+        contents.push_back(old);
+        contents.back()[at] = 'y';
+    }
+    for (const std::string& content : contents) {
+        GivenFile("file.txt", old);
+
+        WriteIfOther(path_, content);
+
+        EXPECT_TRUE(Bytes(path_) == content) << content.size();
+        EXPECT_FALSE(Exists(path_ + ".zuk~"));
+        EXPECT_EQ(Global.Files.Count(), 0);
+    }
+}
+
+TEST_F(SafeFileTest, OverwriteBehindAnEqualBeginningIsADifference) {
+    SafeFile file(path_, SafeFile::WhenSame::Keep);
+    file.Write("old");
+    file.Overwrite(1, "l");
+    EXPECT_FALSE(Exists(path_ + ".zuk~"));
+    file.Overwrite(1, "dd");
+    file.Commit();
+
+    EXPECT_EQ(Bytes(path_), "odd");
+}
+
+TEST_F(SafeFileTest, EqualFileThatIsNotThereYetIsMade) {
+    WriteIfOther(Folder() + "fresh.txt", "");
+
+    EXPECT_EQ(Bytes(Folder() + "fresh.txt"), "");
+}
+
+TEST_F(SafeFileTest, FullDiskBehindAnEqualBeginningLeavesTheFile) {
+    const std::string old(1'000'000, 'x');
+    for (int call = 1;; ++call) {
+        GivenFile("file.txt", old);
+        FaultyDisk disk(call);
+        Global.TheDisk = &disk;
+        const int failure = FailureNumber([&] { WriteIfOther(path_, old + "y"); });
+        Global.TheDisk = &NativeDisk();
+        if (failure == 0) {
+            EXPECT_GT(call, 6) << "what was equal is written, too";
+            break;
+        }
+
+        EXPECT_EQ(failure, 61);
+        EXPECT_TRUE(Bytes(path_) == old) << "call " << call;
+        EXPECT_FALSE(Exists(path_ + ".zuk~"));
+        EXPECT_EQ(Global.Files.Count(), 0);
+    }
+}
+
+TEST_F(SafeFileTest, FileThatGetsShorterMeanwhileIsNotMadeUp) {
+    GivenFile("file.txt", std::string(1'000'000, 'x'));
+    SafeFile file(path_, SafeFile::WhenSame::Keep);
+    file.Write(std::string(600'000, 'x'));
+    std::filesystem::resize_file(path_, 10);
+
+    EXPECT_EQ(FailureNumber([&] { file.Overwrite(0, "y"); }), 57);
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 #include "store/TableScan.h"
 #include "support/EngineTest.h"
 #include "support/TableMaker.h"
+#include "support/TableSteps.h"
 
 #include <map>
 #include <string>
@@ -64,15 +65,4 @@ protected:
     }
 
     int RecordCount(const std::string& table) const { return TableContent(Bytes(PathOf(table))).Count; }
-
-    /// Trace lines since the last call that speak of tables, oldest first.
-    static std::vector<std::string> TableTrace() {
-        std::vector<std::string> lines;
-        for (std::size_t k = TraceEntries; k-- > 0;) {
-            const std::string& entry = Global.Events.Entry(k);
-            if (entry.starts_with("DBFEdit:")) lines.push_back(entry);
-        }
-        Global.Events.Clear();
-        return lines;
-    }
 };

@@ -17,6 +17,7 @@
 #include "fuzz/MemoryDisk.h"
 #include "store/CreateTable.h"
 #include "store/DBFEdit.h"
+#include "store/SortTables.h"
 #include "store/TableCatalogue.h"
 #include "store/TableReader.h"
 #include "store/TableRewrite.h"
@@ -221,7 +222,58 @@ void TableChanges(std::string_view bytes) {
         EmptyTable(outside.File);
         Require(TableScan(outside.File).RecordCount() == 0, "an emptied table has no records");
     });
+
+    for (const bool clean : {false, true}) {
+        outside.Disk.Put(outside.File, std::string(bytes));
+        bool sorted = false;
+        Attempt([&] {
+            const std::int32_t before = TableScan(outside.File).RecordCount();
+            NoProgress silent;
+            SortCustFile(outside.File, {.RemoveSpecial = clean}, silent);
+            sorted = true;
+            const MemoryTable after = LoadTable(outside.File);
+            Require(after.RecordCount() == before, "a sort keeps every record");
+            const TableLayout layout = TableScan(outside.File).Layout();
+            if (layout.FieldCount() == 0 || !SameText(layout.FieldType(1), "C"))
+                return; // others are converted
+            for (std::int32_t record = 2; record <= after.RecordCount(); ++record) {
+                Require(TextCompare(after.Cell(record - 1, 1), after.Cell(record, 1)) <= 0,
+                        "a sorted table is in the order of its keys");
+            }
+        });
+        Require(sorted || outside.Disk.Content(outside.File) == bytes, "a table that is not sorted stays");
+    }
     Require(outside.Disk.FileCount() == 1, "no work file is left");
+}
+
+std::vector<FieldDef> FieldsOfTable(std::string_view name) {
+    std::vector<FieldDef> fields;
+    for (const TableField& field : FindTable(name)->Fields) {
+        fields.push_back({field.Name, field.Type, field.Length, field.Decimals});
+    }
+    return fields;
+}
+
+/// A table that should be that of the items, or else the index of them.
+void BarcodeIndex(std::string_view bytes) {
+    constexpr std::array Names = {"ZUKItem", "ZUKBarin"};
+    const std::string spoilt = Names[Choice(bytes) % Names.size()];
+    Outside outside(bytes);
+    for (const char* name : Names) CreateTable("/fuzz/" + std::string(name) + ".dbf", FieldsOfTable(name));
+    outside.Disk.Put("/fuzz/" + spoilt + ".dbf", std::string(bytes));
+    const std::string before = outside.Disk.Content("/fuzz/ZUKBarin.dbf");
+    bool rebuilt = false;
+    Attempt([&] {
+        NoProgress silent;
+        RebuildItemIndex("/fuzz/", silent);
+        rebuilt = true;
+        Require(TableScan("/fuzz/ZUKBarin.dbf").RecordCount() == TableScan("/fuzz/ZUKItem.dbf").RecordCount(),
+                "each item is in the index");
+    });
+    Require(rebuilt || outside.Disk.Content("/fuzz/ZUKBarin.dbf") == before,
+            "an index that is not made stays");
+    constexpr int FilesGiven = 3;
+    Require(outside.Disk.FileCount() == FilesGiven, "no work file is left");
 }
 
 void Memo(std::string_view bytes) {
@@ -232,14 +284,6 @@ void Memo(std::string_view bytes) {
 }
 
 // ---- import ----
-
-std::vector<FieldDef> FieldsOfTable(std::string_view name) {
-    std::vector<FieldDef> fields;
-    for (const TableField& field : FindTable(name)->Fields) {
-        fields.push_back({field.Name, field.Type, field.Length, field.Decimals});
-    }
-    return fields;
-}
 
 std::string CustomerTable() {
     const std::string path = "/fuzz/ZUKCust.dbf";
@@ -417,6 +461,7 @@ void Unattended(std::string_view bytes) {
 constexpr std::array Targets = {
     FuzzTarget{"tables", Tables},
     FuzzTarget{"table-changes", TableChanges},
+    FuzzTarget{"barcode-index", BarcodeIndex},
     FuzzTarget{"memo", Memo},
     FuzzTarget{"import", Import},
     FuzzTarget{"lines", Lines},

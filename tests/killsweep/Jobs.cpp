@@ -38,6 +38,9 @@ namespace {
 /// Enough records for a table to be more than one block of its writer.
 constexpr int Customers = 1200;
 constexpr int LostEvery = 100;
+constexpr int Items = 2500;
+constexpr int SalesTaxes = 5000;
+constexpr int Handhelds = 3000;
 constexpr int Orders = 320;
 constexpr int Lines = 1100;
 constexpr int TotalsEvents = 2200;
@@ -134,6 +137,51 @@ std::string SortHeaders() {
 std::string SortLines() {
     OrderBook book = Book();
     SortOrLinFile(book);
+    return {};
+}
+
+/// A master table in no order, by keys that cleaning changes.
+void FillKeys(const char* table, const char* key, int count) {
+    TableRewrite content(Table(table));
+    for (int k = 1; k <= count; ++k) {
+        content.Append();
+        content.Write(key, "k-" + std::to_string(Shuffled(k, count)));
+    }
+    content.Commit();
+}
+
+/// All in order but the last one, so that the beginning of the table stays what it is.
+void PrepareLateCustomer() {
+    TableRewrite content(Table("ZUKCust.dbf"));
+    for (int k = 1; k <= Customers; ++k) {
+        content.Append();
+        content.Write("C_SEARCH", "K" + std::to_string(k == Customers ? 10'950 : 10'000 + k));
+    }
+    content.Commit();
+}
+
+std::string Sort(const char* table, void (*sort)(std::string_view, const SortOptions&, Progress&)) {
+    NoProgress silent;
+    sort(Table(table), {.RemoveSpecial = true}, silent);
+    return {};
+}
+
+std::string SortLinks() {
+    SortLinkFile(Table("ZUKLINK.dbf"));
+    return {};
+}
+
+/// Items with barcodes, and an index of other ones.
+void PrepareIndex() {
+    Fill("ZUKItem.dbf", Items, [](int k) {
+        return Cells{{"I_BARCODE", "BC" + std::to_string(Shuffled(k, Items))}};
+    });
+    Fill("ZUKBarin.dbf", Items, [](int k) { return Cells{{"BARCODE", "OLD" + std::to_string(k)}}; });
+}
+
+std::string RebuildIndex() {
+    NoProgress silent;
+    RebuildIndexTables(silent);
     return {};
 }
 
@@ -419,6 +467,32 @@ std::vector<SweepJob> MakeJobs() {
          ""},
         {"sort of the order headers", {headers}, FillOrders, SortHeaders, ""},
         {"sort of the order lines", {lines}, FillOrders, SortLines, ""},
+        {"sort of the customers",
+         {customers},
+         [] { FillKeys("ZUKCust.dbf", "C_SEARCH", Customers); },
+         [] { return Sort("ZUKCust.dbf", SortCustFile); },
+         ""},
+        {"sort of the customers, one late",
+         {customers},
+         PrepareLateCustomer,
+         [] { return Sort("ZUKCust.dbf", SortCustFile); },
+         ""},
+        {"sort of the items",
+         {"DBFFiles/ZUKItem.dbf"},
+         [] { FillKeys("ZUKItem.dbf", "I_SEARCH", Items); },
+         [] { return Sort("ZUKItem.dbf", SortItemFile); },
+         ""},
+        {"sort of the sales taxes",
+         {"DBFFiles/ZUKSTAX.dbf"},
+         [] { FillKeys("ZUKSTAX.dbf", "ST_CODE", SalesTaxes); },
+         [] { return Sort("ZUKSTAX.dbf", SortSTaxFile); },
+         ""},
+        {"sort of the links",
+         {"DBFFiles/ZUKLINK.dbf"},
+         [] { FillKeys("ZUKLINK.dbf", "LK_HOTSYNC", Handhelds); },
+         SortLinks,
+         ""},
+        {"barcode index", {"DBFFiles/ZUKBarin.dbf"}, PrepareIndex, RebuildIndex, ""},
         {"order check, repeats deleted", check, PrepareCheck, Check, ""},
         {"compaction", {headers}, PrepareCompaction, Compact, ""},
         {"compaction by records", {headers}, PrepareShortCompaction, CompactByRecords, ""},

@@ -5,11 +5,11 @@
 #include "support/EngineTest.h"
 #include "support/Fails.h"
 #include "support/FaultyDisk.h"
+#include "support/Lots.h"
 #include "support/TableMaker.h"
 #include "support/TableSteps.h"
 
 #include <functional>
-#include <random>
 
 namespace {
 
@@ -55,87 +55,6 @@ void ShiftStepByStep(const std::string& path, const Values& first) {
     table.UpDate();
     table.FileClose();
 }
-
-/// A table's bytes up to and with the one behind the last counted record, a blank when it is missing.
-std::string UpToTheEnd(std::string bytes) {
-    const TableContent content(bytes);
-    EXPECT_GE(content.Count, 0);
-    bytes.resize(bytes.size() - content.Behind.size());
-    return bytes + (content.Behind.empty() ? ' ' : content.Behind.front());
-}
-
-/// Tables and values at random, the same ones for the same seed.
-class Lots {
-public:
-    explicit Lots(unsigned seed) : random_(seed) {}
-
-    int Below(int limit) { return static_cast<int>(random_() % static_cast<unsigned>(limit)); }
-
-    std::string Bytes(int length, int lowest = 0) {
-        std::string text;
-        for (int k = 0; k < length; ++k) text += static_cast<char>(lowest + Below(256 - lowest));
-        return text;
-    }
-
-    std::string Value(char type, int length) {
-        static const Values Dates = {"20260115", "2026-12-31", "1/2/26", "15-Nov-2026", "19991301", "soon"};
-        static const Values Numbers = {"12.5", "  7", "-3.25  ", "1,250.00", "(4)", "$5", "many", "1D2", "."};
-        switch (Below(5)) {
-        case 0:
-            return "";
-        case 1:
-            return std::string(static_cast<std::size_t>(Below(12)), ' ');
-        case 2:
-            return Bytes(Below(length + 4), 32);
-        default:
-            break;
-        }
-        if (type == 'D') return Dates[static_cast<std::size_t>(Below(static_cast<int>(Dates.size())))];
-        if (type == 'N') return Numbers[static_cast<std::size_t>(Below(static_cast<int>(Numbers.size())))];
-        return Bytes(length, 32);
-    }
-
-    std::vector<TableMaker::Column> Columns() {
-        std::vector<TableMaker::Column> columns;
-        const int count = 1 + Below(Below(4) == 0 ? 60 : 8);
-        for (int k = 1; k <= count; ++k) {
-            const char type = "CCNDcnd"[Below(7)];
-            const bool date = type == 'D' || type == 'd';
-            columns.push_back({"F" + std::to_string(k), type, date && Below(4) ? 8 : Below(30)});
-        }
-        return columns;
-    }
-
-    TableMaker Table(const std::vector<TableMaker::Column>& columns) {
-        TableMaker maker(columns);
-        maker.Preamble(Bytes(4), Bytes(20)).ClaimHeaderLength(static_cast<std::int16_t>(Below(5000)));
-        maker.Terminator(static_cast<char>(Below(32)));
-        const int slack = Below(3) ? 0 : 1 + Below(5);
-        maker.Slack(slack);
-        const int count = Below(6) == 0 ? 0 : 1 + Below(Below(4) == 0 ? 300 : 20);
-        const int deletedIn = 1 + Below(4);
-        const int kind = Below(5);
-        for (int k = 0; k < count; ++k) {
-            std::string fields;
-            for (const auto& column : columns) {
-                std::string value = Value(column.Type, column.Length);
-                value.resize(static_cast<std::size_t>(column.Length), ' ');
-                fields += value;
-            }
-            bool deleted = Below(deletedIn + 1) == 0;
-            if (kind == 0) deleted = false;
-            if (kind == 1) deleted = k > count / 2;
-            if (kind == 2) deleted = true;
-            const char live = Below(20) ? ' ' : static_cast<char>(Below(42));
-            maker.RawRow(fields + Bytes(slack), deleted ? '*' : live);
-        }
-        static const Values Ends = {"\x1A", " ", "", "*", "\x1A more behind"};
-        return maker.End(Ends[static_cast<std::size_t>(Below(static_cast<int>(Ends.size())))]);
-    }
-
-private:
-    std::mt19937 random_;
-};
 
 class TableRewriteTest : public EngineTest {
 protected:

@@ -1,5 +1,7 @@
 #include "support/TableSteps.h"
 
+#include "core/Globals.h"
+
 void EmptyStepByStep(DBFEdit& table, const std::string& path) {
     table.FileOpen(path);
     table.Go(DBFEdit::First);
@@ -21,4 +23,14 @@ void AppendStepByStep(DBFEdit& table, const std::vector<std::string>& values) {
         if (!values[k].empty()) table.WriteData(static_cast<int>(k) + 1, values[k]);
     }
     table.UpDate();
+}
+
+std::vector<std::string> TableTrace() {
+    std::vector<std::string> lines;
+    for (std::size_t k = TraceEntries; k-- > 0;) {
+        const std::string& entry = Global.Events.Entry(k);
+        if (entry.starts_with("DBFEdit:")) lines.push_back(entry);
+    }
+    Global.Events.Clear();
+    return lines;
 }

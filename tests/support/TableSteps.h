@@ -15,3 +15,6 @@ void BeginAppending(DBFEdit& table);
 
 /// Appends a record: the values from field 1 on, those that are not empty.
 void AppendStepByStep(DBFEdit& table, const std::vector<std::string>& values);
+
+/// Trace lines since the last call that speak of tables, oldest first.
+std::vector<std::string> TableTrace();
