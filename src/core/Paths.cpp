@@ -161,6 +161,17 @@ bool IsPlainFileName(std::string_view name) {
     });
 }
 
+bool IsNameForNewFile(std::string_view name) {
+    if (!IsPlainFileName(name) || name.find_first_of("*?\"<>|") != std::string_view::npos) return false;
+    if (name.back() == '.' || name.back() == ' ') return false;
+    std::string device = FoldName(name.substr(0, name.find('.')));
+    device.resize(device.find_last_not_of(' ') + 1);
+    constexpr std::string_view Devices[] = {"CON", "PRN", "AUX", "NUL"};
+    const bool numbered = device.size() == 4 && (device.starts_with("COM") || device.starts_with("LPT")) &&
+                          device[3] >= '1' && device[3] <= '9';
+    return !numbered && std::find(std::begin(Devices), std::end(Devices), device) == std::end(Devices);
+}
+
 std::vector<std::string> FilesWithExtension(std::string_view folder, std::string_view extension) {
     if (folder.empty()) return {}; // a path that nobody has set is not the current folder
     std::vector<std::string> names = Global.TheDisk->FilesIn(ResolvePath(folder));
@@ -170,6 +181,12 @@ std::vector<std::string> FilesWithExtension(std::string_view folder, std::string
     });
     std::stable_sort(names.begin(), names.end(),
                      [](const std::string& a, const std::string& b) { return FoldName(a) < FoldName(b); });
+    return names;
+}
+
+std::vector<std::string> NamesWithExtension(std::string_view folder, std::string_view extension) {
+    std::vector<std::string> names = FilesWithExtension(folder, extension);
+    for (std::string& name : names) name.resize(name.size() - extension.size());
     return names;
 }
 

@@ -39,9 +39,16 @@ std::string PathToName(std::string_view path);
 /// no control character, and neither "." nor "..".
 bool IsPlainFileName(std::string_view name);
 
+/// True for a plain file name, without its extension, that may be made on every system: none of
+/// `*?"<>|`, no device of Windows ("NUL", "com1.old"), and no point or blank at its end.
+bool IsNameForNewFile(std::string_view name);
+
 /// Names in the folder that end in `extension` (as ".cst", any case; "" for all), in the order of
 /// their names without regard to case.
 std::vector<std::string> FilesWithExtension(std::string_view folder, std::string_view extension);
+
+/// The same without their extension, which is not empty.
+std::vector<std::string> NamesWithExtension(std::string_view folder, std::string_view extension);
 
 /// Removes a file if it is there and can be removed, as after a failure that is the one to be told
 /// of. Never fails.

@@ -50,11 +50,3 @@ void WriteActivity(std::string_view path, const Activity& activity) {
     }
     file.Commit();
 }
-
-std::vector<std::string> ListActivities(std::string_view folder, std::string_view extension) {
-    std::vector<std::string> names;
-    for (const std::string& file : FilesWithExtension(folder, extension)) {
-        names.push_back(PathToName(std::string_view(file).substr(0, file.size() - extension.size())));
-    }
-    return names;
-}

@@ -3,7 +3,6 @@
 #include <array>
 #include <string>
 #include <string_view>
-#include <vector>
 
 /// The extensions of activity files, by the screen that runs them.
 inline constexpr std::string_view ImportActivities = ".ipm";
@@ -28,6 +27,3 @@ Activity ReadActivity(std::string_view path);
 /// Writes an activity file with its own labels. RunTimeFailure 52 for a template that is not a plain
 /// file name or holds a semicolon, otherwise as SafeFile.
 void WriteActivity(std::string_view path, const Activity& activity);
-
-/// The activities of a folder, without their extension, in the order of their names.
-std::vector<std::string> ListActivities(std::string_view folder, std::string_view extension);

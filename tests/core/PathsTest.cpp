@@ -156,6 +156,15 @@ TEST_F(PathsTest, APlainFileNameLeadsNowhereElse) {
     }
 }
 
+TEST_F(PathsTest, ANewFileHasANameThatEverySystemTakes) {
+    for (const char* good : {"a", "Every evening", "..a", "Console", "COM", "COM10", "Caf\xC3\xA9; 2"})
+        EXPECT_TRUE(IsNameForNewFile(good)) << good;
+    for (const char* bad : {"", "..", "a/b", "a\\b", "C:a", "a\tb", "a*", "why?", "a\"b", "<a>", "a|b", "a.",
+                            "a ", "con", "NUL", "aux.old", "Com1", "LPT9", "nul .x"}) {
+        EXPECT_FALSE(IsNameForNewFile(bad)) << bad;
+    }
+}
+
 TEST_F(PathsTest, FilesOfAnExtensionComeInTheOrderOfTheirNamesWithoutRegardToCase) {
     for (const char* name : {"b.cst", "A.CST", "c.Cst", "d.csta", "cst", "e.cst.txt"}) {
         GivenFile(std::string("t/") + name, "");
@@ -164,6 +173,15 @@ TEST_F(PathsTest, FilesOfAnExtensionComeInTheOrderOfTheirNamesWithoutRegardToCas
 
     EXPECT_EQ(FilesWithExtension(Folder() + "T", ".cst"), (Strings{"A.CST", "b.cst", "c.Cst"}));
     EXPECT_EQ(FilesWithExtension(Folder() + "t/", "").size(), 6u);
+}
+
+TEST_F(PathsTest, NamesOfAnExtensionComeWithoutItAsTheDiskWritesThem) {
+    for (const char* name : {"b day.ipm", "A night.IPM", "c.xpm", "M\xC3\xBCller.ipm"}) {
+        GivenFile(std::string("t/") + name, "");
+    }
+
+    EXPECT_EQ(NamesWithExtension(Folder() + "t/", ".ipm"), (Strings{"A night", "b day", "M\xC3\xBCller"}));
+    EXPECT_EQ(NamesWithExtension(Folder() + "t/", ".ctm"), Strings{});
 }
 
 TEST_F(PathsTest, AFolderThatIsMissingOrWasNeverSetHoldsNoFiles) {

@@ -295,15 +295,4 @@ TEST_F(TemplatesTest, ActivityWithATemplateThatWouldNotBeReadBackIsNotWritten) {
     }
 }
 
-TEST_F(TemplatesTest, ActivitiesAreListedWithoutTheirExtension) {
-    GivenFile("b day.ipm", "");
-    GivenFile("A night.IPM", "");
-    GivenFile("c.xpm", "");
-    GivenFile("M\xC3\xBCller.ipm", "");
-
-    EXPECT_EQ(ListActivities(Folder(), ImportActivities), (Rows{"A night", "b day", "M\xFCller"}));
-    EXPECT_EQ(ListActivities(Folder(), ClearPCActivities), Rows{});
-    EXPECT_EQ(ListActivities(Folder() + "gone/", ImportActivities), Rows{});
-}
-
 } // namespace

@@ -99,6 +99,15 @@ TEST_F(QuickButtons, AnActivityShowsItsTwoRowsAndAnEmptyOneAsNone) {
     EXPECT_TRUE(Enabled(form, "cmdOK"));
 }
 
+TEST_F(QuickButtons, AnActivityWithAnAccentInItsNameIsOpened) {
+    GivenActivity("Caf\xC3\xA9.ipm", "Cust.cst");
+    auto& form = Open<frmQBImport>();
+
+    Choose(form, "cboMaster", QStringLiteral("Caf\u00E9"));
+
+    EXPECT_EQ(TextOf(form, "lblSST_1"), QStringLiteral("Cust.cst"));
+}
+
 TEST_F(QuickButtons, AnActivityThatCannotBeOpenedIsTold) {
     GivenActivity("Morning.ipm", "Cust.cst");
     auto& form = Open<frmQBImport>();

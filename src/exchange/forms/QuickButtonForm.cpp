@@ -52,7 +52,7 @@ void QuickButtonForm::Form_Load() {
 
 void QuickButtonForm::PopMaster() {
     Trace("PopMaster");
-    for (const std::string& name : ListActivities(Global.QuickButtonTemplates, extension_)) {
+    for (const std::string& name : NamesWithExtension(Global.QuickButtonTemplates, extension_)) {
         cboMaster->addItem(PathToQt(name));
     }
     cboMaster->setCurrentIndex(-1);

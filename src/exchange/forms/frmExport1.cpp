@@ -31,8 +31,7 @@ void frmExport1::Form_Load() {
     TraceEvent("frmExport1:Form_Load");
     lblProgress->hide();
     pgbProgress->hide();
-    for (std::string& name : FilesWithExtension(Global.ExportTemplates, Extension)) {
-        name.resize(name.size() - Extension.size());
+    for (const std::string& name : NamesWithExtension(Global.ExportTemplates, Extension)) {
         cboSettings->addItem(PathToQt(name));
     }
     cboSettings->setCurrentIndex(-1);

@@ -97,8 +97,8 @@ void frmImport1::LoadForEditing() {
 /// Adds the templates of a kind to the list: with their extensions where there are two kinds.
 void frmImport1::ListTemplates(TemplateKind kind) {
     const std::string_view extension = TemplateExtension(kind);
-    for (std::string& name : FilesWithExtension(Global.ImportTemplates, extension)) {
-        if (mode_ != Mode::EditTemplate) name.resize(name.size() - extension.size());
+    const auto list = mode_ == Mode::EditTemplate ? FilesWithExtension : NamesWithExtension;
+    for (const std::string& name : list(Global.ImportTemplates, extension)) {
         cboSettings->addItem(PathToQt(name));
     }
     cboSettings->setCurrentIndex(-1);
