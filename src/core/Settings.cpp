@@ -13,6 +13,7 @@
 #include <string_view>
 #include <type_traits>
 #include <variant>
+#include <vector>
 
 namespace {
 
@@ -20,18 +21,6 @@ constexpr std::int32_t TopLimit = 8500;   // twips
 constexpr std::int32_t LeftLimit = 11550; // twips
 constexpr std::string_view WindowSection = "[Form Position]";
 constexpr std::size_t LongestQuote = 80; // characters of a line that a failure shows
-
-const char* Word(bool value) {
-    return value ? "True" : "False";
-}
-
-bool ReadYesNo(std::string_view text) {
-    const std::string_view word = Trim(text);
-    if (SameText(word, "True")) return true;
-    if (SameText(word, "False")) return false;
-    if (IsNumeric(word)) return ToNumber(word) != 0;
-    throw RunTimeFailure(13, "'" + std::string(word) + "' is neither True nor False");
-}
 
 /// A position that cannot be read counts as no value.
 void ReadPosition(std::string_view text, std::int32_t& value) {
@@ -102,7 +91,7 @@ std::string Written(const Setting& setting) {
         const auto& value = Global.*member;
         using Type = std::remove_cvref_t<decltype(value)>;
         if constexpr (std::is_same_v<Type, bool>)
-            return Word(value);
+            return std::string(YesNoText(value));
         else if constexpr (std::is_same_v<Type, std::string>)
             return value;
         else if constexpr (std::is_same_v<Type, DateTime>)
@@ -113,6 +102,14 @@ std::string Written(const Setting& setting) {
     return std::visit(give, setting.Value);
 }
 
+/// All of them before the first counts: when the disk fails, the settings stay as they are.
+std::vector<std::string> LinesOf(const std::string& path) {
+    TextReader file(path, TextReader::OwnFile);
+    std::vector<std::string> lines;
+    for (std::string line; file.ReadLine(line);) lines.push_back(line);
+    return lines;
+}
+
 void TakeLine(std::string_view line) {
     for (const Setting& setting : Settings) {
         if (BeginsWith(line, setting.Key)) return Read(setting, line.substr(setting.Key.size()));
@@ -121,7 +118,7 @@ void TakeLine(std::string_view line) {
 
 /// What DeselectRemoteSelect writes in place of the present value; nothing for any other key.
 std::optional<std::string> Deselected(std::string_view key) {
-    if (key == "RemoteSelect=" || key == "UploadSelect=") return Word(false);
+    if (key == "RemoteSelect=" || key == "UploadSelect=") return std::string(YesNoText(false));
     if (key == "RemoteSelSettings=" || key == "RemoteClearSettings=" || key == "UploadSelSettings=")
         return "";
     return std::nullopt;
@@ -157,6 +154,18 @@ void TakeDefaults() {
 
 } // namespace
 
+std::string_view YesNoText(bool value) {
+    return value ? "True" : "False";
+}
+
+bool ReadYesNo(std::string_view text) {
+    const std::string_view word = Trim(text);
+    if (SameText(word, YesNoText(true))) return true;
+    if (SameText(word, YesNoText(false))) return false;
+    if (IsNumeric(word)) return ToNumber(word) != 0;
+    throw RunTimeFailure(13, "'" + CodePageToUtf8(word) + "' is neither True nor False");
+}
+
 void MakeIniFile() {
     TraceEvent("basCommon:MakeIniFile");
     TakeDefaults();
@@ -166,15 +175,16 @@ void MakeIniFile() {
 void GetIniFile() {
     TraceEvent("basCommon:GetIniFile");
     if (!FileExists(Global.IniFile)) MakeIniFile();
+    const std::vector<std::string> lines = LinesOf(Global.IniFile);
     TakeDefaults();
-    TextReader file(Global.IniFile, TextReader::OwnFile);
-    std::string line;
-    while (file.ReadLine(line)) {
+    std::size_t number = 0;
+    for (const std::string& line : lines) {
+        ++number;
         try {
             TakeLine(line);
         } catch (const RunTimeFailure& failure) {
             throw RunTimeFailure(failure.Number(), std::string(FileNameOf(Global.IniFile)) + ", line " +
-                                                       std::to_string(file.LineNumber()) + ": " +
+                                                       std::to_string(number) + ": " +
                                                        CodePageToUtf8(line.substr(0, LongestQuote)));
         }
         if (Global.LastReset.IsZero()) Global.LastReset = Today();

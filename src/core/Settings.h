@@ -1,6 +1,12 @@
 #pragma once
 
 #include <string>
+#include <string_view>
+
+/// A yes/no value as it stands in a file of settings: "True" or "False"; read in any case, or as a
+/// number. RunTimeFailure 13 for another text.
+std::string_view YesNoText(bool value);
+bool ReadYesNo(std::string_view text);
 
 /// The settings file `ZUKTramble.ini` of the application directory: lines "Key=value" under
 /// section lines, always rewritten whole. The live settings are those in Global.

@@ -1,5 +1,6 @@
 #include "core/Settings.h"
 
+#include "core/TextFile.h"
 #include "support/EngineTest.h"
 #include "support/Fails.h"
 #include "support/FaultyDisk.h"
@@ -180,6 +181,17 @@ TEST_F(SettingsTest, AYesNoKeyWithOtherTextIsAFailureThatNamesFileAndLine) {
         }
     }
     EXPECT_EQ(Global.Files.Count(), 0);
+}
+
+TEST_F(SettingsTest, AFileThatCannotBeReadToItsEndLeavesTheSettingsAsTheyWere) {
+    Global.PurgeDays = 31;
+    Global.RemoteSyncSettings = "Every evening";
+    GivenIni("PurgeDays=1\r\n" + std::string(TextReader::MaxLine + 1, 'x') + "\r\n");
+
+    EXPECT_EQ(FailureOf([] { GetIniFile(); }).Number, 6);
+
+    EXPECT_EQ(Global.PurgeDays, 31);
+    EXPECT_EQ(Global.RemoteSyncSettings, "Every evening");
 }
 
 TEST_F(SettingsTest, AFailureShowsTheLineInUnicodeAndNotAllOfALongOne) {
