@@ -21,6 +21,7 @@
 #include "store/TableReader.h"
 #include "store/TableRewrite.h"
 #include "store/TableScan.h"
+#include "sync/UnattendedSettings.h"
 
 #include <array>
 #include <stdexcept>
@@ -403,6 +404,16 @@ void Activities(std::string_view bytes) {
     });
 }
 
+void Unattended(std::string_view bytes) {
+    const Outside outside(bytes);
+    Attempt([&] {
+        const UnattendedSettings settings = ReadUnattendedSettings(outside.File);
+        SaveUA("/fuzz/again.uhs", settings);
+        Require(ReadUnattendedSettings("/fuzz/again.uhs") == settings,
+                "settings that are written are read as they were");
+    });
+}
+
 constexpr std::array Targets = {
     FuzzTarget{"tables", Tables},
     FuzzTarget{"table-changes", TableChanges},
@@ -412,6 +423,7 @@ constexpr std::array Targets = {
     FuzzTarget{"import-templates", ImportTemplates},
     FuzzTarget{"export-templates", ExportTemplates},
     FuzzTarget{"activities", Activities},
+    FuzzTarget{"unattended", Unattended},
 };
 
 } // namespace

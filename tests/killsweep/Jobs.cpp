@@ -24,6 +24,7 @@
 #include "store/TableRewrite.h"
 #include "store/TableScan.h"
 #include "sync/Status.h"
+#include "sync/UnattendedSettings.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -266,6 +267,15 @@ std::string WriteQuickButton() {
     return {};
 }
 
+std::string UnattendedFile() {
+    return Global.UnattendedTemplates + "evening.uhs";
+}
+
+std::string WriteUnattended() {
+    SaveUA(UnattendedFile(), {true, "Prices and customers", true, "Orders", true, "Orders of the day"});
+    return {};
+}
+
 std::string Export() {
     ExportJob job;
     job.ExportFile = Global.DataOutPath + "orders.csv";
@@ -416,6 +426,11 @@ std::vector<SweepJob> MakeJobs() {
          {"Templates/QuickButtons/morning.ipm"},
          [] { WriteActivity(Global.QuickButtonTemplates + "morning.ipm", ImportActivity("")); },
          WriteQuickButton,
+         ""},
+        {"unattended settings",
+         {"Templates/UnattendedHotsync/evening.uhs"},
+         [] { SaveUA(UnattendedFile(), {}); },
+         WriteUnattended,
          ""},
 
         {"start", StepsOfStart(), PrepareStart, nullptr, "", true},

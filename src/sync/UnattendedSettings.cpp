@@ -1,0 +1,87 @@
+#include "sync/UnattendedSettings.h"
+
+#include "core/CodePage.h"
+#include "core/Failure.h"
+#include "core/Paths.h"
+#include "core/SafeFile.h"
+#include "core/Settings.h"
+#include "core/TextCompare.h"
+#include "core/TextFile.h"
+#include "core/Trace.h"
+
+#include <variant>
+
+namespace {
+
+constexpr std::size_t LongestQuote = 80; // characters of a line that a failure shows
+
+struct Line {
+    std::string_view Key;
+    std::variant<bool UnattendedSettings::*, std::string UnattendedSettings::*> Value;
+};
+
+/// In the order in which the file has them.
+constexpr Line FileLines[] = {
+    {"Download=", &UnattendedSettings::Download},
+    {"DownloadTemplate=", &UnattendedSettings::DownloadTemplate},
+    {"Upload=", &UnattendedSettings::Upload},
+    {"UploadTemplate=", &UnattendedSettings::UploadTemplate},
+    {"Clear=", &UnattendedSettings::Clear},
+    {"ClearTemplate=", &UnattendedSettings::ClearTemplate},
+};
+
+void CheckTemplate(std::string_view name) {
+    if (!name.empty() && !IsPlainFileName(name)) throw RunTimeFailure(52, CodePageToUtf8(name));
+}
+
+void Read(std::string_view text, bool& value) {
+    value = ReadYesNo(text);
+}
+
+void Read(std::string_view text, std::string& value) {
+    CheckTemplate(Trim(text));
+    value = Trim(text);
+}
+
+std::string_view Written(bool value) {
+    return YesNoText(value);
+}
+
+std::string_view Written(const std::string& value) {
+    CheckTemplate(value);
+    return value;
+}
+
+void TakeLine(std::string_view line, UnattendedSettings& settings) {
+    for (const auto& [key, value] : FileLines) {
+        if (!BeginsWith(line, key)) continue;
+        const std::string_view text = line.substr(key.size());
+        std::visit([&](auto member) { Read(text, settings.*member); }, value);
+    }
+}
+
+} // namespace
+
+UnattendedSettings ReadUnattendedSettings(std::string_view path, UnattendedSettings settings) {
+    TextReader file(path, TextReader::OwnFile);
+    for (std::string line; file.ReadLine(line);) {
+        try {
+            TakeLine(line, settings);
+        } catch (const RunTimeFailure& failure) {
+            throw RunTimeFailure(failure.Number(), std::string(FileNameOf(path)) + ", line " +
+                                                       std::to_string(file.LineNumber()) + ": " +
+                                                       CodePageToUtf8(line.substr(0, LongestQuote)));
+        }
+    }
+    return settings;
+}
+
+void SaveUA(std::string_view path, const UnattendedSettings& settings) {
+    TraceEvent("frmOptions:SaveUA");
+    SafeFile file(path);
+    for (const auto& [key, value] : FileLines) {
+        const auto text = std::visit([&](auto member) { return Written(settings.*member); }, value);
+        file.WriteLine(std::string(key) + std::string(text));
+    }
+    file.Commit();
+}
