@@ -27,6 +27,7 @@
 #include <QRadioButton>
 #include <QSpinBox>
 #include <QTabBar>
+#include <QTabWidget>
 #include <QTableView>
 #include <QTimer>
 
@@ -178,6 +179,12 @@ bool Serves(const QString& name, const QObject& control) {
     return control.objectName() == name || ElementIndex(control.objectName(), name) >= 0;
 }
 
+/// The tab strip that has a widget for a page; nothing for any other widget.
+QTabWidget* TabsAround(const QWidget& page) {
+    const QObject* stack = page.parent();
+    return stack ? qobject_cast<QTabWidget*>(stack->parent()) : nullptr;
+}
+
 /// Input controls keep what they hold: their tag is the number of a field, not of a text.
 void SetCaption(QObject& object, MessageId entry) {
     const QString caption = QString::fromStdString(CatalogueCaption(entry));
@@ -194,6 +201,8 @@ void SetCaption(QObject& object, MessageId entry) {
         group->setTitle(caption);
     else if (auto* widget = qobject_cast<QWidget*>(&object); widget && widget->isWindow())
         widget->setWindowTitle(plain);
+    else if (auto* tabs = widget ? TabsAround(*widget) : nullptr)
+        tabs->setTabText(tabs->indexOf(widget), caption);
 }
 
 /// The number that a control's tag holds, or nothing when it holds none.
