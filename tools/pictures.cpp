@@ -21,6 +21,7 @@
 #include <QDir>
 #include <QListWidget>
 #include <QProcess>
+#include <QTabWidget>
 #include <QTemporaryDir>
 
 #include <cstdio>
@@ -102,6 +103,10 @@ void Prepare(FormBehaviour& form) {
     if (dynamic_cast<frmImport1*>(&form)) ChooseSetting(form, "DemoCustomers.cst");
     if (dynamic_cast<frmExport1*>(&form)) ChooseSetting(form, "DemoOrders");
     if (dynamic_cast<frmConvert*>(&form)) ChooseFile(form);
+    if (auto* options = dynamic_cast<frmOptions*>(&form)) {
+        options->TurnTo("DemoImport.ipm");
+        options->TurnTo("DemoExport.xpm");
+    }
     if (auto* details = dynamic_cast<frmHHStatus*>(&form)) {
         details->Fill("Anna Berg", {{3, 12, 431.5}, {3, 11, 402.75}});
     }
@@ -136,6 +141,17 @@ void OtherFaces(Nobody& nobody, const QString& folder) {
     nobody.RunsActivities = false;
     Save(report, folder, QStringLiteral("frmQBImport-report"));
     report.Unload();
+}
+
+/// The other tabs of the options.
+void OptionsFaces(const QString& folder) {
+    auto& options = The<frmOptions>();
+    options.TurnTo(UnattendedExtension);
+    Save(options, folder, QStringLiteral("frmOptions-unattended"));
+    options.findChild<QTabWidget*>(QStringLiteral("SSTab1"))->setCurrentIndex(2);
+    Press(options, "optDelBackup");
+    Save(options, folder, QStringLiteral("frmOptions-backup"));
+    options.Unload();
 }
 
 /// The browser with each kind of table in it.
@@ -208,6 +224,7 @@ int main(int argc, char** argv) {
             ALL_FORMS(PICTURE)
 #undef PICTURE
             OtherFaces(nobody, folder);
+            OptionsFaces(folder);
             BrowserFaces(folder);
             FormRegistry::Instance().Clear();
         }

@@ -25,6 +25,7 @@
 #include "sync/StatusDetails.h"
 #include "sync/forms/frmHHStatus.h"
 #include "tools/forms/frmAbout.h"
+#include "tools/forms/frmOptions.h"
 #include "views/forms/frmView.h"
 #include "views/forms/frmViewGrid.h"
 
@@ -490,6 +491,18 @@ void frmMain1::lblPCTables_Click() {
     TraceEvent("frmMain1:lblPCTables_Click");
     UnloadForms();
     The<frmView>().Show();
+}
+
+void frmMain1::lblSetupPC_Click() {
+    TraceEvent("frmMain1:lblSetupPC_Click");
+    UnloadForms();
+    The<frmOptions>().Show(ShowMode::Modal);
+}
+
+void frmMain1::mnuPCSetup_Click() {
+    TraceEvent("frmMain1:mnuPCSetup_Click");
+    UnloadForms();
+    The<frmOptions>().Show(ShowMode::Modal);
 }
 
 void frmMain1::View(const char* handler, ViewFlag flag, ShowMode mode) {

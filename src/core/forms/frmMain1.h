@@ -61,6 +61,8 @@ private slots:
     void lblImportBtn_Click();
     void lblExportBtn_Click();
     void lblPCTables_Click();
+    void lblSetupPC_Click();
+    void mnuPCSetup_Click();
     void lblPrev_Click();
     void lblNext_Click();
 

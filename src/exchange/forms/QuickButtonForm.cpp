@@ -9,6 +9,7 @@
 #include "exchange/Activity.h"
 #include "platform/Convert.h"
 #include "platform/Look.h"
+#include "tools/forms/frmOptions.h"
 
 #include <QComboBox>
 #include <QLabel>
@@ -52,6 +53,7 @@ void QuickButtonForm::Form_Load() {
 
 void QuickButtonForm::PopMaster() {
     Trace("PopMaster");
+    cboMaster->clear();
     for (const std::string& name : NamesWithExtension(Global.QuickButtonTemplates, extension_)) {
         cboMaster->addItem(PathToQt(name));
     }
@@ -145,6 +147,20 @@ void QuickButtonForm::cmdOK_Click() {
     cmdCancel->setEnabled(true);
     cmdCancel->setDefault(true);
     cmdCancel->setFocus();
+}
+
+void QuickButtonForm::cmdSetup_Click() {
+    Trace("cmdSetup_Click");
+    const QString chosen = cboMaster->currentText();
+    Global.TemplateEditMode = true;
+    auto& options = The<frmOptions>();
+    options.TurnTo(PathFromQt(chosen) + extension_);
+    options.Show(ShowMode::Modal);
+    Global.TemplateEditMode = false;
+    if (IsOver()) return;
+    PopMaster();
+    cboMaster->setCurrentIndex(chosen.isEmpty() ? -1 : cboMaster->findText(chosen));
+    cboMaster_Click();
 }
 
 void QuickButtonForm::cmdCancel_Click() {

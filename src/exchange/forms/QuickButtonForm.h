@@ -22,6 +22,7 @@ private slots:
     void cboMaster_Click();
     void cmdOK_Click();
     void cmdCancel_Click();
+    void cmdSetup_Click();
 
 protected:
     /// What one row's run came to.
