@@ -5,6 +5,8 @@
 #include "core/Messages.h"
 #include "core/Operator.h"
 #include "core/Paths.h"
+#include "exchange/HeadLines.h"
+#include "exchange/TemplateToRepair.h"
 #include "exchange/forms/DataDirectory.h"
 #include "exchange/forms/frmImport1.h"
 #include "platform/Convert.h"
@@ -15,6 +17,8 @@ frmConvert::frmConvert() {
 
 void frmConvert::Form_Load() {
     TraceEvent("frmConvert:Form_Load");
+    repair_ =
+        TemplateToRepair({TemplateExtension(TemplateKind::Cust), TemplateExtension(TemplateKind::Item)});
     try {
         EnsureDataDirectory(Global.DataInPath, "DataIn", msg::DataInUnavailable);
     } catch (const RunTimeFailure& failure) {
@@ -27,7 +31,19 @@ void frmConvert::Form_Load() {
     lblNoFiles->setText(ToQt(Lines(msg::NoFiles, Text::Path(std::string_view(Global.DataInPath)))));
     lblNoFiles->setVisible(filFiles->count() == 0);
     filFiles->setVisible(filFiles->count() != 0);
+    if (!repair_.empty()) ShowRepair();
     CheckOK();
+}
+
+void frmConvert::Form_Unload() {
+    if (!repair_.empty()) EndRepair();
+}
+
+void frmConvert::ShowRepair() {
+    lblHelp->setText(ToQt(Lines(
+        Text(msg::RepairSelect) + Text::Path(std::string_view(repair_)) + msg::RepairOr, msg::RepairCancel)));
+    (TemplateKindOf(repair_) == TemplateKind::Item ? optItem : optCustomer)->setChecked(true);
+    for (QRadioButton* option : {optCustomer, optItem}) option->setEnabled(false);
 }
 
 std::string frmConvert::ImportFile() const {
@@ -64,11 +80,34 @@ void frmConvert::cmdOK_Click() {
     auto& mapping = The<frmImport1>();
     // It told why it will not open; another file can be chosen here.
     if (mapping.IsGone()) return;
-    mapping.Show(ShowMode::Modal);
+    if (repair_.empty()) {
+        mapping.Show(ShowMode::Modal);
+    } else {
+        const bool saved = mapping.SaveAnew(repair_);
+        mapping.Unload();
+        if (!saved) return;
+    }
     Unload();
 }
 
 void frmConvert::cmdCancel_Click() {
     TraceEvent("frmConvert:cmdCancel_Click");
+    if (!repair_.empty()) DeleteTemplate();
+    Unload();
+}
+
+void frmConvert::DeleteTemplate() const {
+    const std::string path = Global.ImportTemplates + repair_;
+    try {
+        Global.TheDisk->Remove(ResolvePath(path));
+        ForgetHeadLines(path);
+    } catch (const RunTimeFailure& failure) {
+        Tell(Words(msg::CouldNotDelete, Text::Path(std::string_view(repair_))) + msg::CouldNotDeleteEnd +
+             Text::Path(std::string_view(failure.what())));
+    }
+}
+
+void frmConvert::reject() {
+    if (repair_.empty()) return Form::reject();
     Unload();
 }

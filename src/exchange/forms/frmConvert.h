@@ -6,7 +6,8 @@
 
 #include <string>
 
-/// Asks which data file is to be imported, and into which table.
+/// Asks which data file is to be imported, and into which table; or, opened by the report of the Quality
+/// Check for a template whose data file is gone, which file it is to name from now on.
 class frmConvert final : public Form, private Ui::frmConvert {
     Q_OBJECT
 
@@ -18,6 +19,9 @@ public:
 
     TemplateKind Kind() const;
 
+    /// Esc. It deletes no template: that takes the button that says so.
+    void reject() override;
+
 private slots:
     void filFiles_Click();
     void filFiles_DblClick();
@@ -28,7 +32,12 @@ private slots:
 
 protected:
     void Form_Load() override;
+    void Form_Unload() override;
 
 private:
+    void ShowRepair();
+    void DeleteTemplate() const;
     void CheckOK();
+
+    std::string repair_; ///< the file name of that template; empty for an import
 };

@@ -8,6 +8,7 @@
 #include "core/Paths.h"
 #include "exchange/ExportTemplate.h"
 #include "exchange/Import.h"
+#include "exchange/TemplateToRepair.h"
 #include "exchange/forms/ExportRun.h"
 #include "exchange/forms/Lists.h"
 #include "platform/Convert.h"
@@ -50,9 +51,22 @@ void frmExport1::Form_Load() {
     }
     ShowColumns(std::nullopt);
     lstAvailable->setFocus();
+    repair_ = TemplateToRepair({Extension});
+    if (!repair_.empty()) ChooseTemplate(repair_);
+}
+
+void frmExport1::Form_Unload() {
+    if (!repair_.empty()) EndRepair();
 }
 
 // ---- templates ----
+
+void frmExport1::ChooseTemplate(const std::string& file) {
+    const QString name = PathToQt(file).chopped(static_cast<qsizetype>(Extension.size()));
+    cboSettings->setCurrentIndex(cboSettings->findText(name, Qt::MatchFixedString));
+    cboSettings_Click();
+    txtExpFile->setFocus();
+}
 
 /// In the file system's encoding.
 std::string frmExport1::TemplateName() const {
@@ -328,7 +342,9 @@ void frmExport1::cmdRemoveAll_Click() {
 
 void frmExport1::cmdOK_Click() {
     TraceEvent("frmExport1:cmdOK_Click");
-    if (!TemplateName().empty() && !SaveSettings()) return;
+    const bool repairs = !repair_.empty();
+    if ((repairs || !TemplateName().empty()) && !SaveSettings()) return;
+    if (repairs) return cmdCancel_Click();
     if (Global.TemplateEditMode && !AskYesNo(msg::ExportNow)) return cmdCancel_Click();
     cmdOK->setEnabled(false);
     cmdCancel->setEnabled(false);

@@ -11,7 +11,8 @@
 #include <vector>
 
 /// Lays out the columns of an export of the orders, keeps that as a template, and exports by it. With
-/// `Global.TemplateEditMode` it is opened to keep templates, and asks before it exports.
+/// `Global.TemplateEditMode` it is opened to keep templates, and asks before it exports. Opened by the
+/// report of the Quality Check for a template that names no file, it saves that and exports nothing.
 class frmExport1 final : public Form, private Ui::frmExport1 {
     Q_OBJECT
 
@@ -48,8 +49,10 @@ private slots:
 
 protected:
     void Form_Load() override;
+    void Form_Unload() override;
 
 private:
+    void ChooseTemplate(const std::string& file);
     std::string TemplateName() const;
     std::string TemplatePath() const;
     bool SaveSettings();
@@ -65,6 +68,7 @@ private:
     bool Export();
     void OfferBackup();
 
+    std::string repair_; ///< the file name of the template that the report has named
     OrderBook book_;
     std::vector<std::string> available_; ///< the fields of the headers, then those of the lines
     ExportColumns columns_;

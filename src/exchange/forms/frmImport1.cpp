@@ -188,6 +188,21 @@ void frmImport1::cboSettings_Click() {
     ShowMapping(std::nullopt);
 }
 
+bool frmImport1::SaveAnew(const std::string& templateFile) {
+    TraceEvent("frmImport1:SaveAnew");
+    // What was read of half a template would be all that is left of it.
+    if (!ReadImportTemplate(Global.ImportTemplates + templateFile).Complete) {
+        Tell(Words(msg::ErrorOpening, Text::Path(std::string_view(templateFile))) + msg::MakeSureFileExists,
+             Icon::Warning);
+        return false;
+    }
+    const QString name =
+        PathToQt(templateFile).chopped(static_cast<qsizetype>(ExtensionOf(templateFile).size()));
+    cboSettings->setCurrentIndex(cboSettings->findText(name, Qt::MatchFixedString));
+    cboSettings_Click();
+    return SaveSettings();
+}
+
 void frmImport1::cboSettings_Change() {
     CheckSaveSettings();
 }

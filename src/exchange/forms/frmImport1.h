@@ -25,6 +25,11 @@ class frmImport1 final : public Form, private Ui::frmImport1 {
 public:
     frmImport1();
 
+    /// Writes the template of a file name again, with its mapping and its settings as they stand and the
+    /// name of the data file that `frmConvert` has chosen, whatever columns that has. False when it
+    /// could not; the operator has been told.
+    bool SaveAnew(const std::string& templateFile);
+
 private slots:
     void cboSettings_Click();
     void cboSettings_Change();
