@@ -143,8 +143,14 @@ void OtherFaces(Nobody& nobody, const QString& folder) {
     report.Unload();
 }
 
-/// The other tabs of the options.
+/// The other tabs of the options, and the choice of a file for a template that the Quality Check reports.
 void OptionsFaces(const QString& folder) {
+    Global.QCViewMode = true;
+    Global.QCViewRecords = "DemoItems.itm";
+    auto& convert = The<frmConvert>();
+    Save(convert, folder, QStringLiteral("frmConvert-repair"));
+    convert.Unload();
+    Global.QCViewMode = false;
     auto& options = The<frmOptions>();
     options.TurnTo(UnattendedExtension);
     Save(options, folder, QStringLiteral("frmOptions-unattended"));

@@ -184,6 +184,17 @@ TEST_F(Repair, ATemplateThatCannotBeDeletedIsToldAndTheScreenClosesAllTheSame) {
     EXPECT_TRUE(form.IsGone());
 }
 
+TEST_F(Repair, EnterOnTheFreshScreenDeletesNothing) {
+    const std::string path = GivenItems("Items.itm");
+    auto& form = OpenFor<frmConvert>("Items.itm");
+    EXPECT_EQ(form.focusWidget(), &Control(form, "filFiles"));
+
+    QTest::keyClick(form.focusWidget(), Qt::Key_Return);
+
+    EXPECT_FALSE(form.IsGone());
+    EXPECT_TRUE(Exists(path));
+}
+
 TEST_F(Repair, EscAndTheWindowsCrossDeleteNothing) {
     const std::string path = GivenItems("Items.itm");
     for (const bool escape : {true, false}) {
