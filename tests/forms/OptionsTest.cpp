@@ -401,9 +401,10 @@ TEST_F(Options, AnActivityThatCannotBeWrittenIsToldAndTheEarlierOnesStaySaved) {
 TEST_F(Options, ATemplateWhoseNameAnActivityCannotKeepIsTold) {
     GivenTemplate(Global.ImportTemplates, "a;b.cst");
     GivenTemplate(Global.ImportTemplates, "\xCE\xB1.cst");
+    GivenTemplate(Global.ImportTemplates, " b.cst");
     auto& form = Open<frmOptions>();
     Type(form, "cboImpAct", Q("Morning"));
-    for (const char* name : {"a;b.cst", "α.cst"}) {
+    for (const char* name : {"a;b.cst", "α.cst", " b.cst"}) {
         Choose(form, "cboImpSS2", Q(name));
         Operator_.Expect(::Lines(msg::NameNotKeptInSettings, T(name))).With(Icon::Warning);
 
@@ -412,6 +413,17 @@ TEST_F(Options, ATemplateWhoseNameAnActivityCannotKeepIsTold) {
         EXPECT_EQ(Focus(form), Q("cboImpSS2"));
     }
     EXPECT_FALSE(Exists(Global.QuickButtonTemplates + "Morning.ipm"));
+}
+
+TEST_F(Options, AnActivityThatStandsUnderANameOfThisSystemCanBeChanged) {
+    GivenActivity("Why?.ipm", "DemoItems.itm");
+    auto& form = Open<frmOptions>();
+    Choose(form, "cboImpAct", Q("Why?"));
+    Choose(form, "cboImpSS1", Q("DemoCustomers.cst"));
+
+    Click(form, "cmdOK");
+
+    EXPECT_EQ(Activity1("Why?.ipm"), Q("DemoCustomers.cst"));
 }
 
 TEST_F(Options, TemplatesAreEditedOnTheirOwnScreenAndNewOnesAreListedAfterIt) {
@@ -518,6 +530,20 @@ TEST_F(Options, OkSavesTheUnattendedSettingsWithTheNamesOfWhatIsOff) {
     EXPECT_TRUE(InIni("RemoteSelSettings=Prices"));
     EXPECT_TRUE(InIni("UploadSelect=True"));
     EXPECT_TRUE(InIni("UploadSelSettings=Orders"));
+}
+
+TEST_F(Options, ASemicolonInTheNameOfATableSelectionIsKept) {
+    GivenTemplate(Global.DownloadTemplates, "Prices; all.dst");
+    auto& form = Open<frmOptions>();
+    Type(form, "cboRemoteSettings", Q("Evening; late"));
+    Click(form, "optRemoteSelect");
+    Choose(form, "cboSettings", Q("Prices; all"));
+
+    Click(form, "cmdOK");
+
+    EXPECT_EQ(ReadUnattendedSettings(Global.UnattendedTemplates + "Evening; late.uhs").DownloadTemplate,
+              "Prices; all");
+    EXPECT_TRUE(InIni("RemoteSyncSettings=Evening; late"));
 }
 
 TEST_F(Options, ChosenUnattendedSettingsAreReadAndALineThatIsMissingChangesNothing) {

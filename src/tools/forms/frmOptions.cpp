@@ -53,10 +53,11 @@ void FillTemplates(QComboBox& box, const std::vector<std::string>& names) {
     ChooseTemplate(box, chosen);
 }
 
-/// False for a name that comes back as another from a file of settings.
-bool IsKept(const std::string& name) {
+/// False for a name that comes back as another from a line, which ends at one of `ends`.
+bool IsKept(const std::string& name, std::string_view ends) {
     const std::string written = PathToName(name);
-    return NameToPath(written) == name && Trim(written) == written && written.find(';') == std::string::npos;
+    return NameToPath(written) == name && Trim(written) == written &&
+           written.find_first_of(ends) == std::string::npos;
 }
 
 } // namespace
@@ -367,36 +368,37 @@ bool frmOptions::SelectionsAreThere() {
 bool frmOptions::NamesCanBeSaved() {
     for (const Activities& kind : activities_) {
         if (kind.Name().empty()) continue;
-        if (!NameCanBeSaved(kind) || !TemplatesCanBeNamed({kind.Templates.begin(), kind.Templates.end()}))
-            return false;
+        if (!NameCanBeSaved(kind)) return false;
+        for (QComboBox* box : kind.Templates) {
+            if (!NameIsKept(*box, TemplateIn(*box), ";")) return false;
+        }
     }
-    if (!TemplatesCanBeNamed({cboSettings, cboULSettings, cboClearSettings})) return false;
+    for (QComboBox* box : {cboSettings, cboULSettings, cboClearSettings}) {
+        if (!NameIsKept(*box, TemplateIn(*box))) return false;
+    }
     if (unattended_.Name().empty()) return true;
     // The settings of the PC hold the name of this one.
-    return NameCanBeSaved(unattended_) && TemplatesCanBeNamed({cboRemoteSettings});
+    return NameCanBeSaved(unattended_) && NameIsKept(*cboRemoteSettings, unattended_.Name());
 }
 
-/// Also asks before a name that was typed replaces a file that was never on the screen.
+/// A name that was typed must do for a new file, and replaces another one only after a question.
 bool frmOptions::NameCanBeSaved(const Files& files) {
     const std::string name = files.Name();
+    if (files.Loaded.compare(PathToQt(name), Qt::CaseInsensitive) == 0) return true;
     bool saved = IsNameForNewFile(name);
     if (!saved)
         Tell(Lines(msg::NotAFileName, PathText(name)), Icon::Warning);
-    else if (files.Loaded.compare(PathToQt(name), Qt::CaseInsensitive) != 0 && FileExists(files.Path()))
+    else if (FileExists(files.Path()))
         saved = AskYesNo(Words(PathText(name), msg::ReplaceNamed), Icon::Warning);
     if (!saved) GoTo(*files.Box);
     return saved;
 }
 
-bool frmOptions::TemplatesCanBeNamed(const std::vector<QComboBox*>& boxes) {
-    for (QComboBox* box : boxes) {
-        const std::string name = PathFromQt(box->currentText().trimmed());
-        if (IsKept(name)) continue;
-        Tell(Lines(msg::NameNotKeptInSettings, PathText(name)), Icon::Warning);
-        GoTo(*box);
-        return false;
-    }
-    return true;
+bool frmOptions::NameIsKept(QComboBox& box, const std::string& name, std::string_view ends) {
+    if (IsKept(name, ends)) return true;
+    Tell(Lines(msg::NameNotKeptInSettings, PathText(name)), Icon::Warning);
+    GoTo(box);
+    return false;
 }
 
 void frmOptions::TakeOptions() const {

@@ -81,7 +81,7 @@ private:
     bool SelectionsAreThere();
     bool NamesCanBeSaved();
     bool NameCanBeSaved(const Files& files);
-    bool TemplatesCanBeNamed(const std::vector<QComboBox*>& boxes);
+    bool NameIsKept(QComboBox& box, const std::string& name, std::string_view ends = {});
     void TakeOptions() const;
     static bool SaveSettings();
     void GoTo(QWidget& control);
