@@ -146,13 +146,15 @@ void QCImport(ProblemList& problems) {
     std::string importFiles;
     for (const TemplateKind kind : {TemplateKind::Cust, TemplateKind::Item}) {
         for (const std::string& file : FilesWithExtension(Global.ImportTemplates, TemplateExtension(kind))) {
-            const std::string name = ReadImportTemplate(Global.ImportTemplates + file).Template.DataFile;
+            const std::vector<std::string> lines = LinesOf(Global.ImportTemplates + file);
+            const std::string name(lines.empty() ? std::string_view() : Trim(lines.front()));
             const std::string path = Global.DataInPath + NameToPath(name);
-            if (!name.empty() && FileExists(path)) continue;
+            const bool isFileName = IsPlainFileName(name);
+            if (isFileName && FileExists(path)) continue;
             if (!found.Names.empty()) importFiles += ListSeparator;
             importFiles += name;
             found.Add(Global.ImportTemplates, file);
-            found.Files.push_back(path); // it may come
+            if (isFileName) found.Files.push_back(path); // it may come
         }
     }
     subject.Report(problems, found, msg::ProblemNoImportFile, msg::ImportFileGone,
