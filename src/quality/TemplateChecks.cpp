@@ -7,7 +7,6 @@
 #include "core/TextCompare.h"
 #include "core/TextFile.h"
 #include "exchange/Activity.h"
-#include "exchange/ExportTemplate.h"
 #include "exchange/ImportTemplate.h"
 #include "sync/UnattendedSettings.h"
 
@@ -117,6 +116,17 @@ std::vector<std::string> NamesIn(const std::string& path) {
     return names;
 }
 
+/// What an export template has behind "Filename=", as it stands there: also what can be no file's name
+/// is none that is missing.
+std::string ExportFileIn(const std::string& path) {
+    constexpr std::string_view Key = "Filename=";
+    std::string name;
+    for (const std::string& line : LinesOf(path)) {
+        if (BeginsWith(line, Key)) name = Trim(std::string_view(line).substr(Key.size()));
+    }
+    return name;
+}
+
 } // namespace
 
 void QCDownload(ProblemList& problems) {
@@ -166,8 +176,7 @@ void QCExport(ProblemList& problems) {
     constexpr Subject subject{msg::GroupExport, TemplateTarget::Export, msg::LabelTemplate};
     Found nameless;
     for (const std::string& file : FilesWithExtension(Global.ExportTemplates, ".xor")) {
-        if (ReadExportTemplate(Global.ExportTemplates + file).Template.FileName.empty())
-            nameless.Add(Global.ExportTemplates, file);
+        if (ExportFileIn(Global.ExportTemplates + file).empty()) nameless.Add(Global.ExportTemplates, file);
     }
     subject.Report(problems, nameless, msg::ProblemNoImportFile, msg::ExportNameless,
                    msg::ExportNamelessCorrection);
