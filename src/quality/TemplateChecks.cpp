@@ -94,16 +94,24 @@ struct Kind {
     std::string Folder;
     std::vector<std::string_view> Extensions;
 
-    /// With or without its extension.
-    bool Has(std::string_view name) const {
-        if (!IsPlainFileName(name)) return false;
+    /// Where a template of this name can stand, with or without its extension.
+    std::vector<std::string> PlacesOf(std::string_view name) const {
+        if (!IsPlainFileName(name)) return {};
         const std::string path = Folder + NameToPath(name);
-        if (FileExists(path)) return true;
-        return std::any_of(Extensions.begin(), Extensions.end(), [&](std::string_view extension) {
-            return FileExists(path + std::string(extension));
-        });
+        std::vector<std::string> places{path};
+        for (const std::string_view extension : Extensions) places.push_back(path + std::string(extension));
+        return places;
     }
 };
+
+/// Whether a template that is named is missing; adds the places where it may yet come to `places`.
+bool IsMissing(std::string_view name, const Kind& kind, std::vector<std::string>& places) {
+    const std::vector<std::string> own = kind.PlacesOf(name);
+    if (std::any_of(own.begin(), own.end(), [](const std::string& path) { return FileExists(path); }))
+        return false;
+    places.insert(places.end(), own.begin(), own.end());
+    return true;
+}
 
 /// The templates that an activity's lines name, leaving out "None". What is no plain file name is
 /// taken as it stands.
@@ -193,12 +201,10 @@ void QCQB(ProblemList& problems) {
     for (const auto& [extension, kind] : activities) {
         for (const std::string& file : FilesWithExtension(Global.QuickButtonTemplates, extension)) {
             const std::vector<std::string> names = NamesIn(Global.QuickButtonTemplates + file);
-            if (names.empty()) {
-                blank.Add(Global.QuickButtonTemplates, file);
-            } else if (!std::all_of(names.begin(), names.end(),
-                                    [&](std::string_view name) { return kind.Has(name); })) {
-                gone.Add(Global.QuickButtonTemplates, file);
-            }
+            if (names.empty()) blank.Add(Global.QuickButtonTemplates, file);
+            bool anyGone = false;
+            for (const std::string& name : names) anyGone |= IsMissing(name, kind, gone.Files);
+            if (anyGone) gone.Add(Global.QuickButtonTemplates, file);
         }
     }
     subject.Report(problems, blank, msg::ProblemQBBlank, msg::QBBlank, msg::QBBlankCorrection);
@@ -227,8 +233,8 @@ void QCUA(ProblemList& problems) {
             anyOn = true;
             if (action.Template.empty())
                 anyNameless = true;
-            else if (!action.Templates.Has(action.Template))
-                anyGone = true;
+            else
+                anyGone |= IsMissing(action.Template, action.Templates, gone.Files);
         }
         if (!anyOn) idle.Add(Global.UnattendedTemplates, file);
         if (anyNameless) nameless.Add(Global.UnattendedTemplates, file);
