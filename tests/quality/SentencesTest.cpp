@@ -32,7 +32,7 @@ const std::string QuickButtons = "PC: Special Processes: Quick Buttons";
 const std::string Unattended = "PC: Special Processes: Unattended Hotsync";
 
 QualityOffice CustomerTable(std::vector<QualityOffice::Record> customers,
-                         std::vector<QualityOffice::Record> taxes = {}) {
+                            std::vector<QualityOffice::Record> taxes = {}) {
     return {.Tables = {{"ZUKCUST", std::move(customers)}, {"ZUKSTAX", std::move(taxes)}}};
 }
 
@@ -87,7 +87,8 @@ const Rule Rules[] = {
      CustomerTable({Customer("ABEL", "A1"), Customer("BAKER", "B-1")}),
      {{"Fatal", Customers, "Field contains invalid value",
        "Customer Code (C_CODE) in customer table contains invalid characters.\nRecords: 2",
-       "Remove characters other than 0 through 9 and a through z (upper or lower case) from the Customer Code "
+       "Remove characters other than 0 through 9 and a through z (upper or lower case) from the Customer "
+       "Code "
        "field (C_CODE) for every customer.",
        "ZUKCUST.DBF", "2", "C_CODE"}}},
     {"UnknownTaxCodeOfACustomer",
@@ -95,7 +96,8 @@ const Rule Rules[] = {
      CustomerTable({Customer("ABEL", "A1", "XX"), Customer("BAKER", "B1")}, {{{"ST_CODE", "NY"}}}),
      {{"Fatal", Customers, "Invalid secondary field",
        "Customer sales tax code (C_STCODE) not found in sales tax table.\nRecords: 1",
-       "Either:\n1. Remove the customer sales tax code (C_STCODE) or\n2. Add a sales tax code (ST_CODE) to the "
+       "Either:\n1. Remove the customer sales tax code (C_STCODE) or\n2. Add a sales tax code (ST_CODE) to "
+       "the "
        "sales tax table.",
        "ZUKCUST.DBF", "1", "C_STCODE"}}},
     {"EveryCustomerRuleInItsOrder",
@@ -120,12 +122,14 @@ const Rule Rules[] = {
        "ZUKCUST.DBF", "2", "C_SEARCH"},
       {"Fatal", Customers, "Field contains invalid value",
        "Customer Code (C_CODE) in customer table contains invalid characters.\nRecords: 2, 3",
-       "Remove characters other than 0 through 9 and a through z (upper or lower case) from the Customer Code "
+       "Remove characters other than 0 through 9 and a through z (upper or lower case) from the Customer "
+       "Code "
        "field (C_CODE) for every customer.",
        "ZUKCUST.DBF", "2, 3", "C_CODE"},
       {"Fatal", Customers, "Invalid secondary field",
        "Customer sales tax code (C_STCODE) not found in sales tax table.\nRecords: 1",
-       "Either:\n1. Remove the customer sales tax code (C_STCODE) or\n2. Add a sales tax code (ST_CODE) to the "
+       "Either:\n1. Remove the customer sales tax code (C_STCODE) or\n2. Add a sales tax code (ST_CODE) to "
+       "the "
        "sales tax table.",
        "ZUKCUST.DBF", "1", "C_STCODE"}}},
 
@@ -140,7 +144,8 @@ const Rule Rules[] = {
     {"BlankItemCode",
      Check::Items,
      ItemTable({Item("NUT", "", "2"), Item("BOLT", "B1", "1")}),
-     {{"Fatal", Items, "Field contains blank value", "Blank item code (I_ITEMCODE) in item table.\nRecords: 2",
+     {{"Fatal", Items, "Field contains blank value",
+       "Blank item code (I_ITEMCODE) in item table.\nRecords: 2",
        "Place a unique value in the Item Code field (I_ITEMCODE) for every item.", "ZUKITEM.DBF", "2",
        "I_ITEMCODE"}}},
     {"DuplicateItemSearch",
@@ -148,7 +153,8 @@ const Rule Rules[] = {
      ItemTable({Item("NUT", "N1", "2"), Item("BOLT", "B1", "1"), Item("nut", "N2", "3")}),
      {{"Warn", Items, "Field contains duplicate value",
        "Duplicate item search field (I_SEARCH) in item table.\nRecords: 2, 3\nThis may cause the incorrect "
-       "item to be displayed at ENTER ITEM screen when a Search value is entered and the ORDER button pressed "
+       "item to be displayed at ENTER ITEM screen when a Search value is entered and the ORDER button "
+       "pressed "
        "at the FIND ITEM screen.",
        "Place a unique value in the Item Search field (I_SEARCH) for every item.", "ZUKITEM.DBF", "2, 3",
        "I_SEARCH"}}},
@@ -185,12 +191,14 @@ const Rule Rules[] = {
        "Blank item searchfield (I_SEARCH) in item table.\nRecords: 1",
        "Place a unique value in the Item Search field (I_SEARCH) for every item.", "ZUKITEM.DBF", "1",
        "I_SEARCH"},
-      {"Fatal", Items, "Field contains blank value", "Blank item code (I_ITEMCODE) in item table.\nRecords: 1",
+      {"Fatal", Items, "Field contains blank value",
+       "Blank item code (I_ITEMCODE) in item table.\nRecords: 1",
        "Place a unique value in the Item Code field (I_ITEMCODE) for every item.", "ZUKITEM.DBF", "1",
        "I_ITEMCODE"},
       {"Warn", Items, "Field contains duplicate value",
        "Duplicate item search field (I_SEARCH) in item table.\nRecords: 2, 3\nThis may cause the incorrect "
-       "item to be displayed at ENTER ITEM screen when a Search value is entered and the ORDER button pressed "
+       "item to be displayed at ENTER ITEM screen when a Search value is entered and the ORDER button "
+       "pressed "
        "at the FIND ITEM screen.",
        "Place a unique value in the Item Search field (I_SEARCH) for every item.", "ZUKITEM.DBF", "2, 3",
        "I_SEARCH"},
@@ -213,13 +221,14 @@ const Rule Rules[] = {
     {"EveryBarCodeRuleInItsOrder",
      Check::BarCodes,
      ItemTable({Item("A", "A1", "1", "20-7"), Item("B", "B1", "1", "20x"), Item("C", "C1", "1", ""),
-             Item("D", "D1", "1", "20X")}),
+                Item("D", "D1", "1", "20X")}),
      {{"Warn", BarCodes, "Field contains blank value",
        "Item bar code field (I_BARCODE) is blank.\nRecords: 3",
        "Item cannot be located when bar code is scanned.", "ZUKITEM.DBF", "3", "I_BARCODE"},
       {"Warn", BarCodes, "Field contains invalid value",
        "Item bar code field (I_BARCODE) in item table contains invalid characters.\nRecords: 1",
-       "Remove characters other than 0 through 9 and a through z (upper or lower case) from the Item bar code "
+       "Remove characters other than 0 through 9 and a through z (upper or lower case) from the Item bar "
+       "code "
        "field (I_BARCODE) for every item.",
        "ZUKITEM.DBF", "1", "I_BARCODE"},
       {"Warn", BarCodes, "Field contains duplicate value",
@@ -233,15 +242,16 @@ const Rule Rules[] = {
      Table("ZUKSTAX", "ST_CODE", {"NY", "", "ny", "N.J"}),
      {{"Fatal", SalesTax, "Field contains blank value",
        "Blank sales tax code (ST_CODE) in sales tax table.\nRecords: 1",
-       "Place a unique value in the Sales Tax Code field (ST_CODE) for every sales tax record.", "ZUKSTAX.DBF",
-       "1", "ST_CODE"},
+       "Place a unique value in the Sales Tax Code field (ST_CODE) for every sales tax record.",
+       "ZUKSTAX.DBF", "1", "ST_CODE"},
       {"Fatal", SalesTax, "Field contains duplicate value",
        "Duplicate sales tax code (ST_CODE) in sales tax table.\nRecords: 3, 4",
-       "Place a unique value in the Sales Tax Code field (ST_CODE) for every sales tax record.", "ZUKSTAX.DBF",
-       "3, 4", "ST_CODE"},
+       "Place a unique value in the Sales Tax Code field (ST_CODE) for every sales tax record.",
+       "ZUKSTAX.DBF", "3, 4", "ST_CODE"},
       {"Fatal", SalesTax, "Field contains invalid value",
        "Sales Tax Code field (ST_CODE) in sales tax table contains invalid characters.\nRecords: 2",
-       "Remove characters other than 0 through 9 and a through z (upper or lower case) from the Sales Tax Code "
+       "Remove characters other than 0 through 9 and a through z (upper or lower case) from the Sales Tax "
+       "Code "
        "(I_ITEMCODE) for every sales tax record.",
        "ZUKSTAX.DBF", "2", "ST_CODE"}}},
     {"EmptyPaymentsTable",
@@ -319,7 +329,8 @@ const Rule Rules[] = {
                 {"Templates/UnattendedHotsync/Nameless.uhs", "Upload=True\r\nUploadTemplate=\r\n"},
                 {"Templates/UnattendedHotsync/Lost.uhs", "Clear=True\r\nClearTemplate=Gone\r\n"}}},
      {{"Warn", Unattended, "No action specified",
-       "Unattended hotsync action not specified in saved settings.\nUnattended Hotsync saved setting: Idle.uhs",
+       "Unattended hotsync action not specified in saved settings.\nUnattended Hotsync saved setting: "
+       "Idle.uhs",
        "Update or delete Unattended Hotsync saved settings.", "Unattended", "Idle.uhs", ""},
       {"Warn", Unattended, "No templates specified",
        "Unattended hotsync templates not specified in saved settings.\nUnattended Hotsync saved setting: "

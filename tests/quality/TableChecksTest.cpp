@@ -141,9 +141,13 @@ TEST_F(TableChecksTest, InvalidSearchesAreListedInTheOrderOfTheCodes) {
 
 // Between "A" and "Z" lies by text comparison what has such a letter below it.
 TEST_F(TableChecksTest, AccentedLettersAndRaisedDigitsAreValidAndSignsAreNot) {
-    const Texts valid = {"M\xFCLLER",  "R\xE9MY", "STRA\xDF"
-                                                  "E",
-                         "\xD8RSTED",  "A\xB2",   "\xD0",
+    const Texts valid = {"M\xFCLLER",
+                         "R\xE9MY",
+                         "STRA\xDF"
+                         "E",
+                         "\xD8RSTED",
+                         "A\xB2",
+                         "\xD0",
                          "\xC6\x8C\xDE"};
     const Texts invalid = {"\x8E"
                            "A",
@@ -153,7 +157,9 @@ TEST_F(TableChecksTest, AccentedLettersAndRaisedDigitsAreValidAndSignsAreNot) {
                            "B",
                            "\x80"
                            "5",
-                           "A\xB5", "A_B", "A\x01"};
+                           "A\xB5",
+                           "A_B",
+                           "A\x01"};
     Records customers;
     for (const Texts& texts : {valid, invalid}) {
         for (const std::string& text : texts)
@@ -392,7 +398,8 @@ TEST_F(TableChecksTest, ALinkIsKnownByItsHotSyncUserWhateverTheCase) {
 }
 
 TEST_F(TableChecksTest, WithoutHotSyncUsersEveryLinkIsUnknownAndStillAWarning) {
-    Given({.Tables = {{"ZUKLINK", {{{"LK_HOTSYNC", "Zoe"}}, {{"LK_HOTSYNC", ""}}, {{"LK_HOTSYNC", "Anna"}}}}}});
+    Given(
+        {.Tables = {{"ZUKLINK", {{{"LK_HOTSYNC", "Zoe"}}, {{"LK_HOTSYNC", ""}}, {{"LK_HOTSYNC", "Anna"}}}}}});
 
     EXPECT_EQ(Lists(Check::Links), (Texts{"1, 2, 3"}));
     EXPECT_FALSE(Global.QCFatalFound);
@@ -418,11 +425,11 @@ TEST_F(TableChecksTest, BackupAndPrintingHaveNoTests) {
 TEST_F(TableChecksTest, AFullRunHasItsOrderAndLeavesTheLinksOut) {
     const auto all = AllChecks();
 
-    EXPECT_EQ(std::vector<Check>(all.begin(), all.end()),
-              (std::vector<Check>{Check::Download, Check::Upload, Check::Import, Check::Export,
-                                  Check::QuickButtons, Check::Unattended, Check::Backup, Check::Customers,
-                                  Check::Items, Check::SalesTax, Check::Payments, Check::Printing,
-                                  Check::BarCodes}));
+    EXPECT_EQ(
+        std::vector<Check>(all.begin(), all.end()),
+        (std::vector<Check>{Check::Download, Check::Upload, Check::Import, Check::Export, Check::QuickButtons,
+                            Check::Unattended, Check::Backup, Check::Customers, Check::Items, Check::SalesTax,
+                            Check::Payments, Check::Printing, Check::BarCodes}));
 }
 
 TEST_F(TableChecksTest, EachCheckHasANameOfItsOwnInFiles) {

@@ -66,9 +66,9 @@ TEST_F(TemplateChecksTest, WithoutTheFoldersOfTemplatesThereIsNoRow) {
 }
 
 TEST_F(TemplateChecksTest, NoTemplateIsFatal) {
-    for (const char* name : {"Download/a.dct", "Download/b.dst", "Upload/c.ust", "Import/d.cst", "Import/e.itm",
-                             "Export/f.xor", "QuickButtons/g.ipm", "QuickButtons/h.xpm", "QuickButtons/i.ctm",
-                             "UnattendedHotsync/j.uhs"}) {
+    for (const char* name :
+         {"Download/a.dct", "Download/b.dst", "Upload/c.ust", "Import/d.cst", "Import/e.itm", "Export/f.xor",
+          "QuickButtons/g.ipm", "QuickButtons/h.xpm", "QuickButtons/i.ctm", "UnattendedHotsync/j.uhs"}) {
         GivenTemplate(name, "");
     }
 
@@ -77,7 +77,8 @@ TEST_F(TemplateChecksTest, NoTemplateIsFatal) {
         for (const std::string& list : Lists(check)) lists.push_back(list);
     }
 
-    EXPECT_EQ(lists, (Texts{"a.dct, b.dst", "c.ust", "d.cst, e.itm", "f.xor", "g.ipm, h.xpm, i.ctm", "j.uhs"}));
+    EXPECT_EQ(lists,
+              (Texts{"a.dct, b.dst", "c.ust", "d.cst, e.itm", "f.xor", "g.ipm, h.xpm, i.ctm", "j.uhs"}));
     EXPECT_FALSE(Global.QCFatalFound);
 }
 
@@ -133,7 +134,8 @@ TEST_F(TemplateChecksTest, ASelectionIsBlankUnlessALineOfItsKindEndsInADigitOthe
 }
 
 TEST_F(TemplateChecksTest, ClearTemplatesStandBeforeDownloadTemplatesInTheOrderOfTheirNames) {
-    for (const char* name : {"b.dst", "a.dst", "d.dct", "C.DCT"}) GivenTemplate("Download/" + std::string(name), "");
+    for (const char* name : {"b.dst", "a.dst", "d.dct", "C.DCT"})
+        GivenTemplate("Download/" + std::string(name), "");
 
     EXPECT_EQ(Lists(Check::Download), (Texts{"C.DCT, d.dct, a.dst, b.dst"}));
 }
@@ -279,7 +281,8 @@ TEST_F(TemplateChecksTest, OneLostTemplateOfTwoIsEnough) {
 
     EXPECT_EQ(QB("a.ipm", "Saved Setting 1:    Firms.cst;\r\nSaved Setting 2:    Gone.itm;\r\n"),
               (QBFound{"", "a.ipm"}));
-    EXPECT_EQ(QB("a.ipm", "Saved Setting 1:    ;\r\nSaved Setting 2:    Gone.itm;\r\n"), (QBFound{"", "a.ipm"}));
+    EXPECT_EQ(QB("a.ipm", "Saved Setting 1:    ;\r\nSaved Setting 2:    Gone.itm;\r\n"),
+              (QBFound{"", "a.ipm"}));
     EXPECT_EQ(QB("a.ipm", "Saved Setting 1:    Firms.cst;\r\nSaved Setting 2:    None;\r\n"), QBFound{});
 }
 
@@ -297,7 +300,8 @@ TEST_F(TemplateChecksTest, ANameReachesFromColumnTwentyToTheNextSemicolonOrTheEn
     EXPECT_EQ(QB("a.ipm", "Saved Setting 1:    Firms.cst\r\n"), QBFound{}) << "no semicolon";
     EXPECT_EQ(QB("a.ipm", "Saved Setting 1:      Firms.cst  ; and more;\r\n"), QBFound{});
     EXPECT_EQ(QB("a.ipm", ";aved Setting 1:    Firms.cst;\r\n"), QBFound{}) << "a semicolon before";
-    EXPECT_EQ(QB("a.ipm", "Setting 1: Firms.cst;\r\n"), (QBFound{"", "a.ipm"})) << "cut by the label's columns";
+    EXPECT_EQ(QB("a.ipm", "Setting 1: Firms.cst;\r\n"), (QBFound{"", "a.ipm"}))
+        << "cut by the label's columns";
     EXPECT_EQ(QB("a.ipm", "1: Firms.cst;\r\n"), (QBFound{"a.ipm", ""})) << "all of it in the label's columns";
 }
 
@@ -305,7 +309,8 @@ TEST_F(TemplateChecksTest, ANameThatIsAPathIsNoTemplate) {
     GivenTemplate("Import/Firms.cst", "firms.csv");
 
     for (const char* name : {"../Import/Firms.cst", "..\\Import\\Firms.cst", "..", "/etc/passwd"}) {
-        EXPECT_EQ(QB("a.ipm", "Saved Setting 1:    " + std::string(name) + ";\r\n"), (QBFound{"", "a.ipm"})) << name;
+        EXPECT_EQ(QB("a.ipm", "Saved Setting 1:    " + std::string(name) + ";\r\n"), (QBFound{"", "a.ipm"}))
+            << name;
     }
 }
 
@@ -338,9 +343,10 @@ TEST_F(TemplateChecksTest, AnActionNeedsATemplateOfItsKind) {
 TEST_F(TemplateChecksTest, ATemplateOfAnActionThatIsOffMayBeGone) {
     GivenTemplate("Upload/U.ust", "");
 
-    EXPECT_EQ(UA("Upload=True\r\nUploadTemplate=U\r\nDownload=False\r\nDownloadTemplate=Gone\r\nClear=False\r\n"
-                 "ClearTemplate=\r\n"),
-              UAFound{});
+    EXPECT_EQ(
+        UA("Upload=True\r\nUploadTemplate=U\r\nDownload=False\r\nDownloadTemplate=Gone\r\nClear=False\r\n"
+           "ClearTemplate=\r\n"),
+        UAFound{});
 }
 
 TEST_F(TemplateChecksTest, KeysAndTrueCountInAnyCaseAndInAnyOrder) {
@@ -377,7 +383,8 @@ TEST_F(TemplateChecksTest, TemplatesOfRubbishAreReportedOrNotAndNothingElse) {
             OnlyRunTimeFailures([&] {
                 for (const ReportRow& row : Checked(kind.Of)) {
                     EXPECT_EQ(row.Severity, "Warn");
-                    EXPECT_EQ("x" + std::string(kind.File).substr(std::string(kind.File).rfind('.')), row.List);
+                    EXPECT_EQ("x" + std::string(kind.File).substr(std::string(kind.File).rfind('.')),
+                              row.List);
                 }
             });
         }
