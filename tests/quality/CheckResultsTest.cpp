@@ -16,7 +16,8 @@ protected:
 
     static int Known(const CheckResults& results) {
         int known = 0;
-        for (std::size_t check = 0; check < Checks; ++check) known += results.Of(static_cast<Check>(check)) ? 1 : 0;
+        for (std::size_t check = 0; check < Checks; ++check)
+            known += results.Of(static_cast<Check>(check)) ? 1 : 0;
         return known;
     }
 };
@@ -80,8 +81,8 @@ TEST_F(CheckResultsTest, ALineThatSaysNoResultIsPassedOver) {
     for (const char* line :
          {"Links=", "Links", "Links=2026-11-21 14:05:09", "Links=2026-11-21 14:05:09;1", "Links=;1;1",
           "Links=2026-11-21 14:05:09;1;", "Links=2026-11-21 14:05:09;-1;0", "Links=2026-13-21 14:05:09;1;0",
-          "Links=2026-11-21 14:05:09;1;99999999999", "Links=2026-11-21 14:05:09;1;0x", "Linkss=2026-11-21;0;0",
-          "=2026-11-21;0;0", "\x01\x02\xFF"}) {
+          "Links=2026-11-21 14:05:09;1;99999999999", "Links=2026-11-21 14:05:09;1;0x",
+          "Linkss=2026-11-21;0;0", "=2026-11-21;0;0", "\x01\x02\xFF"}) {
         const CheckResults results = Reading(std::string(line) + "\r\nItems=2026-11-21 14:05:09;1;2\r\n");
 
         EXPECT_FALSE(results.Of(Check::Links)) << line;
@@ -94,8 +95,8 @@ TEST_F(CheckResultsTest, ALineThatSaysNoResultLeavesTheOneBefore) {
 }
 
 TEST_F(CheckResultsTest, OfTwoResultsTheLastCounts) {
-    EXPECT_EQ(
-        Reading("Links=2026-11-21 14:05:09;1;2\nLinks=2026-11-21 15:05:09;0;0").Of(Check::Links), At(15, 0, 0));
+    EXPECT_EQ(Reading("Links=2026-11-21 14:05:09;1;2\nLinks=2026-11-21 15:05:09;0;0").Of(Check::Links),
+              At(15, 0, 0));
 }
 
 TEST_F(CheckResultsTest, RubbishHoldsResultsOrNoneAndCanBeWrittenAgain) {

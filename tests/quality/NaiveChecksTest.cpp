@@ -128,8 +128,8 @@ Findings NaiveItems(Grid items) {
     items.Sort(3);
     Add(found, DuplicateOnes(items, 3));
     Add(found, InvalidOnes(items, 3));
-    Add(found, OnesWithOtherThan(items, 7,
-                                 [](char c) { return LiesIn(c, "0", "9") || c == ',' || c == '.'; }));
+    Add(found,
+        OnesWithOtherThan(items, 7, [](char c) { return LiesIn(c, "0", "9") || c == ',' || c == '.'; }));
     items.Sort(7);
     std::string zeros;
     for (std::size_t row = 1; row <= items.Rows() && ToNumber(items.At(row, 7)) == 0; ++row)
@@ -169,7 +169,7 @@ protected:
         return cell;
     }
     std::string Price() {
-        static const char* const prices[] = {"",     "0",  "0.00", "1,250.00", "12.5A", "-3", " ", "1e5",
+        static const char* const prices[] = {"",     "0",    "0.00", "1,250.00", "12.5A", "-3", " ", "1e5",
                                              "0,00", "\xB2", ".",    "$1",       "0A",    "7",  "#"};
         return random_() % 4 == 0 ? Cell() : prices[random_() % std::size(prices)];
     }
@@ -193,8 +193,8 @@ protected:
 };
 
 TEST_F(NaiveChecksTest, CustomersAndTaxesAreFoundAsByTheSlowWalk) {
-    const std::vector<std::string> fields = {"C_SEARCH", "C_CODE",    "C_PHONE",    "C_NAME",    "C_ZIP",
-                                             "C_ADDRESS1", "C_ADDRESS2", "C_CITY",  "C_STATE",   "C_CONTACT",
+    const std::vector<std::string> fields = {"C_SEARCH",   "C_CODE",     "C_PHONE", "C_NAME",  "C_ZIP",
+                                             "C_ADDRESS1", "C_ADDRESS2", "C_CITY",  "C_STATE", "C_CONTACT",
                                              "C_PAYTERMS", "C_SHIPVIA",  "C_STCODE"};
     for (int round = 0; round < 150; ++round) {
         office_ = {};
@@ -212,7 +212,8 @@ TEST_F(NaiveChecksTest, CustomersAndTaxesAreFoundAsByTheSlowWalk) {
 }
 
 TEST_F(NaiveChecksTest, ItemsAndBarcodesAreFoundAsByTheSlowWalk) {
-    const std::vector<std::string> fields = {"I_SEARCH", "I_ITEMCODE", "I_BARCODE", "I_DESC1", "I_UM", "I_PRICE"};
+    const std::vector<std::string> fields = {"I_SEARCH", "I_ITEMCODE", "I_BARCODE",
+                                             "I_DESC1",  "I_UM",       "I_PRICE"};
     for (int round = 0; round < 150; ++round) {
         office_ = {};
         auto items = Rows(fields.size());

@@ -14,7 +14,8 @@ Text Value(const std::string& text) {
 
 class ReportCsvTest : public QualityTest {
 protected:
-    static ProblemRow Row(Severity severity, const std::string& issue, const std::string& correction = "do it") {
+    static ProblemRow Row(Severity severity, const std::string& issue,
+                          const std::string& correction = "do it") {
         ProblemRow row;
         row.Severity = severity;
         row.Group = Value("PC: group");
@@ -53,7 +54,8 @@ TEST_F(ReportCsvTest, QuotesAreDoubledAndCommasAndLineBreaksKept) {
 }
 
 TEST_F(ReportCsvTest, LettersAreWrittenInUtf8) {
-    EXPECT_NE(Saved({Row(Severity::Warn, "M\xFCller \x80")}).find("\"M\xC3\xBCller \xE2\x82\xAC\""), std::string::npos);
+    EXPECT_NE(Saved({Row(Severity::Warn, "M\xFCller \x80")}).find("\"M\xC3\xBCller \xE2\x82\xAC\""),
+              std::string::npos);
 }
 
 TEST_F(ReportCsvTest, ALongListIsWrittenWhole) {
@@ -73,11 +75,13 @@ TEST_F(ReportCsvTest, AnotherProgramReadsTheCellsThatTheReportShows) {
     SaveReport(Path(), problems.Rows());
     std::string expected = "Severity|Configurator Group|Problem|Issue|Correction\n";
     for (const ReportRow& row : RowsOf(problems))
-        expected += row.Severity + "|" + row.Group + "|" + row.Problem + "|" + row.Issue + "|" + row.Correction + "\n";
-    GivenFile("read.py", "import csv, sys\n"
-                         "rows = csv.reader(open(sys.argv[1], encoding='utf-8-sig', newline=''), strict=True)\n"
-                         "text = ''.join('|'.join(row) + '\\n' for row in rows)\n"
-                         "open(sys.argv[2], 'w', encoding='utf-8', newline='').write(text)\n");
+        expected += row.Severity + "|" + row.Group + "|" + row.Problem + "|" + row.Issue + "|" +
+                    row.Correction + "\n";
+    GivenFile("read.py",
+              "import csv, sys\n"
+              "rows = csv.reader(open(sys.argv[1], encoding='utf-8-sig', newline=''), strict=True)\n"
+              "text = ''.join('|'.join(row) + '\\n' for row in rows)\n"
+              "open(sys.argv[2], 'w', encoding='utf-8', newline='').write(text)\n");
 
     const std::string command =
         "python3 '" + Folder() + "read.py' '" + Path() + "' '" + Folder() + "read.txt'";

@@ -197,7 +197,9 @@ class ReportGridTest : public RowWatchTest {
 protected:
     static constexpr int IssueColumn = 3, CorrectionColumn = 4;
 
-    static std::string CellText(ReportGrid& grid, std::int32_t row, int column) { return grid.Cell(row, column).Utf8(); }
+    static std::string CellText(ReportGrid& grid, std::int32_t row, int column) {
+        return grid.Cell(row, column).Utf8();
+    }
 };
 
 TEST_F(ReportGridTest, ShowsTheFiveColumnsUnderTheirHeadingsInTheOrderOfTheFindings) {
@@ -205,14 +207,16 @@ TEST_F(ReportGridTest, ShowsTheFiveColumnsUnderTheirHeadingsInTheOrderOfTheFindi
 
     std::string headings, first;
     for (int column = 0; column < grid.ColumnCount(); ++column) {
-        headings += grid.Heading(column).Title.Utf8() + " " + std::to_string(grid.Heading(column).Width) + "|";
+        headings +=
+            grid.Heading(column).Title.Utf8() + " " + std::to_string(grid.Heading(column).Width) + "|";
         first += CellText(grid, 0, column) + "|";
     }
 
     EXPECT_EQ(headings, "Severity 80|Configurator Group 190|Problem 95|Issue 190|Correction 192|");
-    EXPECT_EQ(first, "Fatal|Handheld: Basic Setup: Customers|Field contains blank value|Blank customer "
-                     "searchfield (C_SEARCH) in customer table.\nRecords: 1|Place a unique value in the Customer "
-                     "Search field (C_SEARCH) for every customer.|");
+    EXPECT_EQ(first,
+              "Fatal|Handheld: Basic Setup: Customers|Field contains blank value|Blank customer "
+              "searchfield (C_SEARCH) in customer table.\nRecords: 1|Place a unique value in the Customer "
+              "Search field (C_SEARCH) for every customer.|");
     EXPECT_EQ(grid.RowCount(), 2);
 }
 
