@@ -140,6 +140,15 @@ void BenchOffice::GivenItems(std::int64_t count, Order order) const {
     table.Commit(false);
 }
 
+void BenchOffice::GivenSalesTax(std::string_view code) const {
+    TableRewrite table(Global.DBFPath + "ZUKSTAX.dbf");
+    table.Append();
+    table.Write("ST_CODE", code);
+    table.Write("ST_DESC", "Standard");
+    table.Write("ST_RATE", "8.25");
+    table.Commit(false);
+}
+
 void BenchOffice::GivenOrders(std::int64_t headers, std::int64_t lines) const {
     TableRewrite hdr(Global.DBFPath + "ZUKORHDR.DBF");
     for (std::int64_t i = 0; i < headers; ++i) {

@@ -26,6 +26,9 @@ public:
     void GivenCustomers(std::int64_t count, Order order) const;
     void GivenItems(std::int64_t count, Order order) const;
 
+    /// The one sales tax of those customers and items.
+    void GivenSalesTax(std::string_view code) const;
+
     /// Order headers in no order, and lines spread over them, those of an order together.
     void GivenOrders(std::int64_t headers, std::int64_t lines) const;
 

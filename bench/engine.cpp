@@ -8,6 +8,7 @@
 #include "core/Trace.h"
 #include "exchange/OrderCheck.h"
 #include "maintenance/Totals.h"
+#include "quality/Checks.h"
 #include "store/OfficeTables.h"
 #include "store/SortTables.h"
 #include "store/TableRewrite.h"
@@ -145,6 +146,30 @@ void SortsOfACheck(benchmark::State& state, Order order) {
 }
 BENCHMARK_CAPTURE(SortsOfACheck, shuffled, Order::None)->Arg(100'000)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(SortsOfACheck, sorted, Order::OfKeys)->Arg(100'000)->Unit(benchmark::kMillisecond);
+
+/// A Quality Check of everything; in a `faulty` office no customer's sales tax code is known.
+void CheckEverything(benchmark::State& state, Order order, bool faulty) {
+    const BenchOffice office;
+    office.GivenCustomers(state.range(0), order);
+    office.GivenItems(state.range(0), order);
+    if (!faulty) office.GivenSalesTax("STD");
+    const std::string customers = Global.DBFPath + "ZUKCust.dbf";
+    const std::string items = Global.DBFPath + "ZUKItem.dbf";
+    for (const std::string& table : {customers, items}) CopyOver(table, table + ".delivered", false);
+    NoProgress silent;
+    const CheckTools tools{silent, [] { return std::vector<std::string>(); }};
+    for (auto _ : state) {
+        state.PauseTiming();
+        for (const std::string& table : {customers, items}) CopyOver(table + ".delivered", table, false);
+        state.ResumeTiming();
+        ProblemList problems;
+        for (const Check check : AllChecks()) RunCheck(check, tools, problems);
+        benchmark::DoNotOptimize(problems.ProblemRows());
+    }
+}
+BENCHMARK_CAPTURE(CheckEverything, shuffled, Order::None, false)->Arg(100'000)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(CheckEverything, sorted, Order::OfKeys, false)->Arg(100'000)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(CheckEverything, faulty, Order::None, true)->Arg(100'000)->Unit(benchmark::kMillisecond);
 
 void ScanOrderLines(benchmark::State& state) {
     const BenchOffice office;

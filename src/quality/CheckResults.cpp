@@ -42,9 +42,11 @@ CheckResults CheckResults::Read(std::string_view path) noexcept {
         TextReader file(path, TextReader::OwnFile);
         for (std::string line; file.ReadLine(line);) {
             const auto [name, text] = Cut(line, '=');
+            const auto result = ResultOf(text);
+            if (!result) continue;
             for (std::size_t check = 0; check < Checks; ++check) {
                 if (SameText(Trim(name), CheckName(static_cast<Check>(check))))
-                    results.results_[check] = ResultOf(text);
+                    results.results_[check] = result;
             }
         }
     } catch (const RunTimeFailure&) {

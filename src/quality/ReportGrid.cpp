@@ -4,6 +4,7 @@
 #include "core/TextCompare.h"
 #include "quality/ReportCsv.h"
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -11,6 +12,8 @@ namespace {
 
 constexpr std::array Widths = {80, 190, 95, 190, 192}; ///< of the columns, in pixels
 constexpr std::size_t LongestList = 300;               ///< that a cell shows, in bytes
+
+constexpr std::string_view Ellipsis = "...";
 
 enum Column { SeverityColumn, GroupColumn, ProblemColumn, IssueColumn, CorrectionColumn };
 
@@ -22,11 +25,18 @@ std::string_view FromUtf8(const Text& text) {
 
 Text ShortList(std::string_view list, std::size_t bytes) {
     if (list.size() <= bytes) return Text::Path(list);
-    const std::size_t end = list.rfind(ListSeparator, bytes);
-    if (end == std::string_view::npos) return Text::Path(list);
+    const std::size_t fits = list.rfind(ListSeparator, bytes);
+    const std::size_t end =
+        fits != std::string_view::npos ? fits : std::min(list.find(ListSeparator), list.size());
+    Text shown = Text::Path(list.substr(0, end));
+    if (end > bytes) {
+        while (bytes > 0 && (static_cast<unsigned char>(list[bytes]) & 0xC0) == 0x80)
+            --bytes; // inside a character
+        shown = Text::Path(list.substr(0, bytes)) + Text::Path(Ellipsis);
+    }
+    if (end == list.size()) return shown;
     const auto left = SplitText(list.substr(end + ListSeparator.size()), ListSeparator).size();
-    return Words(Text::Path(list.substr(0, end)), msg::MoreInList,
-                 Text::Value(static_cast<std::int64_t>(left)));
+    return Words(shown, msg::MoreInList, Text::Value(static_cast<std::int64_t>(left)));
 }
 
 ReportGrid::ReportGrid(std::vector<ProblemRow> rows) : rows_(std::move(rows)), watch_(rows_) {

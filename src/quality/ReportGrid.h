@@ -42,6 +42,7 @@ private:
     bool outdated_ = false;
 };
 
-/// A list whose entries are parted by ListSeparator, cut behind the last entry that fits into so many
-/// bytes, with the number of those left out; as it is when it fits.
+/// A list (UTF-8) whose entries are parted by ListSeparator, cut behind the last entry that fits into so
+/// many bytes, with the number of those left out; as it is when it fits. A first entry that does not fit
+/// by itself is cut too, and ends in three points.
 Text ShortList(std::string_view list, std::size_t bytes);

@@ -7,7 +7,6 @@
 #include "core/TextCompare.h"
 #include "core/TextFile.h"
 #include "exchange/Activity.h"
-#include "exchange/ExportTemplate.h"
 #include "exchange/ImportTemplate.h"
 #include "sync/UnattendedSettings.h"
 
@@ -95,16 +94,24 @@ struct Kind {
     std::string Folder;
     std::vector<std::string_view> Extensions;
 
-    /// With or without its extension.
-    bool Has(std::string_view name) const {
-        if (!IsPlainFileName(name)) return false;
+    /// Where a template of this name can stand, with or without its extension.
+    std::vector<std::string> PlacesOf(std::string_view name) const {
+        if (!IsPlainFileName(name)) return {};
         const std::string path = Folder + NameToPath(name);
-        if (FileExists(path)) return true;
-        return std::any_of(Extensions.begin(), Extensions.end(), [&](std::string_view extension) {
-            return FileExists(path + std::string(extension));
-        });
+        std::vector<std::string> places{path};
+        for (const std::string_view extension : Extensions) places.push_back(path + std::string(extension));
+        return places;
     }
 };
+
+/// Whether a template that is named is missing; adds the places where it may yet come to `places`.
+bool IsMissing(std::string_view name, const Kind& kind, std::vector<std::string>& places) {
+    const std::vector<std::string> own = kind.PlacesOf(name);
+    if (std::any_of(own.begin(), own.end(), [](const std::string& path) { return FileExists(path); }))
+        return false;
+    places.insert(places.end(), own.begin(), own.end());
+    return true;
+}
 
 /// The templates that an activity's lines name, leaving out "None". What is no plain file name is
 /// taken as it stands.
@@ -115,6 +122,17 @@ std::vector<std::string> NamesIn(const std::string& path) {
         if (!name.empty()) names.push_back(name);
     }
     return names;
+}
+
+/// What an export template has behind "Filename=", as it stands there: also what can be no file's name
+/// is none that is missing.
+std::string ExportFileIn(const std::string& path) {
+    constexpr std::string_view Key = "Filename=";
+    std::string name;
+    for (const std::string& line : LinesOf(path)) {
+        if (BeginsWith(line, Key)) name = Trim(std::string_view(line).substr(Key.size()));
+    }
+    return name;
 }
 
 } // namespace
@@ -146,13 +164,15 @@ void QCImport(ProblemList& problems) {
     std::string importFiles;
     for (const TemplateKind kind : {TemplateKind::Cust, TemplateKind::Item}) {
         for (const std::string& file : FilesWithExtension(Global.ImportTemplates, TemplateExtension(kind))) {
-            const std::string name = ReadImportTemplate(Global.ImportTemplates + file).Template.DataFile;
+            const std::vector<std::string> lines = LinesOf(Global.ImportTemplates + file);
+            const std::string name(lines.empty() ? std::string_view() : Trim(lines.front()));
             const std::string path = Global.DataInPath + NameToPath(name);
-            if (!name.empty() && FileExists(path)) continue;
+            const bool isFileName = IsPlainFileName(name);
+            if (isFileName && FileExists(path)) continue;
             if (!found.Names.empty()) importFiles += ListSeparator;
             importFiles += name;
             found.Add(Global.ImportTemplates, file);
-            found.Files.push_back(path); // it may come
+            if (isFileName) found.Files.push_back(path); // it may come
         }
     }
     subject.Report(problems, found, msg::ProblemNoImportFile, msg::ImportFileGone,
@@ -164,8 +184,7 @@ void QCExport(ProblemList& problems) {
     constexpr Subject subject{msg::GroupExport, TemplateTarget::Export, msg::LabelTemplate};
     Found nameless;
     for (const std::string& file : FilesWithExtension(Global.ExportTemplates, ".xor")) {
-        if (ReadExportTemplate(Global.ExportTemplates + file).Template.FileName.empty())
-            nameless.Add(Global.ExportTemplates, file);
+        if (ExportFileIn(Global.ExportTemplates + file).empty()) nameless.Add(Global.ExportTemplates, file);
     }
     subject.Report(problems, nameless, msg::ProblemNoImportFile, msg::ExportNameless,
                    msg::ExportNamelessCorrection);
@@ -182,12 +201,10 @@ void QCQB(ProblemList& problems) {
     for (const auto& [extension, kind] : activities) {
         for (const std::string& file : FilesWithExtension(Global.QuickButtonTemplates, extension)) {
             const std::vector<std::string> names = NamesIn(Global.QuickButtonTemplates + file);
-            if (names.empty()) {
-                blank.Add(Global.QuickButtonTemplates, file);
-            } else if (!std::all_of(names.begin(), names.end(),
-                                    [&](std::string_view name) { return kind.Has(name); })) {
-                gone.Add(Global.QuickButtonTemplates, file);
-            }
+            if (names.empty()) blank.Add(Global.QuickButtonTemplates, file);
+            bool anyGone = false;
+            for (const std::string& name : names) anyGone |= IsMissing(name, kind, gone.Files);
+            if (anyGone) gone.Add(Global.QuickButtonTemplates, file);
         }
     }
     subject.Report(problems, blank, msg::ProblemQBBlank, msg::QBBlank, msg::QBBlankCorrection);
@@ -216,8 +233,8 @@ void QCUA(ProblemList& problems) {
             anyOn = true;
             if (action.Template.empty())
                 anyNameless = true;
-            else if (!action.Templates.Has(action.Template))
-                anyGone = true;
+            else
+                anyGone |= IsMissing(action.Template, action.Templates, gone.Files);
         }
         if (!anyOn) idle.Add(Global.UnattendedTemplates, file);
         if (anyNameless) nameless.Add(Global.UnattendedTemplates, file);

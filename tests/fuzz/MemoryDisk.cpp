@@ -56,6 +56,17 @@ std::unique_ptr<DiskFile> MemoryDisk::Open(const std::string& path, Access acces
     return std::make_unique<MemoryFile>(file->second);
 }
 
+std::vector<std::string> MemoryDisk::FilesIn(const std::string& folder) {
+    std::string prefix = Key(folder);
+    if (!prefix.ends_with('/')) prefix += '/';
+    std::vector<std::string> names;
+    for (const auto& [path, content] : files_) {
+        if (path.starts_with(prefix) && path.find('/', prefix.size()) == std::string::npos)
+            names.push_back(path.substr(prefix.size()));
+    }
+    return names;
+}
+
 void MemoryDisk::Rename(const std::string& from, const std::string& to) {
     const auto file = files_.find(Key(from));
     if (file == files_.end()) throw RunTimeFailure(75, to);

@@ -24,7 +24,7 @@ public:
     bool RemoveFolder(const std::string&) override { return false; }
     bool IsFile(const std::string& path) override { return files_.contains(Key(path)); }
     bool IsFolder(const std::string& path) override { return Key(path).ends_with('/'); }
-    std::vector<std::string> FilesIn(const std::string&) override { return {}; }
+    std::vector<std::string> FilesIn(const std::string& folder) override;
     std::vector<std::string> FoldersIn(const std::string&) override { return {}; }
     bool LockedByAnother(const std::string&) override { return false; }
 

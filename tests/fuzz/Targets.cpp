@@ -15,6 +15,10 @@
 #include "exchange/LineSplitter.h"
 #include "exchange/OrderTables.h"
 #include "fuzz/MemoryDisk.h"
+#include "quality/CheckResults.h"
+#include "quality/ReportCsv.h"
+#include "quality/ReportGrid.h"
+#include "quality/TemplateChecks.h"
 #include "store/CreateTable.h"
 #include "store/DBFEdit.h"
 #include "store/SortTables.h"
@@ -25,6 +29,7 @@
 #include "sync/UnattendedSettings.h"
 
 #include <array>
+#include <initializer_list>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -458,6 +463,54 @@ void Unattended(std::string_view bytes) {
     });
 }
 
+// ---- the Quality Check ----
+
+void CheckResultsFile(std::string_view bytes) {
+    const Outside outside(bytes);
+    Attempt([&] {
+        const CheckResults results = CheckResults::Read(outside.File);
+        results.Write("/fuzz/again.dat");
+        const CheckResults again = CheckResults::Read("/fuzz/again.dat");
+        for (std::size_t check = 0; check < Checks; ++check) {
+            Require(again.Of(static_cast<Check>(check)) == results.Of(static_cast<Check>(check)),
+                    "results that are written are read as they were");
+        }
+    });
+}
+
+/// The same bytes as a template of every kind.
+void CheckedTemplates(std::string_view bytes) {
+    Outside outside(bytes);
+    Global.DataInPath = "/fuzz/in/";
+    const auto put = [&](std::string& folder, const char* path, std::initializer_list<const char*> names) {
+        folder = path;
+        for (const char* name : names) outside.Disk.Put(folder + name, std::string(bytes));
+    };
+    put(Global.DownloadTemplates, "/fuzz/download/", {"x.dct", "x.dst"});
+    put(Global.UploadTemplates, "/fuzz/upload/", {"x.ust"});
+    put(Global.ImportTemplates, "/fuzz/import/", {"x.cst", "x.itm"});
+    put(Global.ExportTemplates, "/fuzz/export/", {"x.xor"});
+    put(Global.ClearPCTemplates, "/fuzz/clear/", {"x.pct"});
+    put(Global.QuickButtonTemplates, "/fuzz/buttons/", {"x.ipm", "x.xpm", "x.ctm"});
+    put(Global.UnattendedTemplates, "/fuzz/unattended/", {"x.uhs"});
+    ProblemList problems;
+    for (const auto& check : {QCDownload, QCUpload, QCImport, QCExport, QCQB, QCUA}) check(problems);
+    Require(Global.Files.Count() == 0, "a file was left open");
+    Require(!Global.QCFatalFound, "no template is fatal");
+    for (const ProblemRow& row : problems.Rows()) {
+        Require(IsTemplateTarget(row.Target), "a row about templates says of which kind");
+        for (const std::string_view name : SplitText(row.List, ListSeparator))
+            Require(name.size() == 5 && name.starts_with("x."), "a row lists the templates' own names");
+    }
+    ReportGrid grid(problems.Rows());
+    Require(!grid.CheckChanged(), "nothing has changed since the check");
+    for (std::int32_t row = 0; row < grid.RowCount(); ++row) {
+        for (int column = 0; column < grid.ColumnCount(); ++column)
+            Require(grid.Cell(row, column).Utf8().size() < 2000, "a cell is short enough to be read");
+    }
+    Attempt([&] { SaveReport("/fuzz/report.csv", problems.Rows()); });
+}
+
 constexpr std::array Targets = {
     FuzzTarget{"tables", Tables},
     FuzzTarget{"table-changes", TableChanges},
@@ -469,6 +522,8 @@ constexpr std::array Targets = {
     FuzzTarget{"export-templates", ExportTemplates},
     FuzzTarget{"activities", Activities},
     FuzzTarget{"unattended", Unattended},
+    FuzzTarget{"check-results", CheckResultsFile},
+    FuzzTarget{"checked-templates", CheckedTemplates},
 };
 
 } // namespace

@@ -23,8 +23,8 @@ QByteArray Bytes(const QString& path) {
 /// The real program in an office of its own, driven from outside.
 class Program : public ::testing::Test {
 protected:
-    Program()
-        : office_(QStringLiteral(TRAMBLE_BUILD), folder_.filePath(QStringLiteral("office")), Samples()) {}
+    explicit Program(const QString& samples = Samples())
+        : office_(QStringLiteral(TRAMBLE_BUILD), folder_.filePath(QStringLiteral("office")), samples) {}
 
     static QString Samples() { return QStringLiteral(TRAMBLE_SOURCE) + QStringLiteral("/samples/day"); }
 
@@ -65,6 +65,22 @@ protected:
 
     QTemporaryDir folder_;
     OfficeForDay office_;
+};
+
+/// An office in which every rule of a full Quality Check is broken.
+class FaultyOffice : public Program {
+protected:
+    FaultyOffice() : Program(Faults()) {
+        const QDir templates(Faults() + QStringLiteral("/Templates"));
+        for (const QString& kind : templates.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+            const QString folder = office_.Path(QStringLiteral("Templates/") + kind + QLatin1Char('/'));
+            QDir().mkpath(folder);
+            for (const QString& name : QDir(templates.filePath(kind)).entryList(QDir::Files))
+                EXPECT_TRUE(QFile::copy(templates.filePath(kind + QLatin1Char('/') + name), folder + name));
+        }
+    }
+
+    static QString Faults() { return QStringLiteral(TRAMBLE_SOURCE "/tests/system/quality"); }
 };
 
 TEST_F(Program, StartsAndEndsAndLeavesItsSettingsAndItsTrace) {
@@ -273,6 +289,62 @@ TEST_F(Program, MapsImportsAndExportsByKeyboardAloneAsTheActivitiesDo) {
     }
     EXPECT_EQ(Bytes(office_.Path(QStringLiteral("DataOut/orders.csv"))),
               Bytes(Samples() + QStringLiteral("/expected/orders.csv")));
+}
+
+TEST_F(FaultyOffice, IsReportedByTheFullCheckAndItsReportSaved) {
+    DriverClient program(InOffice());
+    StartUp(program);
+    const QString report = QStringLiteral("frmConfigMsg"), question = QStringLiteral("frmMessage");
+
+    program.Click(Main, QStringLiteral("mnuQC"));
+    program.WaitForm(question);
+    EXPECT_EQ(program.Text(question, QStringLiteral("lblMessage")),
+              QStringLiteral("This process will perform a Quality Check on ALL processes. Do you want to "
+                             "continue?"));
+    program.Expect(QStringLiteral("'Fatal' problems were found in the data and need to be corrected before a "
+                                  "download process can occur. More details of these problems in the next "
+                                  "screen... "));
+    program.Click(question, QStringLiteral("cmdYes"));
+    program.WaitForm(report);
+    EXPECT_EQ(program.Title(report), QStringLiteral("Quality Check"));
+    EXPECT_EQ(program.Rows(report, QStringLiteral("FG1")).Rows.size(), 29);
+
+    program.ExpectInputContaining(QStringLiteral("Save it as:"), QStringLiteral("QualityCheck"));
+    program.ExpectContaining(QStringLiteral("DataOut/QualityCheck.csv"));
+    program.Click(report, QStringLiteral("cmdSave"));
+    program.Done();
+    EXPECT_EQ(Bytes(office_.Path(QStringLiteral("DataOut/QualityCheck.csv"))),
+              Bytes(QStringLiteral(TRAMBLE_SOURCE "/tests/system/expected/QualityCheck.csv")));
+
+    // From a row of the report to the faulty records.
+    program.ChooseRow(report, QStringLiteral("FG1"), 0);
+    EXPECT_EQ(program.Text(report, QStringLiteral("cmdView")), QStringLiteral("View Template"));
+    program.ChooseRow(report, QStringLiteral("FG1"), 11);
+    EXPECT_EQ(program.Text(report, QStringLiteral("cmdView")), QStringLiteral("View Records"));
+    program.Click(report, QStringLiteral("cmdView"));
+    program.WaitForm(QStringLiteral("frmViewGrid"));
+    EXPECT_EQ(program.Title(QStringLiteral("frmViewGrid")), QStringLiteral("View Customers"));
+    program.Close(QStringLiteral("frmViewGrid"));
+    program.WaitGone(QStringLiteral("frmViewGrid"));
+
+    program.Click(report, QStringLiteral("cmdOK"));
+    program.WaitGone(report);
+    EXPECT_EQ(program.Quit(), 0);
+}
+
+TEST_F(Program, WithoutFatalProblemsAFullCheckSaysSoAndShowsNoReport) {
+    DriverClient program(InOffice());
+    StartUp(program);
+
+    program.Click(Main, QStringLiteral("mnuQC"));
+    program.WaitForm(QStringLiteral("frmMessage"));
+    program.Expect(QStringLiteral("No fatal problems found in data tables!"));
+    program.Click(QStringLiteral("frmMessage"), QStringLiteral("cmdYes"));
+    program.Done(DriverClient::Milliseconds(30000));
+
+    EXPECT_FALSE(program.IsShown(QStringLiteral("frmConfigMsg")));
+    EXPECT_FALSE(program.IsShown(QStringLiteral("frmConfig")));
+    EXPECT_EQ(program.Quit(), 0);
 }
 
 } // namespace

@@ -186,4 +186,120 @@ TEST_F(TableViewsTest, ThePriceIsShownWithTwoDecimalsAndTheRateWithFive) {
     EXPECT_EQ(taxes.Cell(0, 3).CodePage(), "6.50000");
 }
 
+// ---- what the Quality Check's report sends the grid to show ----
+
+struct FaultCase {
+    ViewFlag Flag;
+    const char* Table;
+    const char* Field;
+    int Column; ///< from 1, as the record's number is the first
+};
+
+const FaultCase Faults[] = {
+    {ViewCust, "ZUKCUST", "C_CODE", 2},    {ViewCust, "ZUKCUST", "C_SEARCH", 14},
+    {ViewCust, "ZUKCUST", "C_STCODE", 13}, {ViewItem, "ZUKITEM", "I_ITEMCODE", 2},
+    {ViewItem, "ZUKITEM", "I_SEARCH", 7},  {ViewItem, "ZUKITEM", "I_PRICE", 5},
+    {ViewItem, "ZUKITEM", "I_BARCODE", 3}, {ViewSTax, "ZUKSTAX", "ST_CODE", 2},
+    {ViewPay, "ZUKPAY", "PAY_CODE", 2},    {ViewLink, "ZUKLINK", "LK_HOTSYNC", 2},
+};
+
+class ReportedCellsTest : public TableViewsTest {
+protected:
+    static void GivenReport(ViewFlag flag, const char* field, const char* records, const char* severity) {
+        ClearViewFlags();
+        Global.View[flag] = true;
+        Global.QCViewMode = true;
+        Global.QCViewRecords = records;
+        Global.QCViewField = field;
+        Global.QCViewSeverity = severity;
+    }
+
+    static TableColumns ColumnsOf(const FaultCase& each, const TableLayout& layout) {
+        switch (each.Flag) {
+        case ViewCust:
+            return CustColumns(layout);
+        case ViewItem:
+            return ItemColumns(layout);
+        case ViewSTax:
+            return STaxColumns(layout);
+        default:
+            return DataColumns(*FindTable(each.Table), layout);
+        }
+    }
+};
+
+TEST_F(ReportedCellsTest, TheFieldOfTheRowIsMarkedInItsColumn) {
+    for (const FaultCase& each : Faults) {
+        GivenReport(each.Flag, each.Field, "1, 3", "Fatal");
+
+        const auto cells = ReportedCells();
+
+        ASSERT_TRUE(cells) << each.Field;
+        EXPECT_EQ(cells->Column, each.Column - 1) << each.Field;
+        EXPECT_EQ(cells->Records, (std::vector<std::int32_t>{1, 3}));
+        EXPECT_EQ(cells->Mark, CellMark::Fatal);
+        const TableLayout layout = LayoutOf(each.Table);
+        const TableColumns columns = ColumnsOf(each, layout);
+        const auto& shown = columns.Columns.at(static_cast<std::size_t>(cells->Column));
+        ASSERT_EQ(shown.Fields.size(), 1U) << each.Field;
+        EXPECT_EQ(layout.PlainName(shown.Fields[0]), each.Field) << "that column shows the field";
+    }
+}
+
+TEST_F(ReportedCellsTest, ListsOfTwoRecordsMarkExactlyTwoCells) {
+    GivenTable(Global.DBFPath, "ZUKCUST",
+               {{"A", "A1"}, {"B", ""}, {"C", "C1"}, {"D", ""}}); // records 2 and 4 have no code
+    for (const auto& [severity, mark] :
+         {std::pair{"Fatal", CellMark::Fatal}, std::pair{"Warn", CellMark::Warn},
+          std::pair{"Other", CellMark::None}}) {
+        GivenReport(ViewCust, "C_CODE", "2, 4", severity);
+        TableGrid grid(Global.DBFPath + "ZUKCUST.DBF", CustColumns);
+        grid.MarkFaulty(ReportedCells().value());
+
+        for (std::int32_t row = 0; row < grid.RowCount(); ++row) {
+            for (int column = 0; column < grid.ColumnCount(); ++column) {
+                const bool isListed = column == 1 && (row == 1 || row == 3);
+                EXPECT_EQ(grid.MarkOf(row, column), isListed ? mark : CellMark::None) << row << " " << column;
+            }
+        }
+    }
+}
+
+TEST_F(ReportedCellsTest, MarksGoWithTheirRecordsIntoAnotherOrder) {
+    GivenTable(Global.DBFPath, "ZUKCUST", {{"A", "C1"}, {"B", "A1"}, {"C", "B1"}});
+    GivenReport(ViewCust, "C_CODE", "1", "Warn");
+    TableGrid grid(Global.DBFPath + "ZUKCUST.DBF", CustColumns);
+    grid.MarkFaulty(ReportedCells().value());
+
+    grid.Sort(1, false);
+
+    EXPECT_EQ(grid.MarkOf(2, 1), CellMark::Warn);
+    EXPECT_EQ(grid.MarkOf(0, 1), CellMark::None);
+}
+
+TEST_F(ReportedCellsTest, RecordsThatAreNamedTwiceOrAreNotThereDoNoHarm) {
+    GivenTable(Global.DBFPath, "ZUKCUST", {{"A", "K"}, {"B", "K"}, {"C", "K"}});
+    GivenReport(ViewCust, "C_CODE", "3, 2, 2, 1, 99", "Fatal");
+    TableGrid grid(Global.DBFPath + "ZUKCUST.DBF", CustColumns);
+    grid.MarkFaulty(ReportedCells().value());
+
+    for (std::int32_t row = 0; row < 3; ++row) EXPECT_EQ(grid.MarkOf(row, 1), CellMark::Fatal);
+}
+
+TEST_F(ReportedCellsTest, NothingIsMarkedOutsideTheReportsView) {
+    GivenReport(ViewCust, "C_CODE", "1", "Fatal");
+    Global.QCViewMode = false;
+    EXPECT_FALSE(ReportedCells());
+
+    GivenReport(ViewPay, "", "", "Warn");
+    EXPECT_FALSE(ReportedCells()) << "a table without records";
+
+    GivenReport(ViewItem, "C_CODE", "1", "Fatal");
+    EXPECT_FALSE(ReportedCells()) << "a field of another table";
+
+    GivenReport(ViewCust, "C_CODE", "1", "Fatal");
+    ClearViewFlags();
+    EXPECT_FALSE(ReportedCells()) << "no table";
+}
+
 } // namespace
