@@ -12,6 +12,7 @@
 #include "views/forms/frmViewGrid.h"
 
 #include <QColor>
+#include <QCoreApplication>
 #include <QLabel>
 #include <QPalette>
 #include <QPushButton>
@@ -260,6 +261,25 @@ TEST_F(QualityCheck, ATableThatIsGoneStopsTheRunAndIsNamed) {
     EXPECT_FALSE(IfLoaded<frmProgress>());
     EXPECT_FALSE(Global.QCCheckAll);
     EXPECT_FALSE(Global.QCFatalFound);
+}
+
+TEST_F(QualityCheck, FormsThatAreClosedWhileTheProgressPausesHurtNothing) {
+    GivenCleanOffice();
+    GivenFatal();
+    auto& config = Open<frmConfig>();
+    bool closed = false;
+    QTimer::singleShot(0, qApp, [&] {
+        closed = IfLoaded<frmProgress>() && IfLoaded<frmConfigMsg>();
+        FormRegistry::Instance().UnloadSecondary();
+    });
+    Operator_.Expect(msg::FatalProblems);
+
+    Click(config, "cmdCheckAll");
+    Settle();
+
+    EXPECT_TRUE(closed);
+    EXPECT_FALSE(IfLoaded<frmConfig>());
+    EXPECT_EQ(Report(), (QStringList{FatalRow, FatalRow}));
 }
 
 // ---- the gate ----

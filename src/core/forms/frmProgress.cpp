@@ -27,23 +27,29 @@ void frmProgress::Form_Load() {
     }
 }
 
+void frmProgress::Stand() {
+    // As a handler, since it can be unloaded while it waits.
+    Run([this] {
+        FormBehaviour::Show();
+        PauseFor(TimeToPaint);
+    });
+}
+
 void FormProgress::Finish() {
     bar_.reset();
     if (auto* form = IfLoaded<frmProgress>()) form->Unload();
 }
 
 void FormProgress::Begin(const Text& label, std::int64_t maximum) {
+    if (bar_) return bar_->Begin(label, maximum);
     auto& form = The<frmProgress>();
-    const bool isNew = !bar_;
-    if (isNew) bar_.emplace(form.Label(), form.Bar());
+    bar_.emplace(form.Label(), form.Bar());
     bar_->Begin(label, maximum);
-    if (!isNew) return;
-    form.FormBehaviour::Show();
-    form.PauseFor(TimeToPaint);
+    form.Stand();
 }
 
 void FormProgress::Show(std::int64_t value) {
-    bar_->Show(value);
+    if (bar_) bar_->Show(value);
 }
 
 void RecordTotals(ProgressFlag flag) {

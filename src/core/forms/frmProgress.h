@@ -17,6 +17,9 @@ class frmProgress final : public Form, private Ui::frmProgress {
 public:
     frmProgress() { setupUi(this); }
 
+    /// Shows itself, with the time to paint.
+    void Stand();
+
     QLabel* Label() const { return lblProgress; }
     QProgressBar& Bar() const { return *pgbProgress; }
 

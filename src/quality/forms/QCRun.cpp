@@ -26,9 +26,15 @@ void KeepResult(Check check, const ProblemList& problems, std::size_t from) {
     if (auto* config = IfLoaded<frmConfig>()) config->ShowResults();
 }
 
+/// What a run works on. It belongs to no form: in the pauses of the progress a form can be closed.
+struct Run {
+    ProblemList FG1;
+    FormProgress Bar;
+};
+
 void BeginRun() {
     Global.QCFatalFound = false;
-    The<frmConfigMsg>().Problems() = {};
+    The<frmConfigMsg>();
 }
 
 /// A caller that waits may go on; what it finds in `QCFatalFound` says whether it does.
@@ -43,8 +49,8 @@ void EndWithoutReport() {
     Global.QCAutoRun = false;
 }
 
-void Stop(const RunTimeFailure& failure, FormProgress& progress) {
-    progress.Finish();
+void Stop(const RunTimeFailure& failure, Run& run) {
+    run.Bar.Finish();
     Global.QCCheckAll = false;
     Global.QCFatalFound = Global.QCWaiting; // a table that was not checked does not travel
     Tell(Lines(msg::FileError, Text::Path(std::string_view(failure.what()))), Icon::Stop);
@@ -53,22 +59,22 @@ void Stop(const RunTimeFailure& failure, FormProgress& progress) {
 
 /// What each check button does. Within a run of several the rows join those of the others, and
 /// nothing is shown.
-void Run(Check check, FormProgress& progress) {
+void Do(Check check, Run& run) {
     if (!Global.QCCheckAll) BeginRun();
-    ProblemList& problems = The<frmConfigMsg>().Problems();
-    const std::size_t before = problems.ProblemRows();
+    const std::size_t before = run.FG1.ProblemRows();
     try {
-        RunCheck(check, {progress, [] { return HotSyncUsers(*NewSFrmAX40()); }}, problems);
+        RunCheck(check, {run.Bar, [] { return HotSyncUsers(*NewSFrmAX40()); }}, run.FG1);
     } catch (const RunTimeFailure& failure) {
         if (Global.QCCheckAll) throw;
-        return Stop(failure, progress);
+        return Stop(failure, run);
     }
-    KeepResult(check, problems, before);
+    KeepResult(check, run.FG1, before);
     if (Global.QCCheckAll) return;
 
-    progress.Finish();
+    run.Bar.Finish();
     Global.QCFatalFound = false; // nobody waits for a single check
-    if (problems.ProblemFound()) return The<frmConfigMsg>().ShowProblems();
+    if (Global.Ending) return;
+    if (run.FG1.ProblemFound()) return The<frmConfigMsg>().ShowProblems(std::move(run.FG1));
     Tell(msg::NoProblems, Icon::Information);
     EndWithoutReport();
 }
@@ -80,21 +86,22 @@ std::string CheckResultsFile() {
 }
 
 void RunSingleCheck(Check check) {
-    FormProgress progress;
-    Run(check, progress);
+    Run run;
+    Do(check, run);
 }
 
 void RunChecks(std::span<const Check> checks, bool forHotsync) {
     BeginRun();
     Global.QCCheckAll = true;
-    FormProgress progress;
+    Run run;
     try {
-        for (const Check check : checks) Run(check, progress);
+        for (const Check check : checks) Do(check, run);
     } catch (const RunTimeFailure& failure) {
-        return Stop(failure, progress);
+        return Stop(failure, run);
     }
-    progress.Finish();
+    run.Bar.Finish();
     Global.QCCheckAll = false;
+    if (Global.Ending) return;
     if (!Global.QCFatalFound) {
         // Rows of Warn alone are for the single checks.
         Tell(msg::NoFatalProblems, Icon::Information);
@@ -107,7 +114,7 @@ void RunChecks(std::span<const Check> checks, bool forHotsync) {
         Tell(msg::FatalProblems, Icon::Warning);
     }
     Release();
-    The<frmConfigMsg>().ShowProblems();
+    The<frmConfigMsg>().ShowProblems(std::move(run.FG1));
 }
 
 void CheckAllProcesses() {

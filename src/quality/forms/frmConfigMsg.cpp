@@ -77,7 +77,8 @@ void frmConfigMsg::Form_Load() {
     cmdOK->setToolTip(PlainTip(ToQt(Text(msg::TipClose))));
 }
 
-void frmConfigMsg::ShowProblems() {
+void frmConfigMsg::ShowProblems(ProblemList problems) {
+    problems_ = std::move(problems);
     auto grid = std::make_unique<ReportGrid>(problems_.Rows());
     grid_ = grid.get();
     FG1->SetContent(std::move(grid), objectName());

@@ -15,9 +15,10 @@ class frmConfigMsg final : public Form, private Ui::frmConfigMsg {
 public:
     frmConfigMsg();
 
-    /// The problems that a run finds; they are on the screen once ShowProblems has shown them.
-    ProblemList& Problems() { return problems_; }
-    void ShowProblems();
+    /// Shows what a run has found, in the place of an earlier report.
+    void ShowProblems(ProblemList problems);
+
+    const ProblemList& Problems() const { return problems_; }
 
 private slots:
     void FG1_SelChange();
