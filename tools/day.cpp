@@ -2,9 +2,9 @@
 //
 //   day BUILD SAMPLES
 //
-// lays out a fresh office, imports customers and items by a QuickButton activity, exports the
-// prepared orders by another, and compares the export with the one that was made by other programs.
-// Then it does the same in a second office on the mapping screens, by the keyboard alone, and
+// lays out a fresh office, imports customers and items by a QuickButton activity, checks them, exports
+// the prepared orders by another activity, and compares the export with the one that was made by other
+// programs. Then it does the same in a second office on the mapping screens, by the keyboard alone, and
 // compares. Ends in 0 only if all held.
 
 #include "MappingByKeys.h"
@@ -16,6 +16,7 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <chrono>
 #include <cstdio>
 #include <functional>
 
@@ -79,6 +80,29 @@ void Start(DriverClient& program) {
     program.WaitForm(QStringLiteral("frmMain1"));
 }
 
+/// The Quality Check of the main screen, which sorts the tables and makes the barcode index; prints how
+/// each line of the Configurator stands behind it.
+void CheckEverything(DriverClient& program) {
+    const QString main = QStringLiteral("frmMain1"), config = QStringLiteral("frmConfig");
+    program.Click(main, QStringLiteral("lblQC"));
+    program.WaitForm(QStringLiteral("frmMessage"));
+    program.Expect(QStringLiteral("No fatal problems found in data tables!"));
+    program.Click(QStringLiteral("frmMessage"), QStringLiteral("cmdYes"));
+    program.Done(std::chrono::seconds(60));
+    Say(QStringLiteral("  No fatal problems found in data tables!"));
+
+    program.Click(main, QStringLiteral("lblConfigurator"));
+    program.WaitForm(config);
+    const std::pair<const char*, int> lines[] = {
+        {"Customers", 2}, {"Items", 3}, {"Bar codes", 4}, {"Payments", 6}, {"Import", 10}};
+    for (const auto& [line, number] : lines) {
+        QString result = program.Text(config, QStringLiteral("lblResult_%1").arg(number));
+        Say(QStringLiteral("    %1: %2").arg(QLatin1String(line), result.section(QLatin1Char('\n'), 1)));
+    }
+    program.Click(config, QStringLiteral("cmdCancel"));
+    program.WaitGone(config);
+}
+
 void RunByActivities(const OfficeForDay& office) {
     DriverClient program(In(office));
     Start(program);
@@ -86,6 +110,9 @@ void RunByActivities(const OfficeForDay& office) {
     Say(QStringLiteral("Import: customers.csv (quoted, commas and accents), items.txt (tabs)"));
     RunActivity(program, QStringLiteral("lblImportBtn"), QStringLiteral("frmQBImport"),
                 QStringLiteral("DemoImport"));
+
+    Say(QStringLiteral("Quality Check"));
+    CheckEverything(program);
 
     Say(QStringLiteral("Export: the prepared orders"));
     RunActivity(
@@ -115,6 +142,7 @@ void RunByKeys(const OfficeForDay& office) {
                                             QStringLiteral("Alt+U"), name));
     Say(QStringLiteral("  ") + ImportByKeys(program, templates + QStringLiteral("Import/DemoItems.itm"),
                                             QStringLiteral("Alt+I"), name));
+    CheckEverything(program);
     Say(QStringLiteral("  ") +
         ExportByKeys(program, templates + QStringLiteral("Export/DemoOrders.xor"), name, [&program] {
             program.ExpectContaining(QStringLiteral("records in the Order Lines table appear to have no"));
