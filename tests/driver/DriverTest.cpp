@@ -422,6 +422,16 @@ TEST_F(Driven, InputBoxGetsItsTextOrIsGivenUp) {
     client.Done();
 }
 
+TEST_F(Driven, InputBoxThatIsNotActiveYetIsMadeSoBeforeItsTextIsTyped) {
+    auto& client = Started();
+
+    client.ExpectInput("A name behind?", "Smith");
+    client.Click("frmMain1", "cmdInputBehind");
+
+    EXPECT_EQ(Log(), "Smith");
+    client.Done();
+}
+
 TEST_F(Driven, BoxOfAMenuEntryIsAnswered) {
     auto& client = Started();
     client.Expect("A new one.");

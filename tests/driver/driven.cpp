@@ -172,6 +172,11 @@ private:
             Log(first ? "yes, then told" : "no, then told");
         });
         Button("cmdInput", "Input", [this] { Log(InputBox("A name?")); });
+        Button("cmdInputBehind", "Input behind", [this] {
+            // The box is up, and another window is still the active one.
+            QTimer::singleShot(0, this, [this] { activateWindow(); });
+            Log(InputBox("A name behind?"));
+        });
         Button("cmdBoxSoon", "Box soon",
                [this] { QTimer::singleShot(150, this, [] { TellBox("Soon was now."); }); });
         Button("cmdTextSoon", "Text soon",
