@@ -387,6 +387,7 @@ QJsonObject Driver::Look(const QString& deed, const QJsonObject& request) {
         return {{QStringLiteral("items"), QJsonArray::fromStringList(ItemsOf(control))},
                 {QStringLiteral("chosen"), ChosenRowsOf(control)}};
     }
+    if (isDeed("controls")) return ControlsOf(desk_.Form(TextArgument(request, "form")));
     if (isDeed("rows")) return RowsOf(Widget(request, false));
     if (isDeed("boxText")) {
         return {{QStringLiteral("text"), BoxText(desk_.Form(TextArgument(request, "form")))}};

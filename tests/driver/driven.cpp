@@ -234,6 +234,7 @@ private:
                 model->setItem(row, column, new QStandardItem(cells[row][column]));
             }
         }
+        model->item(1, 0)->setBackground(Qt::red);
         table->setModel(model);
         connect(table->horizontalHeader(), &QHeaderView::sectionClicked, this,
                 [this](int column) { Log(QString("heading %1").arg(column)); });
