@@ -229,7 +229,8 @@ void FirstCheck::ImportTheFirstFilesWithoutASearchField() {
     Add(Mapping, "I_ITEMCODE");
     program_->Click(Mapping, "cmdAnd");
     for (const char* field : {"I_SEARCH", "I_DESC1", "I_UM", "I_PRICE"}) Add(Mapping, field);
-    ExpectLines(program_->Items(Mapping, "lstSelected"), {"I_ITEMCODE; I_SEARCH", "I_DESC1", "I_UM", "I_PRICE"});
+    ExpectLines(program_->Items(Mapping, "lstSelected"),
+                {"I_ITEMCODE; I_SEARCH", "I_DESC1", "I_UM", "I_PRICE"});
     program_->Set(Mapping, "UpDown1", 2);
     program_->Set(Mapping, "cboSettings", "Items");
     Import("4 of 4");
@@ -268,6 +269,7 @@ void FirstCheck::FindFatalProblemsAndLookAtTheRecords() {
     EXPECT_EQ(program_->Title(Grid), "View Items");
     ExpectLines(program_->ChosenItems(Grid, "FG1"), {"3"});
     ExpectLines(MarkedCells(), {"B11: Price per UM"});
+    ExpectText(Grid, "FG1", "4O.00"); // the current cell is the first faulty one
     program_->Click(Grid, "cmdOK");
     program_->WaitGone(Grid);
 
@@ -459,10 +461,10 @@ void FirstCheck::RepairAnUnattendedSettingWithoutAnAction() {
     ExpectText(Options, "SSTab1", "Unattended Hotsync");
     program_->Set(Options, "cboRemoteSettings", "Night");
     // No template has been saved for any of them yet, so each is refused.
-    const char* actions[][3] = {{"optRemoteSelect", "optNoDownload", "Download Tables"},
-                                {"optUploadSelect", "optNoUpload", "Upload Tables"},
-                                {"optRemoteClearSelect", "optRemoteNoClear",
-                                 "Clear Tables on Handheld after HotSync"}};
+    const char* actions[][3] = {
+        {"optRemoteSelect", "optNoDownload", "Download Tables"},
+        {"optUploadSelect", "optNoUpload", "Upload Tables"},
+        {"optRemoteClearSelect", "optRemoteNoClear", "Clear Tables on Handheld after HotSync"}};
     for (const auto& [on, off, name] : actions) {
         Press(Options, on);
         program_->Expect(QString("The '%1' option is selected, but no file is selected from the 'Saved "
@@ -569,8 +571,7 @@ void FirstCheck::AddTwoHandhelds() {
     PressToClose(Links, "cmdCancel");
 
     // Nobody knows the users of handhelds as long as there is no HotSync Manager.
-    CheckAndFind("cmdLinks2",
-                 {"Warn | Handheld: Basic Setup: Links | Invalid Hotsync ID | Records: 1, 2"});
+    CheckAndFind("cmdLinks2", {"Warn | Handheld: Basic Setup: Links | Invalid Hotsync ID | Records: 1, 2"});
     View(0, "View Records", Grid);
     ExpectLines(program_->ChosenItems(Grid, "FG1"), {"1", "2"});
     program_->Click(Grid, "cmdOK");
