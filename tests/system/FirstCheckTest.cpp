@@ -574,6 +574,8 @@ void FirstCheck::AddTwoHandhelds() {
     CheckAndFind("cmdLinks2", {"Warn | Handheld: Basic Setup: Links | Invalid Hotsync ID | Records: 1, 2"});
     View(0, "View Records", Grid);
     ExpectLines(program_->ChosenItems(Grid, "FG1"), {"1", "2"});
+    const DrivenTable links = program_->Rows(Grid, "FG1");
+    ExpectLines({links.Rows.at(0).at(1), links.Rows.at(1).at(1)}, {"Jones", "Smith"});
     program_->Click(Grid, "cmdOK");
     program_->WaitGone(Grid);
     PressToClose(Report, "cmdOK");
