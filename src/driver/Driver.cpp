@@ -26,6 +26,9 @@ constexpr qsizetype MaximumLine = 1 << 20;
 /// A box that was answered and is still there after this long is stuck.
 constexpr int AnswerMilliseconds = 5000;
 
+/// A line is typed into a box as soon as the box is active, and after this long in any case.
+constexpr int ActivationMilliseconds = 1000;
+
 /// A box that its program keeps, hidden, counts as gone after this long; any other is destroyed.
 constexpr int KeptBoxMilliseconds = 100;
 
@@ -384,6 +387,7 @@ QJsonObject Driver::Look(const QString& deed, const QJsonObject& request) {
         return {{QStringLiteral("items"), QJsonArray::fromStringList(ItemsOf(control))},
                 {QStringLiteral("chosen"), ChosenRowsOf(control)}};
     }
+    if (isDeed("controls")) return ControlsOf(desk_.Form(TextArgument(request, "form")));
     if (isDeed("rows")) return RowsOf(Widget(request, false));
     if (isDeed("boxText")) {
         return {{QStringLiteral("text"), BoxText(desk_.Form(TextArgument(request, "form")))}};
@@ -541,7 +545,18 @@ void Driver::AnswerBox(QWidget& box, const Expectation& expected) {
     // Behind the answered handler's own return, which follows the box's end without a turn of the loop.
     connect(&box, &QObject::destroyed, this,
             [this] { QTimer::singleShot(1, this, [this] { CheckWaits(); }); });
-    const QPointer<QWidget> guard = &box;
+    FillBox(&box, expected, QDeadlineTimer(ActivationMilliseconds));
+}
+
+void Driver::FillBox(const QPointer<QWidget>& guard, const Expectation& expected, QDeadlineTimer until) {
+    if (!guard) return;
+    QWidget& box = *guard;
+    // The window system tells of the active window a while behind its show, and keys go by what it told.
+    if (expected.Input && !box.isActiveWindow() && !until.hasExpired()) {
+        box.activateWindow();
+        QTimer::singleShot(1, this, [this, guard, expected, until] { FillBox(guard, expected, until); });
+        return;
+    }
     try {
         if (expected.Input) {
             auto* edit = box.findChild<QLineEdit*>();

@@ -72,6 +72,7 @@ private:
     void BoxShown(QWidget& box);
     void Judge();
     void AnswerBox(QWidget& box, const Expectation& expected);
+    void FillBox(const QPointer<QWidget>& guard, const Expectation& expected, QDeadlineTimer until);
     bool IsUnderWay() const;
     void NotePressedButton();
     void CheckAnsweredBoxes();

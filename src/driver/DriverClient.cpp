@@ -522,13 +522,28 @@ QStringList DriverClient::ChosenItems(const QString& form, const QString& contro
     return chosen;
 }
 
+QList<DrivenControl> DriverClient::Controls(const QString& form) {
+    const QJsonObject answer = Request(QStringLiteral("controls"), {{QStringLiteral("form"), form}});
+    QList<DrivenControl> controls;
+    for (const QJsonValue& control : answer.value(QLatin1String("controls")).toArray()) {
+        controls << DrivenControl{
+            control[QLatin1String("name")].toString(), control[QLatin1String("class")].toString(),
+            control[QLatin1String("enabled")].toBool(), control[QLatin1String("visible")].toBool()};
+    }
+    return controls;
+}
+
 DrivenTable DriverClient::Rows(const QString& form, const QString& control) {
     const QJsonObject answer = Request(QStringLiteral("rows"), To(form, control));
-    DrivenTable table{TextsOf(answer, "headings"), {}};
+    DrivenTable table{TextsOf(answer, "headings"), {}, {}};
     for (const QJsonValue& row : answer.value(QLatin1String("rows")).toArray()) {
         QStringList cells;
         for (const QJsonValue& cell : row.toArray()) cells << cell.toString();
         table.Rows << cells;
+    }
+    for (const QJsonValue& ground : answer.value(QLatin1String("grounds")).toArray()) {
+        table.Grounds.insert({ground[QLatin1String("row")].toInt(), ground[QLatin1String("column")].toInt()},
+                             ground[QLatin1String("color")].toString());
     }
     return table;
 }

@@ -4,6 +4,7 @@
 #include <QJsonValue>
 #include <QList>
 #include <QMap>
+#include <QPair>
 #include <QString>
 #include <QStringList>
 
@@ -35,9 +36,17 @@ struct DrivenProgram {
 struct DrivenTable {
     QStringList Headings;
     QList<QStringList> Rows;
+    /// Cells with a ground of their own, by row and column, counted from 0: its colour, as "#ff0000".
+    QMap<QPair<int, int>, QString> Grounds;
 
     /// The cell below a heading; throws DriverFailure when there is no such row or heading.
     QString Cell(qsizetype row, const QString& heading) const;
+};
+
+/// A named control of a form.
+struct DrivenControl {
+    QString Name, Class;
+    bool Enabled = false, Visible = false;
 };
 
 /// A window on the driven program's screen.
@@ -147,6 +156,8 @@ public:
     QList<DrivenForm> Forms();
     bool IsShown(const QString& form);
 
+    /// The controls of a form that have a name, hidden ones too.
+    QList<DrivenControl> Controls(const QString& form);
     QString Text(const QString& form, const QString& control);
     QString Title(const QString& form);
     /// The text of a box that stands on the screen.

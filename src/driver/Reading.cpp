@@ -6,6 +6,7 @@
 #include <QAbstractSpinBox>
 #include <QAction>
 #include <QApplication>
+#include <QBrush>
 #include <QComboBox>
 #include <QGroupBox>
 #include <QHeaderView>
@@ -160,6 +161,21 @@ QJsonArray ChosenRowsOf(const QWidget& control) {
     return json;
 }
 
+QJsonObject ControlsOf(const QWidget& form) {
+    QJsonArray controls;
+    for (const QWidget* control : form.findChildren<QWidget*>()) {
+        const QString name = control->objectName();
+        // Qt names the parts of its own controls so.
+        if (name.isEmpty() || name.startsWith(QLatin1String("qt_")) || control->window() != &form) continue;
+        controls << QJsonObject{
+            {QStringLiteral("name"), name},
+            {QStringLiteral("class"), QString::fromLatin1(control->metaObject()->className())},
+            {QStringLiteral("enabled"), control->isEnabled()},
+            {QStringLiteral("visible"), control->isVisible()}};
+    }
+    return {{QStringLiteral("controls"), controls}};
+}
+
 QJsonObject RowsOf(const QWidget& control) {
     const auto* view = qobject_cast<const QAbstractItemView*>(&control);
     if (!view || !view->model()) throw Refused(QStringLiteral("%1 shows no table").arg(Described(control)));
@@ -175,13 +191,22 @@ QJsonObject RowsOf(const QWidget& control) {
     for (int column = 0; column < columns; ++column) {
         headings << CellText(model.headerData(column, Qt::Horizontal));
     }
-    QJsonArray rows;
+    QJsonArray rows, grounds;
     const int count = model.rowCount(root);
     for (int row = 0; row < count; ++row) {
         QJsonArray cells;
-        for (int column = 0; column < columns; ++column)
-            cells << CellText(model.index(row, column, root).data());
+        for (int column = 0; column < columns; ++column) {
+            const QModelIndex cell = model.index(row, column, root);
+            cells << CellText(cell.data());
+            const auto ground = cell.data(Qt::BackgroundRole).value<QBrush>();
+            if (ground.style() == Qt::NoBrush) continue;
+            grounds << QJsonObject{{QStringLiteral("row"), row},
+                                   {QStringLiteral("column"), column},
+                                   {QStringLiteral("color"), ground.color().name()}};
+        }
         rows << cells;
     }
-    return {{QStringLiteral("headings"), headings}, {QStringLiteral("rows"), rows}};
+    return {{QStringLiteral("headings"), headings},
+            {QStringLiteral("rows"), rows},
+            {QStringLiteral("grounds"), grounds}};
 }

@@ -25,8 +25,13 @@ QStringList ItemsOf(const QWidget& control);
 /// of tabs the current one.
 QJsonArray ChosenRowsOf(const QWidget& control);
 
-/// All cells of a table with its headings: {"headings": [...], "rows": [[...], ...]}. A model that
-/// reads on demand is read to its end. Throws Refused for a control that is no view of a model.
+/// The controls of a form that have a name, hidden ones too: {"controls": [{"name", "class", "enabled",
+/// "visible"}, ...]}.
+QJsonObject ControlsOf(const QWidget& form);
+
+/// All cells of a table with its headings: {"headings": [...], "rows": [[...], ...]}, and those with a
+/// ground of their own: "grounds": [{"row", "column", "color"}, ...]. A model that reads on demand is
+/// read to its end. Throws Refused for a control that is no view of a model.
 QJsonObject RowsOf(const QWidget& control);
 
 /// A caption without its mnemonic marks: "&Import" is "Import", "R&&D" is "R&D".

@@ -232,6 +232,8 @@ TEST_F(Driven, TableIsReadWithItsHeadingsAndClicked) {
     EXPECT_THROW(static_cast<void>(table.Cell(2, "Name")), DriverFailure);
     EXPECT_THROW(static_cast<void>(table.Cell(0, "Phone")), DriverFailure);
 
+    EXPECT_EQ(table.Grounds, (QMap<QPair<int, int>, QString>{{{1, 0}, "#ff0000"}}));
+
     client.ClickHeading("frmMain1", "FG1", "Name");
 
     EXPECT_EQ(Log(), "heading 1");
@@ -239,6 +241,21 @@ TEST_F(Driven, TableIsReadWithItsHeadingsAndClicked) {
     client.ChooseRow("frmMain1", "FG1", 1, 1, true);
 
     EXPECT_EQ(Log(), "cell Bolt");
+}
+
+TEST_F(Driven, NamedControlsOfAFormAreListed) {
+    auto& client = Started();
+
+    QStringList found;
+    for (const DrivenControl& control : client.Controls("frmMain1")) {
+        if (control.Class != "QPushButton") continue;
+        found << control.Name + (control.Enabled ? "" : " disabled") + (control.Visible ? "" : " hidden");
+    }
+
+    for (const char* button :
+         {"cmdImport", "cmdDisabled disabled", "cmdHidden hidden", "cmdSecondPage hidden"})
+        EXPECT_TRUE(found.contains(button)) << button << " in " << found.join(", ").toStdString();
+    EXPECT_THROW(client.Controls("frmNowhere"), DriverFailure);
 }
 
 TEST_F(Driven, ControlOnAnotherPageIsHiddenUntilItsTabIsChosen) {
@@ -419,6 +436,16 @@ TEST_F(Driven, InputBoxGetsItsTextOrIsGivenUp) {
     client.ExpectInputCancelled("A name?");
     client.Click("frmMain1", "cmdInput");
     EXPECT_EQ(Log(), "(given up)");
+    client.Done();
+}
+
+TEST_F(Driven, InputBoxThatIsNotActiveYetIsMadeSoBeforeItsTextIsTyped) {
+    auto& client = Started();
+
+    client.ExpectInput("A name behind?", "Smith");
+    client.Click("frmMain1", "cmdInputBehind");
+
+    EXPECT_EQ(Log(), "Smith");
     client.Done();
 }
 

@@ -172,6 +172,11 @@ private:
             Log(first ? "yes, then told" : "no, then told");
         });
         Button("cmdInput", "Input", [this] { Log(InputBox("A name?")); });
+        Button("cmdInputBehind", "Input behind", [this] {
+            // The box is up, and another window is still the active one.
+            QTimer::singleShot(0, this, [this] { activateWindow(); });
+            Log(InputBox("A name behind?"));
+        });
         Button("cmdBoxSoon", "Box soon",
                [this] { QTimer::singleShot(150, this, [] { TellBox("Soon was now."); }); });
         Button("cmdTextSoon", "Text soon",
@@ -229,6 +234,7 @@ private:
                 model->setItem(row, column, new QStandardItem(cells[row][column]));
             }
         }
+        model->item(1, 0)->setBackground(Qt::red);
         table->setModel(model);
         connect(table->horizontalHeader(), &QHeaderView::sectionClicked, this,
                 [this](int column) { Log(QString("heading %1").arg(column)); });

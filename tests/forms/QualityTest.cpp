@@ -533,6 +533,22 @@ TEST_F(QualityReport, ViewRecordsMarksExactlyTheFaultyCells) {
     EXPECT_EQ(grid.selectionModel()->selectedRows().size(), 2);
 }
 
+TEST_F(QualityReport, ViewRecordsBringsAFaultyCellFarToTheRightIntoSight) {
+    GivenCleanOffice();
+    GivenRows("ZUKCUST", {"C_SEARCH|C_CODE|C_NAME|C_ADDRESS1", "|A1|Acme Ironmongery and Sons|12 Mill Road",
+                          "|B2|Bolt|"});
+    auto& report = GivenReport("cmdCust2");
+
+    Click(report, "cmdView");
+    Settle();
+
+    auto& grid = Grid(The<frmViewGrid>());
+    constexpr int Search = 13;
+    EXPECT_EQ(Ground(grid, 0, Search), QColor(255, 0, 0));
+    EXPECT_TRUE(grid.viewport()->rect().contains(grid.visualRect(grid.model()->index(0, Search))));
+    EXPECT_EQ(grid.SelectedRecord(), 1);
+}
+
 TEST_F(QualityReport, AWarnMarksInYellow) {
     GivenCleanOffice();
     GivenRows("ZUKITEM", {"I_SEARCH|I_ITEMCODE|I_PRICE", "SAW|S1|0"});
