@@ -15,6 +15,7 @@
 #include <QLabel>
 #include <QPalette>
 #include <QPushButton>
+#include <QTest>
 #include <QTimer>
 
 #include <filesystem>
@@ -314,6 +315,25 @@ TEST_F(QualityGate, AFatalProblemStopsTheCallerWhileTheReportStands) {
     EXPECT_TRUE(ReportShown());
     EXPECT_FALSE(Global.QCFatalFound);
     EXPECT_FALSE(Global.QCWaiting);
+}
+
+TEST_F(QualityGate, TheReportCanBeUsedWhileACallerThatIsModalStands) {
+    GivenCleanOffice();
+    GivenFatal();
+    Operator_.Expect(msg::QCWillRun);
+    Operator_.Expect(msg::FatalProblems);
+    auto& sender = The<frmSender>();
+    QTimer::singleShot(0, &sender, [&] {
+        Click(sender, "cmdSend");
+        Settle();
+        auto& report = The<frmConfigMsg>();
+        QWidget& ok = Control(report, "cmdOK");
+        QTest::mouseClick(report.windowHandle(), Qt::LeftButton, {}, ok.mapTo(&report, ok.rect().center()));
+        EXPECT_FALSE(IfLoaded<frmConfigMsg>());
+        sender.Unload();
+    });
+
+    sender.Show(ShowMode::Modal);
 }
 
 TEST_F(QualityGate, AHotsyncThatIsBeingStartedHasItsOwnWords) {
