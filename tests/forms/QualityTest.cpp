@@ -433,6 +433,22 @@ TEST_F(QualityOnMainScreen, OkOnTheReportOfSuchARunClosesTheConfiguratorBehindIt
     EXPECT_FALSE(IfLoaded<frmConfig>());
 }
 
+TEST_F(QualityOnMainScreen, TheCrossOfTheReportLeavesNoHiddenConfiguratorEither) {
+    GivenCleanOffice();
+    GivenFatal();
+    auto& main = Main();
+    Operator_.Expect(msg::QCAllQuestion).Answer(Answer::Yes);
+    Operator_.Expect(msg::FatalProblems);
+    ClickMenu(main, "mnuQC");
+    Settle();
+
+    The<frmConfigMsg>().close();
+
+    EXPECT_FALSE(IfLoaded<frmConfigMsg>());
+    EXPECT_FALSE(IfLoaded<frmConfig>());
+    EXPECT_FALSE(Global.QCAutoRun);
+}
+
 TEST_F(QualityOnMainScreen, AConfiguratorOpenedOverAReportDoesNotCheckByItself) {
     GivenCleanOffice();
     GivenFatal();

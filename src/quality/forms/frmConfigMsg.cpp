@@ -170,11 +170,6 @@ void frmConfigMsg::cmdSave_Click() {
 
 void frmConfigMsg::cmdOK_Click() {
     TraceEvent("frmConfigMsg:cmdOK_Click");
-    if (Global.QCAutoRun) {
-        Global.QCAutoRun = false;
-        if (auto* config = IfLoaded<frmConfig>()) config->Unload();
-    }
-    Global.QCWaiting = false;
     Unload();
 }
 
@@ -184,7 +179,9 @@ void frmConfigMsg::Form_Unload() {
     Global.FromConfigurator = false;
     // A table that the report has opened can stay open, and goes by its flag.
     if (!IfLoaded<frmViewGrid>() && !IfLoaded<frmViewData>()) ClearViewFlags();
-    // However it is closed, the next Configurator does not check by itself, and nobody waits for ever.
+    // However it is closed: the Configurator that ran the checks goes, the next one does not check by
+    // itself, and nobody waits for ever.
+    if (auto* config = IfLoaded<frmConfig>(); config && Global.QCAutoRun) config->Unload();
     Global.QCAutoRun = false;
     Global.QCWaiting = false;
 }
