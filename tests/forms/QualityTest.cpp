@@ -488,6 +488,27 @@ TEST_F(QualityCheck, TheConfiguratorSaysWhenEachLineWasCheckedAndHowItEnded) {
     EXPECT_EQ(ResultOf(Check::Payments), "2026-11-21 18:03\n1 Warn");
 }
 
+TEST_F(QualityCheck, NoLineOfTheConfiguratorMovesWhenResultsCome) {
+    GivenCleanOffice();
+    GivenFatal();
+    Operator_.Expect(msg::FatalProblems);
+    auto& config = Open<frmConfig>();
+    const auto places = [&] {
+        std::vector<QPoint> corners;
+        for (const auto* button : config.findChildren<QPushButton*>())
+            corners.push_back(button->mapTo(&config, QPoint()));
+        return corners;
+    };
+    const auto before = places();
+    const QSize size = config.size();
+
+    Click(config, "cmdCheckAll");
+    Settle();
+
+    EXPECT_EQ(places(), before);
+    EXPECT_EQ(config.size(), size);
+}
+
 TEST_F(QualityCheck, ResultsThatCannotBeKeptDoNotDisturbTheCheck) {
     GivenCleanOffice();
     std::filesystem::create_directory(CheckResultsFile());
