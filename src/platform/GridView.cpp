@@ -219,7 +219,7 @@ bool GridView::SelectRecord(std::int32_t record) {
     return true;
 }
 
-void GridView::SelectRecords(const std::vector<std::int32_t>& records) {
+void GridView::SelectRecords(const std::vector<std::int32_t>& records, int column) {
     if (!model_->Content()) return;
     std::vector<std::int32_t> rows;
     for (const std::int32_t record : records) {
@@ -233,7 +233,7 @@ void GridView::SelectRecords(const std::vector<std::int32_t>& records) {
         selection.append(QItemSelectionRange(model_->index(rows[from], 0),
                                              model_->index(rows[to - 1], model_->columnCount() - 1)));
     }
-    const QModelIndex first = model_->index(rows.front(), CurrentColumn());
+    const QModelIndex first = model_->index(rows.front(), column);
     selectionModel()->setCurrentIndex(first, QItemSelectionModel::NoUpdate);
     selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
     scrollTo(first);

@@ -46,10 +46,10 @@ public:
     /// Selects a record's row and brings it into sight. False when it is not in the grid.
     bool SelectRecord(std::int32_t record);
 
-    /// Selects records' rows, the first of them being the current one and in sight. Of more than
-    /// MostStretches stretches of neighbouring rows only those in the first so many are selected:
-    /// a view looks through all stretches whenever it paints a cell.
-    void SelectRecords(const std::vector<std::int32_t>& records);
+    /// Selects records' rows. The first one's cell in a column becomes the current one, in sight. Of more
+    /// than MostStretches stretches of neighbouring rows only those in the first so many are selected: a view
+    /// looks through all stretches whenever it paints a cell.
+    void SelectRecords(const std::vector<std::int32_t>& records, int column);
     static constexpr int MostStretches = 1000;
 
     /// Sorts on a column, ascending; the second time in a row on the same column, descending.

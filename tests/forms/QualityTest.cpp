@@ -570,6 +570,21 @@ TEST_F(QualityReport, ViewRecordsMarksExactlyTheFaultyCells) {
     EXPECT_EQ(grid.selectionModel()->selectedRows().size(), 2);
 }
 
+TEST_F(QualityReport, ViewRecordsBringsTheFaultyCellsIntoSight) {
+    GivenCleanOffice();
+    GivenFatal();
+    auto& report = GivenReport("cmdCust2");
+
+    Click(report, "cmdView");
+    Settle();
+
+    auto& grid = Grid(The<frmViewGrid>());
+    const QModelIndex faulty = grid.model()->index(0, 13); // the search value, the last of many columns
+    ASSERT_TRUE(Ground(grid, 0, 13).isValid());
+    EXPECT_TRUE(grid.viewport()->rect().contains(grid.visualRect(faulty)));
+    EXPECT_EQ(grid.currentIndex(), faulty);
+}
+
 TEST_F(QualityReport, AWarnMarksInYellow) {
     GivenCleanOffice();
     GivenRows("ZUKITEM", {"I_SEARCH|I_ITEMCODE|I_PRICE", "SAW|S1|0"});

@@ -83,7 +83,7 @@ void frmViewGrid::Fill(const std::string& path, ColumnsOf columnsOf) {
     const auto faulty = ReportedCells();
     if (faulty) grid->MarkFaulty(*faulty);
     FG1->SetContent(std::move(grid), objectName() + QLatin1Char(' ') + table);
-    if (faulty) FG1->SelectRecords(faulty->Records);
+    if (faulty) FG1->SelectRecords(faulty->Records, faulty->Column);
 }
 
 void frmViewGrid::DisplayData(const std::string& path) {
