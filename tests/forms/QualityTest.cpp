@@ -737,6 +737,25 @@ TEST_F(QualityReport, TheButtonSaysWhetherARowIsAboutRecordsOrATemplate) {
     EXPECT_EQ(TextOf(report, "cmdView").remove('&'), "View Records");
 }
 
+TEST_F(QualityReport, WithNoRowSelectedViewTakesTheFirstOneAndOpensNothingThatIsNotThere) {
+    GivenCleanOffice();
+    GivenFatal();
+    GivenFile(Global.DownloadTemplates + "Empty.dst", "");
+    Operator_.Expect(msg::FatalProblems);
+    Click(Open<frmConfig>(), "cmdCheckAll");
+    Settle();
+    auto& report = The<frmConfigMsg>();
+    ASSERT_EQ(Report(1).at(0), "PC: Basic Setup: Download");
+    Grid(report).SelectRecord(2);
+    Grid(report).setCurrentIndex({});
+
+    Click(report, "cmdView");
+
+    EXPECT_EQ(Grid(report).SelectedRecord(), 1);
+    EXPECT_FALSE(Enabled(report, "cmdView"));
+    EXPECT_FALSE(Global.QCViewMode);
+}
+
 } // namespace
 
 #include "QualityTest.moc"

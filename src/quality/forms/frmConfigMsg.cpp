@@ -121,11 +121,11 @@ void frmConfigMsg::FG1_ColumnClick(int column) {
 
 void frmConfigMsg::cmdView_Click() {
     TraceEvent("frmConfigMsg:cmdView_Click");
-    Global.QCViewMode = true;
-    ClearViewFlags();
     if (!SelectedRow()) FG1->SelectRecord(1);
     const ProblemRow* selected = SelectedRow();
-    if (!selected) return;
+    if (!selected || !cmdView->isEnabled()) return; // no screen keeps such templates
+    Global.QCViewMode = true;
+    ClearViewFlags();
     const ProblemRow row = *selected; // the report may go while a screen is open
     if (IsTemplateTarget(row.Target)) return ViewTemplates(row);
     Global.QCViewRecords = row.List;
