@@ -30,6 +30,7 @@
 #include <QTabWidget>
 #include <QTableView>
 #include <QTimer>
+#include <QWindow>
 
 #include <algorithm>
 
@@ -241,6 +242,25 @@ private:
     bool queued_ = false;
 };
 
+/// A window that is shown while a modal one stands belongs to that one: only so can it be reached.
+void BelongToModal(QWidget& window) {
+    window.winId(); // from here on it has a handle
+    QWindow* handle = window.windowHandle();
+    const QWidget* modal = QApplication::activeModalWidget();
+    QWindow* owner = modal ? modal->windowHandle() : nullptr;
+    // A box that stands above this very window cannot own it.
+    if (owner && handle->isAncestorOf(owner, QWindow::IncludeTransients)) owner = handle->transientParent();
+    if (owner == handle || handle->transientParent() == owner) return;
+    // Whether it is blocked is settled when a window is shown.
+    const bool shownAgain = owner && window.isVisible();
+    if (shownAgain) {
+        window.move(window.pos()); // where it stood
+        window.hide();
+    }
+    handle->setTransientParent(owner);
+    if (shownAgain) window.show();
+}
+
 } // namespace
 
 // ---- waiting ----
@@ -387,6 +407,7 @@ void FormBehaviour::Show(ShowMode mode) {
     // An object that has gone must outlive the wait below.
     ++running_;
     window.setWindowModality(mode == ShowMode::Modal ? Qt::ApplicationModal : Qt::NonModal);
+    if (mode == ShowMode::Modeless) BelongToModal(window);
     FormRegistry::Instance().Raise(*this);
     QueueGotFocus();
     window.show();
@@ -407,6 +428,7 @@ void FormBehaviour::Unload() {
         FailUnexpectedly(failure);
     }
     Window().hide();
+    FormRegistry::Instance().PassOn(Window().windowHandle());
     FormRegistry::Instance().Forget(*this);
     Leave();
 }
@@ -492,6 +514,14 @@ void FormRegistry::Forget(FormBehaviour& form) {
         forms_.erase(own);
     }
     if (wasTop) FocusTopmost();
+}
+
+void FormRegistry::PassOn(const QWindow* owner) {
+    if (!owner) return;
+    for (FormBehaviour* form : shown_) {
+        const QWindow* handle = form->Window().windowHandle();
+        if (handle && handle->transientParent() == owner) BelongToModal(form->Window());
+    }
 }
 
 void FormRegistry::FocusTopmost() {

@@ -9,6 +9,8 @@
 #include <memory>
 #include <vector>
 
+class QWindow;
+
 enum class ShowMode { Modeless, Modal };
 
 /// What every screen of the program is, whatever its window: one instance made on first use,
@@ -27,7 +29,8 @@ public:
     virtual QWidget& Window() = 0;
 
     /// Shows the form and calls `Form_GotFocus` behind the first paint. Modal is modal to the whole
-    /// program and returns when the form has gone. A form that has gone is not shown again.
+    /// program and returns when the form has gone. One that is not modal can be used beside the modal
+    /// ones that stand when it is shown. A form that has gone is not shown again.
     void Show(ShowMode mode = ShowMode::Modeless);
 
     /// Runs `Form_Unload`, hides and forgets the form at once. The object stays until the last of
@@ -124,6 +127,8 @@ private:
     void Forget(FormBehaviour& form);
     void Release(FormBehaviour& form);
     void FocusTopmost();
+    /// Windows that belong to one that has gone belong to the modal one below it, if any.
+    void PassOn(const QWindow* owner);
     void Raise(FormBehaviour& form);
 
     std::vector<std::unique_ptr<FormBehaviour>> forms_;

@@ -20,6 +20,7 @@
 #include <QMetaMethod>
 #include <QPainter>
 #include <QScopeGuard>
+#include <QScrollBar>
 #include <QStyledItemDelegate>
 
 #include <algorithm>
@@ -175,6 +176,8 @@ void GridView::TakeNewContent() {
     const std::int32_t record = SelectedRecord();
     const int column = CurrentColumn();
     const int columns = model_->columnCount();
+    const bool inSight = viewport()->rect().intersects(visualRect(currentIndex()));
+    const QPoint scrolled(horizontalScrollBar()->value(), verticalScrollBar()->value());
     {
         const auto wait = WaitCursor();
         model_->Reload();
@@ -189,6 +192,10 @@ void GridView::TakeNewContent() {
     setAccessibleDescription(EmptyText());
     setCurrentIndex(model_->index(HeadingRows(), column));
     if (!SelectRecord(record)) SelectFirstRow();
+    // Who looks elsewhere than at the selected row goes on looking there.
+    horizontalScrollBar()->setValue(scrolled.x());
+    verticalScrollBar()->setValue(scrolled.y());
+    if (inSight) scrollTo(currentIndex());
     emit SelChange();
 }
 

@@ -19,6 +19,7 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QScopeGuard>
+#include <QScrollBar>
 #include <QTimer>
 
 #include <filesystem>
@@ -761,6 +762,26 @@ TEST_F(Browser, AMillionRecordsOpenAndScrollByWhatIsOnTheScreen) {
     for (int k = 0; k < 20; ++k) SendKey(grid, Qt::Key_PageUp);
 
     EXPECT_LT(disk.BytesRead, 300'000U);
+}
+
+TEST_F(Browser, TheRowsStandStillWhenTheTableIsReadAnew) {
+    GivenCustomers(300);
+    auto& grid = Grid(OpenGrid(ViewCust));
+    grid.SelectRecord(150);
+    grid.verticalScrollBar()->setValue(145);
+
+    GivenCustomers(301);
+    grid.Refresh();
+
+    EXPECT_EQ(grid.model()->rowCount(), 301);
+    EXPECT_EQ(grid.SelectedRecord(), 150);
+    EXPECT_EQ(grid.verticalScrollBar()->value(), 145);
+
+    grid.verticalScrollBar()->setValue(10); // the selected row is out of sight, and may stay there
+    GivenCustomers(302);
+    grid.Refresh();
+
+    EXPECT_EQ(grid.verticalScrollBar()->value(), 10);
 }
 
 } // namespace

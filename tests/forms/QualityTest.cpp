@@ -16,6 +16,7 @@
 #include <QLabel>
 #include <QPalette>
 #include <QPushButton>
+#include <QTest>
 #include <QTimer>
 
 #include <filesystem>
@@ -336,6 +337,25 @@ TEST_F(QualityGate, AFatalProblemStopsTheCallerWhileTheReportStands) {
     EXPECT_FALSE(Global.QCWaiting);
 }
 
+TEST_F(QualityGate, TheReportCanBeUsedWhileACallerThatIsModalStands) {
+    GivenCleanOffice();
+    GivenFatal();
+    Operator_.Expect(msg::QCWillRun);
+    Operator_.Expect(msg::FatalProblems);
+    auto& sender = The<frmSender>();
+    QTimer::singleShot(0, &sender, [&] {
+        Click(sender, "cmdSend");
+        Settle();
+        auto& report = The<frmConfigMsg>();
+        QWidget& ok = Control(report, "cmdOK");
+        QTest::mouseClick(report.windowHandle(), Qt::LeftButton, {}, ok.mapTo(&report, ok.rect().center()));
+        EXPECT_FALSE(IfLoaded<frmConfigMsg>());
+        sender.Unload();
+    });
+
+    sender.Show(ShowMode::Modal);
+}
+
 TEST_F(QualityGate, AHotsyncThatIsBeingStartedHasItsOwnWords) {
     GivenCleanOffice();
     GivenFatal();
@@ -433,6 +453,22 @@ TEST_F(QualityOnMainScreen, OkOnTheReportOfSuchARunClosesTheConfiguratorBehindIt
     EXPECT_FALSE(IfLoaded<frmConfig>());
 }
 
+TEST_F(QualityOnMainScreen, TheCrossOfTheReportLeavesNoHiddenConfiguratorEither) {
+    GivenCleanOffice();
+    GivenFatal();
+    auto& main = Main();
+    Operator_.Expect(msg::QCAllQuestion).Answer(Answer::Yes);
+    Operator_.Expect(msg::FatalProblems);
+    ClickMenu(main, "mnuQC");
+    Settle();
+
+    The<frmConfigMsg>().close();
+
+    EXPECT_FALSE(IfLoaded<frmConfigMsg>());
+    EXPECT_FALSE(IfLoaded<frmConfig>());
+    EXPECT_FALSE(Global.QCAutoRun);
+}
+
 TEST_F(QualityOnMainScreen, AConfiguratorOpenedOverAReportDoesNotCheckByItself) {
     GivenCleanOffice();
     GivenFatal();
@@ -470,6 +506,27 @@ TEST_F(QualityCheck, TheConfiguratorSaysWhenEachLineWasCheckedAndHowItEnded) {
     config.Unload();
     Open<frmConfig>();
     EXPECT_EQ(ResultOf(Check::Payments), "2026-11-21 18:03\n1 Warn");
+}
+
+TEST_F(QualityCheck, NoLineOfTheConfiguratorMovesWhenResultsCome) {
+    GivenCleanOffice();
+    GivenFatal();
+    Operator_.Expect(msg::FatalProblems);
+    auto& config = Open<frmConfig>();
+    const auto places = [&] {
+        std::vector<QPoint> corners;
+        for (const auto* button : config.findChildren<QPushButton*>())
+            corners.push_back(button->mapTo(&config, QPoint()));
+        return corners;
+    };
+    const auto before = places();
+    const QSize size = config.size();
+
+    Click(config, "cmdCheckAll");
+    Settle();
+
+    EXPECT_EQ(places(), before);
+    EXPECT_EQ(config.size(), size);
 }
 
 TEST_F(QualityCheck, ResultsThatCannotBeKeptDoNotDisturbTheCheck) {
@@ -546,7 +603,7 @@ TEST_F(QualityReport, ViewRecordsBringsAFaultyCellFarToTheRightIntoSight) {
     constexpr int Search = 13;
     EXPECT_EQ(Ground(grid, 0, Search), QColor(255, 0, 0));
     EXPECT_TRUE(grid.viewport()->rect().contains(grid.visualRect(grid.model()->index(0, Search))));
-    EXPECT_EQ(grid.SelectedRecord(), 1);
+    EXPECT_EQ(grid.currentIndex(), grid.model()->index(0, Search));
 }
 
 TEST_F(QualityReport, AWarnMarksInYellow) {
@@ -699,6 +756,25 @@ TEST_F(QualityReport, TheButtonSaysWhetherARowIsAboutRecordsOrATemplate) {
 
     Grid(report).SelectRecord(static_cast<int>(Report().indexOf(FatalRow)) + 1);
     EXPECT_EQ(TextOf(report, "cmdView").remove('&'), "View Records");
+}
+
+TEST_F(QualityReport, WithNoRowSelectedViewTakesTheFirstOneAndOpensNothingThatIsNotThere) {
+    GivenCleanOffice();
+    GivenFatal();
+    GivenFile(Global.DownloadTemplates + "Empty.dst", "");
+    Operator_.Expect(msg::FatalProblems);
+    Click(Open<frmConfig>(), "cmdCheckAll");
+    Settle();
+    auto& report = The<frmConfigMsg>();
+    ASSERT_EQ(Report(1).at(0), "PC: Basic Setup: Download");
+    Grid(report).SelectRecord(2);
+    Grid(report).setCurrentIndex({});
+
+    Click(report, "cmdView");
+
+    EXPECT_EQ(Grid(report).SelectedRecord(), 1);
+    EXPECT_FALSE(Enabled(report, "cmdView"));
+    EXPECT_FALSE(Global.QCViewMode);
 }
 
 } // namespace

@@ -12,6 +12,8 @@
 #include <QKeyEvent>
 #include <QMessageBox>
 #include <QPlainTextEdit>
+#include <QPushButton>
+#include <QTest>
 #include <QTimer>
 
 namespace {
@@ -295,6 +297,72 @@ TEST_F(SharedScreens, AModalFormThatAnotherUnloadsEndsItsWaitWhenTheOneAboveHasG
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 
     EXPECT_EQ(std::count(told.begin(), told.end(), "destroyed"), 2);
+}
+
+/// Whether the operator reaches a form: a window that a modal one blocks gets no click.
+bool CanBeClicked(FormBehaviour& form) {
+    bool clicked = false;
+    QPushButton button(&form.Window());
+    button.resize(form.Window().size());
+    button.show();
+    QObject::connect(&button, &QPushButton::clicked, [&] { clicked = true; });
+    QTest::mouseClick(form.Window().windowHandle(), Qt::LeftButton, {}, {5, 5});
+    return clicked;
+}
+
+TEST_F(SharedScreens, AFormShownWhileAModalOneStandsCanBeUsedAndOutlivesIt) {
+    std::vector<std::string> told;
+    FormBehaviour& modal = FormRegistry::Instance().Adopt(std::make_unique<Sleeper>(told));
+    FormBehaviour& report = FormRegistry::Instance().Adopt(std::make_unique<Sleeper>(told));
+    QTimer::singleShot(1, &modal.Window(), [&] {
+        report.Show();
+        EXPECT_TRUE(CanBeClicked(report));
+        EXPECT_TRUE(CanBeClicked(modal));
+        modal.Unload();
+    });
+
+    modal.Show(ShowMode::Modal);
+
+    EXPECT_TRUE(report.Window().isVisible());
+    EXPECT_TRUE(CanBeClicked(report));
+    FormRegistry::Instance().Clear();
+}
+
+TEST_F(SharedScreens, AFormThatAModalOneCoversCanBeUsedOnceItIsShownAgain) {
+    std::vector<std::string> told;
+    FormBehaviour& modal = FormRegistry::Instance().Adopt(std::make_unique<Sleeper>(told));
+    FormBehaviour& report = FormRegistry::Instance().Adopt(std::make_unique<Sleeper>(told));
+    report.Show();
+    QTimer::singleShot(1, &modal.Window(), [&] {
+        EXPECT_FALSE(CanBeClicked(report));
+        report.Show();
+        EXPECT_TRUE(CanBeClicked(report));
+        modal.Unload();
+    });
+
+    modal.Show(ShowMode::Modal);
+
+    FormRegistry::Instance().Clear();
+}
+
+TEST_F(SharedScreens, AFormOfAModalOneThatHasGoneBelongsToTheModalOneBelow) {
+    std::vector<std::string> told;
+    FormBehaviour& lower = FormRegistry::Instance().Adopt(std::make_unique<Sleeper>(told));
+    FormBehaviour& upper = FormRegistry::Instance().Adopt(std::make_unique<Sleeper>(told));
+    FormBehaviour& report = FormRegistry::Instance().Adopt(std::make_unique<Sleeper>(told));
+    QTimer::singleShot(1, &lower.Window(), [&] {
+        QTimer::singleShot(1, &upper.Window(), [&] {
+            report.Show();
+            upper.Unload();
+        });
+        upper.Show(ShowMode::Modal);
+        EXPECT_TRUE(CanBeClicked(report));
+        lower.Unload();
+    });
+
+    lower.Show(ShowMode::Modal);
+
+    FormRegistry::Instance().Clear();
 }
 
 TEST_F(SharedScreens, APauseEndsWithItsFormAndLeavesNothingBehind) {

@@ -44,9 +44,10 @@ void Release() {
 }
 
 void EndWithoutReport() {
+    // Before the report goes: a Configurator that stood open before the run stays.
+    Global.QCAutoRun = false;
     if (auto* report = IfLoaded<frmConfigMsg>()) report->Unload();
     Release();
-    Global.QCAutoRun = false;
 }
 
 void Stop(const RunTimeFailure& failure, Run& run) {

@@ -17,6 +17,8 @@
 
 namespace {
 
+constexpr std::int32_t LongestCount = 99; ///< of problems, that a line has room for
+
 Text ResultText(const std::optional<CheckResult>& result) {
     if (!result) return msg::NeverChecked;
     const Text when = Text::Value(std::string_view(DateAndTime(result->When).substr(0, 16)));
@@ -42,6 +44,7 @@ void OpenOptions(const std::function<void(frmOptions&)>& turn) {
 void frmConfig::Form_Load() {
     TraceEvent("frmConfig:Form_Load");
     NameButtons();
+    ReserveResults();
     ShowResults();
     if (!Global.QCAutoRun) return;
     CheckAll();
@@ -71,6 +74,18 @@ void frmConfig::NameButtons() {
     }
 }
 
+QLabel* frmConfig::ResultLabel(std::size_t check) const {
+    return findChild<QLabel*>(QStringLiteral("lblResult_%1").arg(check + 1));
+}
+
+/// Each result has its room from the first, so that no line moves when it comes.
+void frmConfig::ReserveResults() {
+    const CheckResult longest{Now(), LongestCount, LongestCount};
+    const QLabel* any = ResultLabel(0);
+    const QSize room = any->fontMetrics().size(0, ToQt(ResultText(longest)));
+    for (std::size_t check = 0; check < Checks; ++check) ResultLabel(check)->setMinimumSize(room);
+}
+
 void frmConfig::Form_GotFocus() {
     ShowResults();
 }
@@ -80,7 +95,7 @@ void frmConfig::ShowResults() {
     // In the order of the lines, which is that of Check.
     for (std::size_t check = 0; check < Checks; ++check) {
         const auto& result = results.Of(static_cast<Check>(check));
-        auto* label = findChild<QLabel*>(QStringLiteral("lblResult_%1").arg(check + 1));
+        QLabel* label = ResultLabel(check);
         label->setText(ToQt(ResultText(result)));
         QPalette tone = palette();
         if (result && result->Fatal > 0) tone.setColor(QPalette::WindowText, WarningTone());

@@ -56,6 +56,8 @@ protected:
 
 private:
     void NameButtons();
+    void ReserveResults();
+    QLabel* ResultLabel(std::size_t check) const;
     void Configure(const char* handler, const std::function<void()>& open);
     void CheckOne(const char* handler, Check check);
 };

@@ -122,11 +122,11 @@ void frmConfigMsg::FG1_ColumnClick(int column) {
 
 void frmConfigMsg::cmdView_Click() {
     TraceEvent("frmConfigMsg:cmdView_Click");
-    Global.QCViewMode = true;
-    ClearViewFlags();
     if (!SelectedRow()) FG1->SelectRecord(1);
     const ProblemRow* selected = SelectedRow();
-    if (!selected) return;
+    if (!selected || !cmdView->isEnabled()) return; // no screen keeps such templates
+    Global.QCViewMode = true;
+    ClearViewFlags();
     const ProblemRow row = *selected; // the report may go while a screen is open
     if (IsTemplateTarget(row.Target)) return ViewTemplates(row);
     Global.QCViewRecords = row.List;
@@ -171,11 +171,6 @@ void frmConfigMsg::cmdSave_Click() {
 
 void frmConfigMsg::cmdOK_Click() {
     TraceEvent("frmConfigMsg:cmdOK_Click");
-    if (Global.QCAutoRun) {
-        Global.QCAutoRun = false;
-        if (auto* config = IfLoaded<frmConfig>()) config->Unload();
-    }
-    Global.QCWaiting = false;
     Unload();
 }
 
@@ -185,7 +180,9 @@ void frmConfigMsg::Form_Unload() {
     Global.FromConfigurator = false;
     // A table that the report has opened can stay open, and goes by its flag.
     if (!IfLoaded<frmViewGrid>() && !IfLoaded<frmViewData>()) ClearViewFlags();
-    // However it is closed, the next Configurator does not check by itself, and nobody waits for ever.
+    // However it is closed: the Configurator that ran the checks goes, the next one does not check by
+    // itself, and nobody waits for ever.
+    if (auto* config = IfLoaded<frmConfig>(); config && Global.QCAutoRun) config->Unload();
     Global.QCAutoRun = false;
     Global.QCWaiting = false;
 }
