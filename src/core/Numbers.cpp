@@ -352,3 +352,14 @@ std::int32_t ToLong(std::string_view text) {
 std::int16_t ToInteger(std::string_view text) {
     return ToWhole<std::int16_t>(text);
 }
+
+std::vector<std::int32_t> WholeNumbers(std::string_view list, std::string_view separator) {
+    std::vector<std::int32_t> numbers;
+    for (const std::string_view entry : SplitText(list, separator)) {
+        std::int32_t number = 0;
+        const char* const end = entry.data() + entry.size();
+        const auto [read, error] = std::from_chars(entry.data(), end, number);
+        if (error == std::errc() && read == end && !entry.starts_with('-')) numbers.push_back(number);
+    }
+    return numbers;
+}

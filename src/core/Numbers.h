@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 /// Numbers from text and to text. The decimal sign is the point in every locale. Where the
 /// decimals of a double are rounded, it counts as the decimal number that NumberToText writes, so
@@ -54,3 +55,7 @@ double RoundToEven(double value);
 /// not fit into 32 or 16 bits.
 std::int32_t ToLong(std::string_view text);
 std::int16_t ToInteger(std::string_view text);
+
+/// The whole numbers of a list, in its order. An entry that is not all digits, or does not fit into 32
+/// bits, is left out.
+std::vector<std::int32_t> WholeNumbers(std::string_view list, std::string_view separator);

@@ -19,18 +19,34 @@ SafeFile::SafeFile(std::string_view path, WhenSame whenSame)
     // A file that may not be written must not be replaced by way of its folder.
     if (Global.TheDisk->IsFile(path_)) same_ = Global.TheDisk->Open(path_, Access::ReadWrite);
     if (Global.TheDisk->IsFolder(path_)) throw RunTimeFailure(75, path_);
-    if (!same_ || whenSame == WhenSame::Replace) BeginWorkFile();
+    if (same_ && whenSame == WhenSame::Keep)
+        version_ = same_->Version();
+    else
+        BeginWorkFile();
 }
 
 void SafeFile::BeginWorkFile() {
     const auto from = std::move(same_);
     file_ = Global.Files.Open(*Global.TheDisk, work_, Access::Create);
+    if (written_ == 0) return;
+    try {
+        CopyWritten(*from);
+    } catch (...) {
+        Discard(); // whoever goes on after the failure must not commit a file that lacks its beginning
+        throw;
+    }
+}
+
+/// What was written before the first difference was kept nowhere but in the file itself.
+void SafeFile::CopyWritten(DiskFile& from) {
     std::string block;
     for (std::uint64_t at = 0; at < written_; at += block.size()) {
         block.resize(static_cast<std::size_t>(std::min<std::uint64_t>(written_ - at, BlockSize)));
-        if (from->ReadAt(at, block.data(), block.size()) != block.size()) throw RunTimeFailure(57, path_);
+        if (from.ReadAt(at, block.data(), block.size()) != block.size()) throw RunTimeFailure(75, path_);
         Global.Files.Use(file_).WriteAt(at, block);
     }
+    // Behind the reading: what another program wrote into it meanwhile is not what was written here.
+    if (from.Version() != version_) throw RunTimeFailure(75, path_);
 }
 
 bool SafeFile::StandsThere(std::uint64_t offset, std::string_view bytes) {
@@ -49,6 +65,7 @@ SafeFile::~SafeFile() {
 }
 
 void SafeFile::Discard() noexcept {
+    if (file_.Number == 0) return; // a work file that stands there is somebody else's
     try {
         Global.Files.Close(file_);
         Global.TheDisk->Remove(work_);

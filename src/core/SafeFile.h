@@ -13,7 +13,9 @@
 class SafeFile {
 public:
     /// What becomes of a file when what is written turns out to be what it holds. `Keep` leaves it
-    /// alone, at the cost of reading it: the work file is made at the first difference.
+    /// alone and flushes nothing, at the cost of reading it: the work file is made at the first
+    /// difference. A file that another program puts in its place meanwhile stays when nothing differs
+    /// from the one that stood there at first, and is replaced otherwise.
     enum class WhenSame { Replace, Keep };
 
     /// The extension of work files. Strays of a killed run are removed at the next start.
@@ -27,7 +29,8 @@ public:
     ~SafeFile();
 
     /// Adds bytes at the end. RunTimeFailure 61 or 57 from the disk, 52 when another has closed
-    /// this file's number.
+    /// this file's number, 75 at the first difference when another program has written into the file
+    /// that would have been kept.
     void Write(std::string_view bytes);
 
     /// Adds a line and the line end of all text files, carriage return and line feed.
@@ -39,8 +42,8 @@ public:
     /// Bytes written so far.
     std::uint64_t Size() const { return written_ + pending_.size(); }
 
-    /// Puts the new content in place. `flush` off leaves the moment of writing to the system:
-    /// only for what is made again at each start, and for the trace.
+    /// Puts the new content in place. `flush` off leaves the moment of writing to the system: only for
+    /// what is made again at each start, and for the trace. RunTimeFailure as Write, 75 from the rename.
     void Commit(bool flush = true);
 
 private:
@@ -48,12 +51,14 @@ private:
     void Put(std::uint64_t offset, std::string_view bytes);
     bool StandsThere(std::uint64_t offset, std::string_view bytes);
     void BeginWorkFile();
+    void CopyWritten(DiskFile& from);
     void Discard() noexcept;
 
     std::string path_;
     std::string work_;
     FileNumbers::Claim file_;
     std::unique_ptr<DiskFile> same_; ///< the file itself, while all that was written is what it holds
+    std::uint64_t version_ = 0;      ///< of that file when it was opened
     std::string pending_;
     std::uint64_t written_ = 0;
     bool done_ = false;

@@ -20,7 +20,6 @@ namespace {
 constexpr std::int32_t TopLimit = 8500;   // twips
 constexpr std::int32_t LeftLimit = 11550; // twips
 constexpr std::string_view WindowSection = "[Form Position]";
-constexpr std::size_t LongestQuote = 80; // characters of a line that a failure shows
 
 /// A position that cannot be read counts as no value.
 void ReadPosition(std::string_view text, std::int32_t& value) {
@@ -177,15 +176,13 @@ void GetIniFile() {
     if (!FileExists(Global.IniFile)) MakeIniFile();
     const std::vector<std::string> lines = LinesOf(Global.IniFile);
     TakeDefaults();
-    std::size_t number = 0;
+    std::int64_t number = 0;
     for (const std::string& line : lines) {
         ++number;
         try {
             TakeLine(line);
         } catch (const RunTimeFailure& failure) {
-            throw RunTimeFailure(failure.Number(), std::string(FileNameOf(Global.IniFile)) + ", line " +
-                                                       std::to_string(number) + ": " +
-                                                       CodePageToUtf8(line.substr(0, LongestQuote)));
+            throw FailureInLine(failure.Number(), Global.IniFile, number, line);
         }
         if (Global.LastReset.IsZero()) Global.LastReset = Today();
     }

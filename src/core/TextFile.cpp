@@ -1,6 +1,6 @@
 #include "core/TextFile.h"
 
-#include "core/Failure.h"
+#include "core/CodePage.h"
 #include "core/Globals.h"
 #include "core/Paths.h"
 
@@ -10,6 +10,7 @@
 namespace {
 
 constexpr std::size_t BlockSize = std::size_t{1} << 17;
+constexpr std::size_t LongestQuote = 80; ///< characters of a line that a failure shows
 
 } // namespace
 
@@ -18,6 +19,12 @@ std::string OneLine(std::string_view text) {
     std::replace_if(
         line.begin(), line.end(), [](char c) { return c == '\r' || c == '\n'; }, ' ');
     return line;
+}
+
+RunTimeFailure FailureInLine(int number, std::string_view path, std::int64_t lineNumber,
+                             std::string_view line) {
+    return RunTimeFailure(number, std::string(FileNameOf(path)) + ", line " + std::to_string(lineNumber) +
+                                      ": " + CodePageToUtf8(line.substr(0, LongestQuote)));
 }
 
 TextReader::TextReader(std::string_view path, std::uint64_t limit) : path_(ResolvePath(path)) {

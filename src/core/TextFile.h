@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/Failure.h"
 #include "core/FileNumbers.h"
 
 #include <cstdint>
@@ -9,6 +10,11 @@
 /// The text with a blank in the place of each line end: what is to stand on one line of a file,
 /// whatever it came from.
 std::string OneLine(std::string_view text);
+
+/// A failure over a line of a text file: it names the file and the line's number, and quotes its
+/// beginning. `line` is code page 1252.
+RunTimeFailure FailureInLine(int number, std::string_view path, std::int64_t lineNumber,
+                             std::string_view line);
 
 /// Reads a text file line by line, in blocks. Lines end in carriage return and line feed, in either
 /// one alone, or at the end of the file. Text is code page 1252 and is handed on as it stands.

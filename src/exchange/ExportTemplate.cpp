@@ -28,6 +28,7 @@ bool IsFileNameLine(std::string_view line) {
 
 void TakeFileName(std::string_view text, ExportTemplateRead& result) {
     const std::string_view name = Trim(FileNameOf(text));
+    result.HasFileName = !Trim(text).empty();
     result.BadFileName = !name.empty() && !IsPlainFileName(name);
     result.Template.FileName = result.BadFileName ? std::string_view() : name;
 }

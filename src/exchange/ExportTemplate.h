@@ -24,6 +24,7 @@ struct ExportTemplateRead {
     bool Opened = false;
     bool Complete = false;           ///< read to the end of the file
     bool BeginsWithFileName = false; ///< the first line begins with "Filename="
+    bool HasFileName = false;        ///< something stands behind "Filename=", if only a directory
     bool BadFileName = false;        ///< it names no file; Template.FileName is then empty
 };
 

@@ -70,6 +70,7 @@ ImportTemplateRead ReadImportTemplate(std::string_view path) noexcept {
         TextReader file(path, TextReader::OwnFile);
         result.Opened = true;
         const std::string first = file.RequireLine();
+        result.FirstLine = Trim(first);
         const std::string_view name = Trim(FileNameOf(first));
         result.BadDataFile = !IsPlainFileName(name);
         if (!result.BadDataFile) result.Template.DataFile = name;

@@ -33,6 +33,7 @@ struct ImportTemplateRead {
     ImportTemplate Template; ///< what was read, as far as the reading got
     bool Opened = false;
     bool Complete = false;    ///< read to the end of the file
+    std::string FirstLine;    ///< as it stands, a directory included, without blanks around
     bool BadDataFile = false; ///< line 1 names no file; Template.DataFile is then empty
 };
 

@@ -1,12 +1,13 @@
 #include "quality/CheckResults.h"
 
-#include "core/Failure.h"
 #include "core/SafeFile.h"
 #include "core/TextCompare.h"
 #include "core/TextFile.h"
 
 #include <charconv>
+#include <exception>
 #include <string>
+#include <utility>
 
 namespace {
 
@@ -49,7 +50,7 @@ CheckResults CheckResults::Read(std::string_view path) noexcept {
                     results.results_[check] = result;
             }
         }
-    } catch (const RunTimeFailure&) {
+    } catch (const std::exception&) {
         // The first check writes a new one.
     }
     return results;

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "core/Progress.h"
-#include "core/Text.h"
 #include "quality/Problems.h"
 
 #include <cstddef>

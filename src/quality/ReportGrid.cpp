@@ -17,8 +17,14 @@ constexpr std::string_view Ellipsis = "...";
 
 enum Column { SeverityColumn, GroupColumn, ProblemColumn, IssueColumn, CorrectionColumn };
 
-std::string_view FromUtf8(const Text& text) {
-    return text.Utf8();
+/// An issue whose lines have not more than a list's share of a cell.
+Text ShortIssue(const Text& issue) {
+    Text shown;
+    for (const std::string_view line : SplitText(issue.Utf8(), "\n")) {
+        const Text cut = ShortList(line, LongestList);
+        shown = shown.IsEmpty() ? cut : Lines(shown, cut);
+    }
+    return shown;
 }
 
 } // namespace
@@ -43,6 +49,8 @@ ReportGrid::ReportGrid(std::vector<ProblemRow> rows) : rows_(std::move(rows)), w
     const std::vector<Text> titles = ReportHeadings();
     for (std::size_t column = 0; column < titles.size(); ++column)
         headings_.push_back({titles[column], SortKind::Text, Widths.at(column)});
+    issues_.reserve(rows_.size());
+    for (const ProblemRow& row : rows_) issues_.push_back(ShortIssue(row.Issue));
 }
 
 const GridHeading& ReportGrid::Heading(int column) const {
@@ -58,13 +66,8 @@ Text ReportGrid::CellOf(std::int32_t record, int column) const {
         return row.Group;
     case ProblemColumn:
         return row.Problem;
-    case IssueColumn: {
-        Text issue;
-        for (const std::string_view line : SplitText(FromUtf8(row.Issue), "\n"))
-            issue =
-                issue.IsEmpty() ? ShortList(line, LongestList) : Lines(issue, ShortList(line, LongestList));
-        return issue;
-    }
+    case IssueColumn:
+        return issues_.at(static_cast<std::size_t>(record) - 1);
     default:
         return watch_.HasChanged(static_cast<std::size_t>(record) - 1)
                    ? Lines(row.Correction, msg::RowChanged)

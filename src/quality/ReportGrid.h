@@ -37,6 +37,7 @@ private:
     Text CellOf(std::int32_t record, int column) const;
 
     std::vector<ProblemRow> rows_;
+    std::vector<Text> issues_; ///< of the rows, their lists cut
     std::vector<GridHeading> headings_;
     RowWatch watch_;
     bool outdated_ = false;

@@ -3,13 +3,14 @@
 #include "core/Disk.h"
 #include "core/Failure.h"
 #include "core/Globals.h"
+#include "core/Numbers.h"
 #include "core/Paths.h"
 #include "core/SafeFile.h"
-#include "core/TextCompare.h"
 #include "core/TextFile.h"
 #include "store/TableReader.h"
 
-#include <charconv>
+#include <algorithm>
+#include <exception>
 #include <functional>
 #include <string_view>
 #include <utility>
@@ -28,7 +29,7 @@ std::uint64_t HashOf(std::string_view bytes) {
 std::uint64_t VersionOf(const std::string& path) {
     try {
         return Global.TheDisk->Open(ResolvePath(path), Access::Read)->Version() | 1;
-    } catch (const RunTimeFailure&) {
+    } catch (const std::exception&) {
         return 0;
     }
 }
@@ -37,24 +38,23 @@ std::uint64_t VersionOf(const std::string& path) {
 std::uint64_t ContentOfFile(const std::string& path) {
     try {
         return HashOf(ReadWholeFile(ResolvePath(path), TextReader::OwnFile)) | 1;
-    } catch (const RunTimeFailure&) {
+    } catch (const std::exception&) {
         return VersionOf(path);
     }
 }
 
 } // namespace
 
-RowWatch::RowWatch(std::vector<ProblemRow> rows) {
+RowWatch::RowWatch(std::span<const ProblemRow> rows) {
     for (const ProblemRow& row : rows) {
         Watched watched;
         watched.IsTable = !IsTemplateTarget(row.Target);
         watched.Files = watched.IsTable ? std::vector{row.Target} : row.Files;
         if (watched.IsTable) {
-            for (const std::string_view entry : SplitText(row.List, ListSeparator)) {
-                std::int32_t record = 0;
-                std::from_chars(entry.data(), entry.data() + entry.size(), record);
-                watched.Records.push_back(record);
-            }
+            // A list goes by the field that was checked, the table by its key: read in the table's order,
+            // each block is read once.
+            watched.Records = WholeNumbers(row.List, ListSeparator);
+            std::sort(watched.Records.begin(), watched.Records.end());
         }
         for (const std::string& file : watched.Files) versions_.try_emplace(file, VersionOf(file));
         watched.Seen = ContentOf(watched);
@@ -76,7 +76,7 @@ std::uint64_t RowWatch::ContentOf(const Watched& watched) {
             Mix(sum, HashOf(table.Record(1)));
         }
         for (const std::int32_t record : watched.Records) Mix(sum, HashOf(table.Record(record)));
-    } catch (const RunTimeFailure&) {
+    } catch (const std::exception&) {
         // A table that is gone holds none of the records.
     }
     return sum;

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <map>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -12,7 +13,7 @@
 class RowWatch {
 public:
     /// Takes what stands in the files now as what the check saw.
-    explicit RowWatch(std::vector<ProblemRow> rows = {});
+    explicit RowWatch(std::span<const ProblemRow> rows = {});
 
     /// Looks at the files again. Reads a table or a template only when it is another one by now.
     /// True when a row is otherwise than at the last look. Never fails.
@@ -27,7 +28,7 @@ private:
 
     struct Watched {
         std::vector<std::string> Files;
-        std::vector<std::int32_t> Records; ///< numbers, where the row is about records
+        std::vector<std::int32_t> Records; ///< ascending, where the row is about records
         bool IsTable = false;
         std::uint64_t Seen = 0; ///< stands for what the check saw
         bool Changed = false;

@@ -17,6 +17,8 @@
 
 namespace {
 
+// In every check `FGIndex` is the table in work; `FGIndex2` is the sales tax that customers point to.
+
 // Places of fields: the checks go by place, as the handheld does.
 constexpr int C_SEARCH = 1, C_CODE = 2, C_STCODE = 13;
 constexpr int I_SEARCH = 1, I_ITEMCODE = 2, I_BARCODE = 3, I_PRICE = 6;
@@ -181,16 +183,16 @@ constexpr FieldTest TaxCodeTest{
 
 /// Customers whose tax code the tax table lacks, up to the first whose code it has: behind that one
 /// nobody is looked at any more, on purpose.
-Records UnknownTaxCodes(const ScratchGrid& customers, const ScratchGrid& taxes) {
+Records UnknownTaxCodes(const ScratchGrid& FGIndex, const ScratchGrid& FGIndex2) {
     std::unordered_set<std::string> codes;
-    for (std::int32_t row = 1; row <= taxes.RowCount(); ++row)
-        codes.insert(FoldCase(taxes.Cell(row, ST_CODE)));
+    for (std::int32_t row = 1; row <= FGIndex2.RowCount(); ++row)
+        codes.insert(FoldCase(FGIndex2.Cell(row, ST_CODE)));
     Records records;
-    for (std::int32_t row = 1; row <= customers.RowCount(); ++row) {
-        const std::string_view code = customers.Cell(row, C_STCODE);
+    for (std::int32_t row = 1; row <= FGIndex.RowCount(); ++row) {
+        const std::string_view code = FGIndex.Cell(row, C_STCODE);
         if (code.empty()) continue;
         if (codes.contains(FoldCase(code))) break;
-        records.push_back(customers.Record(row));
+        records.push_back(FGIndex.Record(row));
     }
     return records;
 }
@@ -254,54 +256,54 @@ constexpr FieldTest LinkTest{
 void QCCust(ProblemList& problems, Progress& progress) {
     const std::string taxPath = TablePath(SalesTax.File);
     SortSTaxFile(taxPath, KeepKeys, progress);
-    const ScratchGrid taxes(taxPath);
+    const ScratchGrid FGIndex2(taxPath);
     const std::string path = TablePath(Customers.File);
     SortCustFile(path, KeepKeys, progress);
-    ScratchGrid customers(path);
-    RunTests(Customers, CustomerTests, customers, problems);
-    Customers.Report(problems, TaxCodeTest, UnknownTaxCodes(customers, taxes));
+    ScratchGrid FGIndex(path);
+    RunTests(Customers, CustomerTests, FGIndex, problems);
+    Customers.Report(problems, TaxCodeTest, UnknownTaxCodes(FGIndex, FGIndex2));
 }
 
 void QCItems(ProblemList& problems, Progress& progress) {
-    ScratchGrid items = SortedItems(progress);
-    RunTests(Items, ItemTests, items, problems);
+    ScratchGrid FGIndex = SortedItems(progress);
+    RunTests(Items, ItemTests, FGIndex, problems);
 }
 
 void QCBarcode(ProblemList& problems, Progress& progress) {
-    ScratchGrid items = SortedItems(progress);
-    items.SortOn(I_BARCODE);
+    ScratchGrid FGIndex = SortedItems(progress);
+    FGIndex.SortOn(I_BARCODE);
     // Blanks come first: an empty last one says that nobody here uses bar codes.
-    if (items.RowCount() == 0 || items.Cell(items.RowCount(), I_BARCODE).empty()) return;
-    RunTests(BarCodes, BarcodeTests, items, problems);
+    if (FGIndex.RowCount() == 0 || FGIndex.Cell(FGIndex.RowCount(), I_BARCODE).empty()) return;
+    RunTests(BarCodes, BarcodeTests, FGIndex, problems);
 }
 
 void QCSTax(ProblemList& problems, Progress& progress) {
     const std::string path = TablePath(SalesTax.File);
     SortSTaxFile(path, KeepKeys, progress);
-    ScratchGrid taxes(path);
-    RunTests(SalesTax, TaxTests, taxes, problems);
+    ScratchGrid FGIndex(path);
+    RunTests(SalesTax, TaxTests, FGIndex, problems);
 }
 
 void QCPay(ProblemList& problems) {
-    const ScratchGrid payments(TablePath(Payments.File));
-    if (payments.RowCount() == 0) {
+    const ScratchGrid FGIndex(TablePath(Payments.File));
+    if (FGIndex.RowCount() == 0) {
         return Payments.ReportEmpty(problems, Warn, msg::ProblemEmptyTable, msg::PayEmpty,
                                     msg::PayEmptyCorrection);
     }
-    Payments.Report(problems, PayTest, RecordsWhere(payments, PAY_CODE, [](std::string_view code) {
+    Payments.Report(problems, PayTest, RecordsWhere(FGIndex, PAY_CODE, [](std::string_view code) {
                         return !SameText(code, "CASH") && !SameText(code, "CHECK") && !SameText(code, "CARD");
                     }));
 }
 
 void QCLinks(ProblemList& problems, const std::vector<std::string>& users) {
-    const ScratchGrid links(TablePath(Links.File));
-    if (links.RowCount() == 0 || links.Cell(1, LK_HOTSYNC).empty()) {
+    const ScratchGrid FGIndex(TablePath(Links.File));
+    if (FGIndex.RowCount() == 0 || FGIndex.Cell(1, LK_HOTSYNC).empty()) {
         return Links.ReportEmpty(problems, Fatal, msg::ProblemTableEmpty, msg::LinksEmpty,
                                  msg::LinksEmptyCorrection);
     }
     std::unordered_set<std::string> known;
     for (const std::string& user : users) known.insert(FoldCase(user));
-    Links.Report(problems, LinkTest, RecordsWhere(links, LK_HOTSYNC, [&](std::string_view id) {
+    Links.Report(problems, LinkTest, RecordsWhere(FGIndex, LK_HOTSYNC, [&](std::string_view id) {
                      return !known.contains(FoldCase(id));
                  }));
 }

@@ -7,7 +7,9 @@
 #include "core/TextCompare.h"
 #include "core/TextFile.h"
 #include "exchange/Activity.h"
+#include "exchange/ExportTemplate.h"
 #include "exchange/ImportTemplate.h"
+#include "sync/TableSelection.h"
 #include "sync/UnattendedSettings.h"
 
 #include <algorithm>
@@ -70,14 +72,11 @@ std::vector<std::string> LinesOf(const std::string& path) {
     return lines;
 }
 
-/// Whether a table selection has a line of one of the groups that ends in a digit other than 0.
 bool SelectsSomething(const std::string& path, std::span<const MessageId> groups) {
     const std::vector<std::string> lines = LinesOf(path);
-    return std::any_of(lines.begin(), lines.end(), [&](std::string_view line) {
-        line = Trim(line);
-        if (line.empty() || line.back() < '1' || line.back() > '9') return false;
+    return std::any_of(lines.begin(), lines.end(), [&](const std::string& line) {
         return std::any_of(groups.begin(), groups.end(),
-                           [&](MessageId group) { return BeginsWith(line, Text(group).CodePage()); });
+                           [&](MessageId group) { return SelectionValue(line, group) != 0; });
     });
 }
 
@@ -124,17 +123,6 @@ std::vector<std::string> NamesIn(const std::string& path) {
     return names;
 }
 
-/// What an export template has behind "Filename=", as it stands there: also what can be no file's name
-/// is none that is missing.
-std::string ExportFileIn(const std::string& path) {
-    constexpr std::string_view Key = "Filename=";
-    std::string name;
-    for (const std::string& line : LinesOf(path)) {
-        if (BeginsWith(line, Key)) name = Trim(std::string_view(line).substr(Key.size()));
-    }
-    return name;
-}
-
 } // namespace
 
 void QCDownload(ProblemList& problems) {
@@ -164,8 +152,7 @@ void QCImport(ProblemList& problems) {
     std::string importFiles;
     for (const TemplateKind kind : {TemplateKind::Cust, TemplateKind::Item}) {
         for (const std::string& file : FilesWithExtension(Global.ImportTemplates, TemplateExtension(kind))) {
-            const std::vector<std::string> lines = LinesOf(Global.ImportTemplates + file);
-            const std::string name(lines.empty() ? std::string_view() : Trim(lines.front()));
+            const std::string name = ReadImportTemplate(Global.ImportTemplates + file).FirstLine;
             const std::string path = Global.DataInPath + NameToPath(name);
             const bool isFileName = IsPlainFileName(name);
             if (isFileName && FileExists(path)) continue;
@@ -184,7 +171,8 @@ void QCExport(ProblemList& problems) {
     constexpr Subject subject{msg::GroupExport, TemplateTarget::Export, msg::LabelTemplate};
     Found nameless;
     for (const std::string& file : FilesWithExtension(Global.ExportTemplates, ".xor")) {
-        if (ExportFileIn(Global.ExportTemplates + file).empty()) nameless.Add(Global.ExportTemplates, file);
+        if (!ReadExportTemplate(Global.ExportTemplates + file).HasFileName)
+            nameless.Add(Global.ExportTemplates, file);
     }
     subject.Report(problems, nameless, msg::ProblemNoImportFile, msg::ExportNameless,
                    msg::ExportNamelessCorrection);

@@ -16,8 +16,9 @@
 ///
 /// The header is that of the table as it stands, with the new number of records. The file ends with
 /// one byte behind the last record. Memory holds no more than a block. A content that the table has
-/// already is not written again. An object that ends without Commit leaves the table as it was. No trace line
-/// is written here; the routines below write those of the DBFEdit steps that they stand for.
+/// already is not written again, byte behind the last record and end of the file included. An object
+/// that ends without Commit leaves the table as it was. No trace line is written here; the routines
+/// below write those of the DBFEdit steps that they stand for.
 class TableRewrite {
 public:
     /// RunTimeFailure as Disk::Open, TableLayout::Read and SafeFile.

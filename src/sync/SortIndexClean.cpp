@@ -4,9 +4,9 @@
 #include "core/Globals.h"
 #include "core/Messages.h"
 #include "core/Paths.h"
-#include "core/TextCompare.h"
 #include "core/TextFile.h"
 #include "store/SortTables.h"
+#include "sync/TableSelection.h"
 
 #include <array>
 #include <string>
@@ -29,9 +29,8 @@ constexpr std::array Sorts = {
 void SortByTemplate(const std::string& path, const SortOptions& options, Progress& progress) {
     TextReader lines(path, TextReader::OwnFile);
     for (std::string line; lines.ReadLine(line);) {
-        const std::string_view text = Trim(line);
         for (const Sort& sort : Sorts) {
-            if (BeginsWith(text, Text(sort.Group).CodePage()) && text.ends_with('1'))
+            if (SelectionValue(line, sort.Group) == 1)
                 sort.Run(Global.DBFPath + std::string(sort.Table), options, progress);
         }
     }

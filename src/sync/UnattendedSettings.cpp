@@ -9,11 +9,10 @@
 #include "core/TextFile.h"
 #include "core/Trace.h"
 
+#include <exception>
 #include <variant>
 
 namespace {
-
-constexpr std::size_t LongestQuote = 80; // characters of a line that a failure shows
 
 struct Line {
     std::string_view Key;
@@ -78,9 +77,7 @@ UnattendedSettings ReadUnattendedSettings(std::string_view path, UnattendedSetti
         try {
             TakeLine(line, settings, [](std::string_view text, auto& value) { Read(text, value); });
         } catch (const RunTimeFailure& failure) {
-            throw RunTimeFailure(failure.Number(), std::string(FileNameOf(path)) + ", line " +
-                                                       std::to_string(file.LineNumber()) + ": " +
-                                                       CodePageToUtf8(line.substr(0, LongestQuote)));
+            throw FailureInLine(failure.Number(), path, file.LineNumber(), line);
         }
     }
     return settings;
@@ -92,7 +89,7 @@ UnattendedSettings GlanceAtUnattendedSettings(std::string_view path) noexcept {
         TextReader file(path, TextReader::OwnFile);
         for (std::string line; file.ReadLine(line);)
             TakeLine(line, settings, [](std::string_view text, auto& value) { Glance(text, value); });
-    } catch (const RunTimeFailure&) {
+    } catch (const std::exception&) {
         // What was read so far is what it says.
     }
     return settings;

@@ -113,8 +113,7 @@ std::optional<FaultyCells> ReportedCells() {
     cells.Mark = SameText(Global.QCViewSeverity, "Fatal")  ? CellMark::Fatal
                  : SameText(Global.QCViewSeverity, "Warn") ? CellMark::Warn
                                                            : CellMark::None;
-    for (const std::string_view number : SplitText(Global.QCViewRecords, ", "))
-        cells.Records.push_back(static_cast<std::int32_t>(ToNumber(number)));
+    cells.Records = WholeNumbers(Global.QCViewRecords, ", ");
     std::sort(cells.Records.begin(), cells.Records.end());
     return cells;
 }

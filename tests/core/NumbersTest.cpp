@@ -385,6 +385,14 @@ TEST(Numbers, WholeNumbersAreRoundedAndStayInTheirRange) {
     EXPECT_EQ(FailureNumber([] { ToInteger("-32769"); }), 6);
 }
 
+TEST(Numbers, ListGivesItsWholeNumbersInItsOrderAndLeavesOutTheRest) {
+    using List = std::vector<std::int32_t>;
+    EXPECT_EQ(WholeNumbers("3, 1, 1, 2147483647", ", "), (List{3, 1, 1, 2147483647}));
+    EXPECT_EQ(WholeNumbers("2147483648, 99999999999999999999, -1, -0, +1, 1.5, 1x,  7, x, , 4, ", ", "),
+              (List{4}));
+    EXPECT_EQ(WholeNumbers("", ", "), List{});
+}
+
 TEST(Numbers, WholeNumbersWantANumericText) {
     for (const char* text : {"", "  ", "abc", "12 pcs", "1E999", "0x10"}) {
         EXPECT_EQ(FailureNumber([&] { ToLong(text); }), 13) << text;

@@ -6,6 +6,7 @@
 #include "support/RefusingDisk.h"
 
 #include <algorithm>
+#include <chrono>
 #include <filesystem>
 
 namespace {
@@ -229,7 +230,83 @@ TEST_F(SafeFileTest, FileThatGetsShorterMeanwhileIsNotMadeUp) {
     file.Write(std::string(600'000, 'x'));
     std::filesystem::resize_file(path_, 10);
 
-    EXPECT_EQ(FailureNumber([&] { file.Overwrite(0, "y"); }), 57);
+    EXPECT_EQ(FailureNumber([&] { file.Overwrite(0, "y"); }), 75);
+}
+
+TEST_F(SafeFileTest, WhatAnotherProgramWritesIntoAnEqualBeginningIsNotMixedWithWhatComesBehind) {
+    const std::string old(1'000'000, 'x');
+    GivenFile("file.txt", old);
+    const auto before = std::filesystem::last_write_time(path_);
+    {
+        SafeFile file(path_, SafeFile::WhenSame::Keep);
+        file.Write(old.substr(0, 600'000));
+        GivenFile("file.txt", "theirs" + old.substr(6));
+        std::filesystem::last_write_time(path_, before + std::chrono::seconds(1)); // coarse clocks
+
+        EXPECT_EQ(FailureNumber([&] { file.Overwrite(9, "y"); }), 75);
+    }
+    EXPECT_TRUE(Bytes(path_) == "theirs" + old.substr(6));
+    EXPECT_FALSE(Exists(path_ + ".zuk~"));
+    EXPECT_EQ(Global.Files.Count(), 0);
+}
+
+TEST_F(SafeFileTest, FileThatAnotherProgramPutsInItsPlaceStaysWhenNothingDiffers) {
+    SafeFile file(path_, SafeFile::WhenSame::Keep);
+    file.Write("old");
+    std::filesystem::rename(GivenFile("other.txt", "theirs"), path_);
+    file.Commit();
+
+    EXPECT_EQ(Bytes(path_), "theirs");
+    EXPECT_FALSE(Exists(path_ + ".zuk~"));
+}
+
+TEST_F(SafeFileTest, FileThatAnotherProgramPutsInItsPlaceIsReplacedWholeByAnotherContent) {
+    SafeFile file(path_, SafeFile::WhenSame::Keep);
+    file.Write("ol");
+    file.Overwrite(0, "o");
+    std::filesystem::rename(GivenFile("other.txt", "theirs"), path_);
+    file.Write("ive");
+    file.Commit();
+
+    EXPECT_EQ(Bytes(path_), "olive");
+}
+
+TEST_F(SafeFileTest, FileThatMayNotBeWrittenIsNotKeptEither) {
+    RefusingDisk disk(path_, Access::ReadWrite);
+    Global.TheDisk = &disk;
+
+    EXPECT_EQ(FailureNumber([&] { WriteIfOther(path_, "old"); }), 70);
+    EXPECT_EQ(FailureNumber([&] { WriteIfOther(path_, "new"); }), 70);
+
+    EXPECT_EQ(Bytes(path_), "old");
+}
+
+TEST_F(SafeFileTest, WhatFailedAtItsFirstDifferenceIsNeverCommitted) {
+    const std::string old(1'000'000, 'x');
+    for (int call = 1; call <= 4; ++call) { // the work file and the blocks of the equal beginning
+        GivenFile("file.txt", old);
+        {
+            SafeFile file(path_, SafeFile::WhenSame::Keep);
+            file.Write(old);
+            FaultyDisk disk(call);
+            Global.TheDisk = &disk;
+            EXPECT_EQ(FailureNumber([&] { file.Overwrite(0, "y"); }), 61) << call;
+            Global.TheDisk = &NativeDisk();
+
+            EXPECT_EQ(FailureNumber([&] { file.Commit(); }), 52) << call;
+        }
+        EXPECT_TRUE(Bytes(path_) == old) << call;
+        EXPECT_FALSE(Exists(path_ + ".zuk~")) << call;
+    }
+}
+
+TEST_F(SafeFileTest, AWorkFileOfSomebodyElseOutlivesAnObjectThatMadeNone) {
+    SafeFile other(path_);
+    { SafeFile file(path_, SafeFile::WhenSame::Keep); }
+    other.Write("new");
+    other.Commit();
+
+    EXPECT_EQ(Bytes(path_), "new");
 }
 
 } // namespace

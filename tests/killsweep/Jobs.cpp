@@ -288,7 +288,7 @@ std::string DeleteLink() {
     return {};
 }
 
-std::string SortLinks() {
+std::string SortLinksAndResetStatus() {
     SortLinkFile(Table("ZUKLINK.DBF"));
     MakeHHStatusFile();
     return {};
@@ -512,7 +512,11 @@ std::vector<SweepJob> MakeJobs() {
         {"settings", {"ZUKTramble.ini"}, [] {}, WriteSettings, ""},
         {"status", {"Install/HSStatus.dat"}, PrepareStatus, WriteStatus, ""},
         {"deletion of a link", {links}, PrepareLinks, DeleteLink, ""},
-        {"links sorted, status anew", {links, "Install/HSStatus.dat"}, PrepareLinks, SortLinks, ""},
+        {"links sorted, status anew",
+         {links, "Install/HSStatus.dat"},
+         PrepareLinks,
+         SortLinksAndResetStatus,
+         ""},
         {"import template",
          {"Templates/Import/customers.cst"},
          [] { WriteImportTemplate(Global.ImportTemplates + "customers.cst", CustomerTemplate(3)); },

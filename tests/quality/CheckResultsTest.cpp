@@ -73,6 +73,14 @@ TEST_F(CheckResultsTest, AFileThatMayNotBeReadHasNoResults) {
     EXPECT_EQ(Known(CheckResults::Read(path)), 0);
 }
 
+TEST_F(CheckResultsTest, ForWantOfMemoryThereAreNoResults) {
+    const std::string path = GivenFile("r.dat", "Links=2026-11-21 14:05:09;0;0\r\n");
+    PoorDisk disk;
+    Global.TheDisk = &disk;
+
+    EXPECT_EQ(Known(CheckResults::Read(path)), 0);
+}
+
 TEST_F(CheckResultsTest, NamesCountInAnyCaseAndWithBlanksAround) {
     EXPECT_EQ(Reading(" barcodes =2026-11-21 14:05:09;3;4").Of(Check::BarCodes), At(14, 3, 4));
 }

@@ -4,6 +4,7 @@
 #include "quality/ReportGrid.h"
 #include "store/DBFEdit.h"
 #include "support/CountingDisk.h"
+#include "support/RefusingDisk.h"
 
 #include <filesystem>
 
@@ -189,6 +190,31 @@ TEST_F(RowWatchTest, ALookAtFilesThatNobodyTouchedReadsNothing) {
     templates.Look();
 
     EXPECT_EQ(disk.BytesRead, 0U);
+}
+
+TEST_F(RowWatchTest, RecordsInNoOrderAreReadInThatOfTheTable) {
+    QualityOffice office;
+    for (int k = 0; k < 20000; ++k) // searches in order, codes far from it
+        office.Tables["ZUKCUST"].push_back(
+            Customer("S" + std::to_string(100000 + k), "C-" + std::to_string(k * 7919 % 20000)));
+    Given(office);
+    const ProblemList problems = ProblemsOf(Check::Customers);
+    ASSERT_EQ(problems.ProblemRows(), 1U);
+    CountingDisk disk;
+    Global.TheDisk = &disk;
+
+    RowWatch watch(problems.Rows());
+
+    EXPECT_LT(disk.BytesRead, 2 * std::filesystem::file_size(Global.DBFPath + "ZUKCust.dbf"));
+}
+
+TEST_F(RowWatchTest, WantOfMemoryIsAFileThatCannotBeRead) {
+    RowWatch watch = Watching();
+    PoorDisk disk;
+    Global.TheDisk = &disk;
+
+    EXPECT_TRUE(watch.Look());
+    EXPECT_EQ(Changed(watch, 2), "xx");
 }
 
 // ---- the report's grid ----

@@ -19,6 +19,7 @@ public:
         under_->WriteAt(offset, bytes);
     }
     std::uint64_t Size() override { return under_->Size(); }
+    std::uint64_t Version() override { return under_->Version(); }
     void Flush() override { disk_.Step(path_); } // what a test writes need not outlive the power
 
 private:

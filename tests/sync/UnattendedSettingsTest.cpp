@@ -5,6 +5,7 @@
 #include "support/EngineTest.h"
 #include "support/Fails.h"
 #include "support/FaultyDisk.h"
+#include "support/RefusingDisk.h"
 #include "support/Rubbish.h"
 
 #include <filesystem>
@@ -93,6 +94,17 @@ TEST_F(UnattendedSettingsTest, AFileThatIsGoneOrTooLargeIsAFailure) {
 
     std::filesystem::resize_file(GivenFile("Every evening.uhs", ""), TextReader::OwnFile + 1);
     EXPECT_EQ(FailureOf([&] { ReadUnattendedSettings(file_); }).Number, 6);
+}
+
+TEST_F(UnattendedSettingsTest, AGlanceSeesWhatStandsThereAndFailsForNothing) {
+    const std::string path =
+        GivenFile("read.uhs", "Download= true \r\nDownloadTemplate=..\\x\r\nClear=perhaps\r\nUpload=1\r\n");
+
+    EXPECT_EQ(GlanceAtUnattendedSettings(path), (UnattendedSettings{true, "..\\x", false, "", false, ""}));
+    EXPECT_EQ(GlanceAtUnattendedSettings(Folder() + "gone.uhs"), UnattendedSettings{});
+    PoorDisk disk;
+    Global.TheDisk = &disk;
+    EXPECT_EQ(GlanceAtUnattendedSettings(path), UnattendedSettings{});
 }
 
 TEST_F(UnattendedSettingsTest, AFullDiskLeavesTheFileThatWasThereAndNoOther) {

@@ -279,7 +279,7 @@ TEST_F(ReportedCellsTest, MarksGoWithTheirRecordsIntoAnotherOrder) {
 
 TEST_F(ReportedCellsTest, RecordsThatAreNamedTwiceOrAreNotThereDoNoHarm) {
     GivenTable(Global.DBFPath, "ZUKCUST", {{"A", "K"}, {"B", "K"}, {"C", "K"}});
-    GivenReport(ViewCust, "C_CODE", "3, 2, 2, 1, 99", "Fatal");
+    GivenReport(ViewCust, "C_CODE", "3, 2, 2, 1, 99, 99999999999999999999, All.dst", "Fatal");
     TableGrid grid(Global.DBFPath + "ZUKCUST.DBF", CustColumns);
     grid.MarkFaulty(ReportedCells().value());
 
