@@ -6,9 +6,12 @@
 #include "support/Fails.h"
 #include "support/FaultyDisk.h"
 #include "support/Lots.h"
+#include "support/RefusingDisk.h"
 #include "support/TableMaker.h"
 #include "support/TableSteps.h"
 
+#include <chrono>
+#include <filesystem>
 #include <functional>
 
 namespace {
@@ -330,6 +333,111 @@ TEST_F(TableRewriteTest, FailingDiskLeavesTheTableAsItWasAndNoWorkFile) {
         }
         EXPECT_GE(failures, 4); // the work file, a write, the flush, the rename
     }
+}
+
+// ---- a content that the table has already ----
+
+class SameContent : public TableRewriteTest {
+protected:
+    static constexpr int Records = 30000; ///< several blocks
+
+    static TableMaker Many() {
+        TableMaker maker = Items();
+        for (int k = 1; k <= Records; ++k) maker.Row({std::to_string(k % 10000), "1", ""});
+        return maker.End(" ");
+    }
+    static void Refill(TableRewrite& rewrite, int from, int to) {
+        for (int k = from; k <= to; ++k) {
+            rewrite.Append();
+            rewrite.Write(1, std::to_string(k % 10000));
+            rewrite.Write(2, "1");
+        }
+    }
+};
+
+TEST_F(SameContent, IsNotWritten) {
+    const std::string path = GivenItems(Many());
+    FaultyDisk full(1);
+    Global.TheDisk = &full;
+
+    TableRewrite rewrite(path);
+    Refill(rewrite, 1, Records);
+    rewrite.Commit();
+
+    Global.TheDisk = &NativeDisk();
+    EXPECT_TRUE(Bytes(path) == Many().Bytes());
+    EXPECT_EQ(Global.Files.Count(), 0);
+}
+
+TEST_F(SameContent, OfATableThatMayNotBeWrittenIsRefusedAsAnyOtherIs) {
+    const std::string path = GivenItems(Many());
+    RefusingDisk disk(path, Access::ReadWrite);
+    Global.TheDisk = &disk;
+
+    EXPECT_EQ(FailureNumber([&] { TableRewrite rewrite(path); }), 70);
+    EXPECT_EQ(Global.Files.Count(), 0);
+}
+
+TEST_F(SameContent, WithBytesBehindTheLastRecordIsWrittenWithoutThem) {
+    for (const char* behind : {" and more", "\x1A", "", "          "}) {
+        const std::string path = GivenItems(Many().End(behind));
+
+        TableRewrite rewrite(path);
+        Refill(rewrite, 1, Records);
+        rewrite.Commit();
+
+        EXPECT_TRUE(Bytes(path) == Many().Bytes()) << behind;
+    }
+}
+
+TEST_F(SameContent, OfATableThatAnotherProgramHasReplacedMeanwhileLeavesTheirs) {
+    const std::string path = GivenItems(Many());
+    const std::string theirs = Items().Row({"X"}).Bytes();
+
+    TableRewrite rewrite(path);
+    Refill(rewrite, 1, Records);
+    std::filesystem::rename(GivenFile("theirs.dbf", theirs), path);
+    rewrite.Commit();
+
+    EXPECT_EQ(Bytes(path), theirs);
+}
+
+TEST_F(SameContent, UpToSomeRecordOfATableThatWasReplacedMeanwhileIsNeverMixedWithTheirs) {
+    const std::string path = GivenItems(Many());
+
+    TableRewrite rewrite(path);
+    Refill(rewrite, 1, Records);
+    std::filesystem::rename(GivenFile("theirs.dbf", Items().Row({"X"}).Bytes()), path);
+    rewrite.Append();
+    rewrite.Write(2, "1");
+    rewrite.Commit();
+
+    EXPECT_TRUE(Bytes(path) == Many().Row({"", "1", ""}).End(" ").Bytes());
+}
+
+TEST_F(SameContent, UpToSomeRecordOfATableThatWasWrittenToMeanwhileIsAFailureAndTheirsStays) {
+    const std::string path = GivenItems(Many());
+    const auto before = std::filesystem::last_write_time(path);
+    {
+        TableRewrite rewrite(path);
+        Refill(rewrite, 1, Records);
+        DBFEdit theirs;
+        theirs.FileOpen(path);
+        theirs.Go(7);
+        theirs.WriteData("I_CODE", "NEW");
+        theirs.UpDate();
+        theirs.FileClose();
+        std::filesystem::last_write_time(path, before + std::chrono::seconds(1)); // coarse clocks
+        rewrite.Append();
+        rewrite.Write(1, "LAST");
+
+        EXPECT_EQ(FailureNumber([&] { rewrite.Commit(); }), 75);
+    }
+    const TableContent content(Bytes(path));
+    EXPECT_EQ(content.Count, Records);
+    EXPECT_EQ(content.Trimmed(7)[0], "NEW");
+    EXPECT_EQ(NativeDisk().FilesIn(Folder()).size(), 1u);
+    EXPECT_EQ(Global.Files.Count(), 0);
 }
 
 TEST_F(TableRewriteTest, ShiftLeavesRecordOneBlankWithZeroesInItsNumbers) {
