@@ -127,6 +127,15 @@ TEST_F(RowWatchTest, AnEmptyTableThatIsFilledMarksItsRow) {
     EXPECT_TRUE(watch.HasChanged(0));
 }
 
+TEST_F(RowWatchTest, AnEmptyTableThatGetsABlankRecordMarksItsRow) {
+    RowWatch watch = Watching(Check::Payments);
+
+    Given({.Tables = {{"ZUKPAY", {{{"PAY_CODE", ""}}}}}});
+
+    EXPECT_TRUE(watch.Look());
+    EXPECT_TRUE(watch.HasChanged(0));
+}
+
 TEST_F(RowWatchTest, ATemplateThatIsRepairedMarksItsRow) {
     GivenTemplate("Upload/All.ust", "Orders=0\r\n");
     RowWatch watch = Watching(Check::Upload);
@@ -188,6 +197,18 @@ TEST_F(RowWatchTest, ALookAtFilesThatNobodyTouchedReadsNothing) {
 
     table.Look();
     templates.Look();
+
+    EXPECT_EQ(disk.BytesRead, 0U);
+}
+
+TEST_F(RowWatchTest, AChangeIsReadOnce) {
+    RowWatch watch = Watching();
+    Write(2, "C_SEARCH", "B1");
+    watch.Look();
+    CountingDisk disk;
+    Global.TheDisk = &disk;
+
+    watch.Look();
 
     EXPECT_EQ(disk.BytesRead, 0U);
 }

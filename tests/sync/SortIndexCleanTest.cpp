@@ -61,6 +61,12 @@ TEST_F(SortIndexCleanTest, TablesThatTheTemplateTurnsOnAreSortedAndTheirKeysClea
     EXPECT_EQ(Column("ZUKBarin", 2), (Values{"1", "0"})) << "the index is of the sorted items";
 }
 
+TEST_F(SortIndexCleanTest, LineThatEndsInAnyOtherThanOneTurnsNothingOn) {
+    GivenTemplate("Customers=2\r\nItems=0\r\nSetup Tables=x\r\nCustomers\r\nItems=1;\r\n");
+
+    EXPECT_EQ(Run(), Values{Rebuilt});
+}
+
 TEST_F(SortIndexCleanTest, LinesAreObeyedInTheirOrder) {
     GivenTemplate("Setup Tables=1\r\nItems=1\r\nCustomers=1\r\n");
 
