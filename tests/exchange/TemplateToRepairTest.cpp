@@ -21,7 +21,8 @@ TEST_F(TemplateToRepairTest, IsTheReportedNameAsTheDiskWritesIt) {
 }
 
 TEST_F(TemplateToRepairTest, IsNoneOfAnotherKindNorOneThatLeadsElsewhere) {
-    for (const char* reported : {"Web.xor", "Firms", "", "1, 2, 3", "../Firms.cst", "..\\Firms.cst", "C:x.cst"})
+    for (const char* reported :
+         {"Web.xor", "Firms", "", "1, 2, 3", "../Firms.cst", "..\\Firms.cst", "C:x.cst"})
         EXPECT_EQ(Of(reported), "") << reported;
 }
 
