@@ -152,7 +152,7 @@ bool ConnectEvent(QObject& control, const QString& event, int index, QObject& co
             return QObject::connect(list, &QListWidget::itemSelectionChanged, &context, run);
         if (auto* view = qobject_cast<QAbstractItemView*>(&control))
             return QObject::connect(view, &QAbstractItemView::clicked, &context, run);
-    } else if (event == QLatin1String("DblClick")) {
+    } else if (event == QLatin1String("DblClick") || event == QLatin1String("RequestEdit")) {
         if (auto* view = qobject_cast<QAbstractItemView*>(&control))
             return QObject::connect(view, &QAbstractItemView::doubleClicked, &context, run);
     } else if (event == QLatin1String("Change")) {

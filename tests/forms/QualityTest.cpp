@@ -356,6 +356,23 @@ TEST_F(QualityGate, TheReportCanBeUsedWhileACallerThatIsModalStands) {
     sender.Show(ShowMode::Modal);
 }
 
+TEST_F(QualityGate, AReportThatIsClosedInAPauseLetsNobodyThrough) {
+    GivenCleanOffice();
+    GivenFatal();
+    bool closed = false;
+    Answering([&](auto& operator_) {
+        operator_.Expect(msg::FatalProblems);
+        QTimer::singleShot(0, qApp, [&] {
+            closed = IfLoaded<frmProgress>() && IfLoaded<frmConfigMsg>();
+            if (closed) The<frmConfigMsg>().Unload();
+        });
+    });
+
+    EXPECT_EQ(Send(), false);
+
+    EXPECT_TRUE(closed);
+}
+
 TEST_F(QualityGate, AHotsyncThatIsBeingStartedHasItsOwnWords) {
     GivenCleanOffice();
     GivenFatal();

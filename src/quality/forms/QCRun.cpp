@@ -30,6 +30,8 @@ void KeepResult(Check check, const ProblemList& problems, std::size_t from) {
 struct Run {
     ProblemList FG1;
     FormProgress Bar;
+    /// A caller waits. The flag itself goes when the report is closed, in a pause too.
+    const bool IsAwaited = Global.QCWaiting;
 };
 
 void BeginRun() {
@@ -53,7 +55,7 @@ void EndWithoutReport() {
 void Stop(const RunTimeFailure& failure, Run& run) {
     run.Bar.Finish();
     Global.QCCheckAll = false;
-    Global.QCFatalFound = Global.QCWaiting; // a table that was not checked does not travel
+    Global.QCFatalFound = run.IsAwaited; // a table that was not checked does not travel
     Tell(Lines(msg::FileError, Text::Path(std::string_view(failure.what()))), Icon::Stop);
     EndWithoutReport();
 }
@@ -111,7 +113,7 @@ void RunChecks(std::span<const Check> checks, bool forHotsync) {
     if (forHotsync && Global.QCHotsyncPending) {
         Tell(msg::FatalHotsync, Icon::Warning);
     } else {
-        if (!Global.QCWaiting) Global.QCFatalFound = false;
+        if (!run.IsAwaited) Global.QCFatalFound = false;
         Tell(msg::FatalProblems, Icon::Warning);
     }
     Release();

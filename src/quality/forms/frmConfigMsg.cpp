@@ -111,7 +111,7 @@ void frmConfigMsg::FG1_SelChange() {
     cmdView->setEnabled(!isTemplate || ScreenOf(*row));
 }
 
-void frmConfigMsg::FG1_DblClick() {
+void frmConfigMsg::FG1_RequestEdit() {
     if (cmdView->isEnabled()) cmdView_Click();
 }
 

@@ -22,7 +22,7 @@ public:
 
 private slots:
     void FG1_SelChange();
-    void FG1_DblClick();
+    void FG1_RequestEdit();
     void FG1_ColumnClick(int column);
     void TimerLook_Timer();
     void cmdView_Click();
