@@ -17,9 +17,9 @@ enum class ShowMode { Modeless, Modal };
 /// wired and captioned by names, with `Form_Load`, `Form_GotFocus` and `Form_Unload`.
 ///
 /// A handler is a private slot named after its control and event: `cmdOK_Click`,
-/// `lstSelected_DblClick`, `FG1_RequestEdit`, `cboSettings_Change`, `Timer2_Timer`, `FG1_ColumnClick(int)`,
-/// `FG1_SelChange`. The
-/// elements `cmdX_1`, `cmdX_2` of a control array share `cmdX_Click(int index)`.
+/// `lstSelected_DblClick`, `FG1_RequestEdit`, `cboSettings_Change`, `Timer2_Timer`,
+/// `FG1_ColumnClick(int)`, `FG1_SelChange`. The elements `cmdX_1`, `cmdX_2` of a control array share
+/// `cmdX_Click(int index)`.
 class FormBehaviour {
 public:
     virtual ~FormBehaviour() = default;
