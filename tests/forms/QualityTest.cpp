@@ -2,6 +2,7 @@
 #include "core/SafeFile.h"
 #include "core/forms/frmMain1.h"
 #include "core/forms/frmProgress.h"
+#include "exchange/forms/frmExport1.h"
 #include "forms/FormTest.h"
 #include "platform/GridView.h"
 #include "quality/forms/QCRun.h"
@@ -20,6 +21,7 @@
 #include <QTimer>
 
 #include <filesystem>
+#include <functional>
 
 namespace {
 
@@ -706,6 +708,25 @@ TEST_F(QualityReport, ARowWhoseRecordWasRepairedTurnsGreyAndSaysSo) {
     EXPECT_FALSE(Report(4).at(1).contains(QString::fromStdString(Text(msg::RowChanged).Utf8())));
     EXPECT_EQ(Grid(report).model()->index(0, 0).data(Qt::ForegroundRole).value<QBrush>(),
               QGuiApplication::palette().brush(QPalette::PlaceholderText));
+}
+
+TEST_F(QualityReport, OfSeveralTemplatesEachScreenSaysWhichItIsFor) {
+    GivenCleanOffice();
+    for (const char* name : {"a.xor", "b.xor"}) GivenFile(Global.ExportTemplates + name, "Filename=\r\n");
+    auto& report = GivenReport("cmdExport2");
+    QStringList titles;
+    QTimer closing;
+    QObject::connect(&closing, &QTimer::timeout, [&] {
+        auto* mapping = IfLoaded<frmExport1>();
+        if (!mapping || !mapping->isVisible()) return;
+        titles << mapping->windowTitle();
+        Click(*mapping, "cmdCancel");
+    });
+    closing.start(1);
+
+    Click(report, "cmdView");
+
+    EXPECT_EQ(titles, (QStringList{"Sales Orders (1 of 2)", "Sales Orders (2 of 2)"}));
 }
 
 TEST_F(QualityReport, TheListIsSavedForASpreadsheet) {

@@ -43,15 +43,18 @@ std::optional<ViewFlag> ViewOf(const ProblemRow& row) {
     return std::nullopt;
 }
 
-/// Opens a screen on the template that `QCViewRecords` names, and waits until it has gone.
+/// Opens a screen on the template that `QCViewRecords` names, and waits until it has gone. `place`
+/// says which of several templates it is.
 template <class F>
-void OpenModal() {
+void OpenModal(const Text& place) {
     auto& form = The<F>();
-    if (!form.IsGone()) form.Show(ShowMode::Modal);
+    if (form.IsGone()) return;
+    if (!place.IsEmpty()) form.setWindowTitle(QStringLiteral("%1 (%2)").arg(form.windowTitle(), ToQt(place)));
+    form.Show(ShowMode::Modal);
 }
 
 /// The screen that keeps the templates of a row; nullptr for one that keeps none.
-void (*ScreenOf(const ProblemRow& row))() {
+void (*ScreenOf(const ProblemRow& row))(const Text& place) {
     if (row.Target == TemplateTarget::Import) return OpenModal<frmConvert>;
     if (row.Target == TemplateTarget::Export) return OpenModal<frmExport1>;
     if (row.Target == TemplateTarget::QuickButtons) return OpenModal<frmOptions>;
@@ -136,10 +139,15 @@ void frmConfigMsg::cmdView_Click() {
 }
 
 void frmConfigMsg::ViewTemplates(const ProblemRow& row) {
-    for (const std::string_view name : SplitText(row.List, ListSeparator)) {
+    const auto names = SplitText(row.List, ListSeparator);
+    std::int64_t place = 0;
+    for (const std::string_view name : names) {
         Global.QCViewMode = true;
         Global.QCViewRecords = Trim(name);
-        ScreenOf(row)();
+        // The screens come one behind the other in the same place, and look alike.
+        ScreenOf(row)(names.size() > 1 ? Words(Text::Value(++place), msg::Of,
+                                               Text::Value(static_cast<std::int64_t>(names.size())))
+                                       : Text());
         if (IsOver()) return;
     }
     // What is opened from now on is not for these templates.
