@@ -1,5 +1,6 @@
 #include "quality/CheckResults.h"
 
+#include "core/Globals.h"
 #include "core/SafeFile.h"
 #include "core/TextCompare.h"
 #include "core/TextFile.h"
@@ -36,6 +37,10 @@ std::optional<CheckResult> ResultOf(std::string_view text) {
 }
 
 } // namespace
+
+std::string CheckResultsFile() {
+    return Global.AppPath + "QCResults.dat";
+}
 
 CheckResults CheckResults::Read(std::string_view path) noexcept {
     CheckResults results;

@@ -6,6 +6,7 @@
 #include <array>
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 
 /// How a check ended when it was run last.
@@ -15,6 +16,9 @@ struct CheckResult {
 
     bool operator==(const CheckResult&) const = default;
 };
+
+/// Where the results are kept: "QCResults.dat" in the application directory.
+std::string CheckResultsFile();
 
 /// The last result of every check, as a file of the office keeps it (docs/files.md).
 class CheckResults {

@@ -5,6 +5,7 @@
 #include "exchange/forms/frmExport1.h"
 #include "forms/FormTest.h"
 #include "platform/GridView.h"
+#include "quality/CheckResults.h"
 #include "quality/forms/QCRun.h"
 #include "quality/forms/frmConfig.h"
 #include "quality/forms/frmConfigMsg.h"

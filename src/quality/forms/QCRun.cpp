@@ -84,10 +84,6 @@ void Do(Check check, Run& run) {
 
 } // namespace
 
-std::string CheckResultsFile() {
-    return Global.AppPath + "QCResults.dat";
-}
-
 void RunSingleCheck(Check check) {
     Run run;
     Do(check, run);

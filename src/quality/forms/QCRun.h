@@ -3,7 +3,6 @@
 #include "quality/Checks.h"
 
 #include <span>
-#include <string>
 
 class FormBehaviour;
 
@@ -26,6 +25,3 @@ void CheckAllProcesses();
 /// Tells that a check comes, has the Configurator check everything and waits for the end of the run.
 /// True when `caller` may go on: no Fatal problem, and the caller still there.
 bool PassQualityCheck(FormBehaviour& caller);
-
-/// Results of the last runs: "QCResults.dat" in the application directory.
-std::string CheckResultsFile();
