@@ -14,24 +14,29 @@
 
 namespace {
 
-/// Keeps how a check ended, for the Configurator to show.
-void KeepResult(Check check, const ProblemList& problems, std::size_t from) {
-    CheckResults results = CheckResults::Read(CheckResultsFile());
-    results.Set(check, {Now(), problems.Count(Severity::Fatal, from), problems.Count(Severity::Warn, from)});
-    try {
-        results.Write(CheckResultsFile());
-    } catch (const RunTimeFailure&) {
-        // Nobody waits for it, and the check itself has its result on the screen.
-    }
-    if (auto* config = IfLoaded<frmConfig>()) config->ShowResults();
-}
-
 /// What a run works on. It belongs to no form: in the pauses of the progress a form can be closed.
 struct Run {
     ProblemList FG1;
     FormProgress Bar;
     /// A caller waits. The flag itself goes when the report is closed, in a pause too.
     const bool IsAwaited = Global.QCWaiting;
+    CheckResults Results = CheckResults::Read(CheckResultsFile());
+
+    /// Notes how a check ended; its rows are those behind the first `from`.
+    void Note(Check check, std::size_t from) {
+        Results.Set(check, {Now(), FG1.Count(Severity::Fatal, from), FG1.Count(Severity::Warn, from)});
+    }
+
+    /// Ends the progress, and keeps the results for the Configurator to show.
+    void Finish() {
+        Bar.Finish();
+        try {
+            Results.Write(CheckResultsFile());
+        } catch (const RunTimeFailure&) {
+            // Nobody waits for it, and the run itself has its result on the screen.
+        }
+        if (auto* config = IfLoaded<frmConfig>()) config->ShowResults();
+    }
 };
 
 void BeginRun() {
@@ -53,7 +58,7 @@ void EndWithoutReport() {
 }
 
 void Stop(const RunTimeFailure& failure, Run& run) {
-    run.Bar.Finish();
+    run.Finish();
     Global.QCCheckAll = false;
     Global.QCFatalFound = run.IsAwaited; // a table that was not checked does not travel
     Tell(Lines(msg::FileError, Text::Path(std::string_view(failure.what()))), Icon::Stop);
@@ -71,10 +76,10 @@ void Do(Check check, Run& run) {
         if (Global.QCCheckAll) throw;
         return Stop(failure, run);
     }
-    KeepResult(check, run.FG1, before);
+    run.Note(check, before);
     if (Global.QCCheckAll) return;
 
-    run.Bar.Finish();
+    run.Finish();
     Global.QCFatalFound = false; // nobody waits for a single check
     if (Global.Ending) return;
     if (run.FG1.ProblemFound()) return The<frmConfigMsg>().ShowProblems(std::move(run.FG1));
@@ -98,7 +103,7 @@ void RunChecks(std::span<const Check> checks, bool forHotsync) {
     } catch (const RunTimeFailure& failure) {
         return Stop(failure, run);
     }
-    run.Bar.Finish();
+    run.Finish();
     Global.QCCheckAll = false;
     if (Global.Ending) return;
     if (!Global.QCFatalFound) {
