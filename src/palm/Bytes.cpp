@@ -4,7 +4,8 @@
 
 std::string_view ByteReader::Take(std::size_t size) {
     if (size > bytes_.size()) {
-        Fail("cut off: " + std::to_string(size) + " bytes wanted, " + std::to_string(bytes_.size()) + " there");
+        Fail("cut off: " + std::to_string(size) + " bytes wanted, " + std::to_string(bytes_.size()) +
+             " there");
     }
     const std::string_view piece = bytes_.substr(0, size);
     bytes_.remove_prefix(size);

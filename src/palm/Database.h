@@ -61,7 +61,7 @@ struct DatabaseHeader {
 
 /// One handheld database: records, or resources when its header says so.
 struct Database : DatabaseHeader {
-    std::uint32_t IdSeed = 0; ///< 24 bits
+    std::uint32_t IdSeed = 0;      ///< 24 bits
     std::string AppInfo, SortInfo; ///< empty: none
     std::vector<DatabaseRecord> Records;
     std::vector<DatabaseResource> Resources;

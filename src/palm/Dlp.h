@@ -79,7 +79,13 @@ enum class DlpError : std::uint16_t {
 std::string WordsOf(DlpError error);
 
 /// Why a desktop ends a session.
-enum class EndCode : std::uint16_t { Normal = 0, OutOfMemory = 1, Cancelled = 2, Other = 3, Incompatible = 4 };
+enum class EndCode : std::uint16_t {
+    Normal = 0,
+    OutOfMemory = 1,
+    Cancelled = 2,
+    Other = 3,
+    Incompatible = 4
+};
 
 struct DlpArgument {
     std::uint8_t Id = 0x20; ///< 0x20 the first, then 0x21, 0x22
@@ -95,7 +101,8 @@ struct DlpRequest {
     DlpRequest() = default;
     explicit DlpRequest(DlpFunction function) : Function(function) {}
     DlpRequest(DlpFunction function, std::string argument)
-        : Function(function), Arguments{{0x20, std::move(argument)}} {}
+        : Function(function),
+          Arguments{{0x20, std::move(argument)}} {}
 
     /// The argument of an id; nullptr when there is none.
     const DlpArgument* Find(std::uint8_t id) const;
@@ -112,9 +119,11 @@ struct DlpResponse {
 
     DlpResponse() = default;
     explicit DlpResponse(DlpFunction function, DlpError error = DlpError::None)
-        : Function(function), Error(error) {}
+        : Function(function),
+          Error(error) {}
     DlpResponse(DlpFunction function, std::string argument)
-        : Function(function), Arguments{{0x20, std::move(argument)}} {}
+        : Function(function),
+          Arguments{{0x20, std::move(argument)}} {}
 
     const DlpArgument* Find(std::uint8_t id) const;
     std::string_view Argument(std::uint8_t id = 0x20) const;
