@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -22,9 +23,11 @@ struct HotSyncUser {
 /// The users that the HotSync Manager knows, in the order in which they came, and their folders: the
 /// file `Users.txt` of the manager's folder, see docs/files.md.
 ///
-/// A change is in the file when its routine returns. A routine that fails has changed nothing; the
-/// failure's words say why. Ids that no user has are RunTimeFailure 5, a file that cannot be written
-/// fails as SafeFile. Pointers and references to users hold until the next change.
+/// A change is in the file when its routine returns. A routine that fails has changed nothing but for an
+/// empty folder; the failure's words say why. (When a folder cannot be renamed, and the file cannot be
+/// brought back, the user keeps the new name, and the folder follows at the next Load.) Ids that no user
+/// has are RunTimeFailure 5, a file that cannot be written fails as SafeFile. Pointers and references to
+/// users hold until the next change.
 class HotSyncUsers {
 public:
     /// The width of the Links table's field for a HotSync id.
@@ -77,28 +80,32 @@ public:
     std::function<void()> Changed;
 
 private:
-    /// A folder that is to get another name: written down first, so that it is not forgotten.
+    /// A folder that is to get another name. Written down before it has it.
     struct Move {
         std::string From, To; ///< code page 1252
     };
     struct Content {
         std::vector<std::string> Comments;
         std::vector<HotSyncUser> Users;
-        std::vector<Move> Moves;
+        std::optional<Move> Pending;
     };
 
     Content Read() const;
-    void Write(const std::vector<HotSyncUser>& users, const std::vector<Move>& moves);
+    static void TakeLine(std::string_view line, Content& content);
+    static Move ReadMove(std::string_view line);
+    void Write(const std::vector<HotSyncUser>& users, const std::optional<Move>& pending) const;
     void Take(std::vector<HotSyncUser> users);
     void TakeWithFolder(std::vector<HotSyncUser> users, const Move& move);
-    void FinishMoves();
+    void FinishMove();
+    bool StandsInTheWay(const Move& move) const;
     void CheckName(std::string_view name, std::uint32_t id) const;
+    std::uint32_t FreeId() const;
     std::size_t PlaceOf(std::uint32_t id) const;
     std::string FolderNamed(std::string_view name) const;
     std::string NameForDeleted(std::string_view name) const;
 
     std::string folder_;
-    std::vector<std::string> comments_;
+    std::vector<std::string> comments_; ///< lines of the operator's own, kept at the file's head
     std::vector<HotSyncUser> users_;
-    std::vector<Move> moves_;
+    std::optional<Move> pending_;
 };
