@@ -1,7 +1,7 @@
 #pragma once
 
 #include <cstdint>
-#include <span>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -26,12 +26,11 @@ struct ManagerSettings {
 
 /// What a setting that is a whole number may be.
 struct ManagerSettingRange {
-    std::string_view Key;
     std::int64_t Least = 0, Most = 0;
 };
 
-/// All settings that are whole numbers, in the file's order.
-std::span<const ManagerSettingRange> ManagerSettingRanges();
+/// Nothing for a setting that is no whole number. RunTimeFailure 5 for a key that is none.
+std::optional<ManagerSettingRange> RangeOfManagerSetting(std::string_view key);
 
 /// A setting by its key, as the file has it, and back. RunTimeFailure 13 with the reason for a value that
 /// cannot be it, 5 for a key that is none. Keys are taken in any case.
