@@ -20,10 +20,10 @@ public:
     /// `folder` is the manager's, in the file system's encoding.
     explicit SessionLog(std::string folder);
 
-    /// Adds a line with the date and time before it. Control characters become '?', so that nothing that
-    /// a handheld says can look like a line of its own. Never fails: lines that the disk does not take are
-    /// counted, and the next one that it takes is preceded by one that says how many are missing.
-    void Write(std::string_view line) noexcept;
+    /// Adds a line with the date and time before it. Control characters become '?', so that nothing that a
+    /// handheld says can look like a line of its own. A disk that does not take it is no failure: such lines
+    /// are counted, and the next one that it takes comes behind one that says how many are missing.
+    void Write(std::string_view line);
 
     /// Up to so many of the last lines, the newest at the end. Never fails.
     std::vector<std::string> Last(std::size_t lines) const noexcept;
@@ -32,6 +32,8 @@ public:
     std::function<void(const std::string& line)> Written;
 
 private:
+    void Append(std::string_view line) const;
+
     std::string folder_;
     std::size_t missing_ = 0;
 };
