@@ -70,6 +70,13 @@ struct BadLine {
     throw BadLine{std::string(why) + ": " + WithoutControls(what)};
 }
 
+/// The pieces between tabs, an empty one at the end included.
+std::vector<std::string_view> ColumnsOf(std::string_view line) {
+    auto columns = SplitText(line, "\t");
+    if (line.ends_with('\t')) columns.push_back(line.substr(line.size()));
+    return columns;
+}
+
 /// Names are kept in UTF-8; one that the code page cannot hold would come back as another.
 std::string ReadName(std::string_view utf8) {
     std::string name = Utf8ToCodePage(utf8);
@@ -98,7 +105,7 @@ bool ReadIncomplete(std::string_view text) {
 }
 
 HotSyncUser ReadUser(std::string_view line, const std::vector<HotSyncUser>& before) {
-    const auto columns = SplitText(line, "\t");
+    const auto columns = ColumnsOf(line);
     if (columns.size() != 4) Refuse("not the four columns of a user, parted by tabs", line);
     const HotSyncUser user{ReadId(columns[0]), ReadName(columns[1]), ReadLastSync(columns[2]),
                            ReadIncomplete(columns[3])};
@@ -152,7 +159,7 @@ void HotSyncUsers::TakeLine(std::string_view line, Content& content) {
 }
 
 HotSyncUsers::Move HotSyncUsers::ReadMove(std::string_view line) {
-    const auto columns = SplitText(line, "\t");
+    const auto columns = ColumnsOf(line);
     if (columns.size() != 3) Refuse("not the three columns of a renaming, parted by tabs", line);
     Move move{ReadName(columns[1]), ReadName(columns[2])};
     for (const std::string& name : {move.From, move.To}) {
