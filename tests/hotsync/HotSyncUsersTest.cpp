@@ -461,6 +461,32 @@ TEST_F(HotSyncUsersTest, AFolderThatStayedBehindFollowsBeforeItsNameIsUsedAgain)
     EXPECT_FALSE(Exists(Path("ANNA/Install/a.pdb")));
 }
 
+TEST_F(HotSyncUsersTest, WhereverARenamingIsCutOffTheNextStartFindsTheUserWithItsFolder) {
+    int before = 0;
+    int behind = 0;
+    for (int call = 1; before + behind < call; ++call) {
+        const std::string folder = Folder() + "Cut " + std::to_string(call) + "/";
+        GivenFile("Cut " + std::to_string(call) + "/ANNA/Install/a.pdb", "x");
+        HotSyncUsers users(folder);
+        users.New("ANNA");
+        FaultyDisk disk(call); // nothing works any more from this call on: as if the process had ended there
+        Global.TheDisk = &disk;
+        const bool failed = FailureNumber([&] { users.Rename(users.All()[0].Id, "CLARA"); }) != 0;
+        Global.TheDisk = &NativeDisk();
+
+        HotSyncUsers again(folder);
+        again.Load();
+
+        ASSERT_EQ(again.All().size(), 1u);
+        EXPECT_EQ(Bytes(again.InstallFolder(again.All()[0]) + "a.pdb"), "x") << call;
+        EXPECT_EQ(Global.TheDisk->FoldersIn(folder).size(), 1u) << call;
+        ++(again.All()[0].Name == "ANNA" ? before : behind);
+        if (!failed) break;
+    }
+    EXPECT_GE(before, 3);
+    EXPECT_GE(behind, 2);
+}
+
 TEST_F(HotSyncUsersTest, ARenamingThatIsDoneIsNotDoneAgain) {
     GivenUsersFile("7\tCLARA\tnever\tcomplete\nmove\tANNA\tCLARA\n");
     GivenFile("HotSync/CLARA/Install/hers.pdb", "x");
