@@ -222,7 +222,8 @@ void Session::Move(const QueuedTransfer& transfer) {
         ++moved_;
         std::string line = moving_ + ": " + Counted(result.Records, "record");
         if (result.WasMissing) line += ", the handheld has no such table";
-        if (result.LeftBehind != 0) line += ", " + std::to_string(result.LeftBehind) + " marked as deleted not sent";
+        if (result.LeftBehind != 0)
+            line += ", " + std::to_string(result.LeftBehind) + " marked as deleted not sent";
         if (result.Signatures != 0) line += ", " + Counted(result.Signatures, "signature");
         Say(line + ", " + SecondsSince(begun));
         for (const std::string& odd : result.Odd) Say(Utf8ToCodePage(odd));

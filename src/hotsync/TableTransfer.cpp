@@ -23,7 +23,7 @@ constexpr std::string_view SignedTable = "ZUKORHDR";
 constexpr std::uint16_t LongestPiece = LongestRecord - 100;
 
 /// Tables that the office keeps and handhelds only carry: one that a handheld lacks was never sent to it.
-constexpr std::array<std::string_view, 9> OfficeKeeps{"ZUKCUST", "ZUKITEM",  "ZUKSTAX",  "ZUKPAY",  "ZUKCOMP",
+constexpr std::array<std::string_view, 9> OfficeKeeps{"ZUKCUST",  "ZUKITEM",  "ZUKSTAX", "ZUKPAY",  "ZUKCOMP",
                                                       "ZUKSETUP", "ZUKPRINT", "ZUKHELP", "ZUKBARIN"};
 
 std::string WorkName(const std::string& name) {
@@ -104,7 +104,8 @@ struct TableTransfer::Columns {
         for (std::size_t k = 0; k < from.Fields.size(); ++k) {
             const std::size_t length = from.Fields[k].Length;
             const int to = Places.empty() ? static_cast<int>(k) + 1 : Places[k];
-            record.replace(static_cast<std::size_t>(layout.FieldStart(to)) - 1, length, fields.substr(at, length));
+            record.replace(static_cast<std::size_t>(layout.FieldStart(to)) - 1, length,
+                           fields.substr(at, length));
             at += length;
         }
         Table.AppendRaw(TableLayout::Live, record);
@@ -226,7 +227,8 @@ TableTransfer::Result TableTransfer::FetchNone(std::string_view path, const std:
     return result;
 }
 
-HandheldRecord TableTransfer::ReadWhole(std::uint8_t handle, std::uint16_t index, const HandheldLayout& layout) {
+HandheldRecord TableTransfer::ReadWhole(std::uint8_t handle, std::uint16_t index,
+                                        const HandheldLayout& layout) {
     const std::string deed = "read record " + std::to_string(index + 1);
     RecordAnswer answer = ReadRecordAnswer(line_.Need(PackReadRecord(handle, index, 0, LongestPiece), deed));
     std::string data = std::move(answer.Record.Data);
@@ -234,7 +236,8 @@ HandheldRecord TableTransfer::ReadWhole(std::uint8_t handle, std::uint16_t index
         const auto offset = static_cast<std::uint16_t>(data.size());
         const RecordAnswer more =
             ReadRecordAnswer(line_.Need(PackReadRecord(handle, index, offset, LongestPiece), deed));
-        if (more.Size != answer.Size || more.Record.Data.empty()) throw PalmFailure(deed + ": it changed meanwhile");
+        if (more.Size != answer.Size || more.Record.Data.empty())
+            throw PalmFailure(deed + ": it changed meanwhile");
         data += more.Record.Data;
     }
     if (data.size() != answer.Size) throw PalmFailure(deed + ": more bytes than the record has");
@@ -285,7 +288,8 @@ TableTransfer::Result TableTransfer::Send(std::string_view path, const std::stri
         ++result.Records;
     }
     step_(scan.RecordCount(), scan.RecordCount());
-    if (CountRecords(handle, name) != result.Records) throw TransferFailure(name + ": the handheld lost records");
+    if (CountRecords(handle, name) != result.Records)
+        throw TransferFailure(name + ": the handheld lost records");
     line_.Need(PackSetDBInfo(handle, WholeTable, {}), "finish " + name);
     Close(handle);
     return result;
@@ -377,7 +381,8 @@ std::vector<std::string> TableTransfer::Recover() {
         };
         std::vector<std::string> concerned;
         for (const DatabaseInfo& info : all) {
-            const std::string name = info.Name.substr(0, info.Name.size() - std::min<std::size_t>(info.Name.size(), 1));
+            const std::string name =
+                info.Name.substr(0, info.Name.size() - std::min<std::size_t>(info.Name.size(), 1));
             const bool isTable = info.Creator == HandheldCreator && !TableOfDatabase(name).empty();
             if (info.Name != InstallWork && (!isTable || info.Name != WorkName(name))) continue;
             concerned.push_back(info.Name);

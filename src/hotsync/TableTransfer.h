@@ -39,7 +39,7 @@ public:
         std::int32_t Records = 0;
         std::int32_t LeftBehind = 0; ///< marked as deleted, and not sent
         std::int32_t Signatures = 0;
-        bool WasMissing = false; ///< the handheld had no such table
+        bool WasMissing = false;      ///< the handheld had no such table
         std::vector<std::string> Odd; ///< what was passed over, in words; UTF-8
     };
 
@@ -72,7 +72,8 @@ private:
         Ink Drawing;
     };
 
-    template <class Deed> auto Guarded(const std::string& work, Deed deed);
+    template <class Deed>
+    auto Guarded(const std::string& work, Deed deed);
     Result Fetch(std::string_view path, const std::string& name);
     Result FetchNone(std::string_view path, const std::string& name);
     Result Send(std::string_view path, const std::string& work);

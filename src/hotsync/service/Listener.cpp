@@ -21,7 +21,8 @@ QHostAddress AddressOf(const ManagerSettings& settings) {
 }
 
 std::string CallerOf(const QTcpSocket& socket) {
-    return (socket.peerAddress().toString() + QLatin1Char(' ') + QString::number(socket.peerPort())).toStdString();
+    return (socket.peerAddress().toString() + QLatin1Char(' ') + QString::number(socket.peerPort()))
+        .toStdString();
 }
 
 /// Lets what was sent last arrive, and the socket go when it has.
@@ -52,8 +53,8 @@ bool Listener::Listen(const ManagerSettings& settings, QString& why) {
     }
     // The lookup is a help and no condition.
     if (settings.Lookup && !lookup_.bind(AddressOf(settings), settings.LookupPort)) {
-        log_.Write("handhelds cannot look this computer up on port " + std::to_string(settings.LookupPort) + ": " +
-                   Utf8ToCodePage(lookup_.errorString().toStdString()));
+        log_.Write("handhelds cannot look this computer up on port " + std::to_string(settings.LookupPort) +
+                   ": " + Utf8ToCodePage(lookup_.errorString().toStdString()));
     }
     return true;
 }
@@ -69,9 +70,11 @@ void Listener::Accept() {
         std::unique_ptr<QTcpSocket> socket(connected);
         socket->setParent(nullptr);
         const std::string caller = CallerOf(*socket);
-        std::erase_if(waiting_, [](const auto& each) { return each->state() != QAbstractSocket::ConnectedState; });
+        std::erase_if(waiting_,
+                      [](const auto& each) { return each->state() != QAbstractSocket::ConnectedState; });
         if (waiting_.size() > mayWait_ || (serving_ && waiting_.size() == mayWait_)) {
-            log_.Write(caller + ": turned away, " + std::to_string(waiting_.size()) + " handhelds wait already");
+            log_.Write(caller + ": turned away, " + std::to_string(waiting_.size()) +
+                       " handhelds wait already");
             socket->abort();
             continue;
         }

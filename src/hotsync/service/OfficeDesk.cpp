@@ -83,7 +83,8 @@ void OfficeDesk::Read(Program& program) {
 void OfficeDesk::Take(Program& program, const ManagerMessage& message) {
     const std::string& verb = message.Verb;
     if (!program.Greeted) {
-        if (verb != "HELLO" || message.TextAt(0) != Version) throw RunTimeFailure(5, "it did not say HELLO 1");
+        if (verb != "HELLO" || message.TextAt(0) != Version)
+            throw RunTimeFailure(5, "it did not say HELLO 1");
         program.Greeted = true;
         Send(program, services_.Welcome());
         Send(program, UsersMessage());
@@ -106,7 +107,8 @@ void OfficeDesk::Take(Program& program, const ManagerMessage& message) {
         if (!isUpload && message.TextAt(0) != "DOWNLOAD") why = "neither UPLOAD nor DOWNLOAD";
         if (program.Commands.size() >= MostCommands) why = "too many commands";
         if (!why.empty()) return Send(program, {"REFUSED", {path, why}});
-        program.Commands.push_back({isUpload ? QueuedTransfer::Way::Upload : QueuedTransfer::Way::Download, path});
+        program.Commands.push_back(
+            {isUpload ? QueuedTransfer::Way::Upload : QueuedTransfer::Way::Download, path});
     } else if (verb == "FLUSH") {
         Flush(program, message);
     } else if (verb == "UNFLUSH") {
@@ -191,7 +193,8 @@ void OfficeDesk::SayExiting() {
 OfficeDesk::Program* OfficeDesk::Latest(std::string_view creator) {
     Program* latest = nullptr;
     for (const auto& program : programs_) {
-        if (program->Creator == creator && (!latest || program->Enabled > latest->Enabled)) latest = program.get();
+        if (program->Creator == creator && (!latest || program->Enabled > latest->Enabled))
+            latest = program.get();
     }
     return latest;
 }
@@ -248,8 +251,8 @@ void OfficeDesk::DropTransfers() {
     services_.StopPicking();
 }
 
-SessionDesk::Picking OfficeDesk::PickUser(const std::vector<HotSyncUser>& users, std::chrono::milliseconds wait,
-                                          std::uint32_t& picked) {
+SessionDesk::Picking OfficeDesk::PickUser(const std::vector<HotSyncUser>& users,
+                                          std::chrono::milliseconds wait, std::uint32_t& picked) {
     return services_.Pick(users, wait, picked);
 }
 

@@ -19,11 +19,12 @@ class OfficeDesk final : public QObject, public SessionDesk {
 public:
     /// What the rest of the manager does for a program.
     struct Services {
-        std::function<ManagerMessage()> Welcome;                   ///< where the manager is, and listens
-        std::function<void(const std::string& caption)> Arm;       ///< a program waits for the next handheld
-        std::function<void()> Disarm;                              ///< and does no longer
+        std::function<ManagerMessage()> Welcome;             ///< where the manager is, and listens
+        std::function<void(const std::string& caption)> Arm; ///< a program waits for the next handheld
+        std::function<void()> Disarm;                        ///< and does no longer
         std::function<void(bool ask)> Exit;
-        std::function<Picking(const std::vector<HotSyncUser>&, std::chrono::milliseconds, std::uint32_t&)> Pick;
+        std::function<Picking(const std::vector<HotSyncUser>&, std::chrono::milliseconds, std::uint32_t&)>
+            Pick;
         std::function<void()> StopPicking;
     };
 
@@ -59,10 +60,10 @@ private:
         QLocalSocket* Socket = nullptr;
         ManagerMessageReader Reader;
         bool Greeted = false;
-        std::string Creator;      ///< whose sessions it takes part in; empty: none
+        std::string Creator;       ///< whose sessions it takes part in; empty: none
         std::uint64_t Enabled = 0; ///< the larger, the later
-        bool Busy = false;        ///< a status has been sent and not been handled
-        std::int32_t Status = 0;  ///< that status
+        bool Busy = false;         ///< a status has been sent and not been handled
+        std::int32_t Status = 0;   ///< that status
         std::deque<ManagerMessage> Pending;
         std::deque<QueuedTransfer> Commands;
     };
