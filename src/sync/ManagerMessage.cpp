@@ -39,7 +39,8 @@ std::string Unescaped(std::string_view piece) {
 }
 
 bool IsVerb(std::string_view verb) {
-    return !verb.empty() && std::all_of(verb.begin(), verb.end(), [](char c) { return c >= 'A' && c <= 'Z'; });
+    return !verb.empty() &&
+           std::all_of(verb.begin(), verb.end(), [](char c) { return c >= 'A' && c <= 'Z'; });
 }
 
 } // namespace
