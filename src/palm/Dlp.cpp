@@ -458,7 +458,8 @@ DlpRequest PackWriteSortBlock(std::uint8_t handle, std::string_view block) {
     return request;
 }
 
-DlpRequest PackReadRecord(std::uint8_t handle, std::uint16_t index, std::uint16_t offset, std::uint16_t count) {
+DlpRequest PackReadRecord(std::uint8_t handle, std::uint16_t index, std::uint16_t offset,
+                          std::uint16_t count) {
     ByteWriter bytes;
     bytes.U8(handle).U8(0).U16(index).U16(offset).U16(count);
     DlpRequest request(DlpFunction::ReadRecord);

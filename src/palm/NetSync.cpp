@@ -77,7 +77,8 @@ std::optional<NetPacket> PacketReader::Next() {
 }
 
 NetPacket HandheldHello() {
-    return {NetPacket::Data, HandshakeTransaction, HandshakeMessage(Hello, std::string("\x02\0\0\0\0\0\0\0", 8))};
+    return {NetPacket::Data, HandshakeTransaction,
+            HandshakeMessage(Hello, std::string("\x02\0\0\0\0\0\0\0", 8))};
 }
 
 std::optional<NetPacket> HandheldAnswer(const NetPacket& request, std::uint32_t address, std::uint16_t port) {
