@@ -93,6 +93,12 @@ std::int64_t DaysOf(std::int64_t year, std::int64_t month, std::int64_t day) {
     return 365 * y + y / 4 - y / 100 + y / 400 + (153 * m + 2) / 5 + day - 1 - DaysBefore1904;
 }
 
+int DaysIn(int year, int month) {
+    constexpr std::array<int, 12> days{31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+    const bool isLeapDay = month == 2 && ((year % 4 == 0 && year % 100 != 0) || year % 400 == 0);
+    return days.at(static_cast<std::size_t>(month - 1)) + (isLeapDay ? 1 : 0);
+}
+
 std::string_view CutName(std::string_view name) {
     return name.substr(0, LongestDatabaseName);
 }
@@ -222,7 +228,8 @@ DlpResponse ReadResponse(std::string_view message) {
 }
 
 std::uint32_t DlpDate::Seconds() const {
-    if (Year < 1904 || Month < 1 || Month > 12 || Day < 1 || Day > 31) return 0;
+    if (Year < 1904 || Month < 1 || Month > 12 || Day < 1 || Day > DaysIn(Year, Month)) return 0;
+    if (Hour > 23 || Minute > 59 || Second > 59) return 0;
     const std::int64_t seconds = ((DaysOf(Year, Month, Day) * 24 + Hour) * 60 + Minute) * 60 + Second;
     return seconds > 0xFFFFFFFF ? 0 : static_cast<std::uint32_t>(seconds);
 }
