@@ -224,6 +224,7 @@ DlpResponse ReadResponse(std::string_view message) {
     const std::size_t count = from.U8();
     response.Error = static_cast<DlpError>(from.U16());
     response.Arguments = ReadArguments(from, count);
+    if (response.Error != DlpError::None) response.Arguments.clear();
     return response;
 }
 
