@@ -285,9 +285,11 @@ SysInfo ReadSysInfo(const DlpResponse& response) {
         ByteReader protocol(argument->Data, "protocol information");
         info.DlpMajor = protocol.U16();
         info.DlpMinor = protocol.U16();
-        info.CompatMajor = protocol.U16();
-        info.CompatMinor = protocol.U16();
-        info.LongestRecord = protocol.U32();
+        if (protocol.Left() > 0) { // older handhelds end here
+            info.CompatMajor = protocol.U16();
+            info.CompatMinor = protocol.U16();
+            info.LongestRecord = protocol.U32();
+        }
     }
     return info;
 }
