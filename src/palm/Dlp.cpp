@@ -12,6 +12,8 @@ constexpr std::uint8_t SmallForm = 0x80;
 constexpr std::uint8_t IdMask = 0x3F;
 constexpr std::size_t LongestArgument = 0xFFFF;
 constexpr std::size_t LongestUserName = 40;
+constexpr std::uint32_t Low24 = 0xFFFFFF;
+constexpr std::uint8_t LastCategory = 15;
 
 // Lists and searches.
 constexpr std::uint8_t ListRam = 0x80, ListSeveral = 0x20;
@@ -317,6 +319,7 @@ UserInfo ReadUserInfo(const DlpResponse& response) {
     from.Skip(1); // of the password, which is nobody's business here
     const std::string_view name = from.Take(nameSize);
     info.Name = name.substr(0, name.find('\0'));
+    if (info.Name.size() > LongestUserName) from.Fail("a name of more than 40 bytes");
     return info;
 }
 
@@ -371,6 +374,9 @@ std::uint16_t ReadListRequest(const DlpRequest& request, bool& several) {
 }
 
 DlpResponse PackDatabaseList(const DatabaseList& list) {
+    if (list.Databases.size() > 0xFF) {
+        throw PalmFailure("a list of " + std::to_string(list.Databases.size()) + " databases");
+    }
     ByteWriter bytes;
     bytes.U16(list.LastIndex).U8(list.More ? ListMore : 0).U8(static_cast<unsigned>(list.Databases.size()));
     for (const DatabaseInfo& info : list.Databases) bytes.Put(PackDatabaseInfo(info));
@@ -487,11 +493,14 @@ DlpResponse PackRecord(DlpFunction function, const RecordAnswer& answer) {
 RecordAnswer ReadRecordAnswer(const DlpResponse& response) {
     ByteReader from(response.Argument(), "record");
     RecordAnswer answer;
-    answer.Record.Id = from.U32();
+    answer.Record.Id = from.U32() & Low24;
     answer.Index = from.U16();
     answer.Size = from.U16();
     answer.Record.Flags = from.U8();
     answer.Record.Category = from.U8();
+    if (answer.Record.Category > LastCategory) {
+        from.Fail("category " + std::to_string(answer.Record.Category));
+    }
     answer.Record.Data = from.Rest();
     if (answer.Record.Data.size() > answer.Size) from.Fail("more bytes than the record has");
     return answer;
