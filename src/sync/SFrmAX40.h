@@ -60,4 +60,4 @@ public:
 };
 
 /// All users that the HotSync Manager knows, in its order; none without a manager.
-std::vector<std::string> HotSyncUsers(const SFrmAX40& control);
+std::vector<std::string> KnownUsers(const SFrmAX40& control);

@@ -297,9 +297,9 @@ TEST_F(Links, ARecordThatIsNoLongerThereIsNotWrittenOverAnother) {
 // ---- the users of the HotSync Manager ----
 
 TEST(HotSyncUsersOf, AManagerAreReadInItsOrderUntilAnEmptyName) {
-    EXPECT_EQ(HotSyncUsers(IdleControl({"Zoe", "Anna"})), (Names{"Zoe", "Anna"}));
-    EXPECT_EQ(HotSyncUsers(IdleControl({"Zoe", "", "Anna"})), Names{"Zoe"});
-    EXPECT_EQ(HotSyncUsers(IdleControl(Names{})), Names{});
+    EXPECT_EQ(KnownUsers(IdleControl({"Zoe", "Anna"})), (Names{"Zoe", "Anna"}));
+    EXPECT_EQ(KnownUsers(IdleControl({"Zoe", "", "Anna"})), Names{"Zoe"});
+    EXPECT_EQ(KnownUsers(IdleControl(Names{})), Names{});
 }
 
 } // namespace
