@@ -22,3 +22,8 @@ add_executable(wire ${CMAKE_SOURCE_DIR}/tools/wire.cpp)
 target_link_libraries(wire PRIVATE wirerig)
 set_target_properties(wire PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
 add_dependencies(wire hotsync handheld)
+
+add_executable(wirebench ${CMAKE_SOURCE_DIR}/bench/wire.cpp)
+target_link_libraries(wirebench PRIVATE wirerig)
+set_target_properties(wirebench PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+add_dependencies(wirebench hotsync handheld)
