@@ -53,6 +53,7 @@ target_compile_definitions(ZUKTramble PRIVATE TRAMBLE_VERSION="${PROJECT_VERSION
 set_target_properties(ZUKTramble PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin WIN32_EXECUTABLE ON)
 
 include(Driver)
+include(Programs)
 
 # The demonstration of a working day, and the pictures of all screens.
 add_library(officeforday STATIC ${CMAKE_SOURCE_DIR}/tools/OfficeForDay.cpp ${CMAKE_SOURCE_DIR}/tools/OfficeForDay.h)

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "hotsync/forms/ManagerDesk.h"
+#include "hotsync/service/Listener.h"
+#include "hotsync/service/OfficeDesk.h"
+
+#include <memory>
+#include <string>
+
+/// The HotSync Manager: its files, the handhelds' line, the programs' line, and the windows between them.
+class Manager final : public ManagerDesk {
+public:
+    /// `folder` is the manager's, with its trailing separator. RunTimeFailure, with file, line and reason,
+    /// when its users or settings cannot be read.
+    explicit Manager(std::string folder);
+    ~Manager() override;
+
+    /// Opens both lines. RunTimeFailure 75 without the programs' one; without the handhelds' one the
+    /// window and the log say so.
+    void Start();
+
+    HotSyncUsers& Users() override { return users_; }
+    SessionLog& Log() override { return log_; }
+    std::optional<std::uint32_t> UserInSession() const override;
+    ListeningState Listening() const override { return listening_; }
+    const ManagerSettings& Settings() const override { return settings_; }
+    void TakeSettings(const ManagerSettings& settings) override;
+    void End() override;
+
+private:
+    class Watcher;
+
+    void Listen();
+    void Serve(QTcpSocket& socket);
+    std::vector<std::string> Creators();
+    ManagerMessage Welcome() const;
+    void AskToEnd(bool ask);
+    void EndIfWanted();
+    SessionDesk::Picking Pick(const std::vector<HotSyncUser>& users, std::chrono::milliseconds wait,
+                              std::uint32_t& picked);
+
+    std::string folder_;
+    HotSyncUsers users_;
+    SessionLog log_;
+    ManagerSettings settings_;
+    OfficeDesk desk_;
+    Listener listener_;
+    ListeningState listening_;
+    std::unique_ptr<Watcher> watcher_;
+    std::optional<std::uint32_t> inSession_;
+    bool endWanted_ = false;
+};
+
+/// The whole run of the HotSync Manager; the exit code. Options: `--minimised` starts it out of the way,
+/// `--register` enters it into the registry and ends.
+int RunManager(int argc, char** argv, const char* version);
