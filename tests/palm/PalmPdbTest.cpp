@@ -73,19 +73,19 @@ std::string FlagsOf(const DatabaseRecord& record) {
 /// A database in the lines of independent/palmpdb.js.
 Rows Told(const std::string& path, const Database& database) {
     Rows lines = {"file " + path,
-                   std::string("kind ") + (database.IsResource() ? "PRC" : "PDB"),
-                   "name " + CodePageToUtf8(database.Name),
-                   "flags " + FlagsOf(database),
-                   "version " + std::to_string(database.Version),
-                   "created " + MomentOf(database.Created),
-                   "modified " + MomentOf(database.Modified),
-                   "backup " + MomentOf(database.BackedUp),
-                   "modification " + std::to_string(database.ModificationNumber),
-                   "type " + FourOf(database.Type),
-                   "creator " + FourOf(database.Creator),
-                   "seed " + std::to_string(database.IdSeed),
-                   "appinfo " + HexOf(database.AppInfo),
-                   "sortinfo " + HexOf(database.SortInfo)};
+                  std::string("kind ") + (database.IsResource() ? "PRC" : "PDB"),
+                  "name " + CodePageToUtf8(database.Name),
+                  "flags " + FlagsOf(database),
+                  "version " + std::to_string(database.Version),
+                  "created " + MomentOf(database.Created),
+                  "modified " + MomentOf(database.Modified),
+                  "backup " + MomentOf(database.BackedUp),
+                  "modification " + std::to_string(database.ModificationNumber),
+                  "type " + FourOf(database.Type),
+                  "creator " + FourOf(database.Creator),
+                  "seed " + std::to_string(database.IdSeed),
+                  "appinfo " + HexOf(database.AppInfo),
+                  "sortinfo " + HexOf(database.SortInfo)};
     for (const DatabaseRecord& record : database.Records) {
         lines.push_back("record " + std::to_string(record.Id) + " " + std::to_string(record.Category) + " " +
                         FlagsOf(record) + " " + HexOf(record.Data));
@@ -185,10 +185,10 @@ TEST_F(PalmPdb, ReadsTheWorkedExample) {
 
     EXPECT_EQ(Script("tell '" + path + "'"),
               (Rows{"file " + path, "kind PDB", "name TZUK20000_ZUKVER", "flags -", "version 1",
-                     "created 2026-01-01T12:00:00.000Z", "modified 2026-01-01T12:00:00.000Z",
-                     "backup 1904-01-01T00:00:00.000Z", "modification 0", "type DATA", "creator ZUK2",
-                     "seed 0", "appinfo 5a554b5400010001565f4d414a4f52000000430a0000", "sortinfo -",
-                     "record 1 0 - 31303020202020202020"}));
+                    "created 2026-01-01T12:00:00.000Z", "modified 2026-01-01T12:00:00.000Z",
+                    "backup 1904-01-01T00:00:00.000Z", "modification 0", "type DATA", "creator ZUK2",
+                    "seed 0", "appinfo 5a554b5400010001565f4d414a4f52000000430a0000", "sortinfo -",
+                    "record 1 0 - 31303020202020202020"}));
 }
 
 TEST_F(PalmPdb, ReadsOurTables) {
