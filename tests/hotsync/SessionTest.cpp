@@ -386,7 +386,7 @@ TEST_F(SessionTest, AnUserThatWasRenamedTakesTheNewNameToTheHandheld) {
 
 TEST_F(SessionTest, ASessionThatBreaksLeavesItsUserIncomplete) {
     LoopHandheld handheld(HandheldFolder());
-    handheld.CutAfter = 14;
+    handheld.CutAfter = 11;
 
     EXPECT_EQ(Hold(handheld), Session::End::Broken);
 
@@ -588,7 +588,7 @@ TEST_F(SessionTest, WithoutAProgramASessionOnlyInstallsAndEndsWell) {
 TEST_F(SessionTest, WhateverAHandheldAnswersTheSessionEndsAndTheTablesAreWhole) {
     GivenTable(Table("ZUKPAY"), *FindTable("ZUKPAY"), 2, 1);
     wanted_ = {{Way::Download, Table("ZUKPAY")}, {Way::Upload, Table("ZUKPAY")}};
-    const std::string before = Bytes(Table("ZUKPAY"));
+    const Rows before = RowsOf(Table("ZUKPAY"));
     std::mt19937 random(5);
     for (int request = 0; request < 40; ++request) {
         for (int kind = 0; kind < 6; ++kind) {
@@ -607,8 +607,7 @@ TEST_F(SessionTest, WhateverAHandheldAnswersTheSessionEndsAndTheTablesAreWhole) 
 
             Hold(handheld);
 
-            EXPECT_EQ(RowsOf(Table("ZUKPAY")).size(), 2U);
-            EXPECT_EQ(Bytes(Table("ZUKPAY")), before) << "request " << request << ", kind " << kind;
+            EXPECT_EQ(RowsOf(Table("ZUKPAY")), before) << "request " << request << ", kind " << kind;
         }
     }
     GivenHandheld("ANNA", anna_);
