@@ -1,5 +1,9 @@
 #include "fuzz/PalmTargets.h"
 
+#include "core/Globals.h"
+#include "fuzz/MemoryDisk.h"
+#include "handheld/DlpServer.h"
+#include "handheld/Handheld.h"
 #include "palm/Converter.h"
 #include "palm/Database.h"
 #include "palm/Dlp.h"
@@ -36,6 +40,21 @@ std::uint8_t FirstByte(std::string_view& bytes) {
     return first;
 }
 
+/// A fresh program over a disk in memory.
+class Outside {
+public:
+    Outside() {
+        Global = Globals{};
+        Global.TheDisk = &disk_;
+    }
+    Outside(const Outside&) = delete;
+    Outside& operator=(const Outside&) = delete;
+    ~Outside() { Global = Globals{}; }
+
+private:
+    MemoryDisk disk_;
+};
+
 // ---- packets ----
 
 struct Stream {
@@ -67,7 +86,8 @@ std::vector<NetPacket> PacketsIn(std::string_view bytes, std::size_t piece) {
     Require(InPieces(bytes, bytes.size()) == stream, "packets do not depend on the pieces they come in");
     std::string again;
     for (const NetPacket& packet : stream.Packets) again += PackPacket(packet);
-    Require(InPieces(again, again.size()).Packets == stream.Packets, "packets that are sent again are the same");
+    Require(InPieces(again, again.size()).Packets == stream.Packets,
+            "packets that are sent again are the same");
     return stream.Packets;
 }
 
@@ -121,7 +141,8 @@ void Response(std::string_view message) {
     Taken([&] { return ReadHandle(*response); });
     Taken([&] { return ReadRecordCount(*response); });
     if (const auto block = Taken([&] { return ReadBlock(*response); })) {
-        Require(block->size() + 2 == response->Argument().size(), "a block is all that stands behind its size");
+        Require(block->size() + 2 == response->Argument().size(),
+                "a block is all that stands behind its size");
     }
     if (const auto date = Taken([&] { return ReadDate(response->Argument()); })) {
         Require(ReadDate(PackDate(*date)) == *date, "a date can be sent again");
@@ -209,4 +230,31 @@ void FuzzDesktopToHandheld(std::string_view bytes) {
             Request(packet.Payload);
         }
     }
+}
+
+void FuzzHandheldSession(std::string_view bytes) {
+    const Outside outside;
+    const std::string folder = "/fuzz/handheld/";
+    const std::uint8_t how = FirstByte(bytes);
+    HandheldSettings settings;
+    if ((how & 1) != 0) settings.Memory = 1000;
+    Handheld::Make(folder, settings);
+    {
+        Handheld handheld(folder);
+        DlpServer server(handheld);
+        for (const NetPacket& packet : PacketsIn(bytes, how >> 1)) {
+            if (packet.Type == NetPacket::Tickle) continue;
+            const DlpResponse response = ReadResponse(server.Answer(packet.Payload));
+            const int asked = packet.Payload.empty() ? 0 : packet.Payload.front() & 0x7F;
+            Require(static_cast<int>(response.Function) == asked, "an answer is one to its request");
+        }
+        if (!server.Ended()) server.EndWithout("the line was cut");
+    }
+    const Handheld again(folder);
+    for (const DatabaseStore::Entry& entry : again.Store.Entries()) {
+        Require(again.Store.Load(entry.Header.Name).Name == entry.Header.Name,
+                "a database that is kept is whole");
+    }
+    Require(again.Store.Used() <= settings.Memory, "no more is kept than the memory holds");
+    Require(Global.Files.Count() == 0, "a file was left open");
 }

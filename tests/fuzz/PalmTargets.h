@@ -17,3 +17,7 @@ void FuzzHandheldToDesktop(std::string_view bytes);
 
 /// The bytes that a desktop sends, as a handheld sees them; the first byte is as above.
 void FuzzDesktopToHandheld(std::string_view bytes);
+
+/// The same bytes as a session that the stand-in handheld holds; the lowest bit of the first byte gives it
+/// little memory.
+void FuzzHandheldSession(std::string_view bytes);

@@ -574,6 +574,7 @@ constexpr std::array Targets = {
     FuzzTarget{"handheld-table", FuzzHandheldTable},
     FuzzTarget{"handheld-to-desktop", FuzzHandheldToDesktop},
     FuzzTarget{"desktop-to-handheld", FuzzDesktopToHandheld},
+    FuzzTarget{"handheld-session", FuzzHandheldSession},
 };
 
 } // namespace
