@@ -27,7 +27,7 @@ public:
     /// Refusal that names the file for one whose header is damaged, and for two of one name.
     DatabaseStore(std::string folder, std::uint64_t memory);
 
-    /// In the order in which they came.
+    /// Those of the folder in the order of their files' names, and behind them what has come since.
     const std::vector<Entry>& Entries() const { return entries_; }
     /// nullptr when there is none.
     const Entry* Find(std::string_view name) const;
