@@ -14,6 +14,7 @@
 #include <utility>
 #include <vector>
 
+class ManagerDesk;
 class Operator;
 class SFrmAX40;
 
@@ -65,6 +66,7 @@ struct Globals {
     int ExitCode = 0;                ///< once Ending is set
     DateTime (*Clock)() = nullptr;   ///< in place of the system's clock when set; see Now
     std::function<std::unique_ptr<SFrmAX40>()> MakeSFrmAX40; ///< in place of the platform's; see NewSFrmAX40
+    ManagerDesk* TheManagerDesk = nullptr; ///< in the HotSync Manager: set before any of its forms loads
     FileNumbers Files;
     TraceRing Events;
 
