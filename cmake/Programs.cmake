@@ -1,9 +1,9 @@
 # The small programs beside ZUKTramble: the target `programs` is all of them.
 add_custom_target(programs)
 
-# Adds a program of src/<name>/*.cpp, which lies in bin/ beside the others: small_program(NAME LIBRARY...)
-function(small_program name)
-    file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/${name}/*.cpp ${CMAKE_SOURCE_DIR}/src/${name}/*.h)
+# Adds a program of src/<folder>/*.cpp, which lies in bin/ beside the others: small_program(NAME FOLDER LIBRARY...)
+function(small_program name folder)
+    file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/${folder}/*.cpp ${CMAKE_SOURCE_DIR}/src/${folder}/*.h)
     add_executable(${name} ${sources})
     target_link_libraries(${name} PRIVATE ${ARGN})
     target_compile_definitions(${name} PRIVATE TRAMBLE_VERSION="${PROJECT_VERSION}")
@@ -11,4 +11,10 @@ function(small_program name)
     add_dependencies(programs ${name})
 endfunction()
 
-small_program(rdkinst screens pictures)
+small_program(rdkinst rdkinst screens pictures)
+small_program(hotsync hotsync/service hotsynccore screens pictures)
+
+# The real programs and a program's place at the desk, for what is done over a real wire.
+add_library(wirerig STATIC ${CMAKE_SOURCE_DIR}/tools/WireRig.cpp ${CMAKE_SOURCE_DIR}/tools/WireRig.h)
+target_include_directories(wirerig PUBLIC ${CMAKE_SOURCE_DIR}/tools)
+target_link_libraries(wirerig PUBLIC hotsynccore screens)

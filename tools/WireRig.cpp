@@ -58,7 +58,8 @@ void WireRig::StartManager() {
     manager_.start(program, {QStringLiteral("--minimised")});
     // It says where it listens as soon as it does.
     while (!manager_.canReadLine()) {
-        if (!manager_.waitForReadyRead(Patience)) Fail(QStringLiteral("the manager does not start: ") + Log());
+        if (!manager_.waitForReadyRead(Patience))
+            Fail(QStringLiteral("the manager does not start: ") + Log());
     }
 }
 
@@ -67,7 +68,8 @@ void WireRig::Connect() {
     qputenv("TMPDIR", folder_.path().toLocal8Bit());
     desk_.connectToServer(ManagerSocketName(ManagerFolder()));
     qputenv("TMPDIR", before);
-    if (!desk_.waitForConnected(Patience)) Fail(QStringLiteral("the manager's socket: ") + desk_.errorString());
+    if (!desk_.waitForConnected(Patience))
+        Fail(QStringLiteral("the manager's socket: ") + desk_.errorString());
     Say({"HELLO", {"1"}});
     ManagerMessage message;
     for (;;) {
@@ -92,7 +94,8 @@ void WireRig::Take(const ManagerMessage& message, const std::vector<Transfer>& t
     if (message.Verb != "STATUS") return;
     outcome.Statuses.push_back(std::stoi(message.TextAt(0)));
     if (outcome.Statuses.back() == SessionBegun) {
-        for (const Transfer& transfer : transfers) Say({transfer.Upload ? "UPLOAD" : "DOWNLOAD", {transfer.Path}});
+        for (const Transfer& transfer : transfers)
+            Say({transfer.Upload ? "UPLOAD" : "DOWNLOAD", {transfer.Path}});
     }
     Say({"HANDLED", {}});
 }

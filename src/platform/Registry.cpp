@@ -16,8 +16,8 @@ constexpr auto Kind = QSettings::IniFormat;
 #endif
 
 /// The part of the registry that belongs to this application directory.
-QString Office() {
-    const QByteArray path = QByteArray::fromStdString(Global.AppPath);
+QString Office(std::string_view appPath = Global.AppPath) {
+    const QByteArray path(appPath.data(), static_cast<qsizetype>(appPath.size()));
     return QString::fromLatin1(QCryptographicHash::hash(path, QCryptographicHash::Sha1).toHex().left(12));
 }
 
@@ -33,8 +33,8 @@ QString StatusKey(std::string_view section, std::string_view key) {
     return StatusGroup() + QLatin1Char('/') + ToQt(section) + QLatin1Char('/') + ToQt(key);
 }
 
-QString DarkKey() {
-    return Office() + QStringLiteral("/DarkLook");
+QString DarkKey(std::string_view appPath = Global.AppPath) {
+    return Office(appPath) + QStringLiteral("/DarkLook");
 }
 
 /// Where the HotSync Manager's values lie, below "Software" on Windows.
@@ -86,7 +86,11 @@ void Registry::RemoveAll() {
 }
 
 bool Registry::DarkLook() {
-    return Own().value(DarkKey()).toBool();
+    return DarkLook(Global.AppPath);
+}
+
+bool Registry::DarkLook(std::string_view appPath) {
+    return Own().value(DarkKey(appPath)).toBool();
 }
 
 void Registry::SetDarkLook(bool dark) {

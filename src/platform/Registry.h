@@ -28,6 +28,8 @@ public:
 
     /// Whether the operator has chosen the dark look for this office.
     static bool DarkLook();
+    /// The same of the office in another application directory.
+    static bool DarkLook(std::string_view appPath);
     static void SetDarkLook(bool dark);
 
     /// The widths of a grid's columns, in pixels, as the operator has drawn them; empty when there are

@@ -130,7 +130,8 @@ protected:
         EXPECT_EQ(database.Creator, HandheldCreator);
         const HandheldLayout layout = ReadLayout(database.AppInfo);
         Rows rows;
-        for (const DatabaseRecord& record : database.Records) rows.push_back(ReadRecord(layout, record.Data).Fields);
+        for (const DatabaseRecord& record : database.Records)
+            rows.push_back(ReadRecord(layout, record.Data).Fields);
         return rows;
     }
 
@@ -385,7 +386,7 @@ TEST_F(SessionTest, AnUserThatWasRenamedTakesTheNewNameToTheHandheld) {
 
 TEST_F(SessionTest, ASessionThatBreaksLeavesItsUserIncomplete) {
     LoopHandheld handheld(HandheldFolder());
-    handheld.CutAfter = 14;
+    handheld.CutAfter = 11;
 
     EXPECT_EQ(Hold(handheld), Session::End::Broken);
 
@@ -420,7 +421,8 @@ TEST_F(SessionTest, CustomersThatAHandheldNeverGotAreNotTakenFromTheOffice) {
 TEST_F(SessionTest, RecordsThatAreMarkedAsDeletedStayInTheOffice) {
     const TableEntry& pay = *FindTable("ZUKPAY");
     std::vector<TableMaker::Column> columns;
-    for (const TableField& field : pay.Fields) columns.push_back({field.Name, field.Type, field.Length, field.Decimals});
+    for (const TableField& field : pay.Fields)
+        columns.push_back({field.Name, field.Type, field.Length, field.Decimals});
     TableMaker maker(columns);
     maker.Row({"CASH"}).Row({"GONE"}, '*').Row({"CARD"});
     WriteWholeFile(Table("ZUKPAY"), maker.Bytes());
@@ -440,8 +442,11 @@ TEST_F(SessionTest, ATableThatHasGrownWiderMeanwhileKeepsItsFields) {
     const Rows sent = RowsOf(Table("ZUKSTAX"));
     wanted_ = {{Way::Download, Table("ZUKSTAX")}};
     ASSERT_EQ(Hold(), Session::End::Well);
-    TableMaker wider({{"ST_NEW", 'C', 5, 0}, {"ST_CODE", 'C', 12, 0}, {"ST_TYPE", 'C', 10, 0},
-                      {"ST_DESC", 'C', 30, 0}, {"ST_RATE", 'N', 9, 5}});
+    TableMaker wider({{"ST_NEW", 'C', 5, 0},
+                      {"ST_CODE", 'C', 12, 0},
+                      {"ST_TYPE", 'C', 10, 0},
+                      {"ST_DESC", 'C', 30, 0},
+                      {"ST_RATE", 'N', 9, 5}});
     wider.Row({"old"});
     WriteWholeFile(Table("ZUKSTAX"), wider.Bytes());
     wanted_ = {{Way::Upload, Table("ZUKSTAX")}};
@@ -456,7 +461,8 @@ TEST_F(SessionTest, ATableThatHasGrownWiderMeanwhileKeepsItsFields) {
 TEST_F(SessionTest, SignaturesComeWithTheOrdersAndLieUnderTheirCodes) {
     const TableEntry& headers = *FindTable("ZUKOrHdr");
     HandheldLayout layout;
-    for (const TableField& field : headers.Fields) layout.Fields.push_back({field.Name, field.Type, field.Length, field.Decimals});
+    for (const TableField& field : headers.Fields)
+        layout.Fields.push_back({field.Name, field.Type, field.Length, field.Decimals});
     Database database;
     static_cast<DatabaseHeader&>(database) = HandheldHeader("ZUKORHDR.DBF");
     database.AppInfo = PackLayout(layout);
@@ -469,7 +475,8 @@ TEST_F(SessionTest, SignaturesComeWithTheOrdersAndLieUnderTheirCodes) {
         record.Fields.assign(layout.RecordBytes(), ' ');
         layout.Put(0, code, record.Fields);
         if (code != "A1000002") record.Signature = ink;
-        database.Records.push_back({0, 0, static_cast<std::uint32_t>(database.Records.size() + 1), PackRecord(layout, record)});
+        database.Records.push_back(
+            {0, 0, static_cast<std::uint32_t>(database.Records.size() + 1), PackRecord(layout, record)});
     }
     Handheld(HandheldFolder()).Store.Save(database);
     wanted_ = {{Way::Upload, Table("ZUKORHDR")}};
@@ -488,7 +495,8 @@ TEST_F(SessionTest, FilesOfTheInstallFolderAreInstalledAtTheEndAndLeaveIt) {
     program.Flags = ResourceDatabase;
     program.Type = FourCharacters("appl");
     program.Creator = FourCharacters("ZUK2");
-    program.Resources = {{FourCharacters("code"), 1, "bytes"}, {FourCharacters("tFRM"), 1000, std::string(60000, 'x')}};
+    program.Resources = {{FourCharacters("code"), 1, "bytes"},
+                         {FourCharacters("tFRM"), 1000, std::string(60000, 'x')}};
     const std::string install = users_.InstallFolder(*users_.FindId(anna_));
     MakePath(install);
     WriteWholeFile(install + "Tramble.prc", WriteDatabase(program));
@@ -559,7 +567,9 @@ TEST_F(SessionTest, AHandheldIsKeptWaitingWhileTheProgramIsBusy) {
     desk_.BusyFor = 5;
     int kept = 0;
     LoopHandheld handheld(HandheldFolder());
-    handheld.Heard = [&](const DlpRequest& request) { kept += request.Function == DlpFunction::OpenConduit ? 1 : 0; };
+    handheld.Heard = [&](const DlpRequest& request) {
+        kept += request.Function == DlpFunction::OpenConduit ? 1 : 0;
+    };
 
     EXPECT_EQ(Hold(handheld), Session::End::Well);
 
@@ -578,7 +588,7 @@ TEST_F(SessionTest, WithoutAProgramASessionOnlyInstallsAndEndsWell) {
 TEST_F(SessionTest, WhateverAHandheldAnswersTheSessionEndsAndTheTablesAreWhole) {
     GivenTable(Table("ZUKPAY"), *FindTable("ZUKPAY"), 2, 1);
     wanted_ = {{Way::Download, Table("ZUKPAY")}, {Way::Upload, Table("ZUKPAY")}};
-    const std::string before = Bytes(Table("ZUKPAY"));
+    const Rows before = RowsOf(Table("ZUKPAY"));
     std::mt19937 random(5);
     for (int request = 0; request < 40; ++request) {
         for (int kind = 0; kind < 6; ++kind) {
@@ -588,7 +598,8 @@ TEST_F(SessionTest, WhateverAHandheldAnswersTheSessionEndsAndTheTablesAreWhole) 
             std::string lie(random() % 40, '\0');
             for (char& c : lie) c = static_cast<char>(random() % 256);
             if (kind == 1) lie = {};
-            if (kind == 2) lie = std::string("\xA0\x01\x00\x00\x20\x0A\x00\x00\x00\x01\x00\x00\xFF\xFF\x00\x00", 16);
+            if (kind == 2)
+                lie = std::string("\xA0\x01\x00\x00\x20\x0A\x00\x00\x00\x01\x00\x00\xFF\xFF\x00\x00", 16);
             if (kind == 3) lie = std::string("\x97\x01\x00\x00\x20\x01\x63", 7);
             if (kind == 4) lie = std::string("\xAB\x01\x00\x00\x20\x02\xFF\xFF", 8);
             if (kind == 5) lie = std::string("\x9B\x01\x00\x00\xA0\x00\x00\x08\x00\x06ZUKT\x00\x01", 16);
@@ -596,8 +607,7 @@ TEST_F(SessionTest, WhateverAHandheldAnswersTheSessionEndsAndTheTablesAreWhole) 
 
             Hold(handheld);
 
-            EXPECT_EQ(RowsOf(Table("ZUKPAY")).size(), 2U);
-            EXPECT_EQ(Bytes(Table("ZUKPAY")), before) << "request " << request << ", kind " << kind;
+            EXPECT_EQ(RowsOf(Table("ZUKPAY")), before) << "request " << request << ", kind " << kind;
         }
     }
     GivenHandheld("ANNA", anna_);

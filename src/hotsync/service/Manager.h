@@ -1,11 +1,13 @@
 #pragma once
 
 #include "hotsync/forms/ManagerDesk.h"
+#include "hotsync/forms/frmHSProgress.h"
 #include "hotsync/service/Listener.h"
 #include "hotsync/service/OfficeDesk.h"
 
-#include <memory>
+#include <optional>
 #include <string>
+#include <vector>
 
 /// The HotSync Manager: its files, the handhelds' line, the programs' line, and the windows between them.
 class Manager final : public ManagerDesk {
@@ -28,25 +30,35 @@ public:
     void End() override;
 
 private:
-    class Watcher;
+    /// Passes what a session tells on to its window, and keeps whose session it is.
+    class Watcher final : public SessionProgress {
+    public:
+        explicit Watcher(Manager& manager) : manager_(manager) {}
+        void Begun(std::string_view user) override;
+        void Step(std::string_view what, std::int32_t done, std::int32_t of) override;
+        void Ended(std::string_view how, bool well) override;
+        bool CancelAsked() override;
 
+    private:
+        Manager& manager_;
+    };
+
+    OfficeDesk::Services Services();
     void Listen();
     void Serve(QTcpSocket& socket);
     std::vector<std::string> Creators();
     ManagerMessage Welcome() const;
-    void AskToEnd(bool ask);
-    void EndIfWanted();
-    SessionDesk::Picking Pick(const std::vector<HotSyncUser>& users, std::chrono::milliseconds wait,
-                              std::uint32_t& picked);
+    void EndIfIdle();
+    void TellState();
 
     std::string folder_;
     HotSyncUsers users_;
     SessionLog log_;
     ManagerSettings settings_;
+    HotSyncProgress progress_;
     OfficeDesk desk_;
     Listener listener_;
     ListeningState listening_;
-    std::unique_ptr<Watcher> watcher_;
     std::optional<std::uint32_t> inSession_;
     bool endWanted_ = false;
 };

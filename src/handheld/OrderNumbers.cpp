@@ -1,0 +1,64 @@
+#include "handheld/OrderNumbers.h"
+
+#include "core/CodePage.h"
+#include "core/TextCompare.h"
+#include "handheld/Refusal.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr std::string_view LinksTable = "ZUKLINK";
+constexpr std::size_t FirstWidth = 6;
+/// Of LK_LSTONUM, and what an order code has room for behind the machine id.
+constexpr std::size_t MostDigits = 8;
+
+} // namespace
+
+OrderNumbers::OrderNumbers(const Handheld& handheld)
+    : machine_(handheld.Settings.Machine),
+      last_(handheld.Settings.LastOrder) {
+    if (!HandheldTable::Has(handheld.Store, LinksTable)) return;
+    links_.emplace(handheld.Store, LinksTable);
+    const std::size_t user = links_->Field("LK_HOTSYNC");
+    const std::string_view name = Trim(handheld.Settings.User.Name);
+    while (row_ < links_->Count() && !SameText(links_->Get(row_, user), name)) ++row_;
+    hasRow_ = row_ < links_->Count() && !name.empty();
+    if (!hasRow_) return;
+    last_ = links_->Get(row_, links_->Field("LK_LSTONUM"));
+    if (const std::string_view machine = links_->Get(row_, "LK_MACH_ID"); !machine.empty())
+        machine_ = machine;
+    const bool isNumber = last_.size() <= MostDigits && std::all_of(last_.begin(), last_.end(), [](char c) {
+                              return c >= '0' && c <= '9';
+                          });
+    if (!isNumber) {
+        throw Refusal("ZUKLINK, record " + std::to_string(row_ + 1) +
+                      ": LK_LSTONUM is no number of up to 8 digits: \"" + CodePageToUtf8(last_) + '"');
+    }
+}
+
+std::string OrderNumbers::Next() {
+    if (last_.empty()) last_ = std::string(FirstWidth, '0');
+    std::string next = last_;
+    std::size_t at = next.size();
+    while (at > 0 && next[at - 1] == '9') next[--at] = '0';
+    if (at > 0) {
+        ++next[at - 1];
+    } else {
+        next.insert(0, 1, '1');
+    }
+    if (next.size() > MostDigits) throw Refusal("no order number is left behind " + last_);
+    last_ = next;
+    counted_ = true;
+    return machine_ + last_;
+}
+
+HandheldTable* OrderNumbers::ChangedLinks() {
+    if (!hasRow_ || !counted_) return nullptr;
+    links_->Set(row_, "LK_LSTONUM", last_);
+    return &*links_;
+}
+
+void OrderNumbers::KeepIn(HandheldSettings& settings) const {
+    if (!hasRow_) settings.LastOrder = last_;
+}
