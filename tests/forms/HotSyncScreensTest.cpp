@@ -31,7 +31,7 @@ namespace {
 /// A manager without lines to handhelds and programs: its files, and what a test says of the rest.
 class FakeDesk final : public ManagerDesk {
 public:
-    explicit FakeDesk(const std::string& folder) : users_(folder), log_(folder), folder_(folder) {
+    explicit FakeDesk(const std::string& folder) : folder_(Made(folder)), users_(folder), log_(folder) {
         users_.Changed = [this] {
             if (UsersChanged) UsersChanged();
         };
@@ -56,9 +56,14 @@ public:
     int Ends = 0;
 
 private:
+    static std::string Made(const std::string& folder) {
+        MakePath(folder);
+        return folder;
+    }
+
+    std::string folder_;
     HotSyncUsers users_;
     SessionLog log_;
-    std::string folder_;
     ManagerSettings settings_ = ReadManagerSettings(folder_);
 };
 
@@ -83,7 +88,6 @@ public:
 class HotSyncScreens : public FormTest {
 protected:
     HotSyncScreens() {
-        MakePath(Folder() + "HotSync/");
         Global.Clock = [] { return DateTime{2026, 11, 21, 14, 5, 9}; };
         Global.TheManagerDesk = &desk_;
     }
