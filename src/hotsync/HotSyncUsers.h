@@ -66,6 +66,9 @@ public:
     /// A session of the user ended at `when`; `complete` is false when it broke off.
     void Synced(std::uint32_t id, DateTime when, bool complete);
 
+    /// The manager's folder, with its trailing separator.
+    const std::string& Folder() const { return folder_; }
+
     /// Where the files wait that the user's next session installs: the folder, the user's name and
     /// "Install", with a separator at the end.
     std::string InstallFolder(const HotSyncUser& user) const;

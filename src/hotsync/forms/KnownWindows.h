@@ -7,5 +7,5 @@
 inline constexpr const char* ProgressWindowTitle = "Hotsync Progress";
 inline constexpr const char* ExitWindowTitle = "Exit Hotsync Manager";
 
-/// Gives a window the title that it is known by.
-void BeKnownAs(const char* title, QWidget& window);
+/// Lets a window of the manager be found by the title that it has, while it is visible.
+void LetBeFound(QWidget& window);

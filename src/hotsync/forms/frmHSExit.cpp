@@ -9,13 +9,14 @@
 
 frmHSExit::frmHSExit() {
     setupUi(this);
-    BeKnownAs(ExitWindowTitle, *this);
+    setWindowTitle(QString::fromLatin1(ExitWindowTitle));
 }
 
 void frmHSExit::Form_Load() {
     TraceEvent("frmHSExit:Form_Load");
+    LetBeFound(*this);
     imgIcon->setPixmap(Picture("box-question").pixmap(36, 36));
-    lblSession->setVisible(Global.TheManagerDesk && Global.TheManagerDesk->UserInSession());
+    lblSession->setVisible(Global.TheManagerDesk->UserInSession().has_value());
     adjustSize();
 }
 

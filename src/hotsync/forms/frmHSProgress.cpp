@@ -18,13 +18,14 @@ constexpr int PaintEvery = 50; // milliseconds
 
 frmHSProgress::frmHSProgress() {
     setupUi(this);
-    BeKnownAs(ProgressWindowTitle, *this);
+    setWindowTitle(QString::fromLatin1(ProgressWindowTitle));
     nextPaint_.setSingleShot(true);
     connect(&nextPaint_, &QTimer::timeout, this, &frmHSProgress::Paint);
 }
 
 void frmHSProgress::Form_Load() {
     TraceEvent("frmHSProgress:Form_Load");
+    LetBeFound(*this);
     imgHotSync->setPixmap(Picture("Hotsync16-256").pixmap(36, 36));
 }
 
