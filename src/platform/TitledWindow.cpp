@@ -31,11 +31,7 @@ QString NameFor(const QString& folder, const QString& title) {
 }
 
 QString PlaceLine(const QRect& place) {
-    return QStringLiteral("%1 %2 %3 %4")
-        .arg(place.x())
-        .arg(place.y())
-        .arg(place.width())
-        .arg(place.height());
+    return QStringLiteral("%1 %2 %3 %4").arg(place.x()).arg(place.y()).arg(place.width()).arg(place.height());
 }
 
 /// The place that four numbers of a line tell, from the word `first` on.
@@ -99,7 +95,8 @@ TitledWindow::~TitledWindow() = default;
 
 bool TitledWindow::eventFilter(QObject* object, QEvent* event) {
     if (object == &window_) {
-        if (event->type() == QEvent::Show || (event->type() == QEvent::WindowTitleChange && server_)) Announce();
+        if (event->type() == QEvent::Show || (event->type() == QEvent::WindowTitleChange && server_))
+            Announce();
         if (event->type() == QEvent::Hide) Withdraw();
     }
     return false;

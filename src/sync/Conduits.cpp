@@ -18,7 +18,8 @@ std::string FileIn(std::string_view folder) {
 }
 
 bool IsCreator(std::string_view text) {
-    return text.size() == 4 && std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c <= '~'; });
+    return text.size() == 4 &&
+           std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c <= '~'; });
 }
 
 bool HasControlCharacter(std::string_view text) {
@@ -84,6 +85,7 @@ void RegisterConduit(std::string_view folder, const Conduit& conduit) {
     else
         conduits.push_back(conduit);
     SafeFile file(FileIn(folder));
-    for (const Conduit& each : conduits) file.WriteLine(each.Creator + '\t' + each.CondPath + '\t' + each.Name);
+    for (const Conduit& each : conduits)
+        file.WriteLine(each.Creator + '\t' + each.CondPath + '\t' + each.Name);
     file.Commit();
 }

@@ -114,7 +114,8 @@ TEST_F(Conduits, ARegistrationThatFailsLeavesTheFileAsItWas) {
 }
 
 TEST_F(Conduits, OfRubbishAreReadOrRefusedAndWhatIsReadCanBeWritten) {
-    for (const std::string& content : Rubbish("ZUK2\tSFrmCn40.dll\tTramble\r\nMemo\tmemo.dll\tMemo Pad\r\n")) {
+    for (const std::string& content :
+         Rubbish("ZUK2\tSFrmCn40.dll\tTramble\r\nMemo\tmemo.dll\tMemo Pad\r\n")) {
         GivenFile("Conduits.txt", content);
         OnlyRunTimeFailures([&] {
             const std::vector<Conduit> conduits = ReadConduits(Folder());

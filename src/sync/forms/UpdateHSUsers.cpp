@@ -19,8 +19,7 @@
 
 namespace {
 
-constexpr const char* Command =
-    "rdkinst -crtreg ZUK2 -condpath SFrmCn40.dll  -name \"Tramble\" -restarths";
+constexpr const char* Command = "rdkinst -crtreg ZUK2 -condpath SFrmCn40.dll  -name \"Tramble\" -restarths";
 constexpr int LookEvery = 50; // milliseconds
 
 const QString SetupWindow = QStringLiteral("Setup");
