@@ -14,6 +14,7 @@
 #include "exchange/ImportText.h"
 #include "exchange/LineSplitter.h"
 #include "exchange/OrderTables.h"
+#include "fuzz/HandheldTarget.h"
 #include "fuzz/MemoryDisk.h"
 #include "quality/CheckResults.h"
 #include "quality/ReportCsv.h"
@@ -524,6 +525,7 @@ constexpr std::array Targets = {
     FuzzTarget{"unattended", Unattended},
     FuzzTarget{"check-results", CheckResultsFile},
     FuzzTarget{"checked-templates", CheckedTemplates},
+    FuzzTarget{"handheld-server", HandheldServer},
 };
 
 } // namespace
