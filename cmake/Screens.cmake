@@ -16,7 +16,7 @@ file(GLOB form_uis CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/*/forms/*.ui)
 file(GLOB pictures CONFIGURE_DEPENDS RELATIVE ${CMAKE_SOURCE_DIR}/resources ${CMAKE_SOURCE_DIR}/resources/graphics/*.svg)
 
 add_library(screens STATIC ${screen_sources})
-target_link_libraries(screens PUBLIC engine Qt6::Widgets Qt6::Network)
+target_link_libraries(screens PUBLIC engine hotsynccore Qt6::Widgets Qt6::Network)
 # A form's header takes in what the form's layout was made into.
 target_include_directories(screens PUBLIC ${CMAKE_BINARY_DIR}/screens_autogen/include)
 target_precompile_headers(screens PRIVATE <QtWidgets> <string> <vector>)
@@ -53,6 +53,7 @@ target_compile_definitions(ZUKTramble PRIVATE TRAMBLE_VERSION="${PROJECT_VERSION
 set_target_properties(ZUKTramble PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin WIN32_EXECUTABLE ON)
 
 include(Driver)
+include(Programs)
 
 # The demonstration of a working day, and the pictures of all screens.
 add_library(officeforday STATIC ${CMAKE_SOURCE_DIR}/tools/OfficeForDay.cpp ${CMAKE_SOURCE_DIR}/tools/OfficeForDay.h)

@@ -45,14 +45,56 @@ public:
     bool RunsActivities = false;
 };
 
-/// A HotSync Manager with two users.
+/// A HotSync Manager with two users, and no handheld.
 class TwoUsers final : public SFrmAX40 {
 public:
+    bool Enabled() const override { return false; }
+    void SetEnabled(bool) override {}
+    std::int32_t CreatorID() const override { return 0; }
+    void QueueUpload(std::string_view, const TransferSettings&) override {}
+    void QueueDownload(std::string_view, const TransferSettings&) override {}
+    void AddInstall(std::string_view, std::string_view) override {}
     std::string UserName() const override { return {}; }
     std::int32_t UserID() const override { return 0; }
     std::string HotSyncUser(int index) const override {
         return index == 0 ? "Anna Berg" : index == 1 ? "Ben Okafor" : "";
     }
+};
+
+/// A HotSync Manager with users and a log in a folder of its own, and no lines to anybody.
+class SomeManager final : public ManagerDesk {
+public:
+    explicit SomeManager(const std::string& folder) : users_(folder), log_(folder) {}
+
+    HotSyncUsers& Users() override { return users_; }
+    SessionLog& Log() override { return log_; }
+    std::optional<std::uint32_t> UserInSession() const override { return std::nullopt; }
+    ListeningState Listening() const override { return State; }
+    const ManagerSettings& Settings() const override { return settings_; }
+    void TakeSettings(const ManagerSettings& settings) override { settings_ = settings; }
+    void End() override {}
+
+    /// What an office has after a morning.
+    void Fill() {
+        Global.Clock = [] { return DateTime{2026, 11, 21, 8, 30, 5}; };
+        const std::uint32_t anna = users_.New("Anna Berg").Id;
+        const std::uint32_t ben = users_.New("Ben Okafor").Id;
+        users_.New("Chlo\xE9 Martin");
+        users_.Synced(anna, {2026, 11, 21, 8, 31, 40}, true);
+        users_.Synced(ben, {2026, 11, 20, 17, 2, 11}, false);
+        log_.Write("Waiting for handhelds at 192.168.1.20, port 14238");
+        log_.Write("Anna Berg: session from 192.168.1.57");
+        log_.Write("Anna Berg: ZUKCUST to the handheld, 1204 rows");
+        log_.Write("Anna Berg: ended well");
+        Global.Clock = nullptr;
+    }
+
+    ListeningState State{"192.168.1.20", 14238, {}};
+
+private:
+    HotSyncUsers users_;
+    SessionLog log_;
+    ManagerSettings settings_;
 };
 
 /// Fills tables of an office with rows: each with a line of field names above its records.
@@ -143,6 +185,12 @@ void Prepare(FormBehaviour& form) {
     if (auto* details = dynamic_cast<frmHHStatus*>(&form)) {
         details->Fill("Anna Berg", {{3, 12, 431.5}, {3, 11, 402.75}});
     }
+    if (auto* pick = dynamic_cast<frmHSPickUser*>(&form))
+        pick->Fill({{1, "Chlo\xE9 Martin", {}, false}, {2, "Diego Ruiz", {}, false}});
+    if (auto* progress = dynamic_cast<frmHSProgress*>(&form)) {
+        progress->ShowUser(Text::Value(std::string_view("Anna Berg")));
+        progress->ShowStep(Text::Value(std::string_view("ZUKCUST to the handheld")), 730, 1204);
+    }
     if (dynamic_cast<frmChgLink*>(&form)) {
         form.Window()
             .findChild<QLineEdit*>(QStringLiteral("txtHotSync"))
@@ -183,6 +231,22 @@ void OtherFaces(Nobody& nobody, const QString& folder) {
     auto& nobodyToChoose = The<frmHSID>();
     Save(nobodyToChoose, folder, QStringLiteral("frmHSID-nobody"));
     nobodyToChoose.Unload();
+}
+
+/// The HotSync Manager while it waits, and without users or an address.
+void ManagerFaces(const QString& folder, const std::string& emptyFolder) {
+    auto& waiting = The<frmHSProgress>();
+    waiting.ShowWaiting({});
+    Save(waiting, folder, QStringLiteral("frmHSProgress-waiting"));
+    waiting.Unload();
+    ManagerDesk* const usual = Global.TheManagerDesk;
+    SomeManager empty(emptyFolder);
+    empty.State = {"10.0.0.7", 0, "The address is not available"};
+    Global.TheManagerDesk = &empty;
+    auto& manager = The<frmHSManager>();
+    Save(manager, folder, QStringLiteral("frmHSManager-empty"));
+    manager.Unload();
+    Global.TheManagerDesk = usual;
 }
 
 /// The other tabs of the options, and the choice of a file for a template that the Quality Check reports.
@@ -286,11 +350,14 @@ int main(int argc, char** argv) {
             !QFile::copy(arguments[3], office.Path(QStringLiteral("Messages.tsv")))) {
             throw OfficeFailure("cannot copy " + arguments[3].toStdString());
         }
+        SomeManager manager(PathFromQt(work.path()));
+        manager.Fill();
         for (const bool dark : {false, true}) {
             Global = Globals{};
             Global.TheOperator = &nobody;
             Global.MakeSFrmAX40 = [] { return std::make_unique<TwoUsers>(); };
             Global.AppPath = PathFromQt(office.Path(QString()));
+            Global.TheManagerDesk = &manager;
             ApplyLook(application, dark);
             The<frmMain1>();
             Global.View[ViewOrLinAudt] = true;
@@ -298,6 +365,7 @@ int main(int argc, char** argv) {
             ALL_FORMS(PICTURE)
 #undef PICTURE
             OtherFaces(nobody, folder);
+            ManagerFaces(folder, PathFromQt(work.filePath(QStringLiteral("nobody"))));
             OptionsFaces(folder);
             BrowserFaces(folder);
             CheckFaces(arguments[1], office, folder);

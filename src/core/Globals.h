@@ -11,8 +11,10 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
+class ManagerDesk;
 class Operator;
 class SFrmAX40;
 
@@ -64,6 +66,7 @@ struct Globals {
     int ExitCode = 0;                ///< once Ending is set
     DateTime (*Clock)() = nullptr;   ///< in place of the system's clock when set; see Now
     std::function<std::unique_ptr<SFrmAX40>()> MakeSFrmAX40; ///< in place of the platform's; see NewSFrmAX40
+    ManagerDesk* TheManagerDesk = nullptr; ///< in the HotSync Manager: set before any of its forms loads
     FileNumbers Files;
     TraceRing Events;
 
@@ -127,6 +130,12 @@ struct Globals {
     std::string QCViewField;       ///< the field that is faulty in them
     std::string QCViewSeverity;    ///< "Fatal" or "Warn"
 
+    // The HotSync Manager, as its controls and SFrmUt40 know it.
+    std::string LastSessionUser;         ///< whose session has begun last; empty before the first one
+    std::uint32_t LastSessionUserID = 0; ///< and that user's id
+    std::vector<std::pair<std::string, std::string>> CommandQueue; ///< direction and path; see SFrmUt40.h
+    std::string ManagerThatFailed; ///< the manager's program that could not be started
+
     // Flags by which forms talk to each other.
     bool MessageAnswer = false;
     bool TemplateEditMode = false; ///< a screen is opened to keep its templates, and not to do its work
@@ -138,6 +147,8 @@ struct Globals {
     std::int32_t LinkRecordToShow = 0;  ///< record of the Links table that its editor opens at; 0 the first
     std::string NewHSUser;              ///< HotSync user that the operator chose to add
     bool ManualUploadActive = false;    ///< a screen waits for the handheld in the cradle
+    bool HSUsersUpdated = false;        ///< the conduit was registered for all HotSync users in this run
+    bool HSDisplayHeld = false;         ///< the main screen leaves the HotSync Manager's window where it is
     bool UnloadingForms = false;
     bool TemporaryDirectory = false; ///< "ZUKTemp" was made and is removed by UnloadForms
 };

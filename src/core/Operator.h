@@ -15,7 +15,8 @@ struct Question {
     Text Message;
     std::optional<MessageId> YesCaption;
     MessageId NoCaption;
-    std::string HelpTopic; ///< shows the help button when not empty
+    std::string HelpTopic;                         ///< shows the help button when not empty
+    std::optional<MessageId> Title = std::nullopt; ///< of the window, in place of the program's
 };
 
 /// The one way to the operator. All boxes bear the program's title.

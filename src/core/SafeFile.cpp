@@ -125,3 +125,16 @@ std::string ReadWholeFile(std::string_view path, std::uint64_t limit) {
     content.resize(file->ReadAt(0, content.data(), content.size()));
     return content;
 }
+
+std::uint64_t AppendLine(std::string_view path, std::string_view line) {
+    const std::string resolved = ResolvePath(path);
+    const bool there = Global.TheDisk->IsFile(resolved);
+    const auto file = Global.TheDisk->Open(resolved, there ? Access::ReadWrite : Access::Create);
+    const std::uint64_t end = file->Size();
+    char last = '\n';
+    if (end > 0) file->ReadAt(end - 1, &last, 1);
+    std::string bytes = last == '\n' ? "" : "\r\n";
+    bytes.append(line).append("\r\n");
+    file->WriteAt(end, bytes);
+    return end + bytes.size();
+}

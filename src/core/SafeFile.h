@@ -69,3 +69,8 @@ void WriteWholeFile(std::string_view path, std::string_view content, bool flush 
 
 /// A file's whole content. RunTimeFailure as Disk::Open; 6 when it holds more than `limit` bytes.
 std::string ReadWholeFile(std::string_view path, std::uint64_t limit = std::uint64_t{64} << 20);
+
+/// Adds a line, with its line end, behind whatever a file holds; the file is made when there is none. A
+/// last line that was cut off is ended first. Nothing is flushed, and a kill may cut the new line. Returns
+/// the file's size by then. Failures as Disk.
+std::uint64_t AppendLine(std::string_view path, std::string_view line);

@@ -14,7 +14,7 @@ inline constexpr std::size_t RecordEntryBytes = 8, ResourceEntryBytes = 10;
 /// The databases of a handheld: a folder with a file each, ".pdb" or ".prc", byte by byte as a desktop
 /// would install it. The name inside a file counts, byte-exactly; the file's own name is that name as far
 /// as every file system can write it. Headers are read at the start, what is in them only when it is asked
-/// for. Replacing one is safe at any instant.
+/// for. A kill at any instant leaves the old or the new one.
 class DatabaseStore {
 public:
     struct Entry {

@@ -34,7 +34,8 @@ void Check(const HandheldLayout& layout) {
     }
     std::vector<std::string> names;
     for (const HandheldField& field : layout.Fields) {
-        if (field.Name.empty() || field.Name.size() > NameSize || field.Name.find('\0') != std::string::npos) {
+        if (field.Name.empty() || field.Name.size() > NameSize ||
+            field.Name.find('\0') != std::string::npos) {
             Refuse("the name \"" + field.Name + "\" has not 1 to 10 characters");
         }
         if (field.Length == 0) Refuse(field.Name + " has no length");
@@ -55,7 +56,8 @@ std::size_t RowBytes(const Ink& ink) {
 void Check(const Ink& ink) {
     const auto inRange = [](std::uint16_t dots) { return dots >= 1 && dots <= MostDots; };
     if (!inRange(ink.Width) || !inRange(ink.Height)) {
-        throw PalmFailure("ink of " + std::to_string(ink.Width) + " by " + std::to_string(ink.Height) + " dots");
+        throw PalmFailure("ink of " + std::to_string(ink.Width) + " by " + std::to_string(ink.Height) +
+                          " dots");
     }
     if (ink.Rows.size() != RowBytes(ink) * ink.Height) {
         throw PalmFailure("ink with " + std::to_string(ink.Rows.size()) + " bytes of rows");
@@ -87,7 +89,8 @@ std::string_view HandheldLayout::Get(std::size_t field, std::string_view record)
     std::size_t at = 0;
     for (std::size_t k = 0; k < field; ++k) at += Fields.at(k).Length;
     const std::size_t length = Fields.at(field).Length;
-    if (record.size() < at + length) throw PalmFailure("record of " + std::to_string(record.size()) + " bytes");
+    if (record.size() < at + length)
+        throw PalmFailure("record of " + std::to_string(record.size()) + " bytes");
     return record.substr(at, length);
 }
 

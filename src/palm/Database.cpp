@@ -55,6 +55,7 @@ Database ReadDatabase(std::string_view file) {
     const std::string_view name = header.Take(NameSize);
     if (name.find('\0') == std::string_view::npos) header.Fail("a name without its end");
     database.Name = name.substr(0, name.find('\0'));
+    if (database.Name.empty()) header.Fail("a name without a character");
     database.Flags = static_cast<std::uint16_t>(header.U16() & ~OpenDatabase);
     database.Version = header.U16();
     database.Created = header.U32();

@@ -12,6 +12,8 @@ constexpr std::uint8_t SmallForm = 0x80;
 constexpr std::uint8_t IdMask = 0x3F;
 constexpr std::size_t LongestArgument = 0xFFFF;
 constexpr std::size_t LongestUserName = 40;
+constexpr std::uint32_t Low24 = 0xFFFFFF;
+constexpr std::uint8_t LastCategory = 15;
 
 // Lists and searches.
 constexpr std::uint8_t ListRam = 0x80, ListSeveral = 0x20;
@@ -91,6 +93,12 @@ std::int64_t DaysOf(std::int64_t year, std::int64_t month, std::int64_t day) {
     const std::int64_t y = month <= 2 ? year - 1 : year;
     const std::int64_t m = (month + 9) % 12;
     return 365 * y + y / 4 - y / 100 + y / 400 + (153 * m + 2) / 5 + day - 1 - DaysBefore1904;
+}
+
+int DaysIn(int year, int month) {
+    constexpr std::array<int, 12> days{31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+    const bool isLeapDay = month == 2 && ((year % 4 == 0 && year % 100 != 0) || year % 400 == 0);
+    return days.at(static_cast<std::size_t>(month - 1)) + (isLeapDay ? 1 : 0);
 }
 
 std::string_view CutName(std::string_view name) {
@@ -218,11 +226,13 @@ DlpResponse ReadResponse(std::string_view message) {
     const std::size_t count = from.U8();
     response.Error = static_cast<DlpError>(from.U16());
     response.Arguments = ReadArguments(from, count);
+    if (response.Error != DlpError::None) response.Arguments.clear();
     return response;
 }
 
 std::uint32_t DlpDate::Seconds() const {
-    if (Year < 1904 || Month < 1 || Month > 12 || Day < 1 || Day > 31) return 0;
+    if (Year < 1904 || Month < 1 || Month > 12 || Day < 1 || Day > DaysIn(Year, Month)) return 0;
+    if (Hour > 23 || Minute > 59 || Second > 59) return 0;
     const std::int64_t seconds = ((DaysOf(Year, Month, Day) * 24 + Hour) * 60 + Minute) * 60 + Second;
     return seconds > 0xFFFFFFFF ? 0 : static_cast<std::uint32_t>(seconds);
 }
@@ -277,9 +287,11 @@ SysInfo ReadSysInfo(const DlpResponse& response) {
         ByteReader protocol(argument->Data, "protocol information");
         info.DlpMajor = protocol.U16();
         info.DlpMinor = protocol.U16();
-        info.CompatMajor = protocol.U16();
-        info.CompatMinor = protocol.U16();
-        info.LongestRecord = protocol.U32();
+        if (protocol.Left() > 0) { // older handhelds end here
+            info.CompatMajor = protocol.U16();
+            info.CompatMinor = protocol.U16();
+            info.LongestRecord = protocol.U32();
+        }
     }
     return info;
 }
@@ -307,6 +319,7 @@ UserInfo ReadUserInfo(const DlpResponse& response) {
     from.Skip(1); // of the password, which is nobody's business here
     const std::string_view name = from.Take(nameSize);
     info.Name = name.substr(0, name.find('\0'));
+    if (info.Name.size() > LongestUserName) from.Fail("a name of more than 40 bytes");
     return info;
 }
 
@@ -361,6 +374,9 @@ std::uint16_t ReadListRequest(const DlpRequest& request, bool& several) {
 }
 
 DlpResponse PackDatabaseList(const DatabaseList& list) {
+    if (list.Databases.size() > 0xFF) {
+        throw PalmFailure("a list of " + std::to_string(list.Databases.size()) + " databases");
+    }
     ByteWriter bytes;
     bytes.U16(list.LastIndex).U8(list.More ? ListMore : 0).U8(static_cast<unsigned>(list.Databases.size()));
     for (const DatabaseInfo& info : list.Databases) bytes.Put(PackDatabaseInfo(info));
@@ -458,7 +474,8 @@ DlpRequest PackWriteSortBlock(std::uint8_t handle, std::string_view block) {
     return request;
 }
 
-DlpRequest PackReadRecord(std::uint8_t handle, std::uint16_t index, std::uint16_t offset, std::uint16_t count) {
+DlpRequest PackReadRecord(std::uint8_t handle, std::uint16_t index, std::uint16_t offset,
+                          std::uint16_t count) {
     ByteWriter bytes;
     bytes.U8(handle).U8(0).U16(index).U16(offset).U16(count);
     DlpRequest request(DlpFunction::ReadRecord);
@@ -476,11 +493,14 @@ DlpResponse PackRecord(DlpFunction function, const RecordAnswer& answer) {
 RecordAnswer ReadRecordAnswer(const DlpResponse& response) {
     ByteReader from(response.Argument(), "record");
     RecordAnswer answer;
-    answer.Record.Id = from.U32();
+    answer.Record.Id = from.U32() & Low24;
     answer.Index = from.U16();
     answer.Size = from.U16();
     answer.Record.Flags = from.U8();
     answer.Record.Category = from.U8();
+    if (answer.Record.Category > LastCategory) {
+        from.Fail("category " + std::to_string(answer.Record.Category));
+    }
     answer.Record.Data = from.Rest();
     if (answer.Record.Data.size() > answer.Size) from.Fail("more bytes than the record has");
     return answer;

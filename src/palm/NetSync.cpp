@@ -12,6 +12,7 @@ constexpr std::uint8_t LastTransaction = 0xFE;
 constexpr std::uint8_t Hello = 0x90, Preferences = 0x12, PreferencesAnswer = 0x92, Complete = 0x13,
                        CompleteAnswer = 0x93;
 constexpr std::size_t HelloSize = 22;
+constexpr std::size_t LeastMessage = 8;
 
 constexpr std::uint16_t LookupMagic = 0xFADE;
 constexpr std::size_t LookupSize = 13;
@@ -34,8 +35,15 @@ std::string PreferenceBlock(std::uint32_t limits, std::uint32_t flags, std::uint
 }
 
 bool Begins(const NetPacket& packet, std::uint8_t id) {
-    return packet.Type == NetPacket::Data && !packet.Payload.empty() &&
+    return packet.Type == NetPacket::Data && packet.Payload.size() >= LeastMessage &&
            static_cast<std::uint8_t>(packet.Payload.front()) == id;
+}
+
+/// Two requests of a session begin with the same bytes as the desktop's messages of the handshake, but
+/// go on with their arguments where those have an error number and four bytes more of 0.
+bool IsHandshake(const NetPacket& request, std::uint8_t id) {
+    constexpr std::string_view zeros("\0\0\0\0\0\0", 6);
+    return Begins(request, id) && request.Payload.compare(2, zeros.size(), zeros) == 0;
 }
 
 } // namespace
@@ -77,22 +85,23 @@ std::optional<NetPacket> PacketReader::Next() {
 }
 
 NetPacket HandheldHello() {
-    return {NetPacket::Data, HandshakeTransaction, HandshakeMessage(Hello, std::string("\x02\0\0\0\0\0\0\0", 8))};
+    return {NetPacket::Data, HandshakeTransaction,
+            HandshakeMessage(Hello, std::string("\x02\0\0\0\0\0\0\0", 8))};
 }
 
 std::optional<NetPacket> HandheldAnswer(const NetPacket& request, std::uint32_t address, std::uint16_t port) {
-    if (Begins(request, Preferences)) {
+    if (IsHandshake(request, Preferences)) {
         const std::string block = PreferenceBlock(0x003C003C, 0x40000000, 0x02000000, address, port);
         return NetPacket{NetPacket::Data, request.Transaction, HandshakeMessage(PreferencesAnswer, block)};
     }
-    if (Begins(request, Complete)) {
+    if (IsHandshake(request, Complete)) {
         return NetPacket{NetPacket::Data, request.Transaction, HandshakeMessage(CompleteAnswer, {})};
     }
     return std::nullopt;
 }
 
 bool IsLastOfHandshake(const NetPacket& request) {
-    return Begins(request, Complete);
+    return IsHandshake(request, Complete);
 }
 
 std::optional<NetPacket> DesktopHandshake::Take(const NetPacket& packet) {

@@ -4,6 +4,7 @@
 #include "platform/Convert.h"
 
 #include <QCryptographicHash>
+#include <QFileInfo>
 #include <QSettings>
 
 namespace {
@@ -15,8 +16,8 @@ constexpr auto Kind = QSettings::IniFormat;
 #endif
 
 /// The part of the registry that belongs to this application directory.
-QString Office() {
-    const QByteArray path = QByteArray::fromStdString(Global.AppPath);
+QString Office(std::string_view appPath = Global.AppPath) {
+    const QByteArray path(appPath.data(), static_cast<qsizetype>(appPath.size()));
     return QString::fromLatin1(QCryptographicHash::hash(path, QCryptographicHash::Sha1).toHex().left(12));
 }
 
@@ -32,8 +33,18 @@ QString StatusKey(std::string_view section, std::string_view key) {
     return StatusGroup() + QLatin1Char('/') + ToQt(section) + QLatin1Char('/') + ToQt(key);
 }
 
-QString DarkKey() {
-    return Office() + QStringLiteral("/DarkLook");
+QString DarkKey(std::string_view appPath = Global.AppPath) {
+    return Office(appPath) + QStringLiteral("/DarkLook");
+}
+
+/// Where the HotSync Manager's values lie, below "Software" on Windows.
+QSettings ManagersOwn() {
+    return QSettings(Kind, QSettings::UserScope, QStringLiteral("U.S. Robotics"),
+                     QStringLiteral("Pilot Desktop"));
+}
+
+QString CoreKey(std::string_view name) {
+    return QStringLiteral("Core/") + PathToQt(name);
 }
 
 /// A name in a key: neither separator stands in it.
@@ -46,16 +57,17 @@ QString WidthsKey(const QString& grid) {
 } // namespace
 
 std::optional<std::string> Registry::HotSyncManagerValue(std::string_view name) {
-#ifdef _WIN32
-    QSettings core(QStringLiteral("HKEY_CURRENT_USER\\Software\\U.S. Robotics\\Pilot Desktop\\Core"), Kind);
-#else
-    QSettings core(Kind, QSettings::UserScope, QStringLiteral("U.S. Robotics"),
-                   QStringLiteral("Pilot Desktop"));
-    core.beginGroup(QStringLiteral("Core"));
-#endif
-    const QString value = core.value(PathToQt(name)).toString();
+    const QString value = ManagersOwn().value(CoreKey(name)).toString();
     if (value.isEmpty()) return std::nullopt;
     return PathFromQt(value);
+}
+
+bool Registry::SetHotSyncManager(std::string_view program) {
+    QSettings core = ManagersOwn();
+    core.setValue(CoreKey("HotSyncPath"), PathToQt(program));
+    core.setValue(CoreKey("Path"), QFileInfo(PathToQt(program)).path());
+    core.sync();
+    return core.status() == QSettings::NoError;
 }
 
 std::optional<std::string> Registry::Read(std::string_view section, std::string_view key) const {
@@ -74,7 +86,11 @@ void Registry::RemoveAll() {
 }
 
 bool Registry::DarkLook() {
-    return Own().value(DarkKey()).toBool();
+    return DarkLook(Global.AppPath);
+}
+
+bool Registry::DarkLook(std::string_view appPath) {
+    return Own().value(DarkKey(appPath)).toBool();
 }
 
 void Registry::SetDarkLook(bool dark) {

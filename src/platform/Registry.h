@@ -18,12 +18,18 @@ public:
     /// system's encoding; nothing when there is none.
     static std::optional<std::string> HotSyncManagerValue(std::string_view name);
 
+    /// Registers a HotSync Manager by the full path of its program: "HotSyncPath" is the program, "Path" its
+    /// folder. False when the registry cannot be written.
+    static bool SetHotSyncManager(std::string_view program);
+
     std::optional<std::string> Read(std::string_view section, std::string_view key) const override;
     void Write(std::string_view section, std::string_view key, std::string_view value) override;
     void RemoveAll() override;
 
     /// Whether the operator has chosen the dark look for this office.
     static bool DarkLook();
+    /// The same of the office in another application directory.
+    static bool DarkLook(std::string_view appPath);
     static void SetDarkLook(bool dark);
 
     /// The widths of a grid's columns, in pixels, as the operator has drawn them; empty when there are

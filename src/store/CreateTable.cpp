@@ -56,7 +56,7 @@ void Check(std::span<const FieldDef> fields) {
 
 } // namespace
 
-void CreateTable(std::string_view path, std::span<const FieldDef> fields) {
+std::string EmptyTableBytes(std::span<const FieldDef> fields) {
     Check(fields);
     int record = 1;
     std::string descriptors;
@@ -73,6 +73,9 @@ void CreateTable(std::string_view path, std::span<const FieldDef> fields) {
     content += BytesOfInt32(0);
     content += BytesOfInt16(static_cast<std::int16_t>(descriptors.size() + 33));
     content += BytesOfInt16(static_cast<std::int16_t>(record));
-    content += std::string(20, '\0') + descriptors + "\x0D\x1A";
-    WriteWholeFile(path, content);
+    return content + std::string(20, '\0') + descriptors + "\x0D\x1A";
+}
+
+void CreateTable(std::string_view path, std::span<const FieldDef> fields) {
+    WriteWholeFile(path, EmptyTableBytes(fields));
 }

@@ -13,8 +13,11 @@ struct FieldDef {
     std::uint8_t Decimals = 0; ///< N only: at most Length - 2
 };
 
-/// Makes a table without records, or replaces one. Always the same bytes for the same fields: the
-/// header's date is 2026-01-01. RunTimeFailure 5 when there is no field or more than 255, for a
-/// field that breaks the ranges above, for a name that comes twice (without regard to case) and for
-/// a record of more than 4000 bytes; failures of the disk as SafeFile.
+/// The file of a table without records. Always the same bytes for the same fields: the header's date is
+/// 2026-01-01. RunTimeFailure 5 when there is no field or more than 255, for a field that breaks the
+/// ranges above, for a name that comes twice (without regard to case) and for a record of more than 4000
+/// bytes.
+std::string EmptyTableBytes(std::span<const FieldDef> fields);
+
+/// Makes a table without records, or replaces one. Failures as above, and of the disk as SafeFile.
 void CreateTable(std::string_view path, std::span<const FieldDef> fields);

@@ -34,9 +34,17 @@ TableLayout::TableLayout() {
 }
 
 TableLayout TableLayout::Read(DiskFile& file, std::string_view path) {
-    const std::uint64_t size = file.Size();
     std::string bytes(BlockSize * (MaxFields + 2), '\0');
     bytes.resize(file.ReadAt(0, bytes.data(), bytes.size()));
+    return ReadStart(std::move(bytes), file.Size(), path);
+}
+
+TableLayout TableLayout::ReadBytes(std::string bytes, std::string_view path) {
+    const std::uint64_t size = bytes.size();
+    return ReadStart(std::move(bytes), size, path);
+}
+
+TableLayout TableLayout::ReadStart(std::string bytes, std::uint64_t size, std::string_view path) {
     if (bytes.size() < BlockSize + 1) {
         Refuse(path, "the file is " + std::to_string(bytes.size()) + " bytes long, too short for a table");
     }

@@ -49,6 +49,9 @@ public:
     /// RunTimeFailure 6 for a 256th field, or a field that would start beyond position 32767.
     static TableLayout Read(DiskFile& file, std::string_view path);
 
+    /// The same of a whole file's bytes.
+    static TableLayout ReadBytes(std::string bytes, std::string_view path);
+
     std::int32_t RecordCount() const { return recordCount_; } ///< 0 or more
     std::int16_t HeaderLength() const { return headerLength_; }
     std::int16_t RecordLength() const { return recordLength_; } ///< with the flag byte; 1 or more
@@ -112,6 +115,7 @@ private:
         Kind Conversion = Kind::Text;
     };
 
+    static TableLayout ReadStart(std::string bytes, std::uint64_t size, std::string_view path);
     const Field& At(int field) const;
     void PutText(const Field& to, std::string_view text, std::string& fields) const;
     void AddField(std::string_view descriptor, std::string_view path);

@@ -19,8 +19,13 @@ TableLayout LayoutOf(std::string_view path) {
 
 } // namespace
 
-TableRewrite::TableRewrite(std::string_view path)
-    : layout_(LayoutOf(path)),
+TableRewrite::TableRewrite(std::string_view path) : TableRewrite(path, LayoutOf(path)) {}
+
+TableRewrite::TableRewrite(std::string_view path, std::span<const FieldDef> fields)
+    : TableRewrite(path, TableLayout::ReadBytes(EmptyTableBytes(fields), path)) {}
+
+TableRewrite::TableRewrite(std::string_view path, TableLayout layout)
+    : layout_(std::move(layout)),
       file_(path, SafeFile::WhenSame::Keep) {
     file_.Write(layout_.Header());
 }

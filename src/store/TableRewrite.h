@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/SafeFile.h"
+#include "store/CreateTable.h"
 #include "store/TableLayout.h"
 
 #include <cstdint>
@@ -23,6 +24,10 @@ class TableRewrite {
 public:
     /// RunTimeFailure as Disk::Open, TableLayout::Read and SafeFile.
     explicit TableRewrite(std::string_view path);
+
+    /// A table of these fields, in the place of whatever stands there. RunTimeFailure as EmptyTableBytes
+    /// and SafeFile.
+    TableRewrite(std::string_view path, std::span<const FieldDef> fields);
 
     const TableLayout& Layout() const { return layout_; }
 
@@ -57,6 +62,7 @@ public:
     void Commit(bool flush = true);
 
 private:
+    TableRewrite(std::string_view path, TableLayout layout);
     void BeginRecord();
     void Drain();
 

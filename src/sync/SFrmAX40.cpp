@@ -2,7 +2,7 @@
 
 #include <utility>
 
-std::vector<std::string> HotSyncUsers(const SFrmAX40& control) {
+std::vector<std::string> KnownUsers(const SFrmAX40& control) {
     std::vector<std::string> users;
     for (int index = 0;; ++index) {
         std::string user = control.HotSyncUser(index);

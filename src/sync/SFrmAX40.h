@@ -1,17 +1,12 @@
 #pragma once
 
+#include "sync/SessionStatus.h"
+
 #include <cstdint>
 #include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
-
-/// What a HotSync session tells its control.
-enum SessionStatus : std::int32_t {
-    SessionBegun = 1,
-    SessionEnded = 2,
-    OperationFinished = 3,
-};
 
 /// What goes with every queued transfer. The HotSync Manager has one converter and no options; a call
 /// that asks for others is refused.
@@ -65,4 +60,4 @@ public:
 };
 
 /// All users that the HotSync Manager knows, in its order; none without a manager.
-std::vector<std::string> HotSyncUsers(const SFrmAX40& control);
+std::vector<std::string> KnownUsers(const SFrmAX40& control);

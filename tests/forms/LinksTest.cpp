@@ -5,7 +5,7 @@
 #include "forms/FormTest.h"
 #include "platform/GridView.h"
 #include "support/FaultyDisk.h"
-#include "sync/SFrmAX40.h"
+#include "support/IdleControl.h"
 #include "sync/forms/frmChgLink.h"
 #include "sync/forms/frmHSID.h"
 #include "views/forms/frmView.h"
@@ -26,16 +26,14 @@ using Names = std::vector<std::string>;
 
 /// A HotSync Manager with users, and a handheld that can be placed in the cradle.
 struct FakeManager {
-    class Control final : public SFrmAX40 {
+    class Control final : public IdleControl {
     public:
-        explicit Control(FakeManager& manager) : manager_(manager) { manager_.Controls.push_back(this); }
+        explicit Control(FakeManager& manager) : IdleControl(manager.Users), manager_(manager) {
+            manager_.Controls.push_back(this);
+        }
         ~Control() override { std::erase(manager_.Controls, this); }
         std::string UserName() const override { return manager_.InCradle; }
         std::int32_t UserID() const override { return manager_.IDInCradle; }
-        std::string HotSyncUser(int index) const override {
-            const auto place = static_cast<std::size_t>(index);
-            return place < manager_.Users.size() ? manager_.Users[place] : std::string();
-        }
 
     private:
         FakeManager& manager_;

@@ -1,7 +1,9 @@
 #include "fuzz/Targets.h"
 
+#include "core/CodePage.h"
 #include "core/Failure.h"
 #include "core/Globals.h"
+#include "core/Paths.h"
 #include "core/Progress.h"
 #include "core/TextCompare.h"
 #include "exchange/Activity.h"
@@ -14,8 +16,10 @@
 #include "exchange/ImportText.h"
 #include "exchange/LineSplitter.h"
 #include "exchange/OrderTables.h"
-#include "fuzz/HandheldTarget.h"
 #include "fuzz/MemoryDisk.h"
+#include "fuzz/PalmTargets.h"
+#include "hotsync/HotSyncUsers.h"
+#include "hotsync/ManagerSettings.h"
 #include "quality/CheckResults.h"
 #include "quality/ReportCsv.h"
 #include "quality/ReportGrid.h"
@@ -464,6 +468,45 @@ void Unattended(std::string_view bytes) {
     });
 }
 
+// ---- the HotSync Manager ----
+
+void HotSyncUsersFile(std::string_view bytes) {
+    Outside outside({});
+    outside.Disk.Put("/fuzz/Users.txt", std::string(bytes));
+    Attempt([&] {
+        HotSyncUsers users("/fuzz");
+        users.Load();
+        const std::vector<HotSyncUser> read = users.All();
+        for (const HotSyncUser& user : read) {
+            Require(user.Id != 0 && users.FindId(user.Id)->Name == user.Name, "an id is that of one user");
+            Require(users.FindName(UpperCase(user.Name))->Id == user.Id, "a name is that of one user");
+            Require(IsNameForNewFile(NameToPath(user.Name)), "a name is that of a folder");
+        }
+        users.New("~ a new one ~");
+        HotSyncUsers again("/fuzz");
+        again.Load();
+        Require(again.All() == users.All(), "users that are written are read as they were");
+        if (read.empty()) return;
+        again.Synced(read[0].Id, {2026, 11, 21, 14, 5, 9}, true);
+        again.Delete(read[0].Id);
+        users.Load();
+        Require(users.All() == again.All(), "changed users are read as they were");
+    });
+}
+
+void HotSyncSettingsFile(std::string_view bytes) {
+    Outside outside({});
+    outside.Disk.Put("/fuzz/HotSync.ini", std::string(bytes));
+    Attempt([&] {
+        ManagerSettings settings = ReadManagerSettings("/fuzz");
+        Require(IsListeningAddress(settings.Address) && settings.PCId != 0, "what is read can be used");
+        settings.LargestFileMB = 3;
+        settings.Address = "::1";
+        WriteManagerSettings("/fuzz", settings);
+        Require(ReadManagerSettings("/fuzz") == settings, "settings that are written are read as they were");
+    });
+}
+
 // ---- the Quality Check ----
 
 void CheckResultsFile(std::string_view bytes) {
@@ -523,9 +566,15 @@ constexpr std::array Targets = {
     FuzzTarget{"export-templates", ExportTemplates},
     FuzzTarget{"activities", Activities},
     FuzzTarget{"unattended", Unattended},
+    FuzzTarget{"hotsync-users", HotSyncUsersFile},
+    FuzzTarget{"hotsync-settings", HotSyncSettingsFile},
     FuzzTarget{"check-results", CheckResultsFile},
     FuzzTarget{"checked-templates", CheckedTemplates},
-    FuzzTarget{"handheld-server", HandheldServer},
+    FuzzTarget{"handheld-database", FuzzHandheldDatabase},
+    FuzzTarget{"handheld-table", FuzzHandheldTable},
+    FuzzTarget{"handheld-to-desktop", FuzzHandheldToDesktop},
+    FuzzTarget{"desktop-to-handheld", FuzzDesktopToHandheld},
+    FuzzTarget{"handheld-session", FuzzHandheldSession},
 };
 
 } // namespace

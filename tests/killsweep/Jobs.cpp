@@ -15,6 +15,8 @@
 #include "exchange/ImportTemplate.h"
 #include "exchange/LostLines.h"
 #include "exchange/OrderCheck.h"
+#include "hotsync/HotSyncUsers.h"
+#include "hotsync/ManagerSettings.h"
 #include "maintenance/Backup.h"
 #include "maintenance/Office.h"
 #include "maintenance/Totals.h"
@@ -45,6 +47,7 @@ constexpr int Orders = 320;
 constexpr int Lines = 1100;
 constexpr int TotalsEvents = 2200;
 constexpr int Links = 2500;
+constexpr int HotSyncUsersInFile = 5000;
 
 using Cells = std::vector<std::pair<const char*, std::string>>;
 
@@ -348,6 +351,42 @@ std::string WriteUnattended() {
     return {};
 }
 
+std::string HotSyncFolder() {
+    return Global.AppPath + "HotSync/";
+}
+
+/// More users than a block of their file holds.
+void PrepareHotSyncUsers() {
+    MakePath(HotSyncFolder());
+    std::string lines;
+    for (int k = 1; k <= HotSyncUsersInFile; ++k)
+        lines += std::to_string(k) + "\tA user with a long name " + std::to_string(k) +
+                 "\t2026-11-21 14:05:09\tcomplete\r\n";
+    WriteWholeFile(HotSyncFolder() + "Users.txt", lines);
+}
+
+std::string EndHotSyncSession() {
+    HotSyncUsers users(HotSyncFolder());
+    users.Load();
+    users.Synced(HotSyncUsersInFile / 2, Now(), false);
+    return {};
+}
+
+void PrepareHotSyncSettings() {
+    MakePath(HotSyncFolder());
+    ManagerSettings settings;
+    settings.PCId = 7;
+    WriteManagerSettings(HotSyncFolder(), settings);
+}
+
+std::string WriteHotSyncSettings() {
+    ManagerSettings settings = ReadManagerSettings(HotSyncFolder());
+    settings.Address = "*";
+    settings.AnswerSeconds = 90;
+    WriteManagerSettings(HotSyncFolder(), settings);
+    return {};
+}
+
 std::string Export() {
     ExportJob job;
     job.ExportFile = Global.DataOutPath + "orders.csv";
@@ -537,6 +576,9 @@ std::vector<SweepJob> MakeJobs() {
          [] { SaveUA(UnattendedFile(), {}); },
          WriteUnattended,
          ""},
+
+        {"HotSync users", {"HotSync/Users.txt"}, PrepareHotSyncUsers, EndHotSyncSession, ""},
+        {"HotSync settings", {"HotSync/HotSync.ini"}, PrepareHotSyncSettings, WriteHotSyncSettings, ""},
 
         {"start", StepsOfStart(), PrepareStart, nullptr, "", true},
 

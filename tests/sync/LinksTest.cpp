@@ -4,9 +4,9 @@
 #include "support/EngineTest.h"
 #include "support/Fails.h"
 #include "support/FaultyDisk.h"
+#include "support/IdleControl.h"
 #include "support/RefusingDisk.h"
 #include "support/Tables.h"
-#include "sync/SFrmAX40.h"
 
 #include <optional>
 
@@ -296,23 +296,10 @@ TEST_F(Links, ARecordThatIsNoLongerThereIsNotWrittenOverAnother) {
 
 // ---- the users of the HotSync Manager ----
 
-class Manager final : public SFrmAX40 {
-public:
-    explicit Manager(Names users) : users_(std::move(users)) {}
-    std::string UserName() const override { return {}; }
-    std::int32_t UserID() const override { return 0; }
-    std::string HotSyncUser(int index) const override {
-        return index < static_cast<int>(users_.size()) ? users_[static_cast<std::size_t>(index)] : "";
-    }
-
-private:
-    Names users_;
-};
-
 TEST(HotSyncUsersOf, AManagerAreReadInItsOrderUntilAnEmptyName) {
-    EXPECT_EQ(HotSyncUsers(Manager({"Zoe", "Anna"})), (Names{"Zoe", "Anna"}));
-    EXPECT_EQ(HotSyncUsers(Manager({"Zoe", "", "Anna"})), Names{"Zoe"});
-    EXPECT_EQ(HotSyncUsers(Manager({})), Names{});
+    EXPECT_EQ(KnownUsers(IdleControl({"Zoe", "Anna"})), (Names{"Zoe", "Anna"}));
+    EXPECT_EQ(KnownUsers(IdleControl({"Zoe", "", "Anna"})), Names{"Zoe"});
+    EXPECT_EQ(KnownUsers(IdleControl(Names{})), Names{});
 }
 
 } // namespace

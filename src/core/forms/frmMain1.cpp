@@ -16,16 +16,20 @@
 #include "maintenance/Office.h"
 #include "maintenance/Totals.h"
 #include "platform/Convert.h"
+#include "platform/HotSyncManager.h"
 #include "platform/Look.h"
 #include "platform/Registry.h"
 #include "platform/SingleInstance.h"
+#include "platform/TitledWindow.h"
 #include "quality/forms/QCRun.h"
 #include "quality/forms/frmConfig.h"
 #include "store/OfficeTables.h"
 #include "store/TableScan.h"
+#include "sync/Images.h"
 #include "sync/Status.h"
 #include "sync/StatusDetails.h"
 #include "sync/forms/StatusFile.h"
+#include "sync/forms/UpdateHSUsers.h"
 #include "sync/forms/frmChgLink.h"
 #include "sync/forms/frmHHStatus.h"
 #include "tools/forms/frmAbout.h"
@@ -35,10 +39,10 @@
 
 #include <QApplication>
 #include <QHeaderView>
-#include <QProcess>
 #include <QScreen>
 #include <QStyleOptionToolButton>
 #include <QStylePainter>
+#include <QTimer>
 
 #include <algorithm>
 
@@ -46,7 +50,9 @@ namespace {
 
 constexpr int TwipsPerPixel = 15; // 1440 to the inch, 96 pixels
 constexpr const char* QualityCheckHelp = "Quality_Check_.htm";
+constexpr const char* ProgressWindow = "Hotsync Progress";
 constexpr int BricksInRow = 5;
+constexpr int LookEvery = 500;    // milliseconds
 constexpr QSize IconSize(36, 28); // wider than the picture, which keeps the text off it
 
 /// Pages of the Tools quadrant, in the order of `lblPrev`.
@@ -96,6 +102,14 @@ bool IsMarked(std::size_t row) {
 
 frmMain1::frmMain1() {
     setupUi(this);
+    for (const auto& [timer, name] : {std::pair{&Timer2, "Timer2"}, {&Timer3, "Timer3"}}) {
+        *timer = new QTimer(this);
+        (*timer)->setObjectName(QLatin1String(name));
+        (*timer)->setInterval(LookEvery);
+    }
+    QSizePolicy policy = picMatrix->sizePolicy();
+    policy.setRetainSizeWhenHidden(true); // the progress window takes its place
+    picMatrix->setSizePolicy(policy);
 }
 
 // ---- start ----
@@ -123,7 +137,7 @@ void frmMain1::StartUp() {
         Tell(Lines(msg::TextsCannotBeRead, Text::Path(std::string_view(problems))), Icon::Warning);
     }
     FillCaptions(*this);
-    IsHotSyncActive();
+    IsHotSyncActiveOrTell();
 
     Global.IniFile = Global.AppPath + "ZUKTramble.ini";
     TakeWindowPosition();
@@ -149,15 +163,7 @@ void frmMain1::StartUp() {
     SetLLQStandard();
     operating_ = true;
     WriteSettings();
-}
-
-void frmMain1::IsHotSyncActive() {
-    TraceEvent("basCommon:IsHotSyncActive");
-    if (const auto manager = Registry::HotSyncManagerValue("HotSyncPath")) {
-        QProcess::startDetached(PathToQt(*manager), {});
-        return;
-    }
-    Tell(msg::PalmDesktopMissing, Icon::Information);
+    Timer2->start();
 }
 
 void frmMain1::LoadIcons() {
@@ -427,6 +433,41 @@ void frmMain1::Form_GotFocus() {
     if (Global.RefreshTotals) GetPCTotals();
 }
 
+// ---- the HotSync Manager's window ----
+
+void frmMain1::ShowMatrix(bool shown) {
+    picMatrix->setVisible(shown);
+    FGTot->setVisible(shown && FGTot->model()->rowCount() > 0);
+}
+
+void frmMain1::Timer2_Timer() {
+    if (Global.HSDisplayHeld) return;
+    auto window = FindWindow(QString::fromLatin1(ProgressWindow));
+    if (!window) return;
+    ShowMatrix(false);
+    SetHSWindow(*window);
+    Timer2->stop();
+    Timer3->start();
+}
+
+void frmMain1::Timer3_Timer() {
+    if (FindWindow(QString::fromLatin1(ProgressWindow))) return;
+    ShowMatrix(true);
+    for (const std::string& name : RenameImages(Global.ImagesPath))
+        TraceEvent("frmMain1:Timer3_Timer cannot rename " + name);
+    Global.HSDisplayHeld = false;
+    Timer3->stop();
+    Timer2->start();
+}
+
+/// Places the window over the space of the recent uploads: above the main screen, and not above all others.
+void frmMain1::SetHSWindow(FoundWindow& window) {
+    TraceEvent("frmMain1:SetHSWindow");
+    const QRect space(picMatrix->mapToGlobal(QPoint(0, 0)), picMatrix->size());
+    if (window.Placement() == space) return;
+    for (const bool topmost : {true, false}) window.SetPlacement(space, topmost);
+}
+
 // ---- tools ----
 
 void frmMain1::ShowPage(int page) {
@@ -504,6 +545,26 @@ void frmMain1::mnuQC_Click() {
     UnloadForms();
     if (Global.TheOperator->Ask({msg::QCAllQuestion, msg::Yes, msg::No, QualityCheckHelp}))
         CheckAllProcesses();
+}
+
+void frmMain1::UpdateUsers() {
+    UnloadForms();
+    // One registration at a time: it waits for windows of the other programs.
+    lblUpdateHSUsers->setEnabled(false);
+    mnuUpdateReg->setEnabled(false);
+    UpdateHSUsers(*this);
+    lblUpdateHSUsers->setEnabled(true);
+    mnuUpdateReg->setEnabled(true);
+}
+
+void frmMain1::lblUpdateHSUsers_Click() {
+    TraceEvent("frmMain1:lblUpdateHSUsers_Click");
+    UpdateUsers();
+}
+
+void frmMain1::mnuUpdateReg_Click() {
+    TraceEvent("frmMain1:mnuUpdateReg_Click");
+    UpdateUsers();
 }
 
 void frmMain1::lblSetupPC_Click() {

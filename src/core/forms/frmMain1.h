@@ -11,6 +11,9 @@
 #include <string>
 #include <vector>
 
+class FoundWindow;
+class QTimer;
+
 /// The system's home: the state of the handhelds, the recent uploads, the daily activities and the
 /// tools. Its load is the start of the program, its unload the end.
 class frmMain1 final : public MainForm, private Ui::frmMain1 {
@@ -67,8 +70,12 @@ private slots:
     void lblQC_Click();
     void mnuConfig_Click();
     void mnuQC_Click();
+    void lblUpdateHSUsers_Click();
+    void mnuUpdateReg_Click();
     void lblSetupPC_Click();
     void mnuPCSetup_Click();
+    void Timer2_Timer();
+    void Timer3_Timer();
     void lblPrev_Click();
     void lblNext_Click();
 
@@ -80,11 +87,13 @@ protected:
 private:
     void StartUp();
     void StopStart(const Text& reason);
-    void IsHotSyncActive();
     void LoadIcons();
     void SetLLQStandard();
     void SetUpTotalsGrid();
     void ShowUploads(std::vector<std::vector<Text>> rows);
+    void ShowMatrix(bool shown);
+    void SetHSWindow(FoundWindow& window);
+    void UpdateUsers();
     void ShowPage(int page);
     void View(const char* handler, ViewFlag flag, ShowMode mode = ShowMode::Modeless);
 
@@ -99,6 +108,8 @@ private:
     void TakeWindowPosition();
     void WriteSettings();
 
+    QTimer* Timer2 = nullptr;           ///< looks whether the HotSync Manager's progress window comes
+    QTimer* Timer3 = nullptr;           ///< looks whether it goes
     std::vector<std::string> brickIDs_; ///< of the bricks that are drawn
     QRect restored_;                    ///< the place that was set from the settings, in pixels
     bool operating_ = false;            ///< start-up has come to its end

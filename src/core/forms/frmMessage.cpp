@@ -13,6 +13,7 @@ void frmMessage::Form_Load() {
 
 void frmMessage::Fill(const Question& question) {
     lblMessage->setText(ToQt(question.Message));
+    if (question.Title) setWindowTitle(ToQt(Text(*question.Title)));
     const bool isNotice = !question.YesCaption;
     if (question.YesCaption) cmdYes->setText(QString::fromStdString(CatalogueCaption(*question.YesCaption)));
     cmdNo->setText(QString::fromStdString(CatalogueCaption(question.NoCaption)));

@@ -71,7 +71,7 @@ void Do(Check check, Run& run) {
     if (!Global.QCCheckAll) BeginRun();
     const std::size_t before = run.FG1.ProblemRows();
     try {
-        RunCheck(check, {run.Bar, [] { return HotSyncUsers(*NewSFrmAX40()); }}, run.FG1);
+        RunCheck(check, {run.Bar, [] { return KnownUsers(*NewSFrmAX40()); }}, run.FG1);
     } catch (const RunTimeFailure& failure) {
         if (Global.QCCheckAll) throw;
         return Stop(failure, run);

@@ -29,7 +29,7 @@ void frmChgLink::Form_Load() {
     SFLink->HotSyncStatus = [this](std::int32_t status) {
         if (!IsOver()) Run([this, status] { SFLink_HotSyncStatus(status); });
     };
-    users_ = HotSyncUsers(*SFLink);
+    users_ = KnownUsers(*SFLink);
     const std::int32_t record = std::exchange(Global.LinkRecordToShow, 0);
     if (!Try([&] { links_.Open(record > 0 ? record : Global.SelectedRow); })) return Unload();
     before_ = links_.IDs();

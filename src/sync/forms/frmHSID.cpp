@@ -7,8 +7,7 @@
 
 void frmHSID::Form_Load() {
     TraceEvent("frmHSID:Form_Load");
-    for (const std::string& user : HotSyncUsers(*NewSFrmAX40()))
-        cboUser->addItem(ToQt(std::string_view(user)));
+    for (const std::string& user : KnownUsers(*NewSFrmAX40())) cboUser->addItem(ToQt(std::string_view(user)));
     const bool anybody = cboUser->count() > 0;
     lblMsg->setText(ToQt(Text(anybody ? msg::UserToAdd : msg::NoUsers)));
     cboUser->setEnabled(anybody);

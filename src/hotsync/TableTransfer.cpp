@@ -1,0 +1,396 @@
+#include "hotsync/TableTransfer.h"
+
+#include "core/CodePage.h"
+#include "core/Failure.h"
+#include "core/Paths.h"
+#include "core/SafeFile.h"
+#include "core/TextCompare.h"
+#include "store/TableCatalogue.h"
+#include "store/TableRewrite.h"
+#include "store/TableScan.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+
+namespace {
+
+constexpr std::string_view WorkMark = "~";
+constexpr std::string_view InstallWork = "ZUK_install~";
+constexpr std::uint16_t KeepVersion = 0xFFFF;
+constexpr std::string_view SignedTable = "ZUKORHDR";
+/// Some handhelds lock up when a record near the limit is asked for in one piece.
+constexpr std::uint16_t LongestPiece = LongestRecord - 100;
+
+/// Tables that the office keeps and handhelds only carry: one that a handheld lacks was never sent to it.
+constexpr std::array<std::string_view, 9> OfficeKeeps{"ZUKCUST",  "ZUKITEM",  "ZUKSTAX", "ZUKPAY",  "ZUKCOMP",
+                                                      "ZUKSETUP", "ZUKPRINT", "ZUKHELP", "ZUKBARIN"};
+
+std::string WorkName(const std::string& name) {
+    return name + std::string(WorkMark);
+}
+
+HandheldLayout LayoutOf(const TableLayout& table) {
+    HandheldLayout layout;
+    for (int k = 1; k <= table.FieldCount(); ++k) {
+        const std::string& type = table.FieldType(k);
+        layout.Fields.push_back({std::string(table.PlainName(k)), type.empty() ? 'C' : type.front(),
+                                 static_cast<std::uint8_t>(table.FieldLength(k)),
+                                 static_cast<std::uint8_t>(table.FieldDecimals(k))});
+    }
+    return layout;
+}
+
+std::vector<FieldDef> FieldsOf(const HandheldLayout& layout) {
+    std::vector<FieldDef> fields;
+    for (const HandheldField& field : layout.Fields) {
+        fields.push_back({field.Name, field.Type, field.Length, field.Decimals});
+    }
+    return fields;
+}
+
+std::vector<FieldDef> FieldsOf(const TableEntry& table) {
+    std::vector<FieldDef> fields;
+    for (const TableField& field : table.Fields) {
+        fields.push_back({field.Name, field.Type, field.Length, field.Decimals});
+    }
+    return fields;
+}
+
+/// Where each of the handheld's fields goes in a table that has all of them, none shorter and none of
+/// another type; nothing when it has not.
+std::optional<std::vector<int>> PlacesIn(const TableLayout& table, const HandheldLayout& from) {
+    std::vector<int> places;
+    for (const HandheldField& field : from.Fields) {
+        int place = table.FieldCount();
+        while (place > 0 && !SameText(table.PlainName(place), field.Name)) --place;
+        if (place == 0 || table.FieldLength(place) < field.Length ||
+            table.FieldType(place) != std::string(1, field.Type)) {
+            return std::nullopt;
+        }
+        places.push_back(place);
+    }
+    return places;
+}
+
+} // namespace
+
+/// The table that is being built, and the places of the handheld's fields in it.
+struct TableTransfer::Columns {
+    TableRewrite Table;
+    std::vector<int> Places; ///< empty: the handheld's fields as they are
+
+    static Columns For(std::string_view path, const HandheldLayout& from) {
+        if (FileExists(path)) {
+            try {
+                TableRewrite table(path);
+                if (auto places = PlacesIn(table.Layout(), from)) return Columns(path, *places);
+            } catch (const RunTimeFailure& failure) {
+                // A file that is no table is replaced by one; one that may not be touched is not.
+                constexpr int notATable = 321;
+                if (failure.Number() != notATable) throw;
+            }
+        }
+        return Columns(path, from);
+    }
+
+    Columns(std::string_view path, std::vector<int> places) : Table(path), Places(std::move(places)) {}
+    Columns(std::string_view path, const HandheldLayout& from) : Table(path, FieldsOf(from)) {}
+
+    void Append(const HandheldLayout& from, std::string_view fields) {
+        const TableLayout& layout = Table.Layout();
+        std::string record(static_cast<std::size_t>(layout.RecordLength()) - 1, ' ');
+        std::size_t at = 0;
+        for (std::size_t k = 0; k < from.Fields.size(); ++k) {
+            const std::size_t length = from.Fields[k].Length;
+            const int to = Places.empty() ? static_cast<int>(k) + 1 : Places[k];
+            record.replace(static_cast<std::size_t>(layout.FieldStart(to)) - 1, length,
+                           fields.substr(at, length));
+            at += length;
+        }
+        Table.AppendRaw(TableLayout::Live, record);
+    }
+};
+
+TableTransfer::TableTransfer(HandheldLine& line, const Limits& limits, Step step)
+    : line_(line),
+      limits_(limits),
+      step_(std::move(step)) {}
+
+/// Runs a deed that may leave a database open, and one of the name `work` behind: after a failure that the
+/// line survives neither is left.
+template <class Deed>
+auto TableTransfer::Guarded(const std::string& work, Deed deed) {
+    const auto tidyUp = [&] {
+        DlpRequest closeAll(DlpFunction::CloseDB);
+        closeAll.Arguments.push_back({0x21, {}});
+        line_.Ask(closeAll);
+        if (!work.empty()) line_.Ask(PackDeleteDB(work));
+    };
+    try {
+        return deed();
+    } catch (const HandheldRefusal& failure) {
+        tidyUp();
+        throw TransferFailure(failure.what());
+    } catch (const PalmFailure& failure) {
+        tidyUp();
+        throw TransferFailure(failure.what());
+    } catch (const RunTimeFailure& failure) {
+        tidyUp();
+        throw TransferFailure(failure.what());
+    } catch (const TransferFailure&) {
+        tidyUp();
+        throw;
+    } catch (const SessionCancelled&) {
+        tidyUp();
+        throw;
+    }
+}
+
+// ---- from the handheld ----
+
+TableTransfer::Result TableTransfer::Upload(std::string_view path) {
+    return Guarded({}, [&] {
+        const std::string name = HandheldDatabaseName(path);
+        line_.KeepAlive();
+        return Fetch(path, name);
+    });
+}
+
+TableTransfer::Result TableTransfer::Fetch(std::string_view path, const std::string& name) {
+    const std::string deed = "open " + name;
+    const DlpResponse opened = line_.Ask(PackOpenDB(name, false));
+    if (opened.Error == DlpError::NotFound) return FetchNone(path, name);
+    if (opened.Error != DlpError::None) throw HandheldRefusal(deed, opened.Error);
+    const std::uint8_t handle = ReadHandle(opened);
+    const HandheldLayout layout =
+        ReadLayout(ReadBlock(line_.Need(PackReadAppBlock(handle), "read the fields of " + name)));
+    const std::uint16_t count = CountRecords(handle, name);
+    std::uint64_t bytes = std::uint64_t{count} * layout.RecordBytes();
+    const auto refuseSize = [&] {
+        throw TransferFailure(name + ": " + std::to_string(count) + " records are more than " +
+                              std::to_string(limits_.LargestTable >> 20) + " MB");
+    };
+    if (bytes > limits_.LargestTable) refuseSize();
+
+    Columns columns = Columns::For(path, layout);
+    Result result;
+    std::vector<Signature> signatures;
+    const bool isSigned = TableOfDatabase(name) == SignedTable;
+    const std::size_t orderCode = layout.Find("H_ORDCODE");
+    for (std::uint16_t index = 0; index < count; ++index) {
+        step_(index, count);
+        HandheldRecord record = ReadWhole(handle, index, layout);
+        columns.Append(layout, record.Fields);
+        ++result.Records;
+        if (!record.IsSigned()) continue;
+        std::string code;
+        if (isSigned && orderCode < layout.Fields.size()) code = layout.Get(orderCode, record.Fields);
+        code.erase(code.find_last_not_of(' ') + 1);
+        if (!IsNameForNewFile(NameToPath(code))) {
+            result.Odd.push_back("a signature of order \"" + CodePageToUtf8(code) + "\" has no place to lie");
+            continue;
+        }
+        bytes += record.Signature.Rows.size();
+        if (bytes > limits_.LargestTable) refuseSize();
+        const std::string images = AddBackslash(std::string(FolderOf(path)) + "Images");
+        signatures.push_back({images + NameToPath(code), std::move(record.Signature)});
+    }
+    step_(count, count);
+    if (CountRecords(handle, name) != count) throw TransferFailure(name + " changed while it was read");
+    Close(handle);
+
+    // A drawing whose order is not there yet harms nobody; an order without its drawing would.
+    for (const Signature& signature : signatures) {
+        MakePath(FolderOf(signature.Path));
+        WriteWholeFile(signature.Path, InkBitmap(signature.Drawing));
+    }
+    columns.Table.Commit();
+    result.Signatures = static_cast<std::int32_t>(signatures.size());
+    return result;
+}
+
+TableTransfer::Result TableTransfer::FetchNone(std::string_view path, const std::string& name) {
+    const std::string table = TableOfDatabase(name);
+    if (std::find(OfficeKeeps.begin(), OfficeKeeps.end(), table) != OfficeKeeps.end()) {
+        throw TransferFailure("the handheld has no " + name);
+    }
+    Result result;
+    result.WasMissing = true;
+    if (FileExists(path)) {
+        TableRewrite(path).Commit();
+        return result;
+    }
+    const TableEntry* const entry = FindTable(table);
+    if (!entry) throw TransferFailure("the handheld has no " + name + ", and nobody knows its fields");
+    TableRewrite(path, FieldsOf(*entry)).Commit();
+    return result;
+}
+
+HandheldRecord TableTransfer::ReadWhole(std::uint8_t handle, std::uint16_t index,
+                                        const HandheldLayout& layout) {
+    const std::string deed = "read record " + std::to_string(index + 1);
+    RecordAnswer answer = ReadRecordAnswer(line_.Need(PackReadRecord(handle, index, 0, LongestPiece), deed));
+    std::string data = std::move(answer.Record.Data);
+    while (data.size() < answer.Size) {
+        const auto offset = static_cast<std::uint16_t>(data.size());
+        const RecordAnswer more =
+            ReadRecordAnswer(line_.Need(PackReadRecord(handle, index, offset, LongestPiece), deed));
+        if (more.Size != answer.Size || more.Record.Data.empty())
+            throw PalmFailure(deed + ": it changed meanwhile");
+        data += more.Record.Data;
+    }
+    if (data.size() != answer.Size) throw PalmFailure(deed + ": more bytes than the record has");
+    return ReadRecord(layout, data);
+}
+
+std::uint16_t TableTransfer::CountRecords(std::uint8_t handle, const std::string& name) {
+    return ReadRecordCount(line_.Need(PackReadOpenDBInfo(handle), "count the records of " + name));
+}
+
+// ---- to the handheld ----
+
+TableTransfer::Result TableTransfer::Download(std::string_view path) {
+    const std::string name = Guarded({}, [&] { return HandheldDatabaseName(path); });
+    const std::string work = WorkName(name);
+    const Result result = Guarded(work, [&] {
+        line_.KeepAlive();
+        return Send(path, work);
+    });
+    // From here on the new table is whole: it is never deleted again.
+    Guarded({}, [&] { MoveToName(work, name); });
+    return result;
+}
+
+TableTransfer::Result TableTransfer::Send(std::string_view path, const std::string& work) {
+    TableScan scan(path);
+    const HandheldLayout layout = LayoutOf(scan.Layout());
+    const std::string fields = PackLayout(layout);
+    if (scan.RecordCount() > static_cast<std::int32_t>(MostRecords)) {
+        throw TransferFailure(std::string(path) + ": " + std::to_string(scan.RecordCount()) +
+                              " records are more than the 65535 of a handheld database");
+    }
+    DatabaseHeader header = HandheldHeader(path);
+    const std::string name = header.Name;
+    header.Version = 0;
+    const std::uint8_t handle = Begin(header, work);
+    line_.Need(PackWriteAppBlock(handle, fields), "write the fields of " + name);
+    Result result;
+    while (scan.Next()) {
+        step_(scan.RecordNumber() - 1, scan.RecordCount());
+        if (scan.Deleted()) {
+            ++result.LeftBehind;
+            continue;
+        }
+        DatabaseRecord record;
+        record.Data = PackRecord(layout, {std::string(scan.Fields()), {}});
+        line_.Need(PackWriteRecord(handle, record), "write record " + std::to_string(scan.RecordNumber()));
+        ++result.Records;
+    }
+    step_(scan.RecordCount(), scan.RecordCount());
+    if (CountRecords(handle, name) != result.Records)
+        throw TransferFailure(name + ": the handheld lost records");
+    line_.Need(PackSetDBInfo(handle, WholeTable, {}), "finish " + name);
+    Close(handle);
+    return result;
+}
+
+std::uint8_t TableTransfer::Begin(const DatabaseHeader& header, const std::string& work) {
+    DeleteIfThere(work);
+    DatabaseHeader begun = header;
+    begun.Name = work;
+    return ReadHandle(line_.Need(PackCreateDB(begun), "make " + work));
+}
+
+void TableTransfer::MoveToName(const std::string& work, const std::string& name) {
+    DeleteIfThere(name);
+    const std::uint8_t handle = ReadHandle(line_.Need(PackOpenDB(work, true), "open " + work));
+    line_.Need(PackSetDBInfo(handle, KeepVersion, name), "name " + name);
+    Close(handle);
+}
+
+void TableTransfer::Close(std::uint8_t handle) {
+    line_.Need(PackCloseDB(handle), "close a database");
+}
+
+void TableTransfer::DeleteIfThere(const std::string& name) {
+    const DlpResponse response = line_.Ask(PackDeleteDB(name));
+    if (response.Error != DlpError::None && response.Error != DlpError::NotFound) {
+        throw HandheldRefusal("delete " + name, response.Error);
+    }
+}
+
+std::int32_t TableTransfer::Install(std::string_view path) {
+    const std::string work(InstallWork);
+    const Database database = Guarded(work, [&] {
+        line_.KeepAlive();
+        Database read = ReadDatabase(ReadWholeFile(path, limits_.LargestFile));
+        if (read.Name.empty()) throw PalmFailure("a database without a name");
+        Put(read, work);
+        return read;
+    });
+    Guarded({}, [&] { MoveToName(work, database.Name); });
+    if ((database.Flags & ResetAfterInstall) != 0) needsReset_ = true;
+    return static_cast<std::int32_t>(database.Records.size() + database.Resources.size());
+}
+
+void TableTransfer::Put(const Database& database, const std::string& work) {
+    const auto of = static_cast<std::int32_t>(database.Records.size() + database.Resources.size());
+    const std::uint8_t handle = Begin(database, work);
+    const std::string& name = database.Name;
+    if (!database.AppInfo.empty()) {
+        line_.Need(PackWriteAppBlock(handle, database.AppInfo), "write the block of " + name);
+    }
+    if (!database.SortInfo.empty()) {
+        line_.Need(PackWriteSortBlock(handle, database.SortInfo), "write the sort block of " + name);
+    }
+    std::int32_t done = 0;
+    for (const DatabaseResource& resource : database.Resources) {
+        step_(done++, of);
+        if (resource.Data.empty()) continue; // cannot be installed
+        if (resource.Type == FourCharacters("boot")) needsReset_ = true;
+        line_.Need(PackWriteResource(handle, resource), "write resource " + std::to_string(done));
+    }
+    for (const DatabaseRecord& record : database.Records) {
+        step_(done++, of);
+        if ((record.Flags & DeletedRecord) != 0) continue;
+        line_.Need(PackWriteRecord(handle, record), "write record " + std::to_string(done));
+    }
+    step_(of, of);
+    Close(handle);
+}
+
+// ---- what an earlier session left ----
+
+std::vector<std::string> TableTransfer::Recover() {
+    return Guarded({}, [&] {
+        std::vector<DatabaseInfo> all;
+        std::uint32_t next = 0;
+        while (next <= 0xFFFF) {
+            const DlpResponse response = line_.Ask(PackListRequest(static_cast<std::uint16_t>(next)));
+            if (response.Error == DlpError::NotFound) break;
+            if (response.Error != DlpError::None) throw HandheldRefusal("list the databases", response.Error);
+            const DatabaseList list = ReadDatabaseList(response);
+            if (list.Databases.empty() || list.LastIndex < next) break;
+            all.insert(all.end(), list.Databases.begin(), list.Databases.end());
+            next = list.LastIndex + 1U;
+            if (!list.More) break;
+        }
+        const auto isThere = [&](const std::string& name) {
+            return std::any_of(all.begin(), all.end(), [&](const auto& info) { return info.Name == name; });
+        };
+        std::vector<std::string> concerned;
+        for (const DatabaseInfo& info : all) {
+            const std::string name =
+                info.Name.substr(0, info.Name.size() - std::min<std::size_t>(info.Name.size(), 1));
+            const bool isTable = info.Creator == HandheldCreator && !TableOfDatabase(name).empty();
+            if (info.Name != InstallWork && (!isTable || info.Name != WorkName(name))) continue;
+            concerned.push_back(info.Name);
+            if (isTable && info.Version == WholeTable && !isThere(name))
+                MoveToName(info.Name, name);
+            else
+                DeleteIfThere(info.Name);
+        }
+        return concerned;
+    });
+}

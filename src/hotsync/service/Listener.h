@@ -1,0 +1,47 @@
+#pragma once
+
+#include "hotsync/ManagerSettings.h"
+#include "hotsync/SessionLog.h"
+
+#include <QObject>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QUdpSocket>
+
+#include <deque>
+#include <functional>
+#include <memory>
+
+/// Where handhelds call: the port of Network HotSync, and the one on which they look this computer up.
+/// Callers are served one after the other; so many wait, and any further one is turned away.
+class Listener final : public QObject {
+public:
+    /// Holds one session; runs the event loop while it does. The socket is gone afterwards.
+    using Serve = std::function<void(QTcpSocket& socket)>;
+
+    Listener(SessionLog& log, Serve serve);
+    ~Listener() override;
+
+    /// Listens as the settings say, in the place of where it listened before; callers that wait go on
+    /// waiting. False with a reason when that cannot be; it listens nowhere then.
+    bool Listen(const ManagerSettings& settings, QString& why);
+
+    /// No further caller is taken, and those that wait are sent away.
+    void Stop();
+
+    std::uint16_t Port() const { return server_.serverPort(); } ///< 0: it does not listen
+    bool IsServing() const { return serving_; }
+
+private:
+    void Accept();
+    void ServeNext();
+    void AnswerLookups();
+
+    SessionLog& log_;
+    Serve serve_;
+    QTcpServer server_;
+    QUdpSocket lookup_;
+    std::deque<std::unique_ptr<QTcpSocket>> waiting_;
+    std::size_t mayWait_ = 0;
+    bool serving_ = false;
+};

@@ -1,0 +1,71 @@
+#include "core/Failure.h"
+#include "core/Globals.h"
+#include "core/Messages.h"
+#include "platform/Convert.h"
+#include "platform/HotSyncManager.h"
+#include "platform/Look.h"
+#include "platform/QtOperator.h"
+#include "platform/Registry.h"
+#include "rdkinst/Options.h"
+#include "rdkinst/Restart.h"
+#include "rdkinst/forms/frmSetup.h"
+
+#include <QApplication>
+
+#include <iostream>
+
+namespace {
+
+int Fail(const std::string& reason) {
+    std::cerr << "rdkinst: " << reason << "\n";
+    return 1;
+}
+
+/// The reason why the conduit could not be registered; empty when it is.
+std::string Register(const Conduit& conduit) {
+    try {
+        The<frmSetup>().StandFor(msg::lblSetup, [&] { RegisterConduit(HotSyncManagerFolder(), conduit); });
+        return {};
+    } catch (const RunTimeFailure& failure) {
+        return failure.what();
+    }
+}
+
+/// Closes the HotSync Manager and starts it again. Whoever watches the windows waits for the second one,
+/// so it comes also when the manager goes on.
+bool Restart() {
+    const bool ended = EndManager(PathToQt(HotSyncManagerFolder()));
+    The<frmSetup>().StandFor(ended ? msg::SetupRestarts : msg::SetupLeaves, [ended] {
+        if (ended) IsHotSyncActive();
+    });
+    return ended;
+}
+
+int RunRegistration(const Options& options) {
+    if (HotSyncManagerFolder().empty()) return Fail("no HotSync Manager is registered on this computer");
+    const std::string reason = Register(options.Registered);
+    if (!reason.empty() && options.RestartHS) Tell(Text::Path(std::string_view(reason)), Icon::Stop);
+    if (options.RestartHS && !Restart()) return Fail("the HotSync Manager was not closed");
+    return reason.empty() ? 0 : Fail(reason);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const auto options = ReadOptions({argv + 1, argv + argc});
+    if (!options) {
+        std::cerr << Usage;
+        return 2;
+    }
+    int onlyItsName = 1; // the window system would take "-name" for its own
+    QApplication application(onlyItsName, argv);
+    QApplication::setApplicationName(QStringLiteral("rdkinst"));
+    QApplication::setApplicationVersion(QStringLiteral(TRAMBLE_VERSION));
+    QApplication::setQuitOnLastWindowClosed(false);
+    QtOperator atTheScreen;
+    Global.TheOperator = &atTheScreen;
+    ApplyLook(application, Registry::DarkLook());
+    const int exitCode = RunRegistration(*options);
+    FormRegistry::Instance().Clear();
+    return exitCode;
+}

@@ -1,0 +1,136 @@
+#include "sync/forms/UpdateHSUsers.h"
+
+#include "core/Directories.h"
+#include "core/Failure.h"
+#include "core/Globals.h"
+#include "core/Messages.h"
+#include "core/Operator.h"
+#include "core/Paths.h"
+#include "platform/Convert.h"
+#include "platform/Form.h"
+#include "platform/HotSyncManager.h"
+#include "platform/TitledWindow.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QProcess>
+#include <QTimer>
+
+namespace {
+
+constexpr const char* Command = "rdkinst -crtreg ZUK2 -condpath SFrmCn40.dll  -name \"Tramble\" -restarths";
+constexpr int LookEvery = 50; // milliseconds
+
+const QString SetupWindow = QStringLiteral("Setup");
+const QString ExitWindow = QStringLiteral("Exit Hotsync Manager");
+
+/// Changes the working directory for as long as it lives.
+class WorkingDirectory {
+public:
+    WorkingDirectory() : before_(QDir::currentPath()) {}
+    WorkingDirectory(const WorkingDirectory&) = delete;
+    WorkingDirectory& operator=(const WorkingDirectory&) = delete;
+    ~WorkingDirectory() { QDir::setCurrent(before_); }
+
+private:
+    QString before_;
+};
+
+Text Explanation() {
+    Text text = Lines(msg::UpdateUsersWhy, Lines({}, msg::UpdateUsersSteps));
+    for (const MessageId step : {msg::UpdateUsersClose, msg::UpdateUsersRegister, msg::UpdateUsersRestart})
+        text = Lines(text, step);
+    return text;
+}
+
+// ---- the command ----
+
+/// Runs the command in a folder, where its program lies. RunTimeFailure 53 without that program, 70 when it
+/// could not be started.
+void RunCommand(const std::string& folder) {
+    QStringList words = QProcess::splitCommand(QString::fromLatin1(Command));
+    QDir::setCurrent(PathToQt(folder));
+    const QString program = QDir(PathToQt(folder)).absoluteFilePath(words.takeFirst());
+    if (QProcess::startDetached(program, words, PathToQt(folder))) return;
+    throw RunTimeFailure(QFileInfo::exists(program) ? 70 : 53, PathFromQt(program));
+}
+
+/// A copy of the Install directory in the temporary directory. RunTimeFailure 70 when that belongs to
+/// somebody else: a program is going to be run there.
+std::string CopyOfInstall() {
+    constexpr auto Mine = QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner;
+    const std::string folder = TemporaryDirectory();
+    const QString place = PathToQt(folder.substr(0, folder.size() - 1));
+    if (QFileInfo(place).isSymLink()) throw RunTimeFailure(70, folder);
+    MakePath(folder);
+    if (!QFile::setPermissions(place, Mine)) throw RunTimeFailure(70, folder);
+    Global.TemporaryDirectory = true;
+    for (const std::string& name : FilesWithExtension(Global.InstallPath, "")) {
+        CopyOver(Global.InstallPath + name, folder + name, false);
+        QFile::setPermissions(PathToQt(folder + name), Mine);
+    }
+    return folder;
+}
+
+/// False when it cannot be run at all: the operator has been told.
+bool StartRegistration() {
+    try {
+        RunCommand(Global.InstallPath);
+        return true;
+    } catch (const RunTimeFailure&) { // once more from a copy
+    }
+    try {
+        RunCommand(CopyOfInstall());
+        return true;
+    } catch (const RunTimeFailure& failure) {
+        Tell(Text::Path(std::string_view(failure.what())), Icon::Stop);
+        return false;
+    }
+}
+
+// ---- the windows ----
+
+/// Looks again and again until there is what is looked for.
+void LookUntil(FormBehaviour& form, const std::function<bool()>& there) {
+    bool seen = there();
+    QTimer look;
+    QObject::connect(&look, &QTimer::timeout, &look, [&] { seen = seen || there(); });
+    look.start(LookEvery);
+    form.WaitWhile([&] { return !seen; });
+}
+
+void AwaitSetup(FormBehaviour& form) {
+    std::optional<FoundWindow> setup;
+    LookUntil(form, [&] { return (setup = FindWindow(SetupWindow)).has_value(); });
+    if (setup) LookUntil(form, [&] { return !setup->IsThere(); });
+}
+
+/// Presses Enter in the window that asks whether the manager may end; false when the registration goes on
+/// without it.
+bool AnswerExit(FormBehaviour& form) {
+    bool exit = false;
+    LookUntil(form, [&] {
+        if (auto window = FindWindow(ExitWindow)) {
+            window->BringToFront();
+            window->SendKeys("{ENTER}");
+            exit = true;
+        }
+        return exit || FindWindow(SetupWindow).has_value();
+    });
+    return exit;
+}
+
+} // namespace
+
+void UpdateHSUsers(FormBehaviour& form) {
+    if (!IsHotSyncActiveOrTell()) return;
+    const bool agreed = Global.TheOperator->Ask(
+        {Explanation(), msg::Ok, msg::Cancel, "Update_Hotsync_Users.htm", msg::lblUpdateHSUsers});
+    if (!agreed || form.IsOver()) return;
+    const WorkingDirectory before;
+    if (!StartRegistration()) return;
+    AwaitSetup(form);
+    if (!form.IsOver() && AnswerExit(form)) AwaitSetup(form);
+    if (!form.IsOver()) Global.HSUsersUpdated = true;
+}
