@@ -25,6 +25,7 @@
 #include <QProcess>
 #include <QTabWidget>
 #include <QTemporaryDir>
+#include <QThread>
 
 #include <cstdio>
 #include <utility>
@@ -189,6 +190,7 @@ void Prepare(FormBehaviour& form) {
         pick->Fill({{1, "Chlo\xE9 Martin", {}, false}, {2, "Diego Ruiz", {}, false}});
     if (auto* progress = dynamic_cast<frmHSProgress*>(&form)) {
         progress->ShowUser(Text::Value(std::string_view("Anna Berg")));
+        QThread::msleep(60); // it paints only so often
         progress->ShowStep(Text::Value(std::string_view("ZUKCUST to the handheld")), 730, 1204);
     }
     if (dynamic_cast<frmChgLink*>(&form)) {

@@ -173,7 +173,7 @@ TEST_F(ManagerWindow, ANameThatCannotBeIsToldAndAskedForAgain) {
     GivenUser("ANNA");
     auto& form = Open<frmHSManager>();
     const std::pair<const char*, MessageId> refused[] = {
-        {"", msg::HSNameEmpty},
+        {"  ", msg::HSNameEmpty},
         {"1234567890123456789012345678901", msg::HSNameTooLong},
         {"a/b", msg::HSNameNoFile},
         {"anna", msg::HSNameTaken}};
