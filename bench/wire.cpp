@@ -33,7 +33,8 @@ std::string MakeTable(const std::string& folder, const char* name, int records) 
     for (int k = 0; k < records; ++k) {
         std::string bytes;
         for (const TableField& field : entry.Fields) {
-            for (int c = 0; c < field.Length; ++c) bytes += c * 2 < field.Length ? static_cast<char>('A' + random() % 26) : ' ';
+            for (int c = 0; c < field.Length; ++c)
+                bytes += c * 2 < field.Length ? static_cast<char>('A' + random() % 26) : ' ';
         }
         table.AppendRaw(TableLayout::Live, bytes);
     }
@@ -57,9 +58,12 @@ void Measure(const QString& build, int part) {
     MakePath(folder);
     const double before = PeakMemory(rig.ManagerProcess());
     const int customers = 10000 / part, items = 20000 / part, orders = 1000 / part;
-    const std::string headers = MakeTable(folder, "ZUKORHDR", orders), lines = MakeTable(folder, "ZUKORLIN", orders * 10);
-    if (!rig.HotSync({{false, headers}, {false, lines}}).IsWhole()) throw WireFailure(rig.Log().toStdString());
-    const std::string customer = MakeTable(folder, "ZUKCUST", customers), item = MakeTable(folder, "ZUKITEM", items);
+    const std::string headers = MakeTable(folder, "ZUKORHDR", orders),
+                      lines = MakeTable(folder, "ZUKORLIN", orders * 10);
+    if (!rig.HotSync({{false, headers}, {false, lines}}).IsWhole())
+        throw WireFailure(rig.Log().toStdString());
+    const std::string customer = MakeTable(folder, "ZUKCUST", customers),
+                      item = MakeTable(folder, "ZUKITEM", items);
 
     const auto begun = std::chrono::steady_clock::now();
     const auto outcome = rig.HotSync({{false, customer}, {false, item}, {true, headers}, {true, lines}});
@@ -67,10 +71,11 @@ void Measure(const QString& build, int part) {
 
     if (!outcome.IsWhole()) throw WireFailure(outcome.HandheldSaid.toStdString() + rig.Log().toStdString());
     const int records = customers + items + orders * 11;
-    std::printf("%6d customers, %6d items down, %5d orders of 10 lines up: %6.2f s, %5.1f us a record; manager "
-                "%.0f MB, %.0f MB of it before the sessions\n",
-                customers, items, orders, seconds.count(), seconds.count() * 1e6 / records,
-                PeakMemory(rig.ManagerProcess()), before);
+    std::printf(
+        "%6d customers, %6d items down, %5d orders of 10 lines up: %6.2f s, %5.1f us a record; manager "
+        "%.0f MB, %.0f MB of it before the sessions\n",
+        customers, items, orders, seconds.count(), seconds.count() * 1e6 / records,
+        PeakMemory(rig.ManagerProcess()), before);
     std::fflush(stdout);
 }
 

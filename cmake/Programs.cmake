@@ -1,5 +1,6 @@
 # The small programs beside ZUKTramble: the target `programs` is all of them.
 add_custom_target(programs)
+add_dependencies(programs handheld)
 
 # Adds a program of src/<folder>/*.cpp, which lies in bin/ beside the others: small_program(NAME FOLDER LIBRARY...)
 function(small_program name folder)

@@ -58,7 +58,7 @@ Session::Session(ByteStream& stream, const Surroundings& around, std::string cal
       transfer_(line_, TransferLimits(around.Settings),
                 [this](std::int32_t done, std::int32_t of) {
                     CheckCancel();
-                    around_.Progress.Step(moving_, done, of);
+                    around_.Progress.Step(way_, moving_, done, of);
                 }),
       caller_(std::move(caller)),
       address_(address),
@@ -208,19 +208,20 @@ void Session::RunConduit(const std::string& creator) {
 
 void Session::Move(const QueuedTransfer& transfer) {
     const bool isUpload = transfer.Direction == QueuedTransfer::Way::Upload;
-    const std::string table = PathToName(FileNameOf(transfer.Path));
-    moving_ = table + (isUpload ? " from the handheld" : " to the handheld");
+    moving_ = PathToName(FileNameOf(transfer.Path));
+    way_ = isUpload ? SessionProgress::Way::FromHandheld : SessionProgress::Way::ToHandheld;
+    const std::string deed = moving_ + (isUpload ? " from the handheld" : " to the handheld");
     const auto begun = ByteStream::Clock::now();
     try {
         if (!recovered_) {
             for (const std::string& name : transfer_.Recover()) Say("put " + name + " in order");
             recovered_ = true;
         }
-        around_.Progress.Step(moving_, 0, 0);
+        around_.Progress.Step(way_, moving_, 0, 0);
         const TableTransfer::Result result =
             isUpload ? transfer_.Upload(transfer.Path) : transfer_.Download(transfer.Path);
         ++moved_;
-        std::string line = moving_ + ": " + Counted(result.Records, "record");
+        std::string line = deed + ": " + Counted(result.Records, "record");
         if (result.WasMissing) line += ", the handheld has no such table";
         if (result.LeftBehind != 0)
             line += ", " + std::to_string(result.LeftBehind) + " marked as deleted not sent";
@@ -229,12 +230,12 @@ void Session::Move(const QueuedTransfer& transfer) {
         for (const std::string& odd : result.Odd) Say(Utf8ToCodePage(odd));
     } catch (const TransferFailure& failure) {
         ++failed_;
-        Say(moving_ + " failed: " + Utf8ToCodePage(failure.what()));
+        Say(deed + " failed: " + Utf8ToCodePage(failure.what()));
     } catch (const LineFailure&) {
-        Say(moving_ + " broke off");
+        Say(deed + " broke off");
         throw;
     } catch (const SessionCancelled&) {
-        Say(moving_ + " broke off");
+        Say(deed + " broke off");
         throw;
     }
 }
@@ -242,7 +243,8 @@ void Session::Move(const QueuedTransfer& transfer) {
 void Session::InstallFiles() {
     const std::string folder = around_.Users.InstallFolder(user_);
     for (const std::string& file : FilesWithExtension(folder, "")) {
-        moving_ = PathToName(file) + " to the handheld";
+        moving_ = PathToName(file);
+        way_ = SessionProgress::Way::ToHandheld;
         try {
             const std::int32_t records = transfer_.Install(folder + file);
             Global.TheDisk->Remove(ResolvePath(folder + file));

@@ -95,8 +95,9 @@ private:
     std::uint32_t address_;
     ByteStream::Clock::time_point begun_;
     UserInfo handheld_;
-    HotSyncUser user_;                    ///< Id 0: not known yet
-    std::string moving_;                  ///< what the bar stands for
+    HotSyncUser user_;   ///< Id 0: not known yet
+    std::string moving_; ///< the table or file that moves
+    SessionProgress::Way way_ = SessionProgress::Way::ToHandheld;
     std::string creator_;                 ///< whose program has been told that the session began
     std::int32_t moved_ = 0, failed_ = 0; ///< transfers and files
     bool recovered_ = false;

@@ -11,9 +11,11 @@ struct SessionProgress {
     /// A session has begun, with this HotSync user.
     virtual void Begun(std::string_view user) = 0;
 
-    /// What moves, as "ZUKCUST to the handheld", and how much of it has moved. `of` is 0 while nobody can
-    /// say; `done` beyond `of` counts as `of`.
-    virtual void Step(std::string_view what, std::int32_t done, std::int32_t of) = 0;
+    enum class Way { ToHandheld, FromHandheld };
+
+    /// What moves, a table or a file by its name, where to, and how much of it has moved. `of` is 0 while
+    /// nobody can say; `done` beyond `of` counts as `of`.
+    virtual void Step(Way way, std::string_view what, std::int32_t done, std::int32_t of) = 0;
 
     /// The session has ended, in these words; well when all that was asked for was done.
     virtual void Ended(std::string_view how, bool well) = 0;

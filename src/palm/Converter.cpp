@@ -141,7 +141,8 @@ std::string HandheldDatabaseName(std::string_view tableFile) {
     tableFile.remove_prefix(tableFile.find_last_of("/\\") + 1);
     const std::string table = Capitals(tableFile.substr(0, tableFile.rfind('.')));
     std::string name = std::string(HandheldPrefix) + table;
-    if (table.empty() || name.size() >= LongestDatabaseName || table.find('\0') != std::string::npos) {
+    // Room is left for the mark of one that is being written.
+    if (TableOfDatabase(name).empty() || name.size() >= LongestDatabaseName) {
         throw PalmFailure("\"" + std::string(tableFile) + "\" cannot be the name of a handheld database");
     }
     return name;

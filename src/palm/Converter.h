@@ -47,7 +47,7 @@ std::string PackLayout(const HandheldLayout& layout);
 HandheldLayout ReadLayout(std::string_view block);
 
 /// The name of the database that belongs to a table: its file name in capitals, without extension, behind
-/// the prefix. PalmFailure when it would be empty or longer than a database's name may be.
+/// the prefix. PalmFailure for a table's name that is not 1 to 20 letters, digits and underscores.
 std::string HandheldDatabaseName(std::string_view tableFile);
 
 /// The table's name in capitals out of a database's; empty when it belongs to no table.

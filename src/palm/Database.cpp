@@ -1,6 +1,7 @@
 #include "palm/Database.h"
 
 #include <algorithm>
+#include <unordered_map>
 
 namespace {
 
@@ -93,17 +94,15 @@ Database ReadDatabase(std::string_view file) {
         if (offset == 0) list.Fail("an entry without a block");
         blocks.Add(offset);
     }
-    // Equal offsets are blocks of no length but for the last of them, so the list is to be in order.
-    if (!std::is_sorted(offsets.begin(), offsets.end())) list.Fail("blocks out of their order");
+    // Of several that begin at one place the last in the list has the bytes, and the others have none.
+    std::unordered_map<std::uint32_t, std::size_t> holders;
+    for (std::size_t at = 0; at < count; ++at) holders[offsets[at]] = at;
     blocks.Sort();
-    const auto holdsRecord = [&](std::uint32_t offset) {
-        return std::binary_search(offsets.begin(), offsets.end(), offset);
-    };
+    const auto holdsRecord = [&](std::uint32_t offset) { return holders.contains(offset); };
     database.AppInfo = blocks.At(appInfo, appInfo == sortInfo || holdsRecord(appInfo));
     database.SortInfo = blocks.At(sortInfo, holdsRecord(sortInfo));
     for (std::size_t at = 0; at < count; ++at) {
-        const bool isEmpty = at + 1 < count && offsets[at + 1] == offsets[at];
-        std::string data = isEmpty ? std::string() : blocks.At(offsets[at]);
+        std::string data = blocks.At(offsets[at], holders[offsets[at]] != at);
         CheckBlock(data);
         (database.IsResource() ? database.Resources[at].Data : database.Records[at].Data) = std::move(data);
     }

@@ -69,9 +69,9 @@ struct Database : DatabaseHeader {
     friend bool operator==(const Database&, const Database&) = default;
 };
 
-/// Reads a PDB or PRC file. PalmFailure for a header that is cut off, a name that is empty or without an end,
-/// a count that the file cannot hold, blocks outside the file or inside its lists, and blocks that overlap a
-/// later one in the list.
+/// Reads a PDB or PRC file; its blocks may stand in any order. PalmFailure for a header that is cut off, a
+/// name without an end or of no length, a count that the file cannot hold, and a block that lies outside the
+/// file or inside its lists, or is longer than LongestRecord.
 Database ReadDatabase(std::string_view file);
 
 /// The file of a database. PalmFailure for a name, a count or a block beyond its limit.

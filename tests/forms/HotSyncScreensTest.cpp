@@ -606,7 +606,7 @@ TEST_F(ProgressWindow, ShowsWhoAndWhatMovesAndGoesWithTheSession) {
     EXPECT_EQ(TextOf(*form, "lblCaption"), QStringLiteral("Synchronizing ZUK Tramble data..."));
     EXPECT_EQ(TextOf(*form, "lblUser"), QStringLiteral("HotSync user: José"));
 
-    progress_.Step("ZUKCUST to the handheld", 1, 4);
+    progress_.Step(SessionProgress::Way::ToHandheld, "ZUKCUST", 1, 4);
     EXPECT_TRUE(QTest::qWaitFor([&] { return Bar() == 250; }));
     EXPECT_EQ(TextOf(*form, "lblWhat"), QStringLiteral("ZUKCUST to the handheld"));
 
@@ -618,7 +618,7 @@ TEST_F(ProgressWindow, NumbersThatCannotBeLeaveTheBarInItsBounds) {
     progress_.Begun("ANNA");
     for (const auto& [done, of, bar] : std::vector<std::tuple<int, int, int>>{
              {5, 4, 1000}, {-1, 4, 0}, {3, 0, 1000}, {2'000'000'000, 2'000'000'000, 1000}, {0, -5, 0}}) {
-        progress_.Step("x", done, of);
+        progress_.Step(SessionProgress::Way::FromHandheld, "x", done, of);
         EXPECT_TRUE(QTest::qWaitFor([bar = bar] { return Bar() == bar; })) << done;
     }
 }
@@ -629,7 +629,8 @@ TEST_F(ProgressWindow, AHundredThousandStepsDoNotPaintAHundredThousandTimes) {
     Paints paints(The<frmHSProgress>());
     QElapsedTimer time;
     time.start();
-    for (int k = 0; k <= 100'000; ++k) progress_.Step("ZUKCUST", k, 100'000);
+    for (int k = 0; k <= 100'000; ++k)
+        progress_.Step(SessionProgress::Way::ToHandheld, "ZUKCUST", k, 100'000);
     const qint64 most = time.elapsed() / 50 + 2;
 
     EXPECT_LE(paints.Count, most);
@@ -646,7 +647,7 @@ TEST_F(ProgressWindow, CancelIsAskedOnceAndTheSessionEndsByItself) {
     EXPECT_TRUE(progress_.CancelAsked());
     EXPECT_FALSE(Enabled(form, "cmdCancel"));
     EXPECT_FALSE(form.IsGone());
-    progress_.Step("ZUKITEM", 1, 2);
+    progress_.Step(SessionProgress::Way::FromHandheld, "ZUKITEM", 1, 2);
     EXPECT_TRUE(QTest::qWaitFor([] { return Bar() == 500; }));
     EXPECT_EQ(TextOf(form, "lblWhat"), QStringLiteral("The session is being ended..."));
     progress_.Ended("cancelled", false);

@@ -101,8 +101,8 @@ protected:
 TEST_F(HotSyncOnTheMainScreen, StartsTheManagerMinimisedInItsFolder) {
     EXPECT_TRUE(IsHotSyncActive());
 
-    EXPECT_EQ(WrittenBy("started"), (std::vector<std::string>{Folder() + "HotSync", ManagerFolder() + "hotsync",
-                                                              "--minimised"}));
+    EXPECT_EQ(WrittenBy("started"),
+              (std::vector<std::string>{Folder() + "HotSync", ManagerFolder() + "hotsync", "--minimised"}));
 }
 
 TEST_F(HotSyncOnTheMainScreen, AManagerThatIsNotThereIsTracedOnceAndCountsAsActive) {
@@ -294,7 +294,8 @@ TEST_F(ProgressWindow, TakesThePlaceOfTheRecentUploadsWhileItStands) {
     ASSERT_TRUE(Visible(form, "FGTot"));
     EXPECT_TRUE(IsActive(form, "Timer2"));
     EXPECT_FALSE(IsActive(form, "Timer3"));
-    const QRect space(Control(form, "picMatrix").mapToGlobal(QPoint(0, 0)), Control(form, "picMatrix").size());
+    const QRect space(Control(form, "picMatrix").mapToGlobal(QPoint(0, 0)),
+                      Control(form, "picMatrix").size());
     GivenFile("app/DBFFiles/Images/M1000001", "ink");
     GivenFile("app/DBFFiles/Images/M1000002.bmp", "kept");
     Global.ImagesPath = Global.DBFPath + "Images/";

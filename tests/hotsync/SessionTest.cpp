@@ -60,7 +60,7 @@ struct Watcher final : SessionProgress {
     int Steps = 0;
 
     void Begun(std::string_view user) override { Words.push_back("begun " + std::string(user)); }
-    void Step(std::string_view, std::int32_t, std::int32_t) override { ++Steps; }
+    void Step(Way, std::string_view, std::int32_t, std::int32_t) override { ++Steps; }
     void Ended(std::string_view how, bool well) override {
         Words.push_back(std::string(well ? "well: " : "not well: ") + std::string(how));
     }

@@ -24,11 +24,17 @@ ManagerDesk& Desk() {
     return *Global.TheManagerDesk;
 }
 
+Text ResultOf(const HotSyncUser& user) {
+    if (Desk().UserInSession() == user.Id) return msg::HSRunning;
+    if (user.LastSync.IsZero()) return {};
+    return user.Incomplete ? msg::HSIncomplete : msg::HSComplete;
+}
+
 std::vector<Text> RowOf(const HotSyncUser& user) {
     const bool never = user.LastSync.IsZero();
     return {Text::Value(std::string_view(user.Name)), Text::Value(static_cast<std::int64_t>(user.Id)),
             never ? Text(msg::HSNever) : Text::Value(std::string_view(DateAndTime(user.LastSync))),
-            never ? Text() : Text(user.Incomplete ? msg::HSIncomplete : msg::HSComplete)};
+            ResultOf(user)};
 }
 
 Text WhereItListens(const ListeningState& state) {
@@ -65,7 +71,10 @@ void frmHSManager::Form_Load() {
     rtbLog->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     FG1->SetEmptyText(msg::HSNoUsers);
     Desk().UsersChanged = [this] { ShowUsers(); };
-    Desk().StateChanged = [this] { ShowState(); };
+    Desk().StateChanged = [this] {
+        ShowState();
+        ShowUsers();
+    };
     Desk().LogWritten = [this](const std::string& line) { rtbLog->appendPlainText(ToQt(line)); };
     tray_ = std::make_unique<Tray>([this] { Open(); }, [this] { cmdExit->click(); });
     ShowUsers();

@@ -111,8 +111,10 @@ void HotSyncProgress::Begun(std::string_view user) {
     Window().ShowUser(Text::Value(user));
 }
 
-void HotSyncProgress::Step(std::string_view what, std::int32_t done, std::int32_t of) {
-    if (inSession_) Window().ShowStep(Text::Value(what), done, of);
+void HotSyncProgress::Step(Way way, std::string_view what, std::int32_t done, std::int32_t of) {
+    if (!inSession_) return;
+    const Text direction(way == Way::ToHandheld ? msg::HSToHandheld : msg::HSFromHandheld);
+    Window().ShowStep(Words(Text::Value(what), direction), done, of);
 }
 
 void HotSyncProgress::Ended(std::string_view /*how*/, bool /*well*/) {

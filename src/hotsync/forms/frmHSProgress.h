@@ -61,7 +61,7 @@ public:
     std::function<void()> AwaitCancelled;
 
     void Begun(std::string_view user) override;
-    void Step(std::string_view what, std::int32_t done, std::int32_t of) override;
+    void Step(Way way, std::string_view what, std::int32_t done, std::int32_t of) override;
     void Ended(std::string_view how, bool well) override;
     bool CancelAsked() override { return cancelAsked_; }
 

@@ -144,8 +144,8 @@ void Manager::Watcher::Begun(std::string_view user) {
     manager_.TellState();
 }
 
-void Manager::Watcher::Step(std::string_view what, std::int32_t done, std::int32_t of) {
-    manager_.progress_.Step(what, done, of);
+void Manager::Watcher::Step(Way way, std::string_view what, std::int32_t done, std::int32_t of) {
+    manager_.progress_.Step(way, what, done, of);
 }
 
 void Manager::Watcher::Ended(std::string_view how, bool well) {

@@ -35,7 +35,7 @@ private:
     public:
         explicit Watcher(Manager& manager) : manager_(manager) {}
         void Begun(std::string_view user) override;
-        void Step(std::string_view what, std::int32_t done, std::int32_t of) override;
+        void Step(Way way, std::string_view what, std::int32_t done, std::int32_t of) override;
         void Ended(std::string_view how, bool well) override;
         bool CancelAsked() override;
 
