@@ -258,9 +258,11 @@ std::string OrderBook::Take(const OrderEntry& entry) {
     const std::size_t customer = FindCustomer(entry.Customer);
     const Tax tax = TaxOf(customer);
     std::vector<PricedLine> priced;
+    priced.reserve(entry.Lines.size());
     for (const OrderEntry::Line& line : entry.Lines) priced.push_back(Priced(line));
     std::string header = HeaderOf(entry, customer, Add(entry, priced, tax), tax);
     std::vector<std::string> lines;
+    lines.reserve(priced.size());
     for (const PricedLine& line : priced) lines.push_back(LineOf(line, customer, tax, entry.At));
 
     const OrderNumbers before = numbers_;
@@ -344,6 +346,7 @@ void OrderBook::Save(std::string_view event, const DateTime& at) {
                                        &totals};
     std::erase_if(tables, [](const HandheldTable* table) { return !table || !table->IsChanged(); });
     std::vector<const Database*> changed;
+    changed.reserve(tables.size());
     for (HandheldTable* const table : tables) changed.push_back(&table->Changed(now));
     handheld_.Store.SaveAll(changed);
     numbers_.KeepIn(handheld_.Settings);

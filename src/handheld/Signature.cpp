@@ -10,6 +10,7 @@
 namespace {
 
 constexpr int Width = 150, Height = 48;
+constexpr int RowBytes = (Width + 7) / 8;
 constexpr int Baseline = 34;
 constexpr int Margin = 8;
 constexpr std::size_t MostLetters = 24;
@@ -20,11 +21,11 @@ struct Point {
 
 class Paper {
 public:
-    Paper() : ink_{Width, Height, std::string((Width + 7) / 8 * std::size_t{Height}, '\0')} {}
+    Paper() : ink_{Width, Height, std::string(std::size_t{RowBytes} * Height, '\0')} {}
 
     void Dot(Point at) {
         if (at.X < 0 || at.X >= Width || at.Y < 0 || at.Y >= Height) return;
-        char& byte = ink_.Rows[static_cast<std::size_t>(at.Y * ((Width + 7) / 8) + at.X / 8)];
+        char& byte = ink_.Rows[static_cast<std::size_t>(at.Y * RowBytes + at.X / 8)];
         byte = static_cast<char>(static_cast<unsigned char>(byte) | 0x80U >> at.X % 8);
     }
 
