@@ -5,11 +5,12 @@ need_packages() {
     local list missing="" group package
     list="$(dirname "${BASH_SOURCE[0]}")/packages.txt"
     for group in "$@"; do
-        while read -r package; do
+        while read -r package enough; do
+            [ -n "$enough" ] && command -v "$enough" >/dev/null 2>&1 && continue
             if [ "$(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null)" != installed ]; then
                 missing="$missing $package"
             fi
-        done < <(awk -v g="$group" '$1 == g { print $2 }' "$list")
+        done < <(awk -v g="$group" '$1 == g { print $2, $3 }' "$list")
     done
     [ -z "$missing" ] && return 0
 

@@ -54,7 +54,7 @@ void WireRig::StartManager() {
         environment.insert(QLatin1String(name), folder_.path());
     }
     manager_.setProcessEnvironment(environment);
-    manager_.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    manager_.setStandardErrorFile(folder_.filePath(QStringLiteral("errors.txt")));
     manager_.start(program, {QStringLiteral("--minimised")});
     // It says where it listens as soon as it does.
     while (!manager_.canReadLine()) {
@@ -163,6 +163,10 @@ QString WireRig::Handheld(const QStringList& arguments) {
 }
 
 QString WireRig::Log() const {
-    QFile log(ManagerFolder() + QStringLiteral("/HotSync.log"));
-    return log.open(QIODevice::ReadOnly) ? QString::fromUtf8(log.readAll()) : QString();
+    QString text;
+    for (const QString& name : {QStringLiteral("HotSync/HotSync.log"), QStringLiteral("errors.txt")}) {
+        QFile log(folder_.filePath(name));
+        if (log.open(QIODevice::ReadOnly)) text += QString::fromUtf8(log.readAll());
+    }
+    return text;
 }

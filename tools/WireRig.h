@@ -53,6 +53,7 @@ public:
     QString Folder() const { return folder_.path(); }
     QString HandheldFolder() const { return folder_.filePath(QStringLiteral("handheld")); }
     QString ManagerFolder() const { return folder_.filePath(QStringLiteral("HotSync")); }
+    /// What the manager wrote into its log and to its standard error.
     QString Log() const;
     std::uint16_t Port() const { return port_; }
     qint64 ManagerProcess() const { return manager_.processId(); }

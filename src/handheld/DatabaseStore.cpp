@@ -157,7 +157,7 @@ void DatabaseStore::Write(const Database& database) {
                                     [&](const Entry& entry) { return entry.Header.Name == database.Name; });
     Entry entry{database, found == entries_.end() ? NewFileName(database) : found->File, BytesOf(database)};
     entry.Header.Flags = static_cast<std::uint16_t>(entry.Header.Flags & ~OpenDatabase);
-    WriteWholeFile(folder_ + entry.File, WriteDatabase(database));
+    WriteWholeFile(folder_ + entry.File, WriteDatabase(database), false);
     used_ += entry.Bytes;
     if (found == entries_.end()) {
         entries_.push_back(std::move(entry));

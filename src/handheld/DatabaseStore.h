@@ -14,7 +14,7 @@ inline constexpr std::size_t RecordEntryBytes = 8, ResourceEntryBytes = 10;
 /// The databases of a handheld: a folder with a file each, ".pdb" or ".prc", byte by byte as a desktop
 /// would install it. The name inside a file counts, byte-exactly; the file's own name is that name as far
 /// as every file system can write it. Headers are read at the start, what is in them only when it is asked
-/// for. Replacing one is safe at any instant.
+/// for. A kill at any instant leaves the old or the new one.
 class DatabaseStore {
 public:
     struct Entry {
@@ -27,7 +27,7 @@ public:
     /// Refusal that names the file for one whose header is damaged, and for two of one name.
     DatabaseStore(std::string folder, std::uint64_t memory);
 
-    /// In the order in which they came.
+    /// Those of the folder in the order of their files' names, and behind them what has come since.
     const std::vector<Entry>& Entries() const { return entries_; }
     /// nullptr when there is none.
     const Entry* Find(std::string_view name) const;

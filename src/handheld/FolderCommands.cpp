@@ -133,7 +133,7 @@ Outcome Install(const CommandRun& run) {
         try {
             Database& database = databases.emplace_back(ReadDatabase(ReadWholeFile(file)));
             if (database.Name.empty()) throw PalmFailure("handheld database: no name");
-            GiveIds(database, handheld.Settings.IdSeed);
+            if (!database.IsResource()) GiveIds(database, handheld.Settings.IdSeed);
         } catch (const PalmFailure& failure) {
             throw Refusal(file + ": " + failure.what());
         }

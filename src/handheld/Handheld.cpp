@@ -74,11 +74,11 @@ void Handheld::SetClock(const DateTime& moment) {
 }
 
 void Handheld::SaveSettings() const {
-    WriteWholeFile(SettingsFile(folder_), WriteSettings(Settings));
+    WriteWholeFile(SettingsFile(folder_), WriteSettings(Settings), false);
 }
 
 void Handheld::WriteLog(std::string_view text) const {
-    WriteWholeFile(folder_ + "log.txt", CodePageToUtf8(text));
+    WriteWholeFile(folder_ + "log.txt", CodePageToUtf8(text), false);
 }
 
 void Handheld::Reset() {

@@ -56,7 +56,7 @@ public:
 
     void BringToFront();
 
-    /// Keys as the Parts of this program send them: only "{ENTER}", which presses the window's default
+    /// Keys to the window: only "{ENTER}", which presses the window's default
     /// button. RunTimeFailure 5 for any other.
     void SendKeys(const char* keys);
 

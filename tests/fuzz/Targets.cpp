@@ -17,6 +17,7 @@
 #include "exchange/LineSplitter.h"
 #include "exchange/OrderTables.h"
 #include "fuzz/MemoryDisk.h"
+#include "fuzz/PalmTargets.h"
 #include "hotsync/HotSyncUsers.h"
 #include "hotsync/ManagerSettings.h"
 #include "quality/CheckResults.h"
@@ -569,6 +570,11 @@ constexpr std::array Targets = {
     FuzzTarget{"hotsync-settings", HotSyncSettingsFile},
     FuzzTarget{"check-results", CheckResultsFile},
     FuzzTarget{"checked-templates", CheckedTemplates},
+    FuzzTarget{"handheld-database", FuzzHandheldDatabase},
+    FuzzTarget{"handheld-table", FuzzHandheldTable},
+    FuzzTarget{"handheld-to-desktop", FuzzHandheldToDesktop},
+    FuzzTarget{"desktop-to-handheld", FuzzDesktopToHandheld},
+    FuzzTarget{"handheld-session", FuzzHandheldSession},
 };
 
 } // namespace

@@ -47,7 +47,9 @@ Manager::~Manager() = default;
 OfficeDesk::Services Manager::Services() {
     OfficeDesk::Services services;
     services.Welcome = [this] { return Welcome(); };
-    services.Arm = [this](const std::string& caption) { progress_.Await(Text::Value(std::string_view(caption))); };
+    services.Arm = [this](const std::string& caption) {
+        progress_.Await(Text::Value(std::string_view(caption)));
+    };
     services.Disarm = [this] { progress_.StopAwaiting(); };
     services.Exit = [this](bool ask) {
         if (ask)
@@ -70,9 +72,10 @@ void Manager::Listen() {
     QString why;
     const bool listens = listener_.Listen(settings_, why);
     listening_ = {settings_.Address, listens ? listener_.Port() : std::uint16_t{0}, why.toStdString()};
-    log_.Write(listens ? "awaits handhelds on " + settings_.Address + " port " + std::to_string(listener_.Port())
-                       : "cannot await handhelds on " + settings_.Address + " port " +
-                             std::to_string(settings_.Port) + ": " + Utf8ToCodePage(listening_.Why));
+    log_.Write(listens
+                   ? "awaits handhelds on " + settings_.Address + " port " + std::to_string(listener_.Port())
+                   : "cannot await handhelds on " + settings_.Address + " port " +
+                         std::to_string(settings_.Port) + ": " + Utf8ToCodePage(listening_.Why));
     TellState();
 }
 
@@ -92,7 +95,8 @@ void Manager::TakeSettings(const ManagerSettings& settings) {
 
 ManagerMessage Manager::Welcome() const {
     const bool listens = listening_.Port != 0;
-    return {"WELCOME", {"1", folder_, listens ? listening_.Address : std::string(), std::to_string(listening_.Port)}};
+    return {"WELCOME",
+            {"1", folder_, listens ? listening_.Address : std::string(), std::to_string(listening_.Port)}};
 }
 
 std::vector<std::string> Manager::Creators() {
@@ -107,13 +111,16 @@ std::vector<std::string> Manager::Creators() {
 
 void Manager::Serve(QTcpSocket& socket) {
     TcpStream stream(socket);
-    const std::string caller = socket.peerAddress().toString().toStdString() + " " + std::to_string(socket.peerPort());
+    const std::string caller =
+        socket.peerAddress().toString().toStdString() + " " + std::to_string(socket.peerPort());
     const ManagerSettings settings = settings_; // the session goes on under them
     Watcher watcher(*this);
     Session session(stream, {users_, log_, watcher, desk_, settings, Creators()}, caller,
                     socket.localAddress().toIPv4Address());
     if (session.Run() != Session::End::Refused) desk_.SessionHeld();
-    if (endWanted_) QMetaObject::invokeMethod(&listener_, [this] { EndIfIdle(); }, Qt::QueuedConnection);
+    if (endWanted_)
+        QMetaObject::invokeMethod(
+            &listener_, [this] { EndIfIdle(); }, Qt::QueuedConnection);
 }
 
 void Manager::End() {
