@@ -2,7 +2,10 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QProcess>
+
+#include <utility>
 
 namespace {
 
@@ -31,6 +34,16 @@ OfficeForDay::OfficeForDay(const QString& build, const QString& office, const QS
         }
     }
     if (tables.size() > 1) Run(QStringLiteral("filltables"), tables);
+}
+
+void OfficeForDay::WithManager() const {
+    const std::pair<QString, QString> programs[] = {{QStringLiteral("hotsync"), Manager()},
+                                                    {QStringLiteral("rdkinst"), Registration()}};
+    for (const auto& [name, place] : programs) {
+        QDir().mkpath(QFileInfo(place).path());
+        const QString built = build_ + QStringLiteral("/bin/") + name;
+        if (QFile::exists(built)) Copy(built, place);
+    }
 }
 
 void OfficeForDay::Run(const QString& tool, const QStringList& arguments) const {

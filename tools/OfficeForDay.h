@@ -19,7 +19,13 @@ public:
     /// <TABLE>.tsv files for the tables.
     OfficeForDay(const QString& build, const QString& office, const QString& samples);
 
+    /// Puts copies of the HotSync Manager's program and of the registration where an office has them. Nothing
+    /// is registered: whoever starts them gives them a registry of their own.
+    void WithManager() const;
+
     QString Program() const { return office_ + QStringLiteral("/ZUKTramble"); }
+    QString Manager() const { return Path(QStringLiteral("HotSync/hotsync")); }
+    QString Registration() const { return Path(QStringLiteral("Install/rdkinst")); }
     QString Path(const QString& below) const { return office_ + QLatin1Char('/') + below; }
 
 private:

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <limits>
+#include <ostream>
 
 namespace {
 
@@ -44,11 +45,20 @@ HotSyncJob JobOf(const CommandLine& line) {
     return job;
 }
 
+/// A damaged table keeps no handheld from the HotSync that may bring it a good one.
+void WriteTotals(Handheld& handheld, std::ostream& err) {
+    try {
+        RewriteTotals(handheld, "HOTSYNC");
+    } catch (const Refusal& refusal) {
+        err << "handheld: the totals are not written: " << refusal.what() << '\n';
+    }
+}
+
 Outcome HotSync(const CommandRun& run) {
     const HotSyncJob job = JobOf(run.Line);
     Handheld handheld(run.Folder);
     if (!run.Around.HotSync) throw Refusal("no line to a desktop");
-    RewriteTotals(handheld, "HOTSYNC");
+    WriteTotals(handheld, run.Around.Err);
     return run.Around.HotSync(handheld, job, run.Out());
 }
 

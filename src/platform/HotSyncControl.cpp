@@ -22,6 +22,7 @@
 namespace {
 
 constexpr int LookEvery = 1000; // milliseconds
+constexpr int LookAtOnce = 5;   // where pauses are instant
 
 /// The manager sends one status and waits; a side that heaps them up is no manager.
 constexpr std::size_t MostWaiting = 16;
@@ -75,7 +76,7 @@ public:
         line_.Received = [this](const ManagerMessage& message) { Note(message); };
         line_.Lost = [this] { NoteLoss(); };
         connect(&look_, &QTimer::timeout, this, [this] { LookForManager(); });
-        look_.setInterval(LookEvery);
+        look_.setInterval(Global.InstantPauses ? LookAtOnce : LookEvery);
     }
 
     /// The control goes. A handler that runs still gets its HANDLED.

@@ -80,7 +80,7 @@ void ManagerLine::Refuse() {
 }
 
 void ManagerLine::Read() {
-    if (refused_ || !socket_.isOpen()) return;
+    if (refused_ || socket_.bytesAvailable() == 0) return;
     const QByteArray bytes = socket_.readAll();
     try {
         reader_.Feed({bytes.data(), static_cast<std::size_t>(bytes.size())});

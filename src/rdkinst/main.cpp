@@ -21,21 +21,25 @@ int Fail(const std::string& reason) {
     return 1;
 }
 
+void ShowSetup(const Text& text, bool isWatched, const std::function<void()>& work) {
+    The<frmSetup>().StandFor(text, isWatched, work);
+}
+
 /// The reason why the conduit could not be registered; empty when it is.
-std::string Register(const Conduit& conduit) {
+std::string Register(const Options& options) {
     try {
-        The<frmSetup>().StandFor(msg::lblSetup, [&] { RegisterConduit(HotSyncManagerFolder(), conduit); });
+        ShowSetup(msg::lblSetup, options.RestartHS,
+                  [&] { RegisterConduit(HotSyncManagerFolder(), options.Registered); });
         return {};
     } catch (const RunTimeFailure& failure) {
         return failure.what();
     }
 }
 
-/// Closes the HotSync Manager and starts it again. Whoever watches the windows waits for the second one,
-/// so it comes also when the manager goes on.
+/// Closes the HotSync Manager and starts it again; false when it goes on.
 bool Restart() {
     const bool ended = EndManager(PathToQt(HotSyncManagerFolder()));
-    The<frmSetup>().StandFor(ended ? msg::SetupRestarts : msg::SetupLeaves, [ended] {
+    ShowSetup(ended ? msg::SetupRestarts : msg::SetupLeaves, true, [ended] {
         if (ended) IsHotSyncActive();
     });
     return ended;
@@ -43,10 +47,13 @@ bool Restart() {
 
 int RunRegistration(const Options& options) {
     if (HotSyncManagerFolder().empty()) return Fail("no HotSync Manager is registered on this computer");
-    const std::string reason = Register(options.Registered);
-    if (!reason.empty() && options.RestartHS) Tell(Text::Path(std::string_view(reason)), Icon::Stop);
-    if (options.RestartHS && !Restart()) return Fail("the HotSync Manager was not closed");
-    return reason.empty() ? 0 : Fail(reason);
+    const std::string reason = Register(options);
+    if (!options.RestartHS) return reason.empty() ? 0 : Fail(reason);
+    // Whoever watches the windows waits for a second one: it comes whatever happens.
+    if (reason.empty()) return Restart() ? 0 : Fail("the HotSync Manager was not closed");
+    Tell(Text::Path(std::string_view(reason)), Icon::Stop);
+    ShowSetup(msg::SetupFailed, true, [] {});
+    return Fail(reason);
 }
 
 } // namespace

@@ -31,12 +31,16 @@
 #include "store/TableReader.h"
 #include "store/TableRewrite.h"
 #include "store/TableScan.h"
+#include "sync/Conduits.h"
+#include "sync/ManagerMessage.h"
 #include "sync/UnattendedSettings.h"
 
+#include <algorithm>
 #include <array>
 #include <initializer_list>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -44,7 +48,8 @@ namespace {
 /// A fresh program over a disk in memory, with one file that came from outside.
 class Outside {
 public:
-    explicit Outside(std::string_view content) {
+    explicit Outside(std::string_view content, std::string file = "/fuzz/outside.dat")
+        : File(std::move(file)) {
         Global = Globals{};
         Global.TheDisk = &Disk;
         Disk.Put(File, std::string(content));
@@ -54,7 +59,7 @@ public:
     ~Outside() { Global = Globals{}; }
 
     MemoryDisk Disk;
-    const std::string File = "/fuzz/outside.dat";
+    const std::string File;
 };
 
 void Require(bool holds, const char* rule) {
@@ -555,6 +560,46 @@ void CheckedTemplates(std::string_view bytes) {
     Attempt([&] { SaveReport("/fuzz/report.csv", problems.Rows()); });
 }
 
+// ---- the HotSync Manager ----
+
+/// The same bytes in one piece and byte by byte: the messages are the same, and packed they are read again.
+void ManagerMessages(std::string_view bytes) {
+    const auto readAll = [](std::string_view whole, std::size_t piece) {
+        ManagerMessageReader reader;
+        std::vector<ManagerMessage> messages;
+        Attempt([&] {
+            ManagerMessage message;
+            for (std::size_t at = 0; at < whole.size(); at += piece) {
+                reader.Feed(whole.substr(at, piece));
+                while (reader.Next(message)) messages.push_back(message);
+            }
+        });
+        return messages;
+    };
+    const std::vector<ManagerMessage> messages = readAll(bytes, bytes.size());
+    Require(readAll(bytes, 1) == messages, "the pieces in which messages come make no difference");
+    for (const ManagerMessage& message : messages) {
+        const std::string line = PackMessage(message);
+        Require(line.find('\n') == line.size() - 1, "a message is one line");
+        Require(readAll(line, line.size()) == std::vector{message}, "a message that is packed is read");
+    }
+}
+
+void ConduitsFile(std::string_view bytes) {
+    const Outside outside(bytes, "/fuzz/Conduits.txt");
+    Attempt([&] {
+        const std::vector<Conduit> conduits = ReadConduits("/fuzz");
+        RegisterConduit("/fuzz", {"fuzz", "fuzz.dll", "Fuzz"});
+        const std::vector<Conduit> more = ReadConduits("/fuzz");
+        Require(more.size() >= conduits.size() && more.size() <= conduits.size() + 1,
+                "a registration adds or replaces one conduit");
+        for (const Conduit& conduit : conduits) {
+            const bool kept = std::find(more.begin(), more.end(), conduit) != more.end();
+            Require(kept || conduit.Creator == "fuzz", "the conduits of other creators are kept");
+        }
+    });
+}
+
 constexpr std::array Targets = {
     FuzzTarget{"tables", Tables},
     FuzzTarget{"table-changes", TableChanges},
@@ -575,6 +620,8 @@ constexpr std::array Targets = {
     FuzzTarget{"handheld-to-desktop", FuzzHandheldToDesktop},
     FuzzTarget{"desktop-to-handheld", FuzzDesktopToHandheld},
     FuzzTarget{"handheld-session", FuzzHandheldSession},
+    FuzzTarget{"manager-messages", ManagerMessages},
+    FuzzTarget{"conduits", ConduitsFile},
 };
 
 } // namespace

@@ -219,6 +219,25 @@ TEST_F(CommandsTest, AFolderIsLockedForTheLengthOfACommand) {
     EXPECT_EQ(holders, 0);
 }
 
+TEST_F(CommandsTest, ADamagedTableKeepsNoHandheldFromAHotSync) {
+    GivenHandheld();
+    GivenTable("ZUKAUDHH", {});
+    GivenTable("ZUKLINK", {{{"LK_HOTSYNC", "Anna Petrow"}, {"LK_LSTONUM", "12A"}}});
+    std::ostringstream out, err;
+    bool isPressed = false;
+    const auto press = [&](Handheld&, const HotSyncJob&, std::ostream&) {
+        isPressed = true;
+        return Outcome::Done;
+    };
+
+    EXPECT_EQ(RunCommand({Place(), "hotsync", "desk"}, {out, err, {}, press}), Outcome::Done);
+
+    EXPECT_TRUE(isPressed);
+    EXPECT_EQ(err.str(),
+              "handheld: the totals are not written: ZUKLINK, record 1: LK_LSTONUM is no number of up to 8 "
+              "digits: \"12A\"\n");
+}
+
 TEST_F(CommandsTest, HotSyncIsPressedAsItIsAskedFor) {
     GivenHandheld();
     GivenTable("ZUKAUDHH", {});

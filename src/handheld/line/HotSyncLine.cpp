@@ -36,22 +36,11 @@ HotSyncLine::HotSyncLine(Handheld& handheld, const HotSyncJob& job)
     connect(&lookupTimer_, &QTimer::timeout, this, Guarded(&HotSyncLine::AskForDesktop));
     connect(&lookup_, &QUdpSocket::readyRead, this, Guarded(&HotSyncLine::TakeLookupAnswer));
     connect(&socket_, &QTcpSocket::readyRead, this, Guarded(&HotSyncLine::Take));
-    connect(&socket_, &QTcpSocket::bytesWritten, this, Guarded(&HotSyncLine::Pump));
+    connect(&socket_, &QTcpSocket::bytesWritten, this, Guarded(&HotSyncLine::GoOnSending));
     connect(&socket_, &QTcpSocket::disconnected, this, Guarded(&HotSyncLine::LineGone));
     connect(&socket_, &QTcpSocket::errorOccurred, this, Guarded(&HotSyncLine::LineGone));
     connect(&ticks_, &QTimer::timeout, this, Guarded(&HotSyncLine::Tick));
-    connect(&socket_, &QTcpSocket::connected, this, [this] {
-        socket_.setSocketOption(QAbstractSocket::LowDelayOption, 1);
-        stage_ = Stage::Handshake;
-        Wait(job_.Patience);
-        if (job_.BytesPerSecond != 0) {
-            socket_.setReadBufferSize(SlowBuffer);
-            clock_.start();
-            ticks_.start();
-        }
-        if (job_.CutAfter == 0U) return CutNow();
-        Send(HandheldHello());
-    });
+    connect(&socket_, &QTcpSocket::connected, this, Guarded(&HotSyncLine::Greet));
 }
 
 /// What is thrown inside the event loop comes out behind it.
@@ -81,13 +70,16 @@ void HotSyncLine::Start() {
         const auto v4 = std::find_if(found.begin(), found.end(), [](const QHostAddress& address) {
             return address.protocol() == QAbstractSocket::IPv4Protocol;
         });
-        if (stage_ == Stage::Over) return;
-        if (v4 == found.end()) return End("there is no host " + job_.Host);
-        address_ = *v4;
-        lookup_.bind(QHostAddress(QHostAddress::AnyIPv4), 0);
-        lookupTimer_.start();
-        AskForDesktop();
+        if (v4 != found.end()) address_ = *v4;
+        Guarded (&HotSyncLine::BeginLookup)();
     });
+}
+
+void HotSyncLine::BeginLookup() {
+    if (address_.isNull()) return End("there is no host " + job_.Host);
+    lookup_.bind(QHostAddress(QHostAddress::AnyIPv4), 0);
+    lookupTimer_.start();
+    AskForDesktop();
 }
 
 void HotSyncLine::AskForDesktop() {
@@ -115,6 +107,19 @@ void HotSyncLine::Connect(const QString& host) {
     stage_ = Stage::Connecting;
     Wait(std::min(ConnectPatience, job_.Patience));
     socket_.connectToHost(host, job_.Port);
+}
+
+void HotSyncLine::Greet() {
+    socket_.setSocketOption(QAbstractSocket::LowDelayOption, 1);
+    stage_ = Stage::Handshake;
+    Wait(job_.Patience);
+    if (job_.BytesPerSecond != 0) {
+        socket_.setReadBufferSize(SlowBuffer);
+        clock_.start();
+        ticks_.start();
+    }
+    if (job_.CutAfter == 0U) return CutNow();
+    Send(HandheldHello());
 }
 
 // ---- packets ----
@@ -201,6 +206,12 @@ void HotSyncLine::Pump() {
     if (cutWhenSent_) return CutNow();
     if (stage_ == Stage::Closing && socket_.state() == QAbstractSocket::ConnectedState)
         socket_.disconnectFromHost();
+}
+
+/// A desktop that is still being answered is not silent.
+void HotSyncLine::GoOnSending() {
+    if (stage_ == Stage::Handshake || stage_ == Stage::Serving) Wait(job_.Patience);
+    Pump();
 }
 
 std::int64_t HotSyncLine::Allowed(double& budget) const {

@@ -37,13 +37,16 @@ public:
 private:
     enum class Stage { Idle, Lookup, Connecting, Handshake, Serving, Closing, Over };
 
+    void BeginLookup();
     void AskForDesktop();
     void TakeLookupAnswer();
     void Connect(const QString& host);
+    void Greet();
     void Take();
     void TakePacket(const NetPacket& packet);
     void Send(const NetPacket& packet);
     void Pump();
+    void GoOnSending();
     void Tick();
     void LineGone();
     void CountPacket();

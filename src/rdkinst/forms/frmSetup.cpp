@@ -18,7 +18,7 @@ void frmSetup::Form_Load() {
     announced_ = new TitledWindow(*this, PathToQt(HotSyncManagerFolder()));
 }
 
-void frmSetup::StandFor(const Text& text, const std::function<void()>& work) {
+void frmSetup::StandFor(const Text& text, bool isWatched, const std::function<void()>& work) {
     lblSetup->setText(ToQt(text));
     Show();
     WaitWhile([this] { return !painted_; });
@@ -31,7 +31,7 @@ void frmSetup::StandFor(const Text& text, const std::function<void()>& work) {
     QTimer longest;
     longest.setSingleShot(true);
     longest.start(StandAtMost);
-    WaitWhile([&] { return !announced_->WasFound() && longest.isActive(); });
+    WaitWhile([&] { return isWatched && !announced_->WasFound() && longest.isActive(); });
     Unload();
     if (thrown) std::rethrow_exception(thrown);
 }

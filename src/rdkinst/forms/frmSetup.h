@@ -15,10 +15,10 @@ class frmSetup final : public Form, private Ui::frmSetup {
 public:
     frmSetup() { setupUi(this); }
 
-    /// Shows itself with the text, does the work once that has been painted, and goes. It stands until a
-    /// program has found it, and three seconds at most: whoever watches for it would miss it otherwise.
+    /// Shows itself with the text, does the work once that has been painted, and goes. One that is watched
+    /// for stands until a program has found it, and three seconds at most: it would be missed otherwise.
     /// What the work throws is thrown on when the window has gone.
-    void StandFor(const Text& text, const std::function<void()>& work);
+    void StandFor(const Text& text, bool isWatched, const std::function<void()>& work);
 
 protected:
     void Form_Load() override;
