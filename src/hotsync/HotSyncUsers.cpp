@@ -35,14 +35,11 @@ bool IsFolderName(std::string_view name) {
                         [&](std::string_view own) { return SameText(own, name); });
 }
 
-NameFault FaultOf(std::string_view name, const std::vector<HotSyncUser>& users, std::uint32_t id) {
+/// What keeps a name from being that of any user.
+NameFault FaultOf(std::string_view name) {
     if (name.empty()) return NameFault::Empty;
     if (name.size() > HotSyncUsers::LongestName) return NameFault::TooLong;
-    if (!IsFolderName(name)) return NameFault::NoFileName;
-    const bool taken = std::any_of(users.begin(), users.end(), [&](const HotSyncUser& user) {
-        return user.Id != id && SameText(user.Name, name);
-    });
-    return taken ? NameFault::Taken : NameFault::None;
+    return IsFolderName(name) ? NameFault::None : NameFault::NoFileName;
 }
 
 std::string_view Words(NameFault fault) {
@@ -104,16 +101,12 @@ bool ReadIncomplete(std::string_view text) {
     return text == Incomplete;
 }
 
-HotSyncUser ReadUser(std::string_view line, const std::vector<HotSyncUser>& before) {
+HotSyncUser ReadUser(std::string_view line) {
     const auto columns = ColumnsOf(line);
     if (columns.size() != 4) Refuse("not the four columns of a user, parted by tabs", line);
     const HotSyncUser user{ReadId(columns[0]), ReadName(columns[1]), ReadLastSync(columns[2]),
                            ReadIncomplete(columns[3])};
-    if (const auto fault = FaultOf(user.Name, before, 0); fault != NameFault::None)
-        Refuse(Words(fault), user.Name);
-    if (std::any_of(before.begin(), before.end(), [&](const auto& each) { return each.Id == user.Id; }))
-        Refuse("an id that another user has", columns[0]);
-    if (before.size() == HotSyncUsers::MostUsers) Refuse("more than 5000 users", user.Name);
+    if (const auto fault = FaultOf(user.Name); fault != NameFault::None) Refuse(Words(fault), user.Name);
     return user;
 }
 
@@ -155,7 +148,14 @@ void HotSyncUsers::TakeLine(std::string_view line, Content& content) {
     else if (line.starts_with(std::string(MoveWord) + '\t'))
         content.Pending = ReadMove(line);
     else
-        content.Users.push_back(ReadUser(line, content.Users));
+        TakeUser(ReadUser(line), content);
+}
+
+void HotSyncUsers::TakeUser(const HotSyncUser& user, Content& content) {
+    if (!content.Ids.insert(user.Id).second) Refuse("an id that another user has", std::to_string(user.Id));
+    if (!content.Names.insert(FoldCase(user.Name)).second) Refuse(Words(NameFault::Taken), user.Name);
+    if (content.Users.size() == MostUsers) Refuse("more than 5000 users", user.Name);
+    content.Users.push_back(user);
 }
 
 HotSyncUsers::Move HotSyncUsers::ReadMove(std::string_view line) {
@@ -181,6 +181,7 @@ void HotSyncUsers::Write(const std::vector<HotSyncUser>& users, const std::optio
 }
 
 void HotSyncUsers::Load() {
+    RemoveQuietly(folder_ + std::string(FileName) + std::string(SafeFile::WorkExtension));
     Content content;
     try {
         content = Read();
@@ -277,7 +278,9 @@ std::size_t HotSyncUsers::PlaceOf(std::uint32_t id) const {
 }
 
 NameFault HotSyncUsers::WhyNotAName(std::string_view name, std::uint32_t id) const {
-    return FaultOf(Trim(name), users_, id);
+    const NameFault fault = FaultOf(Trim(name));
+    const HotSyncUser* other = fault == NameFault::None ? FindName(Trim(name)) : nullptr;
+    return other && other->Id != id ? NameFault::Taken : fault;
 }
 
 void HotSyncUsers::CheckName(std::string_view name, std::uint32_t id) const {

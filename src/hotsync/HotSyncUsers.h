@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -39,7 +40,8 @@ public:
     /// `folder` is the manager's, in the file system's encoding.
     explicit HotSyncUsers(std::string folder);
 
-    /// Reads the file; without one there are no users. Brings a renaming to its end that was cut off.
+    /// Reads the file; without one there are no users. Puts away what a killed run has left, and brings a
+    /// renaming to its end that was cut off.
     /// RunTimeFailure 13 with file, line and reason for a line that is none; otherwise as TextReader.
     void Load();
 
@@ -90,11 +92,14 @@ private:
     struct Content {
         std::vector<std::string> Comments;
         std::vector<HotSyncUser> Users;
+        std::set<std::uint32_t> Ids;
+        std::set<std::string> Names; ///< by FoldCase
         std::optional<Move> Pending;
     };
 
     Content Read() const;
     static void TakeLine(std::string_view line, Content& content);
+    static void TakeUser(const HotSyncUser& user, Content& content);
     static Move ReadMove(std::string_view line);
     void Write(const std::vector<HotSyncUser>& users, const std::optional<Move>& pending) const;
     void Take(std::vector<HotSyncUser> users);

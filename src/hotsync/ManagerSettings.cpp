@@ -311,6 +311,7 @@ void SetManagerSetting(ManagerSettings& settings, std::string_view key, std::str
 }
 
 ManagerSettings ReadManagerSettings(std::string_view folder) {
+    RemoveQuietly(FileIn(folder) + std::string(SafeFile::WorkExtension));
     ManagerSettings settings = ReadLines(LinesOf(FileIn(folder)));
     if (settings.PCId == 0) {
         settings.PCId = AnyId();

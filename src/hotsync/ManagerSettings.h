@@ -41,8 +41,9 @@ void SetManagerSetting(ManagerSettings& settings, std::string_view key, std::str
 bool IsListeningAddress(std::string_view text);
 
 /// Reads `HotSync.ini` of the manager's folder, see docs/files.md. A missing file or key has the default. The
-/// id of this office is made and written when there is none. RunTimeFailure 13 with file, line and reason for
-/// a line that is none and a value that cannot be, otherwise as TextReader and WriteManagerSettings.
+/// id of this office is made and written when there is none; what a killed run has left is put away.
+/// RunTimeFailure 13 with file, line and reason for a line that is none and a value that cannot be, otherwise
+/// as TextReader and WriteManagerSettings.
 ManagerSettings ReadManagerSettings(std::string_view folder);
 
 /// Writes the settings into the file; whatever else stands in it stays in its place. RunTimeFailure as

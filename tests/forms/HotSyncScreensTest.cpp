@@ -3,7 +3,6 @@
 #include "core/Paths.h"
 #include "core/SafeFile.h"
 #include "forms/FormTest.h"
-#include "hotsync/forms/KnownWindows.h"
 #include "hotsync/forms/ManagerDesk.h"
 #include "hotsync/forms/frmHSExit.h"
 #include "hotsync/forms/frmHSManager.h"
@@ -13,6 +12,8 @@
 #include "platform/Convert.h"
 #include "platform/GridView.h"
 #include "platform/Look.h"
+#include "platform/Registry.h"
+#include "platform/TitledWindow.h"
 #include "support/FaultyDisk.h"
 
 #include <QAction>
@@ -423,6 +424,20 @@ TEST_F(ExitQuestion, AskedTwiceItStandsOnceAndTheLastWhoAskedIsAnswered) {
     EXPECT_EQ(second, 1);
 }
 
+TEST_F(ExitQuestion, AnotherProgramFindsItByItsTitleAndPressesEnter) {
+    ASSERT_TRUE(Registry::SetHotSyncManager(Folder() + "HotSync/hotsync"));
+    EXPECT_FALSE(FindWindow(QStringLiteral("Exit Hotsync Manager")));
+    AskToExit([&] { desk_.End(); });
+    Settle();
+
+    auto window = FindWindow(QStringLiteral("Exit Hotsync Manager"));
+    ASSERT_TRUE(window);
+    window->SendKeys("{ENTER}");
+
+    EXPECT_TRUE(QTest::qWaitFor([&] { return desk_.Ends == 1; }));
+    EXPECT_FALSE(FindWindow(QStringLiteral("Exit Hotsync Manager")));
+}
+
 // ---- a handheld without a user ----
 
 class PickingAUser : public HotSyncScreens {
@@ -612,6 +627,16 @@ TEST_F(ProgressWindow, ShowsWhoAndWhatMovesAndGoesWithTheSession) {
 
     progress_.Ended("well", true);
     EXPECT_EQ(IfLoaded<frmHSProgress>(), nullptr);
+}
+
+TEST_F(ProgressWindow, AnotherProgramFindsItByItsTitleWhileItStands) {
+    ASSERT_TRUE(Registry::SetHotSyncManager(Folder() + "HotSync/hotsync"));
+    progress_.Begun("ANNA");
+    EXPECT_TRUE(FindWindow(QStringLiteral("Hotsync Progress")));
+
+    progress_.Ended("well", true);
+
+    EXPECT_FALSE(FindWindow(QStringLiteral("Hotsync Progress")));
 }
 
 TEST_F(ProgressWindow, NumbersThatCannotBeLeaveTheBarInItsBounds) {

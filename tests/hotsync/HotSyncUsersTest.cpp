@@ -390,6 +390,14 @@ TEST_F(HotSyncUsersTest, AFileThatMayNotBeReadIsNotAnEmptyOne) {
     EXPECT_EQ(FailureOf([&] { users_.Load(); }).Number, 70);
 }
 
+TEST_F(HotSyncUsersTest, WhatAKilledRunHasLeftIsPutAway) {
+    GivenFile("HotSync/Users.txt.zuk~", "half");
+
+    users_.Load();
+
+    EXPECT_FALSE(Exists(Path("Users.txt.zuk~")));
+}
+
 // ---- failing disks ----
 
 TEST_F(HotSyncUsersTest, AChangeThatCannotBeWrittenChangesNothing) {

@@ -178,6 +178,15 @@ TEST_F(ManagerSettingsTest, AnIdThatCannotBeKeptIsNoId) {
     EXPECT_EQ(FailureOf([&] { Read(); }).Number, 57);
 }
 
+TEST_F(ManagerSettingsTest, WhatAKilledRunHasLeftIsPutAway) {
+    GivenIni("[HotSync]\nPCId=7\n");
+    GivenFile("HotSync.ini.zuk~", "half");
+
+    Read();
+
+    EXPECT_FALSE(Exists(Folder() + "HotSync.ini.zuk~"));
+}
+
 TEST_F(ManagerSettingsTest, SingleSettingsGoByTheirKeys) {
     ManagerSettings settings;
 

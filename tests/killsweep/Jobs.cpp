@@ -595,6 +595,12 @@ std::vector<SweepJob> MakeJobs() {
     };
 }
 
+/// As far as its files go, where there are any.
+void StartHotSyncManager() {
+    if (FileExists(HotSyncFolder() + "Users.txt")) HotSyncUsers(HotSyncFolder()).Load();
+    if (FileExists(HotSyncFolder() + "HotSync.ini")) ReadManagerSettings(HotSyncFolder());
+}
+
 void BeginOffice(const std::string& folder) {
     Global = Globals{};
     Global.Clock = [] { return DateTime{2026, 11, 15, 9, 30, 0}; };
@@ -628,6 +634,7 @@ void StartOffice(const std::string& folder) {
     if (!PrepareOffice([] {})) throw RunTimeFailure(53, "tables");
     GetPCTotals();
     GetHHStatus();
+    StartHotSyncManager();
     if (!Global.PurgeBackup) return;
     DeleteBackupTables([](std::string_view file) { throw RunTimeFailure(75, std::string(file)); });
 }
