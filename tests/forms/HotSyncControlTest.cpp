@@ -116,7 +116,8 @@ Heard ExampleLines(char direction) {
     for (std::size_t at = page.find("\n## Example\n"); (at = page.find(mark, at)) != std::string::npos;) {
         const std::size_t end = page.find('\n', at + 1);
         std::string line = page.substr(at + mark.size(), end - at - mark.size());
-        for (std::size_t arrow = 0; (arrow = line.find("→")) != std::string::npos;) line.replace(arrow, 3, "\t");
+        for (std::size_t arrow = 0; (arrow = line.find("→")) != std::string::npos;)
+            line.replace(arrow, 3, "\t");
         lines.push_back(line);
         at = end;
     }
@@ -452,15 +453,14 @@ TEST_F(CommandQueue, IsRunWithWhatWasAddedBeforeIt) {
     EXPECT_EQ(SF_FlushCommandQueue(Caption(), Always), FlushEnd::Done);
 
     Manager.WaitFor("bye", 2);
-    EXPECT_EQ(Manager.Heard(),
-              (Heard{"HELLO\t1", "COMMAND\tUPLOAD\t/office/ZUKORHDR.DBF", "COMMAND\tDOWNLOAD\t/office/ZUKCUST.DBF",
-                     "FLUSH\tRegistering ...", "bye", "HELLO\t1", "FLUSH\tRegistering ...", "bye"}));
+    EXPECT_EQ(Manager.Heard(), (Heard{"HELLO\t1", "COMMAND\tUPLOAD\t/office/ZUKORHDR.DBF",
+                                      "COMMAND\tDOWNLOAD\t/office/ZUKCUST.DBF", "FLUSH\tRegistering ...",
+                                      "bye", "HELLO\t1", "FLUSH\tRegistering ...", "bye"}));
 }
 
 TEST_F(CommandQueue, TellsHowItsRunHasEnded) {
-    const std::pair<const char*, FlushEnd> ends[] = {{"DONE", FlushEnd::Done},
-                                                     {"CANCELLED", FlushEnd::Cancelled},
-                                                     {"REFUSED", FlushEnd::Refused}};
+    const std::pair<const char*, FlushEnd> ends[] = {
+        {"DONE", FlushEnd::Done}, {"CANCELLED", FlushEnd::Cancelled}, {"REFUSED", FlushEnd::Refused}};
     for (const auto& [how, end] : ends) {
         SocketManager manager(ManagerFolder());
         manager.Answer("FLUSH", {{"FLUSHED", {how}}});

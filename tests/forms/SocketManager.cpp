@@ -48,7 +48,8 @@ private:
         while (QLocalSocket* socket = server_->nextPendingConnection()) {
             last_ = socket;
             auto reader = std::make_shared<ManagerMessageReader>();
-            connect(socket, &QLocalSocket::readyRead, this, [this, socket, reader] { Read(*socket, *reader); });
+            connect(socket, &QLocalSocket::readyRead, this,
+                    [this, socket, reader] { Read(*socket, *reader); });
             connect(socket, &QLocalSocket::disconnected, this, [this, socket] {
                 if (last_ == socket) last_ = nullptr;
                 Note("bye");
