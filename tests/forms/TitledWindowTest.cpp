@@ -208,6 +208,17 @@ TEST_F(WindowOfATitle, OfAProgramThatDoesNotAnswerHasNoPlace) {
     EXPECT_FALSE(FindWindow(Title)->Placement());
 }
 
+TEST_F(WindowOfATitle, TakesAPlaceFromAProgramThatDidNotWaitForItsAnswer) {
+    window_.show();
+    {
+        auto found = FindWindow(Title);
+        found->Placement();
+        found->SetPlacement(QRect(100, 120, 410, 260), false);
+    }
+
+    WaitUntil([&] { return window_.geometry() == QRect(100, 120, 410, 260); });
+}
+
 TEST_F(WindowOfATitle, WhoseProgramDiedIsNotFoundAndHindersNoNewOne) {
     QFile left(QDir::tempPath() + QLatin1Char('/') + SocketName());
     ASSERT_TRUE(left.open(QIODevice::WriteOnly));
