@@ -8,6 +8,7 @@
 
 #include "AllForms.h"
 #include "OfficeForDay.h"
+#include "core/Failure.h"
 #include "core/Globals.h"
 #include "core/Messages.h"
 #include "core/Operator.h"
@@ -48,11 +49,21 @@ public:
 /// A HotSync Manager with two users.
 class TwoUsers final : public SFrmAX40 {
 public:
+    bool Enabled() const override { return enabled_; }
+    void SetEnabled(bool enabled) override { enabled_ = enabled; }
     std::string UserName() const override { return {}; }
     std::int32_t UserID() const override { return 0; }
+    std::int32_t CreatorID() const override { return 0; }
     std::string HotSyncUser(int index) const override {
         return index == 0 ? "Anna Berg" : index == 1 ? "Ben Okafor" : "";
     }
+    // Nothing is synchronised for a picture.
+    void QueueUpload(std::string_view, const TransferSettings&) override { throw RunTimeFailure(5); }
+    void QueueDownload(std::string_view, const TransferSettings&) override { throw RunTimeFailure(5); }
+    void AddInstall(std::string_view, std::string_view) override { throw RunTimeFailure(5); }
+
+private:
+    bool enabled_ = false;
 };
 
 /// Fills tables of an office with rows: each with a line of field names above its records.
