@@ -8,6 +8,7 @@
 
 #include "AllForms.h"
 #include "OfficeForDay.h"
+#include "core/Failure.h"
 #include "core/Globals.h"
 #include "core/Messages.h"
 #include "core/Operator.h"
@@ -49,17 +50,21 @@ public:
 /// A HotSync Manager with two users, and no handheld.
 class TwoUsers final : public SFrmAX40 {
 public:
-    bool Enabled() const override { return false; }
-    void SetEnabled(bool) override {}
-    std::int32_t CreatorID() const override { return 0; }
-    void QueueUpload(std::string_view, const TransferSettings&) override {}
-    void QueueDownload(std::string_view, const TransferSettings&) override {}
-    void AddInstall(std::string_view, std::string_view) override {}
+    bool Enabled() const override { return enabled_; }
+    void SetEnabled(bool enabled) override { enabled_ = enabled; }
     std::string UserName() const override { return {}; }
     std::int32_t UserID() const override { return 0; }
+    std::int32_t CreatorID() const override { return 0; }
     std::string HotSyncUser(int index) const override {
         return index == 0 ? "Anna Berg" : index == 1 ? "Ben Okafor" : "";
     }
+    // Nothing is synchronised for a picture.
+    void QueueUpload(std::string_view, const TransferSettings&) override { throw RunTimeFailure(5); }
+    void QueueDownload(std::string_view, const TransferSettings&) override { throw RunTimeFailure(5); }
+    void AddInstall(std::string_view, std::string_view) override { throw RunTimeFailure(5); }
+
+private:
+    bool enabled_ = false;
 };
 
 /// A HotSync Manager with users and a log in a folder of its own, and no lines to anybody.

@@ -139,8 +139,8 @@ void TitledWindow::Read(QLocalSocket& socket) {
             // From the event loop: what the button does may take its time.
             QTimer::singleShot(0, &window_, [window = &window_] { PressDefaultButton(*window); });
         } else if (words[0] == QLatin1String("WHERE")) {
+            // Not flushed: whoever asked may have gone, and what it has said behind this still counts.
             socket.write((PlaceLine(window_.geometry()) + QLatin1Char('\n')).toUtf8());
-            socket.flush();
         } else if (words[0] == QLatin1String("PLACE") && place) {
             Place(window_, *place, words.value(5) == QLatin1String("TOPMOST"));
         } else {

@@ -26,6 +26,7 @@ public:
         setWindowTitle(Title);
         auto* layout = new QVBoxLayout(this);
         for (QPushButton* button : {&first, &second}) layout->addWidget(button);
+        first.setAutoDefault(false);
         second.setDefault(true);
         connect(&first, &QPushButton::clicked, this, [this] { ++firstClicks; });
         connect(&second, &QPushButton::clicked, this, [this] { ++secondClicks; });
@@ -168,7 +169,7 @@ TEST_F(WindowOfATitle, BelowAModalOneHearsNoKey) {
     EXPECT_EQ(window_.secondClicks, 0);
 }
 
-TEST_F(WindowOfATitle, ThatIsDisabledButtonPressesNothing) {
+TEST_F(WindowOfATitle, WhoseDefaultButtonIsDisabledPressesNothing) {
     window_.show();
     window_.second.setEnabled(false);
 
@@ -205,6 +206,17 @@ TEST_F(WindowOfATitle, OfAProgramThatDoesNotAnswerHasNoPlace) {
     window_.show();
 
     EXPECT_FALSE(FindWindow(Title)->Placement());
+}
+
+TEST_F(WindowOfATitle, TakesAPlaceFromAProgramThatDidNotWaitForItsAnswer) {
+    window_.show();
+    {
+        auto found = FindWindow(Title);
+        found->Placement();
+        found->SetPlacement(QRect(100, 120, 410, 260), false);
+    }
+
+    WaitUntil([&] { return window_.geometry() == QRect(100, 120, 410, 260); });
 }
 
 TEST_F(WindowOfATitle, WhoseProgramDiedIsNotFoundAndHindersNoNewOne) {

@@ -9,10 +9,10 @@
 #include "platform/TitledWindow.h"
 #include "sync/Conduits.h"
 
+#include <QDeadlineTimer>
 #include <QDialog>
 #include <QDir>
 #include <QPushButton>
-#include <QScopeGuard>
 #include <QTimer>
 
 namespace {
@@ -66,17 +66,36 @@ protected:
         return text;
     }
 
-    /// Presses "Update Hotsync Users" and agrees; the flow goes on in the loop of what is waited for.
-    void Begin(frmMain1& form) {
+    /// What is done as soon as something holds.
+    struct Step {
+        std::function<bool()> When;
+        std::function<void()> Deed;
+    };
+
+    /// Presses "Update Hotsync Users", agrees, and does the steps in their order while that waits for the
+    /// windows. Returns when it has ended.
+    void Update(frmMain1& form, const std::vector<Step>& steps) {
         Operator_.Expect(Question()).Answer(Answer::Yes);
-        QTimer::singleShot(0, &form, [&form] { Click(form, "lblUpdateHSUsers"); });
-        WaitUntil([&] { return Operator_.AllCame(); });
+        std::size_t done = 0;
+        const QDeadlineTimer until(10000);
+        QTimer look;
+        QObject::connect(&look, &QTimer::timeout, &look, [&] {
+            if (done < steps.size() && steps[done].When())
+                steps[done++].Deed();
+            else if (until.hasExpired())
+                Global.Ending = true; // so that the update ends, and the test fails
+        });
+        look.start(1);
+        Click(form, "lblUpdateHSUsers");
+        EXPECT_EQ(done, steps.size()) << "a step never came";
     }
 
-    void ComeAndGo(Other& window) {
-        window.show();
-        WaitUntil([&] { return window.announced.WasFound(); });
-        window.hide();
+    Step WhenRegistered(std::function<void()> deed) {
+        return {[this] { return Exists(Folder() + "registered"); }, std::move(deed)};
+    }
+
+    static Step WhenFound(Other& window, std::function<void()> deed) {
+        return {[&window] { return window.announced.WasFound(); }, std::move(deed)};
     }
 
     void SetTemporaryFolder(const std::string& folder) {
@@ -84,10 +103,6 @@ protected:
         // The names of sockets lie there too.
         Manager.Stop();
         qputenv("TMPDIR", QByteArray::fromStdString(folder));
-    }
-
-    static void WaitForTheEnd(frmMain1& form) {
-        WaitUntil([&] { return Enabled(form, "lblUpdateHSUsers"); });
     }
 
     QString workingFolder_;
@@ -141,42 +156,65 @@ TEST_F(HotSyncOnTheMainScreen, TheInstallFolderOfAUserIsEmptied) {
 
 // ---- the update of the users ----
 
+TEST_F(HotSyncOnTheMainScreen, AnUpdateRunsTheRegistrationInTheInstallDirectory) {
+    auto& form = Start();
+    QString during;
+
+    Update(form, {WhenRegistered([&] {
+                      during = QDir::currentPath();
+                      setup_.show();
+                  }),
+                  WhenFound(setup_, [&] {
+                      setup_.hide();
+                      setup_.show();
+                  })});
+
+    const std::string install = Global.InstallPath.substr(0, Global.InstallPath.size() - 1);
+    EXPECT_EQ(WrittenBy("registered"),
+              (std::vector<std::string>{install, Program(), "-crtreg", "ZUK2", "-condpath", "SFrmCn40.dll",
+                                        "-name", "Tramble", "-restarths"}));
+    EXPECT_EQ(during.toStdString(), install);
+    EXPECT_EQ(QDir::currentPath(), workingFolder_);
+    EXPECT_TRUE(Exists(Folder() + "started"));
+}
+
 TEST_F(HotSyncOnTheMainScreen, AnUpdateAnswersTheWindowsOfTheRegistration) {
     auto& form = Start();
-    Begin(form);
-    const std::string command = "-crtreg ZUK2 -condpath SFrmCn40.dll -name Tramble -restarths";
-    std::vector<std::string> arguments = WrittenBy("registered");
-    EXPECT_EQ(arguments.at(0), Global.InstallPath.substr(0, Global.InstallPath.size() - 1));
-    EXPECT_EQ(arguments.at(1), Program());
-    std::string joined;
-    for (std::size_t k = 2; k < arguments.size(); ++k) joined += (k > 2 ? " " : "") + arguments[k];
-    EXPECT_EQ(joined, command);
-    EXPECT_TRUE(Exists(Folder() + "started"));
+    std::vector<bool> updated;
+    bool enabled = true;
 
-    ComeAndGo(setup_);
-    exit_.show();
-    WaitUntil([&] { return exit_.pressed > 0; });
-    exit_.hide();
-    EXPECT_FALSE(Enabled(form, "lblUpdateHSUsers"));
-    EXPECT_FALSE(Global.HSUsersUpdated);
-    setup_.show();
-    WaitUntil([&] { return setup_.announced.WasFound(); });
-    EXPECT_FALSE(Global.HSUsersUpdated);
-    setup_.hide();
+    Update(form, {WhenRegistered([&] { setup_.show(); }),
+                  WhenFound(setup_,
+                            [&] {
+                                setup_.hide();
+                                exit_.show();
+                            }),
+                  {[&] { return exit_.pressed > 0; },
+                   [&] {
+                       exit_.hide();
+                       enabled = Enabled(form, "lblUpdateHSUsers");
+                       updated.push_back(Global.HSUsersUpdated);
+                       setup_.show();
+                   }},
+                  WhenFound(setup_, [&] {
+                      updated.push_back(Global.HSUsersUpdated);
+                      setup_.hide();
+                  })});
 
-    WaitForTheEnd(form);
+    EXPECT_EQ(updated, (std::vector<bool>{false, false}));
+    EXPECT_FALSE(enabled);
+    EXPECT_TRUE(Enabled(form, "lblUpdateHSUsers"));
     EXPECT_TRUE(Global.HSUsersUpdated);
-    EXPECT_EQ(QDir::currentPath(), workingFolder_);
 }
 
 TEST_F(HotSyncOnTheMainScreen, AnUpdateEndsWithTheSecondSetupWhenNoManagerHadToEnd) {
     auto& form = Start();
-    Begin(form);
 
-    ComeAndGo(setup_);
-    setup_.show();
+    Update(form, {WhenRegistered([&] { setup_.show(); }), WhenFound(setup_, [&] {
+                      setup_.hide();
+                      setup_.show();
+                  })});
 
-    WaitForTheEnd(form);
     EXPECT_TRUE(Global.HSUsersUpdated);
     EXPECT_EQ(exit_.pressed, 0);
 }
@@ -206,15 +244,16 @@ TEST_F(HotSyncOnTheMainScreen, ACommandThatCannotBeStartedIsRunOnceMoreFromACopy
     GivenScript(Program(), "registered", false);
     SetTemporaryFolder(Folder() + "tmp");
     auto& form = Start();
-    Begin(form);
+
+    Update(form, {WhenRegistered([&] { setup_.show(); }), WhenFound(setup_, [&] {
+                      setup_.hide();
+                      setup_.show();
+                  })});
 
     const std::vector<std::string> arguments = WrittenBy("registered");
     EXPECT_EQ(arguments.at(0), Folder() + "tmp/ZUKTemp");
     EXPECT_EQ(arguments.at(1), Folder() + "tmp/ZUKTemp/rdkinst");
     EXPECT_TRUE(Exists(Folder() + "tmp/ZUKTemp/ZUKOrHdr.dbf"));
-    ComeAndGo(setup_);
-    setup_.show();
-    WaitForTheEnd(form);
     EXPECT_TRUE(Global.HSUsersUpdated);
     EXPECT_EQ(QDir::currentPath(), workingFolder_);
 
@@ -255,11 +294,8 @@ TEST_F(HotSyncOnTheMainScreen, NothingIsRunInATemporaryDirectoryThatIsALink) {
 
 TEST_F(HotSyncOnTheMainScreen, AnUpdateThatWaitsEndsWithTheProgram) {
     auto& form = Start();
-    Begin(form);
-    WrittenBy("registered");
 
-    form.Unload();
-    Settle();
+    Update(form, {WhenRegistered([&] { form.Unload(); })});
 
     EXPECT_FALSE(Global.HSUsersUpdated);
     EXPECT_EQ(QDir::currentPath(), workingFolder_);
@@ -271,6 +307,7 @@ TEST_F(HotSyncOnTheMainScreen, AnUpdateThatWaitsEndsWithTheProgram) {
 class ProgressWindow : public HotSyncOnTheMainScreen {
 protected:
     frmMain1& StartWatching() {
+        Global.Clock = [] { return DateTime{2026, 11, 15, 12, 0, 0}; };
         GivenRows("ZUKTOTALPC", {"TP_NUMHEAD|TP_NUMLINE|TP_DOL_LIN|TP_EVENT|TP_DATETIM|TP_HOTSYNC",
                                  "2|5|10.5|UPLOAD-ADD|2026-11-15 10:00:00|ANNA"});
         auto& form = Start();

@@ -463,6 +463,7 @@ void frmMain1::Timer3_Timer() {
 /// Places the window over the space of the recent uploads: above the main screen, and not above all others.
 void frmMain1::SetHSWindow(FoundWindow& window) {
     TraceEvent("frmMain1:SetHSWindow");
+    if (isMinimized()) return; // there is no space of it on the screen
     const QRect space(picMatrix->mapToGlobal(QPoint(0, 0)), picMatrix->size());
     if (window.Placement() == space) return;
     for (const bool topmost : {true, false}) window.SetPlacement(space, topmost);
