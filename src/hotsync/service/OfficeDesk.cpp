@@ -20,6 +20,8 @@ constexpr std::size_t MostCommands = 1000;
 
 /// Why a path cannot be that of a table; empty when it can.
 std::string WhyNoTable(const std::string& path) {
+    // The system would take what stands before it for the whole path.
+    if (path.find('\0') != std::string::npos) return "a NUL in a path";
     if (!QDir::isAbsolutePath(QString::fromStdString(path))) return "not a full path";
     const std::string extension = UpperCase(ExtensionOf(path));
     if (extension != ".DBF") return "not the name of a table";
