@@ -14,11 +14,12 @@ void HandheldLine::Send(const NetPacket& packet) {
 NetPacket HandheldLine::Receive(ByteStream::Clock::time_point until) {
     try {
         for (;;) {
-            while (auto packet = reader_.Next()) {
-                if (packet->Type == NetPacket::Data) return std::move(*packet);
-            }
+            // Also before what waits already: a handheld may answer faster than it is asked, for ever.
             if (ByteStream::Clock::now() >= end_) {
                 throw LineFailure(LineFailure::Why::TooLong, "the session has lasted too long");
+            }
+            while (auto packet = reader_.Next()) {
+                if (packet->Type == NetPacket::Data) return std::move(*packet);
             }
             if (ByteStream::Clock::now() >= until) {
                 throw LineFailure(LineFailure::Why::Silent, "the handheld did not answer in time");
@@ -49,13 +50,17 @@ DlpResponse HandheldLine::Ask(const DlpRequest& request) {
     const NetPacket packet = Receive(ByteStream::Clock::now() + limits_.Answer);
     try {
         DlpResponse response = ReadResponse(packet.Payload);
-        if (Odd && (packet.Transaction != transaction_ || response.Function != request.Function)) {
-            Odd("an answer bears the number of another request");
-        }
+        if (packet.Transaction != transaction_ || response.Function != request.Function) TellOdd();
         return response;
     } catch (const PalmFailure& failure) {
         throw LineFailure(LineFailure::Why::Nonsense, failure.what());
     }
+}
+
+/// Once: a handheld that does it does it with every answer.
+void HandheldLine::TellOdd() {
+    if (Odd && !toldOdd_) Odd("an answer bears the number of another request");
+    toldOdd_ = true;
 }
 
 DlpResponse HandheldLine::Need(const DlpRequest& request, const std::string& deed) {

@@ -87,16 +87,18 @@ public:
     /// pressed there. SessionCancelled, LineFailure.
     void KeepAlive();
 
-    /// Called with words about what was odd and did no harm.
+    /// Called with words about what was odd and did no harm, once for each kind of oddness.
     std::function<void(const std::string&)> Odd;
 
 private:
     NetPacket Receive(ByteStream::Clock::time_point until);
     void Send(const NetPacket& packet);
+    void TellOdd();
 
     ByteStream& stream_;
     Limits limits_;
     ByteStream::Clock::time_point end_;
     PacketReader reader_;
     std::uint8_t transaction_ = 2;
+    bool toldOdd_ = false;
 };

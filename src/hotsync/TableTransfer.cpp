@@ -22,6 +22,9 @@ constexpr std::string_view SignedTable = "ZUKORHDR";
 /// Some handhelds lock up when a record near the limit is asked for in one piece.
 constexpr std::uint16_t LongestPiece = LongestRecord - 100;
 
+/// A list tells each by an index of 16 bits.
+constexpr std::size_t MostDatabases = std::size_t{1} << 16;
+
 /// Tables that the office keeps and handhelds only carry: one that a handheld lacks was never sent to it.
 constexpr std::array<std::string_view, 9> OfficeKeeps{"ZUKCUST",  "ZUKITEM",  "ZUKSTAX", "ZUKPAY",  "ZUKCOMP",
                                                       "ZUKSETUP", "ZUKPRINT", "ZUKHELP", "ZUKBARIN"};
@@ -231,11 +234,14 @@ HandheldRecord TableTransfer::ReadWhole(std::uint8_t handle, std::uint16_t index
                                         const HandheldLayout& layout) {
     const std::string deed = "read record " + std::to_string(index + 1);
     RecordAnswer answer = ReadRecordAnswer(line_.Need(PackReadRecord(handle, index, 0, LongestPiece), deed));
+    // An answer that comes twice would shift all records behind it.
+    if (answer.Index != index) throw PalmFailure(deed + ": another record came");
     std::string data = std::move(answer.Record.Data);
     while (data.size() < answer.Size) {
         const auto offset = static_cast<std::uint16_t>(data.size());
         const RecordAnswer more =
             ReadRecordAnswer(line_.Need(PackReadRecord(handle, index, offset, LongestPiece), deed));
+        if (more.Index != index) throw PalmFailure(deed + ": another record came");
         if (more.Size != answer.Size || more.Record.Data.empty())
             throw PalmFailure(deed + ": it changed meanwhile");
         data += more.Record.Data;
@@ -373,6 +379,7 @@ std::vector<std::string> TableTransfer::Recover() {
             const DatabaseList list = ReadDatabaseList(response);
             if (list.Databases.empty() || list.LastIndex < next) break;
             all.insert(all.end(), list.Databases.begin(), list.Databases.end());
+            if (all.size() > MostDatabases) throw PalmFailure("more databases than a handheld can have");
             next = list.LastIndex + 1U;
             if (!list.More) break;
         }

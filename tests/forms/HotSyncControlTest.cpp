@@ -66,7 +66,7 @@ TEST_F(Control, WithoutAManagerKnowsNoUserAndIsNotCalled) {
     control_->SetEnabled(true);
 
     EXPECT_TRUE(control_->Enabled());
-    EXPECT_TRUE(HotSyncUsers(*control_).empty());
+    EXPECT_TRUE(KnownUsers(*control_).empty());
     EXPECT_EQ(control_->CreatorID(), 0);
     EXPECT_EQ(control_->UserName(), "");
 }
@@ -74,8 +74,8 @@ TEST_F(Control, WithoutAManagerKnowsNoUserAndIsNotCalled) {
 TEST_F(Control, KnowsTheManagersUsersInTheirOrderAndInTheCodePage) {
     Manager.Listen();
 
-    EXPECT_EQ(HotSyncUsers(*control_), (std::vector<std::string>{"ANNA", "Jos\xE9 N\xFA\xF1"
-                                                                         "ez"}));
+    EXPECT_EQ(KnownUsers(*control_), (std::vector<std::string>{"ANNA", "Jos\xE9 N\xFA\xF1"
+                                                                       "ez"}));
     EXPECT_EQ(control_->HotSyncUser(-1), "");
     EXPECT_FALSE(control_->Enabled());
     Manager.WaitFor("HELLO");
@@ -84,11 +84,11 @@ TEST_F(Control, KnowsTheManagersUsersInTheirOrderAndInTheCodePage) {
 
 TEST_F(Control, HearsOfUsersThatChange) {
     Manager.Listen();
-    ASSERT_EQ(HotSyncUsers(*control_).size(), 2U);
+    ASSERT_EQ(KnownUsers(*control_).size(), 2U);
 
     Manager.Say({"USERS", {"9", "BEN"}});
 
-    WaitUntil([&] { return HotSyncUsers(*control_) == std::vector<std::string>{"BEN"}; });
+    WaitUntil([&] { return KnownUsers(*control_) == std::vector<std::string>{"BEN"}; });
 }
 
 TEST_F(Control, KnowsNoUserOfAManagerThatHangsAndGoesOn) {

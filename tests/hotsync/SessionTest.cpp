@@ -534,6 +534,14 @@ TEST_F(SessionTest, ATableThatIsTooLargeIsNotFetched) {
     EXPECT_TRUE(LogSays("5000 records are more than 1 MB"));
 }
 
+TEST_F(SessionTest, AHandheldThatAlwaysAnswersIsEndedWhenTheTimeOfASessionIsOver) {
+    settings_.SessionMinutes = 0;
+
+    EXPECT_EQ(Hold(), Session::End::Broken);
+
+    EXPECT_TRUE(LogSays("session ended early: the session has lasted too long"));
+}
+
 TEST_F(SessionTest, CancelOnTheHandheldEndsTheSessionCleanly) {
     GivenTable(Table("ZUKPAY"), *FindTable("ZUKPAY"), 2, 1);
     wanted_ = {{Way::Download, Table("ZUKPAY")}};

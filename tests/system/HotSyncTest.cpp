@@ -29,7 +29,9 @@ protected:
         before_ = qgetenv("TMPDIR");
         qputenv("TMPDIR", folder_.path().toLocal8Bit());
         EXPECT_EQ(Run(office_.Manager(), {"--register"}), 0);
-        EXPECT_EQ(Run(office_.Registration(), {"-crtreg", "ZUK2", "-condpath", "SFrmCn40.dll", "-name", "Tramble"}), 0);
+        EXPECT_EQ(
+            Run(office_.Registration(), {"-crtreg", "ZUK2", "-condpath", "SFrmCn40.dll", "-name", "Tramble"}),
+            0);
         Put("HotSync.ini", "[HotSync]\r\nPort=0\r\nLookup=False\r\n");
         Put("Users.txt", "7\tANNA\tnever\tcomplete\r\n");
     }
@@ -39,7 +41,8 @@ protected:
             ManagerLine line;
             line.Open(ManagerFolder());
             line.Send({"EXIT", {"NOW"}});
-            EXPECT_TRUE(QTest::qWaitFor([&] { return !line.IsOpen(); }, Patience)) << "a manager stays behind";
+            EXPECT_TRUE(QTest::qWaitFor([&] { return !line.IsOpen(); }, Patience))
+                << "a manager stays behind";
         }
         qputenv("TMPDIR", before_);
     }
@@ -56,7 +59,8 @@ protected:
         QProcess process;
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         const DrivenProgram office = InOffice();
-        for (const auto& [name, value] : office.Environment.asKeyValueRange()) environment.insert(name, value);
+        for (const auto& [name, value] : office.Environment.asKeyValueRange())
+            environment.insert(name, value);
         environment.insert("QT_QPA_PLATFORM", "offscreen");
         process.setProcessEnvironment(environment);
         process.setProcessChannelMode(QProcess::MergedChannels);

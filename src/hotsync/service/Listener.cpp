@@ -70,8 +70,7 @@ void Listener::Accept() {
         std::unique_ptr<QTcpSocket> socket(connected);
         socket->setParent(nullptr);
         const std::string caller = CallerOf(*socket);
-        std::erase_if(waiting_,
-                      [](const auto& each) { return each->state() != QAbstractSocket::ConnectedState; });
+        std::erase_if(waiting_, [this](const auto& each) { return HasGone(*each); });
         if (waiting_.size() > mayWait_ || (serving_ && waiting_.size() == mayWait_)) {
             log_.Write(caller + ": turned away, " + std::to_string(waiting_.size()) +
                        " handhelds wait already");
@@ -87,16 +86,19 @@ void Listener::Accept() {
     if (!serving_) QMetaObject::invokeMethod(this, &Listener::ServeNext, Qt::QueuedConnection);
 }
 
+bool Listener::HasGone(const QTcpSocket& waiting) {
+    if (waiting.state() == QAbstractSocket::ConnectedState) return false;
+    log_.Write(CallerOf(waiting) + ": went away while it waited");
+    return true;
+}
+
 void Listener::ServeNext() {
     if (serving_) return;
     serving_ = true;
     while (!waiting_.empty() && !Global.Ending) {
         std::unique_ptr<QTcpSocket> socket = std::move(waiting_.front());
         waiting_.pop_front();
-        if (socket->state() != QAbstractSocket::ConnectedState) {
-            log_.Write(CallerOf(*socket) + ": went away while it waited");
-            continue;
-        }
+        if (HasGone(*socket)) continue;
         serve_(*socket);
         LetGo(std::move(socket));
     }

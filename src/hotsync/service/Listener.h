@@ -35,6 +35,7 @@ public:
 private:
     void Accept();
     void ServeNext();
+    bool HasGone(const QTcpSocket& waiting);
     void AnswerLookups();
 
     SessionLog& log_;

@@ -20,6 +20,8 @@ constexpr std::size_t MostCommands = 1000;
 
 /// Why a path cannot be that of a table; empty when it can.
 std::string WhyNoTable(const std::string& path) {
+    // The system would take what stands before it for the whole path.
+    if (path.find('\0') != std::string::npos) return "a NUL in a path";
     if (!QDir::isAbsolutePath(QString::fromStdString(path))) return "not a full path";
     const std::string extension = UpperCase(ExtensionOf(path));
     if (extension != ".DBF") return "not the name of a table";
@@ -58,7 +60,11 @@ void OfficeDesk::Accept() {
     while (QLocalSocket* const socket = server_.nextPendingConnection()) {
         auto& program = programs_.emplace_back(std::make_unique<Program>());
         program->Socket = socket;
-        connect(socket, &QLocalSocket::disconnected, this, [this, socket] { Forget(socket); });
+        // Queued: a program that has gone is found out in the middle of talking to it, and of walking
+        // through all programs.
+        connect(
+            socket, &QLocalSocket::disconnected, this, [this, socket] { Forget(socket); },
+            Qt::QueuedConnection);
         connect(socket, &QLocalSocket::readyRead, this, [this, made = program.get()] { Read(*made); });
         Read(*program);
     }
@@ -147,6 +153,10 @@ void OfficeDesk::Forget(QLocalSocket* socket) {
                                     [socket](const auto& each) { return each->Socket == socket; });
     if (found == programs_.end()) return;
     if (current_ == found->get()) {
+        if ((*found)->Busy && (*found)->Status != SessionEnded) {
+            log_.Write("the program that takes part in the session has gone, " +
+                       std::to_string(transfers_.size()) + " transfers that it asked for are dropped");
+        }
         current_ = nullptr;
         transfers_.clear();
     }
@@ -160,6 +170,7 @@ void OfficeDesk::Forget(QLocalSocket* socket) {
 }
 
 void OfficeDesk::Send(Program& program, const ManagerMessage& message) {
+    if (program.Socket->state() != QLocalSocket::ConnectedState) return;
     program.Socket->write(QByteArray::fromStdString(PackMessage(message)));
     program.Socket->flush();
 }
@@ -193,6 +204,7 @@ void OfficeDesk::SayExiting() {
 OfficeDesk::Program* OfficeDesk::Latest(std::string_view creator) {
     Program* latest = nullptr;
     for (const auto& program : programs_) {
+        if (program->Socket->state() != QLocalSocket::ConnectedState) continue; // about to be forgotten
         if (program->Creator == creator && (!latest || program->Enabled > latest->Enabled))
             latest = program.get();
     }
