@@ -603,7 +603,7 @@ TEST_F(SettingsScreen, SettingsThatCannotBeWrittenAreToldAndStayOnTheScreen) {
 
 // ---- the progress of a session ----
 
-class ProgressWindow : public HotSyncScreens {
+class SessionProgressWindow : public HotSyncScreens {
 protected:
     static int Bar() {
         return dynamic_cast<QProgressBar&>(Control(The<frmHSProgress>(), "pgbProgress")).value();
@@ -612,7 +612,7 @@ protected:
     HotSyncProgress progress_;
 };
 
-TEST_F(ProgressWindow, ShowsWhoAndWhatMovesAndGoesWithTheSession) {
+TEST_F(SessionProgressWindow, ShowsWhoAndWhatMovesAndGoesWithTheSession) {
     progress_.Begun("Jos\xE9");
     auto* form = IfLoaded<frmHSProgress>();
     ASSERT_NE(form, nullptr);
@@ -629,7 +629,7 @@ TEST_F(ProgressWindow, ShowsWhoAndWhatMovesAndGoesWithTheSession) {
     EXPECT_EQ(IfLoaded<frmHSProgress>(), nullptr);
 }
 
-TEST_F(ProgressWindow, AnotherProgramFindsItByItsTitleWhileItStands) {
+TEST_F(SessionProgressWindow, AnotherProgramFindsItByItsTitleWhileItStands) {
     ASSERT_TRUE(Registry::SetHotSyncManager(Folder() + "HotSync/hotsync"));
     progress_.Begun("ANNA");
     EXPECT_TRUE(FindWindow(QStringLiteral("Hotsync Progress")));
@@ -639,7 +639,7 @@ TEST_F(ProgressWindow, AnotherProgramFindsItByItsTitleWhileItStands) {
     EXPECT_FALSE(FindWindow(QStringLiteral("Hotsync Progress")));
 }
 
-TEST_F(ProgressWindow, NumbersThatCannotBeLeaveTheBarInItsBounds) {
+TEST_F(SessionProgressWindow, NumbersThatCannotBeLeaveTheBarInItsBounds) {
     progress_.Begun("ANNA");
     for (const auto& [done, of, bar] : std::vector<std::tuple<int, int, int>>{
              {5, 4, 1000}, {-1, 4, 0}, {3, 0, 1000}, {2'000'000'000, 2'000'000'000, 1000}, {0, -5, 0}}) {
@@ -648,7 +648,7 @@ TEST_F(ProgressWindow, NumbersThatCannotBeLeaveTheBarInItsBounds) {
     }
 }
 
-TEST_F(ProgressWindow, AHundredThousandStepsDoNotPaintAHundredThousandTimes) {
+TEST_F(SessionProgressWindow, AHundredThousandStepsDoNotPaintAHundredThousandTimes) {
     progress_.Begun("ANNA");
     Settle();
     Paints paints(The<frmHSProgress>());
@@ -662,7 +662,7 @@ TEST_F(ProgressWindow, AHundredThousandStepsDoNotPaintAHundredThousandTimes) {
     EXPECT_TRUE(QTest::qWaitFor([] { return Bar() == 1000; }));
 }
 
-TEST_F(ProgressWindow, CancelIsAskedOnceAndTheSessionEndsByItself) {
+TEST_F(SessionProgressWindow, CancelIsAskedOnceAndTheSessionEndsByItself) {
     progress_.Begun("ANNA");
     auto& form = The<frmHSProgress>();
     EXPECT_FALSE(progress_.CancelAsked());
@@ -682,7 +682,7 @@ TEST_F(ProgressWindow, CancelIsAskedOnceAndTheSessionEndsByItself) {
     EXPECT_TRUE(Enabled(The<frmHSProgress>(), "cmdCancel"));
 }
 
-TEST_F(ProgressWindow, EscAndClosingAskToCancelToo) {
+TEST_F(SessionProgressWindow, EscAndClosingAskToCancelToo) {
     progress_.Begun("ANNA");
     Press(The<frmHSProgress>(), "cmdCancel", Qt::Key_Escape);
     EXPECT_TRUE(progress_.CancelAsked());
@@ -693,7 +693,7 @@ TEST_F(ProgressWindow, EscAndClosingAskToCancelToo) {
     EXPECT_TRUE(The<frmHSProgress>().isVisible());
 }
 
-TEST_F(ProgressWindow, WhileAHandheldIsAwaitedItSaysWhatToPress) {
+TEST_F(SessionProgressWindow, WhileAHandheldIsAwaitedItSaysWhatToPress) {
     progress_.Await(Text::Value(std::string_view("Fetching orders")));
 
     auto& form = The<frmHSProgress>();
@@ -710,7 +710,7 @@ TEST_F(ProgressWindow, WhileAHandheldIsAwaitedItSaysWhatToPress) {
     EXPECT_EQ(IfLoaded<frmHSProgress>(), nullptr);
 }
 
-TEST_F(ProgressWindow, ASessionOfAnotherLeavesTheWaitingWindow) {
+TEST_F(SessionProgressWindow, ASessionOfAnotherLeavesTheWaitingWindow) {
     progress_.Await({});
     progress_.Begun("ANNA");
 
@@ -726,7 +726,7 @@ TEST_F(ProgressWindow, ASessionOfAnotherLeavesTheWaitingWindow) {
     EXPECT_EQ(IfLoaded<frmHSProgress>(), nullptr);
 }
 
-TEST_F(ProgressWindow, CancelWhileAwaitingGivesTheWaitUp) {
+TEST_F(SessionProgressWindow, CancelWhileAwaitingGivesTheWaitUp) {
     int cancelled = 0;
     progress_.AwaitCancelled = [&] { ++cancelled; };
     progress_.Await({});
