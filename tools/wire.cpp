@@ -74,7 +74,9 @@ Rows RowsOf(const std::string& path) {
 /// The rig's folders and what moves between them.
 class Wire {
 public:
-    explicit Wire(const QString& build) : rig_(build, QStringLiteral("ANNA")), folder_(PathFromQt(rig_.Folder()) + "/") {
+    explicit Wire(const QString& build)
+        : rig_(build, QStringLiteral("ANNA")),
+          folder_(PathFromQt(rig_.Folder()) + "/") {
         for (const char* name : {"old/", "new/", "pc/"}) MakePath(folder_ + name);
     }
 
@@ -241,7 +243,8 @@ void CutUp(Wire& wire, const Share& share) {
             rows.erase(rows.begin());
             return rows == totals;
         };
-        Say("up, cut after " + std::to_string(cut) + ": " + Sorted(isOld, isNew, [](const TableEntry&) { return false; }));
+        Say("up, cut after " + std::to_string(cut) + ": " +
+            Sorted(isOld, isNew, [](const TableEntry&) { return false; }));
         if (whole) return;
     }
 }
@@ -272,7 +275,8 @@ int main(int argc, char** argv) {
             RoundTrip(arguments.first());
             return 0;
         }
-        if (arguments.at(1) != QLatin1String("cut") || (arguments.size() != 2 && arguments.size() != 4)) return Usage();
+        if (arguments.at(1) != QLatin1String("cut") || (arguments.size() != 2 && arguments.size() != 4))
+            return Usage();
         Share share;
         if (arguments.size() == 4) share = {arguments.at(2).toInt(), std::max(arguments.at(3).toInt(), 1)};
         Cut(arguments.first(), share);
