@@ -24,9 +24,8 @@ TEST_F(HandheldsAtOnce, AreServedOneBehindTheOther) {
     rig_.PressHotSync(anna, rig_.HandheldFolder());
     rig_.PressHotSync(ben, rig_.HandheldFolder(QStringLiteral("BEN")));
 
-    const auto outcome = rig_.Attend(Fetch(), [&] {
-        return anna.state() == QProcess::NotRunning && ben.state() == QProcess::NotRunning;
-    });
+    const auto outcome = rig_.Attend(
+        Fetch(), [&] { return anna.state() == QProcess::NotRunning && ben.state() == QProcess::NotRunning; });
 
     EXPECT_EQ(outcome.Statuses, (std::vector<int>{1, 3, 2, 1, 3, 2}));
     EXPECT_EQ(anna.exitCode(), 0);
@@ -89,7 +88,10 @@ TEST_F(HandheldsAtOnce, OfOneUserAreTwoSessions) {
 TEST_F(HandheldsAtOnce, OneCannotBePressedTwice) {
     QProcess first, second;
     rig_.PressHotSync(first, rig_.HandheldFolder());
-    ASSERT_TRUE(rig_.Until([&] { return QFile::exists(rig_.HandheldFolder() + QStringLiteral("/Handheld.lock")) || first.state() == QProcess::NotRunning; }));
+    ASSERT_TRUE(rig_.Until([&] {
+        return QFile::exists(rig_.HandheldFolder() + QStringLiteral("/Handheld.lock")) ||
+               first.state() == QProcess::NotRunning;
+    }));
     rig_.PressHotSync(second, rig_.HandheldFolder());
 
     rig_.Attend(Fetch(), [&] {

@@ -36,8 +36,7 @@ protected:
     int Press(const std::function<bool()>& further = [] { return true; }) const {
         QProcess handheld;
         rig_.PressHotSync(handheld, rig_.HandheldFolder());
-        const bool ended =
-            rig_.Until([&] { return handheld.state() == QProcess::NotRunning && further(); });
+        const bool ended = rig_.Until([&] { return handheld.state() == QProcess::NotRunning && further(); });
         EXPECT_TRUE(ended) << rig_.Log().toStdString();
         return ended && handheld.exitStatus() == QProcess::NormalExit ? handheld.exitCode() : -1;
     }
@@ -250,7 +249,8 @@ private:
 class DeafManager : protected Taken, public HostileDesk {
 protected:
     DeafManager()
-        : HostileDesk({{}, [port = Taken::Port()](ManagerSettings& settings) { settings.Port = port; }, true}) {}
+        : HostileDesk(
+              {{}, [port = Taken::Port()](ManagerSettings& settings) { settings.Port = port; }, true}) {}
 };
 
 TEST_F(DeafManager, SaysSoInItsLogAndToEveryProgramAndGoesOn) {

@@ -56,9 +56,7 @@ protected:
 
     /// The answers to one kind of request, told otherwise.
     static Twist To(DlpFunction function, Twist twist) {
-        return [=](const Moment& moment) {
-            return moment.Answers(function) ? twist(moment) : moment.Right;
-        };
+        return [=](const Moment& moment) { return moment.Answers(function) ? twist(moment) : moment.Right; };
     }
 
     /// The message of the right answer, told otherwise, in a packet that tells its length.
@@ -149,8 +147,9 @@ TEST_F(HostileHandheld, MayVanishInsideAnyPacket) {
     qsizetype cases = 0;
     for (int packet = 0; packet < static_cast<int>(sizes.size()); ++packet) {
         const std::size_t size = sizes[static_cast<std::size_t>(packet)];
-        for (const std::size_t bytes : packet % 2 == 0 ? std::set<std::size_t>{0, 1, HeaderSize, size - 1}
-                                                       : std::set<std::size_t>{5, HeaderSize + 1, size / 2, size}) {
+        for (const std::size_t bytes : packet % 2 == 0
+                                           ? std::set<std::size_t>{0, 1, HeaderSize, size - 1}
+                                           : std::set<std::size_t>{5, HeaderSize + 1, size / 2, size}) {
             SCOPED_TRACE(::testing::Message() << bytes << " bytes of packet " << packet);
             PutOld();
             const auto odd = Odd();
@@ -200,15 +199,18 @@ TEST_F(HostileHandheld, CannotLieAboutTheSizeOfAnArgument) {
     ExpectEachIsSurvived({
         {"tiny", message(std::string("\x97\x01\0\0\x20\xFF\x01", 7)), "early: answer: ", Old()},
         {"small", message(std::string("\x97\x01\0\0\xA0\0\xFF\xFF\x01", 9)), "early: answer: ", Old()},
-        {"long", message(std::string("\x97\x01\0\0\x60\0\xFF\xFF\xFF\xFF\x01", 11)), "early: answer: ", Old()},
-        {"cut off in its header", message(std::string("\x97\x01\0\0\xA0\0\xFF", 7)), "early: answer: ", Old()},
+        {"long", message(std::string("\x97\x01\0\0\x60\0\xFF\xFF\xFF\xFF\x01", 11)),
+         "early: answer: ", Old()},
+        {"cut off in its header", message(std::string("\x97\x01\0\0\xA0\0\xFF", 7)),
+         "early: answer: ", Old()},
         {"255 arguments", message(std::string("\x97\xFF\0\0\x20\x01\x01", 7)), "early: answer: ", Old()},
         {"bytes behind them", message(std::string("\x97\0\0\0\x20\x01\x01", 7)), "early: answer: ", Old()},
         {"none where one is needed", message(std::string("\x97\0\0\0", 4)), "argument 32 is missing", Old()},
         {"half a header", message("\x97"), "early: answer: ", Old()},
         {"the system", Argument(DlpFunction::ReadSysInfo, std::string("\0\0\0\0\0\0\0\0\0\xFF", 10)),
          "system information", Old(), false},
-        {"the user's name", Argument(DlpFunction::ReadUserInfo, std::string(28, '\x01') + std::string("\xFF\0x", 3)),
+        {"the user's name",
+         Argument(DlpFunction::ReadUserInfo, std::string(28, '\x01') + std::string("\xFF\0x", 3)),
          "user information", Old(), false},
     });
 }
@@ -225,8 +227,8 @@ TEST_F(HostileHandheld, CannotLieAboutWhatItsDatabasesHold) {
         {"fewer at the end", changing({3, 2}), "changed while it was read", Old()},
         {"more at the end", changing({3, 65535}), "changed while it was read", Old()},
         {"none, and then some", changing({0, 3}), "changed while it was read", Old()},
-        {"a record that is larger than it is", Records([](auto& answer) { answer.Size = 300; }), "failed: ",
-         Old()},
+        {"a record that is larger than it is", Records([](auto& answer) { answer.Size = 300; }),
+         "failed: ", Old()},
         {"a record of which nothing comes", Records([](auto& answer) {
              answer.Size = 65535;
              answer.Record.Data.clear();
@@ -270,13 +272,25 @@ TEST_F(HostileHandheld, MayListDatabasesForEver) {
     const std::int64_t before = MostMemory();
 
     ExpectEachIsSurvived({
-        {"the same piece", list([&](auto) { return DatabaseList{0, true, {database}}; }), "1 transfer", New()},
-        {"an empty piece", list([&](auto first) { return DatabaseList{first, true, {}}; }), "1 transfer", New()},
-        {"a place further each time", list([&](auto first) { return DatabaseList{first, true, many}; }),
+        {"the same piece", list([&](auto) {
+             return DatabaseList{0, true, {database}};
+         }),
+         "1 transfer", New()},
+        {"an empty piece", list([&](auto first) {
+             return DatabaseList{first, true, {}};
+         }),
+         "1 transfer", New()},
+        {"a place further each time", list([&](auto first) {
+             return DatabaseList{first, true, many};
+         }),
          "more databases than a handheld can have", Old()},
-        {"the last place", list([&](auto) { return DatabaseList{65535, true, many}; }), "1 transfer", New()},
-        {"a name without an end", Argument(DlpFunction::ReadDBList,
-                                           std::string("\0\0\0\x01", 4) + '\x2E' + std::string(43, '\0') + "xx"),
+        {"the last place", list([&](auto) {
+             return DatabaseList{65535, true, many};
+         }),
+         "1 transfer", New()},
+        {"a name without an end",
+         Argument(DlpFunction::ReadDBList,
+                  std::string("\0\0\0\x01", 4) + '\x2E' + std::string(43, '\0') + "xx"),
          "database in a list", Old()},
     });
     EXPECT_LT(MostMemory() - before, 150);
@@ -316,19 +330,22 @@ TEST_F(HostileHandheld, MayAnswerUnderStrangeNumbers) {
              return PackPacket({NetPacket::Tickle, 0xFF, {}}) + moment.Right;
          }),
          "1 transfer", New()},
-        {"tickles without number", To(DlpFunction::OpenDB, [](const Moment& moment) {
-             std::string tickles;
-             for (int k = 0; k < 50000; ++k) tickles += PackPacket({NetPacket::Tickle, 0xFF, {}});
-             return tickles + moment.Right;
-         }),
+        {"tickles without number",
+         To(DlpFunction::OpenDB,
+            [](const Moment& moment) {
+                std::string tickles;
+                for (int k = 0; k < 50000; ++k) tickles += PackPacket({NetPacket::Tickle, 0xFF, {}});
+                return tickles + moment.Right;
+            }),
          "1 transfer", New()},
-        {"a tickle that carries something", To(DlpFunction::OpenDB, [](const Moment& moment) {
-             return PackPacket({NetPacket::Tickle, 0xFF, "tickle"}) + moment.Right;
-         }),
+        {"a tickle that carries something",
+         To(DlpFunction::OpenDB,
+            [](const Moment& moment) {
+                return PackPacket({NetPacket::Tickle, 0xFF, "tickle"}) + moment.Right;
+            }),
          "a packet of 6 bytes", Old()},
-        {"a packet of no known type", To(DlpFunction::OpenDB, [](const Moment& moment) {
-             return '\x07' + moment.Right.substr(1);
-         }),
+        {"a packet of no known type",
+         To(DlpFunction::OpenDB, [](const Moment& moment) { return '\x07' + moment.Right.substr(1); }),
          "a packet of type 7", Old()},
     });
 }
@@ -353,18 +370,20 @@ TEST_F(HostileHandheld, MayBeAnotherProgramAltogether) {
     const auto says = [](const std::string& bytes) { return [=](const Moment&) { return bytes; }; };
     ExpectEachIsSurvived({
         {"a browser", says("GET / HTTP/1.1\r\nHost: office\r\n\r\n"), "a packet of type 71", Old(), false},
-        {"a secure browser", says(std::string("\x16\x03\x01\x02\0\x01\0\x01\xFC\x03\x03", 11)), "a packet of type 22",
-         Old(), false},
-        {"a handheld that begins in the middle", says(std::string("\x01\xFF\0\0\0\x08\x92\0\0\0\0\0\0\0", 14)),
+        {"a secure browser", says(std::string("\x16\x03\x01\x02\0\x01\0\x01\xFC\x03\x03", 11)),
+         "a packet of type 22", Old(), false},
+        {"a handheld that begins in the middle",
+         says(std::string("\x01\xFF\0\0\0\x08\x92\0\0\0\0\0\0\0", 14)),
          "no packet of a HotSync handshake, step 1", Old(), false},
-        {"a handheld that greets for ever",
-         [](const Moment&) { return PackPacket(HandheldHello()); },
+        {"a handheld that greets for ever", [](const Moment&) { return PackPacket(HandheldHello()); },
          "no packet of a HotSync handshake, step 2", Old(), false},
-        {"an old handheld", To(DlpFunction::ReadSysInfo, [](const Moment& moment) {
-             SysInfo old;
-             old.DlpMinor = 1;
-             return AnswerPacket(moment.Transaction, PackSysInfo(old));
-         }),
+        {"an old handheld",
+         To(DlpFunction::ReadSysInfo,
+            [](const Moment& moment) {
+                SysInfo old;
+                old.DlpMinor = 1;
+                return AnswerPacket(moment.Transaction, PackSysInfo(old));
+            }),
          "speaks version 1.1", Old(), false},
     });
 }
@@ -373,6 +392,8 @@ TEST_F(HostileHandheld, MayBeAnotherProgramAltogether) {
 
 class HostileName : public HostileHandheld {
 protected:
+    using HostileHandheld::HostileHandheld;
+
     static Twist User(std::uint32_t id, const std::string& name) {
         ByteWriter user;
         user.U32(id).U32(0).U32(0).Put(std::string(16, '\0'));
@@ -382,9 +403,23 @@ protected:
 };
 
 TEST_F(HostileName, IsRefusedOnOneLineOfTheLogAndMakesNoFolder) {
-    const std::vector<std::string> names{"..\\..\\x", "../../x", "/etc/x", "C:x", "..", ".", "CON", "NUL.txt",
-                                         std::string("a\0b", 3), "a\nb", "a\r\n2026-01-01 00:00:00 BOSS: all well",
-                                         "a\tb", "\x1B[2J", std::string(40, '\xFF'), "", "ANNA", "HotSync.log"};
+    const std::vector<std::string> names{"..\\..\\x",
+                                         "../../x",
+                                         "/etc/x",
+                                         "C:x",
+                                         "..",
+                                         ".",
+                                         "CON",
+                                         "NUL.txt",
+                                         std::string("a\0b", 3),
+                                         "a\nb",
+                                         "a\r\n2026-01-01 00:00:00 BOSS: all well",
+                                         "a\tb",
+                                         "\x1B[2J",
+                                         std::string(40, '\xFF'),
+                                         "",
+                                         "ANNA",
+                                         "HotSync.log"};
     for (const std::string& name : names) {
         SCOPED_TRACE(name);
         PutOld();
@@ -441,18 +476,45 @@ TEST_F(HostileName, UnderAKnownIdIsSetRightAgain) {
     ExpectTheNextIsServed();
 }
 
+/// A handheld without a user, and a user without a handheld.
+class NobodysHandheld : public HostileName {
+protected:
+    NobodysHandheld()
+        : HostileName({{QStringLiteral("BEN")},
+                       [](ManagerSettings& settings) { settings.KeepAliveSeconds = 1; },
+                       false}) {}
+};
+
+TEST_F(NobodysHandheld, MayVanishWhileTheOperatorIsAskedWhoseItIs) {
+    const auto odd = Odd();
+    bool isWaiting = false;
+    odd->Twist = [&](const Moment& moment) {
+        isWaiting = isWaiting || moment.Answers(DlpFunction::OpenConduit);
+        return moment.Answers(DlpFunction::ReadUserInfo) ? User(0, "")(moment) : moment.Right;
+    };
+    odd->Call(rig_.Port());
+    ASSERT_TRUE(rig_.Until([&] { return isWaiting; }));
+
+    odd->HangUp();
+
+    ExpectTheNextIsServed();
+    ExpectLogged(QStringLiteral("session ended early: the handheld went away"));
+}
+
 // ---- sizes ----
 
 class LargeTable : public HostileHandheld {
 protected:
     static constexpr int Megabytes = 8;
     LargeTable()
-        : HostileHandheld({{}, [](ManagerSettings& settings) { settings.LargestTableMB = Megabytes; }, false}) {}
+        : HostileHandheld(
+              {{}, [](ManagerSettings& settings) { settings.LargestTableMB = Megabytes; }, false}) {}
 
     static HandheldLayout Headers() {
         HandheldLayout layout;
         for (const TableField& field : FindTable("ZUKORHDR")->Fields) {
-            layout.Fields.push_back({std::string(field.Name), field.Type, static_cast<std::uint8_t>(field.Length),
+            layout.Fields.push_back({std::string(field.Name), field.Type,
+                                     static_cast<std::uint8_t>(field.Length),
                                      static_cast<std::uint8_t>(field.Decimals)});
         }
         return layout;
@@ -465,7 +527,8 @@ TEST_F(LargeTable, ThatIsClaimedIsRefusedBeforeARecordComes) {
     int records = 0;
     const std::int64_t before = MostMemory();
     const auto odd = Odd();
-    odd->Twist = [&, fields = Block(PackLayout(wide)), count = Count([] { return 52000; })](const Moment& moment) {
+    odd->Twist = [&, fields = Block(PackLayout(wide)),
+                  count = Count([] { return 52000; })](const Moment& moment) {
         records += moment.Answers(DlpFunction::ReadRecord) ? 1 : 0;
         return moment.Answers(DlpFunction::ReadAppBlock) ? fields(moment) : count(moment);
     };
