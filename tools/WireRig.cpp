@@ -216,11 +216,12 @@ WireRig::Outcome WireRig::Attend(const std::vector<Transfer>& transfers,
     return outcome;
 }
 
-void WireRig::PressHotSync(QProcess& handheld, const QString& folder, const QStringList& options) const {
+void WireRig::PressHotSync(QProcess& handheld, const QString& folder, const QStringList& options,
+                           std::uint16_t port) const {
     handheld.setProcessChannelMode(QProcess::MergedChannels);
     EndWithParent(handheld);
     const QStringList arguments{folder, QStringLiteral("hotsync"),
-                                QStringLiteral("127.0.0.1:") + QString::number(port_)};
+                                QStringLiteral("127.0.0.1:") + QString::number(port == 0 ? port_ : port)};
     handheld.start(build_ + QStringLiteral("/bin/handheld"), arguments + options);
 }
 

@@ -70,8 +70,9 @@ public:
     /// Runs the event loop until a condition holds; false when the patience ends before.
     bool Until(const std::function<bool()>& condition) const;
 
-    /// The program of a handheld, with its folder and the address of the manager behind the command.
-    void PressHotSync(QProcess& handheld, const QString& folder, const QStringList& options = {}) const;
+    /// Starts the program of a handheld, which calls the manager, or another desktop at `port`.
+    void PressHotSync(QProcess& handheld, const QString& folder, const QStringList& options = {},
+                      std::uint16_t port = 0) const;
 
     /// Runs a command of the stand-in and returns what it says. WireFailure unless it ends in 0.
     QString Handheld(const QStringList& arguments);

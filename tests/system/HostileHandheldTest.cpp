@@ -392,6 +392,8 @@ TEST_F(HostileHandheld, MayBeAnotherProgramAltogether) {
 
 class HostileName : public HostileHandheld {
 protected:
+    using HostileHandheld::HostileHandheld;
+
     static Twist User(std::uint32_t id, const std::string& name) {
         ByteWriter user;
         user.U32(id).U32(0).U32(0).Put(std::string(16, '\0'));
@@ -472,6 +474,31 @@ TEST_F(HostileName, UnderAKnownIdIsSetRightAgain) {
     EXPECT_EQ(Folders(), folders);
     EXPECT_EQ(RowsOf(Target()), New());
     ExpectTheNextIsServed();
+}
+
+/// A handheld without a user, and a user without a handheld.
+class NobodysHandheld : public HostileName {
+protected:
+    NobodysHandheld()
+        : HostileName({{QStringLiteral("BEN")},
+                       [](ManagerSettings& settings) { settings.KeepAliveSeconds = 1; },
+                       false}) {}
+};
+
+TEST_F(NobodysHandheld, MayVanishWhileTheOperatorIsAskedWhoseItIs) {
+    const auto odd = Odd();
+    bool isWaiting = false;
+    odd->Twist = [&](const Moment& moment) {
+        isWaiting = isWaiting || moment.Answers(DlpFunction::OpenConduit);
+        return moment.Answers(DlpFunction::ReadUserInfo) ? User(0, "")(moment) : moment.Right;
+    };
+    odd->Call(rig_.Port());
+    ASSERT_TRUE(rig_.Until([&] { return isWaiting; }));
+
+    odd->HangUp();
+
+    ExpectTheNextIsServed();
+    ExpectLogged(QStringLiteral("session ended early: the handheld went away"));
 }
 
 // ---- sizes ----
