@@ -55,8 +55,10 @@ private:
         }
     }
     void GoOn() {
-        if (sent_ < Packets.size()) Write(Packets[sent_++]);
-        else if (HangsUp) socket_->disconnectFromHost();
+        if (sent_ < Packets.size())
+            Write(Packets[sent_++]);
+        else if (HangsUp)
+            socket_->disconnectFromHost();
         if (HangsUpAtOnce && sent_ == Packets.size()) socket_->disconnectFromHost();
     }
     void Write(const std::string& bytes) {
@@ -138,7 +140,8 @@ TEST_F(HostileDesktop, ThatFallsSilentIsLeftWhenThePatienceEnds) {
 }
 
 TEST_F(HostileDesktop, MayVanishInsideAnyPacket) {
-    const std::string packet = PackPacket({NetPacket::Data, 7, PackRequest(PackOpenDB("TZUK20000_ZUKVER", true))});
+    const std::string packet =
+        PackPacket({NetPacket::Data, 7, PackRequest(PackOpenDB("TZUK20000_ZUKVER", true))});
     for (const std::size_t bytes : {std::size_t{1}, std::size_t{5}, std::size_t{6}, packet.size() - 1}) {
         SCOPED_TRACE(bytes);
         OddDesktop desktop;
