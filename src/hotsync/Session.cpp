@@ -227,7 +227,7 @@ void Session::Move(const QueuedTransfer& transfer) {
             line += ", " + std::to_string(result.LeftBehind) + " marked as deleted not sent";
         if (result.Signatures != 0) line += ", " + Counted(result.Signatures, "signature");
         Say(line + ", " + SecondsSince(begun));
-        for (const std::string& odd : result.Odd) Say(Utf8ToCodePage(odd));
+        if (!result.Odd.empty()) Say(Utf8ToCodePage(result.Odd));
     } catch (const TransferFailure& failure) {
         ++failed_;
         Say(deed + " failed: " + Utf8ToCodePage(failure.what()));

@@ -179,6 +179,8 @@ TableTransfer::Result TableTransfer::Fetch(std::string_view path, const std::str
     Columns columns = Columns::For(path, layout);
     Result result;
     std::vector<Signature> signatures;
+    std::int32_t homeless = 0; // signatures of orders whose code is no name for a file
+    std::string firstHomeless;
     const bool isSigned = TableOfDatabase(name) == SignedTable;
     const std::size_t orderCode = layout.Find("H_ORDCODE");
     for (std::uint16_t index = 0; index < count; ++index) {
@@ -191,7 +193,7 @@ TableTransfer::Result TableTransfer::Fetch(std::string_view path, const std::str
         if (isSigned && orderCode < layout.Fields.size()) code = layout.Get(orderCode, record.Fields);
         code.erase(code.find_last_not_of(' ') + 1);
         if (!IsNameForNewFile(NameToPath(code))) {
-            result.Odd.push_back("a signature of order \"" + CodePageToUtf8(code) + "\" has no place to lie");
+            if (homeless++ == 0) firstHomeless = CodePageToUtf8(code);
             continue;
         }
         bytes += record.Signature.Rows.size();
@@ -210,6 +212,10 @@ TableTransfer::Result TableTransfer::Fetch(std::string_view path, const std::str
     }
     columns.Table.Commit();
     result.Signatures = static_cast<std::int32_t>(signatures.size());
+    if (homeless != 0) {
+        result.Odd = "a signature of order \"" + firstHomeless + "\" has no place to lie";
+        if (homeless > 1) result.Odd += ", and " + std::to_string(homeless - 1) + " more";
+    }
     return result;
 }
 

@@ -39,8 +39,8 @@ public:
         std::int32_t Records = 0;
         std::int32_t LeftBehind = 0; ///< marked as deleted, and not sent
         std::int32_t Signatures = 0;
-        bool WasMissing = false;      ///< the handheld had no such table
-        std::vector<std::string> Odd; ///< what was passed over, in words; UTF-8
+        bool WasMissing = false; ///< the handheld had no such table
+        std::string Odd;         ///< what was passed over, in words; UTF-8
     };
 
     /// Fetches a table from the handheld into the file at `path`. A table there that has the same fields,

@@ -1,6 +1,7 @@
 #include "core/Failure.h"
 #include "core/Globals.h"
 #include "core/Messages.h"
+#include "core/Paths.h"
 #include "platform/Convert.h"
 #include "platform/HotSyncManager.h"
 #include "platform/Look.h"
@@ -11,6 +12,7 @@
 #include "rdkinst/forms/frmSetup.h"
 
 #include <QApplication>
+#include <QFileInfo>
 
 #include <iostream>
 
@@ -71,7 +73,9 @@ int main(int argc, char** argv) {
     QApplication::setQuitOnLastWindowClosed(false);
     QtOperator atTheScreen;
     Global.TheOperator = &atTheScreen;
-    ApplyLook(application, Registry::DarkLook());
+    // The program lies in the office's folder Install.
+    const QString office = QFileInfo(QApplication::applicationDirPath()).path();
+    ApplyLook(application, Registry::DarkLook(AddBackslash(PathFromQt(office))));
     const int exitCode = RunRegistration(*options);
     FormRegistry::Instance().Clear();
     return exitCode;

@@ -470,7 +470,7 @@ TEST_F(SessionTest, SignaturesComeWithTheOrdersAndLieUnderTheirCodes) {
     ink.Width = 9;
     ink.Height = 2;
     ink.Rows = std::string("\xFF\x80\x00\x80", 4);
-    for (const std::string code : {"A1000001", "../../evil", "A1000002"}) {
+    for (const std::string code : {"A1000001", "../../evil", "A1000002", "NUL"}) {
         HandheldRecord record;
         record.Fields.assign(layout.RecordBytes(), ' ');
         layout.Put(0, code, record.Fields);
@@ -483,10 +483,10 @@ TEST_F(SessionTest, SignaturesComeWithTheOrdersAndLieUnderTheirCodes) {
 
     EXPECT_EQ(Hold(), Session::End::Well);
 
-    EXPECT_EQ(RowsOf(Table("ZUKORHDR")).size(), 3U);
+    EXPECT_EQ(RowsOf(Table("ZUKORHDR")).size(), 4U);
     EXPECT_EQ(Global.TheDisk->FilesIn(Folder() + "pc/Images/"), Rows{"A1000001"});
     EXPECT_EQ(Bytes(Folder() + "pc/Images/A1000001"), InkBitmap(ink));
-    EXPECT_TRUE(LogSays("a signature of order \"../../evil\" has no place to lie"));
+    EXPECT_TRUE(LogSays("a signature of order \"../../evil\" has no place to lie, and 1 more"));
 }
 
 TEST_F(SessionTest, FilesOfTheInstallFolderAreInstalledAtTheEndAndLeaveIt) {
