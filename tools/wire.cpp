@@ -20,6 +20,7 @@
 #include "store/TableCatalogue.h"
 #include "store/TableRewrite.h"
 #include "store/TableScan.h"
+#include "sync/SessionStatus.h"
 
 #include <QCoreApplication>
 
@@ -103,7 +104,10 @@ public:
     /// A session over a line that holds.
     void WholeSession(const Transfers& transfers) {
         const auto outcome = HotSync(transfers);
-        Require(outcome.IsWhole() && outcome.Statuses.size() == transfers.size() + 2,
+        // What stands before is of a session whose handheld had gone before it was told.
+        const auto begun = std::find(outcome.Statuses.rbegin(), outcome.Statuses.rend(), SessionBegun);
+        const std::size_t statuses = static_cast<std::size_t>(begun - outcome.Statuses.rbegin()) + 1;
+        Require(outcome.IsWhole() && outcome.Begun() && statuses == transfers.size() + 2,
                 "a session failed:\n" + outcome.HandheldSaid.toStdString() + rig_.Log().toStdString());
     }
 
