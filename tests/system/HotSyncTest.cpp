@@ -75,11 +75,12 @@ protected:
         return line.Open(ManagerFolder()) && line.AwaitUsers();
     }
 
-    /// Where the manager awaits handhelds, out of the last line of its log that tells.
-    QString Address() const {
+    /// A port out of the last line of the manager's log that says this.
+    QString PortBehind(const QString& words) const {
         const QString log = QString::fromUtf8(Bytes(office_.Path("HotSync/HotSync.log")));
-        return "127.0.0.1:" + log.mid(log.lastIndexOf(" port ") + 6).section('\n', 0, 0).trimmed();
+        return log.mid(log.lastIndexOf(words)).section(" port ", 1, 1).section('\n', 0, 0).trimmed();
     }
+    QString Address() const { return "127.0.0.1:" + PortBehind("awaits handhelds"); }
 
     QString HandheldProgram() const { return QStringLiteral(TRAMBLE_BUILD "/bin/handheld"); }
     int Handheld(const QStringList& arguments) {
@@ -108,6 +109,23 @@ TEST_F(RealHotSync, TheProgramStartsTheManagerWhichServesHandheldsAndOutlivesIt)
     EXPECT_EQ(Handheld({"hotsync", Address()}), 0) << said_.toStdString();
 
     EXPECT_TRUE(Bytes(office_.Path("HotSync/HotSync.log")).contains("ANNA: session ended well"));
+}
+
+TEST_F(RealHotSync, AHandheldThatLooksForTheComputerFindsItAndIsServed) {
+    Put("HotSync.ini", "[HotSync]\r\nPort=0\r\nLookup=True\r\nLookupPort=0\r\n");
+    DriverClient program(InOffice());
+    program.Start();
+    program.WaitForm(Main);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ManagerAnswers(); }, Patience));
+    ASSERT_EQ(Handheld({"new", "--user", "ANNA", "--id", "7"}), 0) << said_.toStdString();
+
+    EXPECT_EQ(Handheld({"hotsync", Address(), "--lookup", "desk", "--lookup-port",
+                        PortBehind("look for this computer")}),
+              0)
+        << said_.toStdString();
+
+    EXPECT_TRUE(Bytes(office_.Path("HotSync/HotSync.log")).contains("ANNA: session ended well"));
+    EXPECT_EQ(program.Quit(), 0);
 }
 
 TEST_F(RealHotSync, UpdatingTheUsersEndsTheManagerRegistersAndStartsItAgain) {

@@ -52,7 +52,11 @@ bool Listener::Listen(const ManagerSettings& settings, QString& why) {
         return false;
     }
     // The lookup is a help and no condition.
-    if (settings.Lookup && !lookup_.bind(AddressOf(settings), settings.LookupPort)) {
+    if (!settings.Lookup) return true;
+    if (lookup_.bind(AddressOf(settings), settings.LookupPort)) {
+        log_.Write("answers handhelds that look for this computer on port " +
+                   std::to_string(lookup_.localPort()));
+    } else {
         log_.Write("handhelds cannot look this computer up on port " + std::to_string(settings.LookupPort) +
                    ": " + Utf8ToCodePage(lookup_.errorString().toStdString()));
     }
