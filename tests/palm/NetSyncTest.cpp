@@ -232,10 +232,12 @@ TEST(NetSyncHandshake, AnswersOfOtherLengthsAreTaken) {
 TEST(NetSyncHandshake, AnyOtherPacketEndsTheDesktopsSide) {
     const std::vector<NetPacket> expected = {PacketOf(HelloBytes), PacketOf(PreferencesAnswerBytes),
                                              PacketOf(CompleteAnswerBytes)};
-    const NetPacket stub{NetPacket::Data, 0xFF, std::string(1, '\x90')};
+    const NetPacket cutHello{NetPacket::Data, 0xFF, std::string(1, '\x90')};
     for (std::size_t step = 0; step <= expected.size(); ++step) {
-        std::vector<NetPacket> wrong = {
-            {NetPacket::Tickle, 0xFF, {}}, {NetPacket::Data, 1, {}}, {NetPacket::Data, 1, "nonsense"}, stub};
+        std::vector<NetPacket> wrong = {{NetPacket::Tickle, 0xFF, {}},
+                                        {NetPacket::Data, 1, {}},
+                                        {NetPacket::Data, 1, "nonsense"},
+                                        cutHello};
         for (std::size_t other = 0; other < expected.size(); ++other) {
             if (other != step) wrong.push_back(expected[other]);
         }
