@@ -61,6 +61,7 @@ public:
     // Nothing is synchronised for a picture.
     void QueueUpload(std::string_view, const TransferSettings&) override { throw RunTimeFailure(5); }
     void QueueDownload(std::string_view, const TransferSettings&) override { throw RunTimeFailure(5); }
+    bool EndedWell(std::string_view) const override { return false; }
     void AddInstall(std::string_view, std::string_view) override { throw RunTimeFailure(5); }
 
 private:

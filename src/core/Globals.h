@@ -55,6 +55,21 @@ enum ViewFlag {
 };
 inline constexpr std::size_t ViewFlags = 16;
 
+/// What a session is to do with tables: nothing, or what a template says. A session also knows what it does
+/// with any other number, which no screen and no settings file gives it.
+class Selection {
+public:
+    constexpr Selection(bool byTemplate = false) : value_(byTemplate ? std::int16_t{-1} : std::int16_t{0}) {}
+    explicit constexpr Selection(std::int16_t value) : value_(value) {}
+
+    constexpr explicit operator bool() const { return value_ != 0; }
+    constexpr bool ByTemplate() const { return value_ == -1; }
+    bool operator==(const Selection&) const = default;
+
+private:
+    std::int16_t value_;
+};
+
 /// All state of the process that outlives a routine. Nothing else in the program is global; a test
 /// starts with a fresh one.
 struct Globals {
@@ -88,11 +103,11 @@ struct Globals {
     bool PurgeBackup = true;
     std::int16_t PurgeDays = 7;
     std::string RemoteSyncSettings;
-    bool RemoteSelect = false;
+    Selection RemoteSelect; ///< what a session downloads
     std::string RemoteSelSettings;
     bool RemoteClearSelect = false;
     std::string RemoteClearSettings;
-    bool UploadSelect = false;
+    Selection UploadSelect; ///< what a session uploads
     std::string UploadSelSettings;
     bool UpdateDemoTemplates = true;
     std::int16_t WindowState = 0; ///< 0 normal, 1 minimised, 2 maximised
@@ -108,11 +123,15 @@ struct Globals {
     double CurDollars = 0;
     std::int32_t OldOrderCount = 0, OldLineCount = 0;
     double OldLineTotal = 0;
-    std::string HHLastOrder, CurrentHotSyncID;
+    std::string HHLastOrder, CurrentHotSyncID; ///< of the handheld in session or just synchronised
+    bool UploadClosing = false;                ///< an upload has added orders, and the totals take them in
+    bool TotalsBusy = false;                   ///< they are being taken in by an unattended session
     DateTime BackupTime;     ///< the moment of the last MakeBackup; zero once a totals event has taken it
     std::string BackupEvent; ///< the event that it was made for
-    bool BackupCustomers = false, BackupItems = false; ///< backups take these tables too
-    bool RefreshTotals = false;                        ///< the main screen's totals are out of date
+    /// What an upload moves, as its template or its screen says; backups take the latter two tables too.
+    bool BackupOrders = false, BackupAudits = false, BackupHHTotals = false;
+    bool BackupCustomers = false, BackupItems = false;
+    bool RefreshTotals = false; ///< the main screen's totals are out of date
 
     // Handhelds, parallel arrays whose entry 0 is not used; see sync/Status.h.
     std::int32_t HHCount = 0;
@@ -129,6 +148,17 @@ struct Globals {
     std::string QCViewRecords;     ///< then: numbers of the faulty records, or the name of one template
     std::string QCViewField;       ///< the field that is faulty in them
     std::string QCViewSeverity;    ///< "Fatal" or "Warn"
+
+    // The session of a handheld; see sync/MainSession.h.
+    bool UnattendedActive = false;            ///< unattended mode is armed: sessions are served
+    bool HHInstallActive = false;             ///< the handheld installer owns the session
+    bool MainSyncLoaded = false;              ///< `frmMainSync` is loaded
+    bool RemoteFormLoaded = false;            ///< `frmRemoteSync` is loaded
+    std::string HSUserName;                   ///< HotSync user of the handheld in session
+    std::string HSMachID, HSSerial, HSSFUser; ///< from the handheld's own Links table
+    std::string HSLastOrderFull;              ///< its machine id and last order number, joined
+    std::string LastSyncedUser;               ///< of the last session that reached its end
+    std::string HHUserDir;                    ///< that handheld's directory under HHTotalsPath
 
     // The HotSync Manager, as its controls and SFrmUt40 know it.
     std::string LastSessionUser;         ///< whose session has begun last; empty before the first one

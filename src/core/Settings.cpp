@@ -36,8 +36,8 @@ void ReadWindowState(std::string_view text, std::int16_t& value) {
     value = wide >= 0 && wide <= 2 ? static_cast<std::int16_t>(wide) : std::int16_t{0};
 }
 
-using Member = std::variant<bool Globals::*, std::int16_t Globals::*, std::int32_t Globals::*,
-                            std::string Globals::*, DateTime Globals::*>;
+using Member = std::variant<bool Globals::*, Selection Globals::*, std::int16_t Globals::*,
+                            std::int32_t Globals::*, std::string Globals::*, DateTime Globals::*>;
 
 struct Setting {
     std::string_view Section;
@@ -69,7 +69,7 @@ void Read(const Setting& setting, std::string_view text) {
     const auto take = [&](auto member) {
         auto& value = Global.*member;
         using Type = std::remove_cvref_t<decltype(value)>;
-        if constexpr (std::is_same_v<Type, bool>)
+        if constexpr (std::is_same_v<Type, bool> || std::is_same_v<Type, Selection>)
             value = ReadYesNo(text);
         else if constexpr (std::is_same_v<Type, std::string>)
             value = text;
@@ -91,6 +91,8 @@ std::string Written(const Setting& setting) {
         using Type = std::remove_cvref_t<decltype(value)>;
         if constexpr (std::is_same_v<Type, bool>)
             return std::string(YesNoText(value));
+        else if constexpr (std::is_same_v<Type, Selection>)
+            return std::string(YesNoText(value.ByTemplate()));
         else if constexpr (std::is_same_v<Type, std::string>)
             return value;
         else if constexpr (std::is_same_v<Type, DateTime>)

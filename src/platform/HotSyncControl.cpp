@@ -13,11 +13,13 @@
 #include <QFileInfo>
 #include <QTimer>
 
+#include <algorithm>
 #include <charconv>
 #include <deque>
 #include <exception>
 #include <optional>
 #include <utility>
+#include <vector>
 
 namespace {
 
@@ -33,7 +35,9 @@ struct Status {
     std::string User; ///< code page 1252
     std::uint32_t UserID = 0;
     std::int32_t Creator = 0;
-    int Connection = 0; ///< on which HANDLED is awaited; 0 when nobody awaits it
+    std::string Path;       ///< of the transfer that has ended, where one has
+    bool EndedWell = false; ///< and how
+    int Connection = 0;     ///< on which HANDLED is awaited; 0 when nobody awaits it
 };
 
 /// Four characters as one number, the first the highest byte.
@@ -55,6 +59,8 @@ std::optional<Status> ReadStatus(const ManagerMessage& message) {
         return std::nullopt;
     status.User = FromQt(QString::fromStdString(message.TextAt(1)));
     status.Creator = *creator;
+    status.Path = message.TextAt(4);
+    status.EndedWell = message.TextAt(5) == "WELL";
     return status;
 }
 
@@ -107,6 +113,11 @@ public:
     }
 
     const Status& Last() const { return last_; }
+
+    bool EndedWell(std::string_view path) const {
+        return std::any_of(ended_.begin(), ended_.end(),
+                           [path](const std::string& each) { return SameText(each, path); });
+    }
 
     void Queue(const char* verb, std::string_view path, const TransferSettings& settings) {
         if (!handling_) throw RunTimeFailure(5, std::string(path));
@@ -172,6 +183,8 @@ private:
         if (handling_ || waiting_.empty()) return;
         last_ = std::move(waiting_.front());
         waiting_.pop_front();
+        if (last_.Value == SessionBegun) ended_.clear();
+        if (last_.Value == OperationFinished && last_.EndedWell) ended_.push_back(last_.Path);
         Global.LastSessionUser = last_.User;
         Global.LastSessionUserID = last_.UserID;
         const Status status = last_;
@@ -205,8 +218,9 @@ private:
     ManagerLine line_;
     QTimer look_;
     std::deque<Status> waiting_;
-    Status last_;   ///< the one that is handled, or was last
-    Status newest_; ///< the one that has come last
+    Status last_;                    ///< the one that is handled, or was last
+    std::vector<std::string> ended_; ///< paths of the transfers of this session that have ended well
+    Status newest_;                  ///< the one that has come last
     int connection_ = 0;
     bool enabled_ = false;
     bool handling_ = false;
@@ -232,6 +246,7 @@ public:
     void QueueDownload(std::string_view path, const TransferSettings& settings) override {
         state_->Queue("DOWNLOAD", path, settings);
     }
+    bool EndedWell(std::string_view path) const override { return state_->EndedWell(path); }
     void AddInstall(std::string_view file, std::string_view user) override {
         ::AddInstall(HotSyncManagerFolder(), file, user);
     }

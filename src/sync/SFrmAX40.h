@@ -44,11 +44,15 @@ public:
     virtual std::string HotSyncUser(int index) const = 0;
 
     /// Queues the transfer of a handheld database into the table at `path`, or of that table to the
-    /// handheld; the table's file name says which database. Only inside HotSyncStatus. Returns at once;
-    /// whether the transfer goes well is never told. RunTimeFailure 5 outside HotSyncStatus, for a path
-    /// that names no table, and for settings other than those above.
+    /// handheld; the table's file name says which database. Only inside HotSyncStatus. Returns at once; how
+    /// the transfer ends is told by EndedWell. RunTimeFailure 5 outside HotSyncStatus, for a path that names
+    /// no table, and for settings other than those above.
     virtual void QueueUpload(std::string_view path, const TransferSettings& settings = {}) = 0;
     virtual void QueueDownload(std::string_view path, const TransferSettings& settings = {}) = 0;
+
+    /// Whether a transfer of the table at `path`, queued in the session that runs or was last, has ended
+    /// and ended well. Paths as they were queued, without regard to case.
+    virtual bool EndedWell(std::string_view path) const = 0;
 
     /// Puts a file into a user's install folder: the next session of that user installs it. See
     /// sync/InstallFolder.h for the failures.

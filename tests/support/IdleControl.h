@@ -27,6 +27,7 @@ public:
     void QueueDownload(std::string_view path, const TransferSettings&) override {
         Queued.push_back("DOWNLOAD " + std::string(path));
     }
+    bool EndedWell(std::string_view) const override { return false; }
     void AddInstall(std::string_view file, std::string_view user) override {
         Installs.emplace_back(file, user);
     }

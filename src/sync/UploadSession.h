@@ -1,0 +1,42 @@
+#pragma once
+
+#include "sync/SFrmAX40.h"
+#include "sync/UploadRun.h"
+
+#include <cstdint>
+#include <functional>
+#include <string>
+
+/// What the boxes of an upload screen, or the lines of an upload template (`*.ust`), choose.
+struct UploadChoice {
+    bool Orders = false, Audits = false, HHTotals = false, PrintSpooler = false, Customers = false,
+         Items = false;
+
+    bool operator==(const UploadChoice&) const = default;
+};
+
+/// An upload that the operator has started on `frmUploadSelect`: the machine behind its control. Acts only
+/// while Global.ManualUploadActive.
+class UploadSession {
+public:
+    explicit UploadSession(SFrmAX40& control) : SFUpload(control) {}
+    UploadSession(const UploadSession&) = delete;
+    UploadSession& operator=(const UploadSession&) = delete;
+
+    /// The control's event. RunTimeFailure as the tables.
+    void SFUpload_HotSyncStatus(std::int32_t status);
+
+    /// What the merge has to do, as MainSession::Arrived.
+    UploadRun Arrived() const;
+
+    UploadChoice Chosen;              ///< the boxes, set before the HotSync
+    std::function<void()> ShowStatus; ///< a letter of the status list has changed
+
+    std::string SyncStage;    ///< "A>B", "B>C", "C>D", "end"
+    std::int16_t PendingOps = 0;
+    bool SyncRunning = false; ///< from the end of the Links work to the last transfer's end
+    bool SyncDone = false;    ///< the session has gone through
+
+private:
+    SFrmAX40& SFUpload;
+};
