@@ -15,8 +15,8 @@
 /// The names of a table's fields in their order: position i of a line belongs to entry i.
 using BridgeFields = std::vector<std::string>;
 
-/// Writes a table's records into a text file, in their order, those marked as deleted included. `fields` then holds its field names.
-/// RunTimeFailure as TableScan and SafeFile.
+/// Writes a table's records into a text file, in their order, those marked as deleted included. `fields` then
+/// holds its field names. RunTimeFailure as TableScan and SafeFile.
 void DBFtoText(std::string_view source, BridgeFields& fields, std::string_view text);
 
 /// Appends the lines of a text file to a table, behind the records that it holds, and deletes the text; an

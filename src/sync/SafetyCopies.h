@@ -38,5 +38,6 @@ inline constexpr MergedTable MergedBarcodeIndex[] = {{"ZUKBARIN.DAP", "OLDBARIN.
 /// replaced by an upload and not merged yet, and deletes the copies of an unattended session. A table that
 /// is as it was, or that ends with the copy's records already, stays as it is. To be called when no
 /// session can run.
-/// Returns the tables whose old records were put back. RunTimeFailure as the merge; what is not done yet then stays for the next call.
+/// Returns the tables whose old records were put back. RunTimeFailure as the merge; what is not done yet then
+/// stays for the next call.
 std::vector<std::string> RecoverSafetyCopies();
