@@ -21,5 +21,6 @@ struct ReceiptTransfer {
 /// The newest receipts of a handheld are kept, so many.
 inline constexpr std::size_t ReceiptsKept = 50;
 
-/// The text of a handheld's last receipt, in UTF-8 or ASCII as it stands in the file; nothing when it has none.
+/// The text of a handheld's last receipt, in UTF-8 or ASCII as it stands in the file; nothing when it has
+/// none.
 std::optional<std::string> LastReceipt(std::string_view id);

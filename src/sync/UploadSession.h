@@ -32,7 +32,7 @@ public:
     UploadChoice Chosen;              ///< the boxes, set before the HotSync
     std::function<void()> ShowStatus; ///< a letter of the status list has changed
 
-    std::string SyncStage;    ///< "A>B", "B>C", "C>D", "end"
+    std::string SyncStage; ///< "A>B", "B>C", "C>D", "end"
     std::int16_t PendingOps = 0;
     bool SyncRunning = false; ///< from the end of the Links work to the last transfer's end
     bool SyncDone = false;    ///< the session has gone through
