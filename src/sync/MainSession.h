@@ -1,12 +1,14 @@
 #pragma once
 
+#include "sync/Arrivals.h"
+#include "sync/Receipt.h"
 #include "sync/SFrmAX40.h"
 #include "sync/SessionScreen.h"
 #include "sync/UploadRun.h"
 
 #include <cstdint>
-#include <map>
 #include <string>
+#include <string_view>
 
 /// An unattended session: the machine behind `frmMainSync`, driven by the statuses of its control.
 ///
@@ -38,6 +40,31 @@ public:
     std::string Label1, Label2, Label3; ///< "Y": orders, audits, handheld totals were queued for upload
 
 private:
+    bool HSStart();
+    void StageStep();
+    void HSUpload();
+    void HSClear();
+    void HSDownload();
+    void HSEnd();
+
+    void UploadByTemplate(const std::string& path);
+    void UploadFixedList();
+    void QueueTotalsOfHandheld();
+    void QueueUpload(const std::string& path);
+    void QueueDownload(const std::string& path);
+    bool QueueUploadOf(std::string_view table);
+    void RefreshUser();
+
+    void UpdateLinks();
+    void MergeUpload();
+    void GetSyncStatus();
+    std::string LetterOfUpload() const;
+    void StoreStatus(const std::string& letter);
+
     SFrmAX40& SFMain;
     SessionScreen& screen_;
+    Arrivals arrivals_;
+    SessionReceipt receipt_{SessionKind::Unattended};
+    UploadRun arrived_;         ///< once the session is over
+    bool oldTotalsTaken_ = false;
 };
