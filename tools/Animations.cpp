@@ -41,7 +41,7 @@ public:
     void Wave(double x, double y, double radius, Tone tone) {
         Fill(tone, [=](double px, double py) {
             const double ring = std::abs(std::hypot(px - x, py - y) - radius);
-            return ring <= 1.2 && px < x && std::abs(py - y) < (x - px) * 0.8;
+            return ring <= 1.2 && px < x && std::abs(py - y) < (x - px) * 0.55;
         });
     }
 
@@ -190,17 +190,17 @@ std::string WaitingForHotsync() {
 
 std::string HotsyncRunning() {
     constexpr int Steps = 8, Records = 3;
-    constexpr double From = 38, Way = 58, Gap = Way / Records;
+    constexpr double From = 22, Way = 84, Gap = Way / Records; // from behind the one to behind the other
     std::vector<Frame> frames;
     for (int step = 0; step < Steps; ++step) {
         Frame frame;
-        DrawHandheld(frame, Grey, Light);
-        DrawComputer(frame);
         for (int record = 0; record < Records; ++record) {
             const double gone = Gap * record + Gap * step / Steps;
             frame.Box(From + gone, 12, 9, 6, 1.5, Blue);
-            frame.Box(From + Way - 9 + Gap - gone, 26, 9, 6, 1.5, Green);
+            frame.Box(From + Way - gone, 26, 9, 6, 1.5, Green);
         }
+        DrawHandheld(frame, Grey, Light);
+        DrawComputer(frame);
         frames.push_back(std::move(frame));
     }
     return Gif(frames, 9);
