@@ -24,8 +24,10 @@
 #include "quality/forms/QCRun.h"
 #include "quality/forms/frmConfig.h"
 #include "store/OfficeTables.h"
+#include "store/TableCatalogue.h"
 #include "store/TableScan.h"
 #include "sync/Images.h"
+#include "sync/SafetyCopies.h"
 #include "sync/Status.h"
 #include "sync/StatusDetails.h"
 #include "sync/UnattendedSettings.h"
@@ -161,6 +163,7 @@ void frmMain1::StartUp() {
     }
     if (!PrepareOffice([] { Tell(msg::DownloadSelectionMissing, Icon::Information); }))
         return StopStart(msg::TablesMissing);
+    PutBackSafetyCopies();
     LoadIcons();
     SetUpTotalsGrid();
     GetPCTotals();
@@ -178,6 +181,22 @@ void frmMain1::StartUp() {
     operating_ = true;
     WriteSettings();
     Timer2->start();
+}
+
+void frmMain1::PutBackSafetyCopies() {
+    try {
+        const std::vector<RecoveredTable> tables = RecoverSafetyCopies();
+        if (tables.empty()) return;
+        Text told = msg::SessionRecovered;
+        for (const RecoveredTable& table : tables) {
+            const Text name = MessageId{FindTable(table.Table)->FirstLabel};
+            told = Lines(told, Words(name + Text::Path(std::string_view(":")), Text::Value(table.Records),
+                                     msg::RecoveredRecords));
+        }
+        Tell(told, Icon::Information);
+    } catch (const RunTimeFailure& failure) {
+        Tell(Lines(msg::SessionNotRecovered, Text::Path(std::string_view(failure.what()))), Icon::Warning);
+    }
 }
 
 void frmMain1::LoadIcons() {

@@ -119,6 +119,7 @@ protected:
 private:
     void StartUp();
     void StopStart(const Text& reason);
+    void PutBackSafetyCopies();
     void LoadIcons();
     void SetLLQStandard();
     void SetUpTotalsGrid();
