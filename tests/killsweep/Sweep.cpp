@@ -158,6 +158,18 @@ private:
         if (status != 0) Complain("the next start fails");
     }
 
+    /// What the job itself says of the office behind the start.
+    void Judge() {
+        const std::string verdict = tools_.Log + "judged";
+        const int status = InOwnProcess([&] {
+            OpenOffice(tools_.Office);
+            const std::string fault = job_.JudgeStarted();
+            std::ofstream(verdict) << fault;
+            return fault.empty() ? 0 : 1;
+        });
+        if (status != 0) Complain("behind the next start: " + TextOf(verdict));
+    }
+
     /// One run with the fault at one call, and all that is to hold after it. False when the job has
     /// fewer calls.
     bool Struck() {
@@ -218,6 +230,8 @@ private:
         if (job_.IsStart) {
             if (!AllNew(files)) Complain("the next start did not complete it");
             files = Judged(left, false);
+        } else if (job_.JudgeStarted) {
+            Judge();
         } else {
             JudgeFiles(files, inOrder);
             if (files != Judged(left, false)) Complain("the next start changed a file");

@@ -116,9 +116,7 @@ void frmOptions::Form_Load() {
     cboRemoteSettings->setCurrentIndex(
         cboRemoteSettings->findText(ToQt(std::string_view(Global.RemoteSyncSettings)), Qt::MatchFixedString));
     unattended_.Loaded = cboRemoteSettings->currentText();
-    ShowUnattended({Global.RemoteSelect.ByTemplate(), Global.RemoteSelSettings,
-                    Global.UploadSelect.ByTemplate(), Global.UploadSelSettings, Global.RemoteClearSelect,
-                    Global.RemoteClearSettings});
+    ShowUnattended(SelectionsInForce());
     FillPurgeDays();
     (Global.PurgeBackup ? optPurge : optNoPurge)->click();
     chkDemoTemplates->setChecked(Global.UpdateDemoTemplates);
