@@ -51,8 +51,8 @@ void frmQBDownload::cmdOK_Click() {
     const bool downloads = cboDownload->currentIndex() >= 0;
     const std::string name = PathFromQt((downloads ? cboDownload : cboClear)->currentText());
     if (!AgreedToPerform(name) || IsOver()) return;
-    const bool held = downloads ? PerformSavedTables<frmTableSelectDL>(name)
-                                : PerformSavedTables<frmTableSelectCL>(name);
+    const bool held =
+        downloads ? PerformSavedTables<frmTableSelectDL>(name) : PerformSavedTables<frmTableSelectCL>(name);
     if (IsOver()) return;
     FillLists(); // one may have been saved or deleted there
     if (held) ShowDone(*cmdCancel);

@@ -14,6 +14,5 @@ void SendTablesForm::SendTables(const std::vector<std::string>& paths) {
 }
 
 void SendTablesForm::HotSyncStatus(std::int32_t status) {
-    Trace("SFDownload_HotSyncStatus");
     if (session_) session_->SFDownload_HotSyncStatus(status);
 }

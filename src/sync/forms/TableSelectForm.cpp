@@ -14,6 +14,7 @@
 #include "store/TableCatalogue.h"
 #include "store/TableLock.h"
 #include "store/TableScan.h"
+#include "sync/forms/frmMainSync.h"
 #include "views/GridData.h"
 
 #include <QCheckBox>
@@ -133,6 +134,7 @@ void TableSelectForm::Form_Unload() {
     Trace("Form_Unload");
     if (!repair_.empty()) EndRepair();
     if (control_) control_->SetEnabled(false); // the object lives on until its handlers have returned
+    LoadMainSync();
 }
 
 /// What the Links table says of the handhelds.
@@ -323,16 +325,9 @@ void TableSelectForm::cmdCancel_Click() {
     Unload();
 }
 
-void TableSelectForm::UnloadMainSync() {
-    FormBehaviour* session = FormRegistry::Instance().Find("frmMainSync");
-    if (!session) return;
-    session->Unload();
-    mainSyncUnloaded_ = true;
-}
-
 bool TableSelectForm::TablesAreFree(const std::vector<std::string>& paths) {
-    const auto locked = std::find_if(paths.begin(), paths.end(),
-                                     [](const std::string& path) { return TableIsLocked(path); });
+    const auto locked =
+        std::find_if(paths.begin(), paths.end(), [](const std::string& path) { return TableIsLocked(path); });
     if (locked == paths.end()) return true;
     Tell(Lines(Lines(msg::FileError, msg::TransferAborted), PathText(*locked)), Icon::Stop);
     return false;

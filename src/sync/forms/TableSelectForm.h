@@ -103,10 +103,6 @@ protected:
     };
     void SetBusy(const Text& why, WayOut way);
 
-    /// No other control of the program is to answer the handheld. The session form comes back when this
-    /// screen goes.
-    void UnloadMainSync();
-
     /// False when another program holds one of the tables: the operator has been told.
     static bool TablesAreFree(const std::vector<std::string>& paths);
 
@@ -146,7 +142,6 @@ private:
     bool fromConfigurator_ = false;
     bool busy_ = false;
     bool driven_ = false;
-    bool mainSyncUnloaded_ = false;
     std::string drive_; ///< the selection that is to be performed
     bool* held_ = nullptr;
 

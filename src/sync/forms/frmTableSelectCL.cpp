@@ -5,8 +5,9 @@
 #include "core/Operator.h"
 #include "platform/HotSyncManager.h"
 #include "sync/TableTemplates.h"
+#include "sync/forms/frmMainSync.h"
 
-frmTableSelectCL::frmTableSelectCL() 
+frmTableSelectCL::frmTableSelectCL()
     : SendTablesForm({&Global.DownloadTemplates, ".dct"}, SessionKind::Clear) {
     setupUi(this);
     Bind({{chkOrHdr, lblOrHdr, {"ZUKORHDR", "ZUKORLIN"}},

@@ -3,8 +3,8 @@
 #include "sync/forms/SendTablesForm.h"
 #include "ui_frmTableSelectCL.h"
 
-/// Empties tables of the handheld in the cradle: the empty twins are sent over them. The tables of the PC stay
-/// as they are.
+/// Empties tables of the handheld in the cradle: the empty twins are sent over them. The tables of the PC
+/// stay as they are.
 class frmTableSelectCL final : public SendTablesForm, private Ui::frmTableSelectCL {
     Q_OBJECT
 

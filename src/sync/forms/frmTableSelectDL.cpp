@@ -6,8 +6,9 @@
 #include "platform/HotSyncManager.h"
 #include "quality/forms/QCRun.h"
 #include "sync/TableTemplates.h"
+#include "sync/forms/frmMainSync.h"
 
-frmTableSelectDL::frmTableSelectDL() 
+frmTableSelectDL::frmTableSelectDL()
     : SendTablesForm({&Global.DownloadTemplates, ".dst"}, SessionKind::Download) {
     setupUi(this);
     Bind({{chkCust, lblCust, {"ZUKCUST"}},

@@ -15,6 +15,7 @@
 #include "sync/SafetyCopies.h"
 #include "sync/TableTemplates.h"
 #include "sync/forms/StatusFile.h"
+#include "sync/forms/frmMainSync.h"
 
 #include <tuple>
 #include <utility>
@@ -82,7 +83,11 @@ bool frmUploadSelect::MakeBackupOfChosen() {
     backup_.clear();
     UploadChoice worth = Choice();
     worth.PrintSpooler = false;
-    if (worth == UploadChoice()) return true;
+    if (worth == UploadChoice()) {
+        Global.BackupTime = {}; // one that was made for something else is not this upload's
+        Global.BackupEvent.clear();
+        return true;
+    }
     // The master tables join for this backup; what a session has set stays.
     const auto before = std::pair(Global.BackupCustomers, Global.BackupItems);
     Global.BackupCustomers = Global.BackupCustomers || worth.Customers;
@@ -104,14 +109,12 @@ void frmUploadSelect::AddData() {
 
     const bool held = session_->SyncDone;
     if (session_->SyncRunning) {
-        session_->TakeArrived();
         EndUpload();
         TellBrokenOff();
         return Finish(end == FlushEnd::Done);
     }
     if (held) {
         AwaitProgressWindow();
-        session_->TakeArrived();
         session_->SyncDone = false;
         if (OrdersChosen) MergeOrders();
     }
@@ -143,7 +146,7 @@ bool frmUploadSelect::PrepareTables() {
 /// Puts the old orders and audits behind those that came, and shows what that makes. The barcode index is
 /// none of it: it is not uploaded from here.
 void frmUploadSelect::MergeOrders() {
-    Global.UploadScreenRun = session_->Arrived();
+    session_->TakeArrived();
     The<frmAppend>().Show(ShowMode::Modal);
     The<frmAppendAudit>().Show(ShowMode::Modal);
     Global.UploadClosing = true;
@@ -175,6 +178,5 @@ void frmUploadSelect::TellBrokenOff() {
 }
 
 void frmUploadSelect::HotSyncStatus(std::int32_t status) {
-    Trace("SFUpload_HotSyncStatus");
     if (session_) session_->SFUpload_HotSyncStatus(status);
 }
