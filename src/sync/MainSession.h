@@ -7,6 +7,7 @@
 #include "sync/UploadRun.h"
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -42,29 +43,29 @@ public:
 private:
     bool HSStart();
     void StageStep();
-    void HSUpload();
+    bool HSUpload();
     void HSClear();
     void HSDownload();
     void HSEnd();
 
-    void UploadByTemplate(const std::string& path);
+    bool UploadByTemplate();
     void UploadFixedList();
+    void QueueGroup(std::span<const std::string_view> tables, std::string MainSession::*label);
     void QueueTotalsOfHandheld();
     void QueueUpload(const std::string& path);
     void QueueDownload(const std::string& path);
-    bool QueueUploadOf(std::string_view table);
     void RefreshUser();
 
     void UpdateLinks();
     void MergeUpload();
-    void GetSyncStatus();
-    std::string LetterOfUpload() const;
+    std::string GetSyncStatus();
     void StoreStatus(const std::string& letter);
 
     SFrmAX40& SFMain;
     SessionScreen& screen_;
     Arrivals arrivals_;
     SessionReceipt receipt_{SessionKind::Unattended};
-    UploadRun arrived_;         ///< once the session is over
-    bool oldTotalsTaken_ = false;
+    UploadRun arrived_;           ///< while the session is closed
+    bool totalsCame_ = false;     ///< the handheld's own totals came in this session
+    bool oldTotalsTaken_ = false; ///< what the PC held when this session began is known
 };

@@ -29,6 +29,12 @@ std::string Value(const TableScan& links, const char* field) {
     return std::string(links.Trimmed(links.Layout().Find(FieldKey(field))));
 }
 
+/// 0 for no row.
+std::int32_t RowOnPC(std::string_view user) {
+    TableScan links(PCLinks());
+    return !user.empty() && GoTo(links, user) ? links.RecordNumber() : 0;
+}
+
 void WriteLink(DBFEdit& links, std::int32_t record) {
     links.Go(record);
     links.WriteData(FieldKey("LK_MACH_ID"), Global.HSMachID);
@@ -39,6 +45,18 @@ void WriteLink(DBFEdit& links, std::int32_t record) {
     links.WriteData(FieldKey("LK_SERIAL"), Global.HSSerial);
     links.WriteData(FieldKey("LK_SFUSER"), Global.HSSFUser);
     links.UpDate();
+}
+
+void WriteRow(std::int32_t record) {
+    DBFEdit links;
+    links.FileOpen(PCLinks());
+    try {
+        WriteLink(links, record);
+    } catch (const RunTimeFailure&) {
+        links.FileClose();
+        throw;
+    }
+    links.FileClose();
 }
 
 } // namespace
@@ -81,20 +99,12 @@ bool TakeHandheldLink(std::string_view user) {
     return true;
 }
 
-void WritePCLink(std::string_view user) {
-    std::int32_t record = 0;
-    {
-        TableScan links(PCLinks());
-        if (user.empty() || !GoTo(links, user)) return;
-        record = links.RecordNumber();
-    }
-    DBFEdit links;
-    links.FileOpen(PCLinks());
+std::optional<std::string> WritePCLink(std::string_view user) {
     try {
-        WriteLink(links, record);
-    } catch (const RunTimeFailure&) {
-        links.FileClose();
-        throw;
+        if (const std::int32_t record = RowOnPC(user)) WriteRow(record);
+        return std::nullopt;
+    } catch (const RunTimeFailure& failure) {
+        TraceEvent(std::string("SessionLinks:WritePCLink ") + failure.what());
+        return failure.what();
     }
-    links.FileClose();
 }

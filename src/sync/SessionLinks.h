@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -20,5 +21,6 @@ bool MakeHHUserDir(std::string_view user);
 /// user, or no table that can be read: they then keep what they had.
 bool TakeHandheldLink(std::string_view user);
 
-/// Writes them into the user's row of the PC's table, if it has one. RunTimeFailure as DBFEdit.
-void WritePCLink(std::string_view user);
+/// Writes them into the user's row of the PC's table, if it has one. Orders come before the Links table: a
+/// failure leaves a trace line and the session goes on. Returns its words (UTF-8), nothing when it went well.
+std::optional<std::string> WritePCLink(std::string_view user);

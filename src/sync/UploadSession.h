@@ -31,7 +31,8 @@ public:
     /// What the merge has to do, as MainSession::Arrived.
     UploadRun Arrived() const;
 
-    /// Counts what has arrived for the receipt: right before the merge.
+    /// Counts what has arrived for the receipt, and lays it out for the merge in Global.UploadScreenRun: to
+    /// be called right before that.
     void TakeArrived();
 
     /// Writes the receipt: when the merge is done, or when there is none, and before the safety copies go.
@@ -47,9 +48,13 @@ public:
     bool SyncDone = false;    ///< the session has gone through
 
 private:
+    void Begin();
+    void RefreshUser();
+    void UpdateLinks();
     void QueueUpload(const std::string& path);
 
     SFrmAX40& SFUpload;
     Arrivals arrivals_;
+    UploadRun merged_; ///< what the merge behind TakeArrived puts together
     SessionReceipt receipt_{SessionKind::Upload};
 };
