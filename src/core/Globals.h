@@ -162,7 +162,7 @@ struct Globals {
     std::string HHUserDir;                    ///< that handheld's directory under HHTotalsPath
     UploadRun SessionRun;      ///< what the merge has to do while `frmMainSync` is loaded: set before it
     UploadRun UploadScreenRun; ///< and while it is not: set by `frmUploadSelect`
-    std::vector<std::string> FailedMerges; ///< tables whose safety copies are needed still
+    std::vector<std::string> FailedMerges; ///< safety copies, by file name, that are needed still
 
     // The HotSync Manager, as its controls and SFrmUt40 know it.
     std::string LastSessionUser;         ///< whose session has begun last; empty before the first one
