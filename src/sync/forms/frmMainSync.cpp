@@ -61,7 +61,7 @@ void frmMainSync::SFMain_HotSyncStatus(std::int32_t status) {
     if (IsOver() || !main || !wasActive) return;
     if (!Global.UnattendedActive)
         main->ShowUnattendedOff();
-    else if (status == SessionEnded)
+    else if (status == SessionEnded && !InSession())
         main->SessionIsOver();
 }
 
@@ -90,7 +90,6 @@ void frmMainSync::ShowEnded() {
 }
 
 void frmMainSync::Merge() {
-    Global.SessionRun = session_->Arrived();
     The<frmAppend>().Show(ShowMode::Modal);
     The<frmAppendAudit>().Show(ShowMode::Modal);
     The<frmAppendIndex>().Show(ShowMode::Modal);
