@@ -12,8 +12,8 @@
 #include <string>
 #include <vector>
 
-/// An office with a HotSync Manager and one handheld, whose tables lie in a folder. Somebody presses HotSync on
-/// it as soon as a screen waits for that.
+/// An office with a HotSync Manager and one handheld, whose tables lie in a folder. Somebody presses HotSync
+/// on it as soon as a screen waits for that.
 class TableScreens : public HotSyncTest {
 protected:
     TableScreens() {
@@ -102,9 +102,8 @@ protected:
 
     int Waits() const {
         const auto heard = Manager.Heard();
-        return static_cast<int>(std::count_if(heard.begin(), heard.end(), [](const std::string& line) {
-            return line.starts_with("FLUSH\t");
-        }));
+        return static_cast<int>(std::count_if(
+            heard.begin(), heard.end(), [](const std::string& line) { return line.starts_with("FLUSH\t"); }));
     }
 
     static void Tick(FormBehaviour& form, const char* box, bool on = true) {
