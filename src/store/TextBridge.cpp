@@ -130,7 +130,8 @@ bool HoldTheSame(std::string_view table, std::string_view other) {
         return false;
     }
     for (int k = 1; k <= fields.FieldCount(); ++k) {
-        if (fields.FieldName(k) != b.Layout().FieldName(k) || fields.FieldType(k) != b.Layout().FieldType(k) ||
+        if (fields.FieldName(k) != b.Layout().FieldName(k) ||
+            fields.FieldType(k) != b.Layout().FieldType(k) ||
             fields.FieldLength(k) != b.Layout().FieldLength(k)) {
             return false;
         }
