@@ -13,6 +13,7 @@
 #include "sync/SafetyCopies.h"
 #include "sync/SessionLinks.h"
 #include "sync/SessionStatus.h"
+#include "sync/Status.h"
 #include "sync/TableSelection.h"
 
 #include <optional>
