@@ -17,6 +17,7 @@
 #include "platform/GridView.h"
 #include "platform/Look.h"
 #include "sync/SFrmAX40.h"
+#include "sync/forms/TableSelectForm.h"
 
 #include <QApplication>
 #include <QComboBox>
@@ -171,6 +172,10 @@ void ChooseFile(FormBehaviour& form) {
     form.Window().findChild<QAbstractButton*>(QStringLiteral("optCustomer"))->click();
 }
 
+void Press(FormBehaviour& form, const char* button) {
+    form.Window().findChild<QAbstractButton*>(QString::fromLatin1(button))->click();
+}
+
 /// What an operator would have done before looking at a screen.
 void Prepare(FormBehaviour& form) {
     if (auto* message = dynamic_cast<frmMessage*>(&form)) {
@@ -199,15 +204,12 @@ void Prepare(FormBehaviour& form) {
         QThread::msleep(60); // it paints only so often
         progress->ShowStep(Text::Value(std::string_view("ZUKCUST to the handheld")), 730, 1204);
     }
+    if (dynamic_cast<TableSelectForm*>(&form)) Press(form, "cmdSelectAll");
     if (dynamic_cast<frmChgLink*>(&form)) {
         form.Window()
             .findChild<QLineEdit*>(QStringLiteral("txtHotSync"))
             ->setText(QStringLiteral("ben okafor"));
     }
-}
-
-void Press(FormBehaviour& form, const char* button) {
-    form.Window().findChild<QAbstractButton*>(QString::fromLatin1(button))->click();
 }
 
 /// The other pages of the main screen, screens at work, and a report at its end.
