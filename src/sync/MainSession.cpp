@@ -13,6 +13,7 @@
 #include "sync/SafetyCopies.h"
 #include "sync/SessionLinks.h"
 #include "sync/SessionStatus.h"
+#include "sync/Status.h"
 #include "sync/TableSelection.h"
 
 #include <optional>
@@ -56,12 +57,10 @@ struct DownloadGroup {
     std::span<const std::string_view> Tables;
 };
 
-constexpr DownloadGroup ClearGroups[] = {{msg::TablesOrders, OrderTables},
-                                         {msg::TablesAudits, AuditTables},
-                                         {msg::TablesHHTotals, TotalsTables}};
-constexpr DownloadGroup DownloadGroups[] = {{msg::TablesSetup, SetupTables},
-                                            {msg::TablesItems, ItemTables},
-                                            {msg::TablesCustomers, CustomerTables}};
+constexpr DownloadGroup ClearGroups[] = {
+    {msg::TablesOrders, OrderTables}, {msg::TablesAudits, AuditTables}, {msg::TablesHHTotals, TotalsTables}};
+constexpr DownloadGroup DownloadGroups[] = {
+    {msg::TablesSetup, SetupTables}, {msg::TablesItems, ItemTables}, {msg::TablesCustomers, CustomerTables}};
 
 /// Template names come out of a settings file.
 std::string TemplatePath(const std::string& folder, const std::string& setting, const char* extension) {

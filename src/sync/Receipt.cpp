@@ -37,9 +37,8 @@ bool IsReceipt(std::string_view name) {
     constexpr std::string_view Shape = "Receipt 0000-00-00 000000";
     constexpr std::string_view Second = "_00";
     const auto fits = [](std::string_view text, std::string_view shape) {
-        return std::equal(text.begin(), text.end(), shape.begin(), shape.end(), [](char c, char as) {
-            return as == '0' ? c >= '0' && c <= '9' : c == as;
-        });
+        return std::equal(text.begin(), text.end(), shape.begin(), shape.end(),
+                          [](char c, char as) { return as == '0' ? c >= '0' && c <= '9' : c == as; });
     };
     const std::string_view stem = name.substr(0, Shape.size());
     const std::string_view rest = name.substr(stem.size());
@@ -79,7 +78,8 @@ std::string FreeName(const std::string& directory, const DateTime& moment) {
 /// What came out of a table or over a line: one line, without control characters.
 Text Clean(std::string_view codePage) {
     std::string value = OneLine(codePage);
-    std::replace_if(value.begin(), value.end(), [](unsigned char c) { return c < ' ' || c == 127; }, '?');
+    std::replace_if(
+        value.begin(), value.end(), [](unsigned char c) { return c < ' ' || c == 127; }, '?');
     return Text::Value(std::string_view(value));
 }
 
@@ -125,19 +125,26 @@ std::string Row(const Text& label, const OrderTally& tally) {
 
 MessageId KindText(SessionKind kind) {
     switch (kind) {
-    case SessionKind::Upload: return msg::ReceiptUpload;
-    case SessionKind::Download: return msg::ReceiptDownload;
-    case SessionKind::Clear: return msg::ReceiptClear;
-    case SessionKind::Unattended: break;
+    case SessionKind::Upload:
+        return msg::ReceiptUpload;
+    case SessionKind::Download:
+        return msg::ReceiptDownload;
+    case SessionKind::Clear:
+        return msg::ReceiptClear;
+    case SessionKind::Unattended:
+        break;
     }
     return msg::ReceiptUnattended;
 }
 
 MessageId EndText(ReceiptTransfer::End end) {
     switch (end) {
-    case ReceiptTransfer::End::Well: return msg::ReceiptWell;
-    case ReceiptTransfer::End::Failed: return msg::ReceiptFailed;
-    case ReceiptTransfer::End::CutOff: break;
+    case ReceiptTransfer::End::Well:
+        return msg::ReceiptWell;
+    case ReceiptTransfer::End::Failed:
+        return msg::ReceiptFailed;
+    case ReceiptTransfer::End::CutOff:
+        break;
     }
     return msg::ReceiptCutOff;
 }
@@ -178,8 +185,8 @@ std::string TableOf(std::string_view name) {
     return Global.DBFPath + std::string(name);
 }
 
-/// Where the records lie that the PC had before the session, as long as nothing is merged: in the table, unless that
-/// was replaced.
+/// Where the records lie that the PC had before the session, as long as nothing is merged: in the table,
+/// unless that was replaced.
 std::string BeforeOf(const MergedTable& table, bool arrived) {
     const std::string path = TableOf(arrived ? table.Source : table.Target);
     return FileExists(path) ? path : std::string();
@@ -282,7 +289,8 @@ struct SessionReceipt::Notes {
                     Text(msg::ReceiptMoney).Utf8()) +
                 "\r\n";
         const std::string notStated = Text(msg::ReceiptNotStated).Utf8();
-        text += (Stated ? Row(msg::ReceiptStated, *Stated) : Row(msg::ReceiptStated, {}, {}, notStated)) + "\r\n";
+        text +=
+            (Stated ? Row(msg::ReceiptStated, *Stated) : Row(msg::ReceiptStated, {}, {}, notStated)) + "\r\n";
         if (Came) {
             const std::string notCome = Text(msg::ReceiptNotArrived).Utf8();
             const OrderTally& came = Came->Arrived;
@@ -291,7 +299,8 @@ struct SessionReceipt::Notes {
             else if (Arrived.OrderHeaders)
                 text += Row(msg::ReceiptArrived, std::to_string(came.Orders), {}, notCome) + "\r\n";
             else if (Arrived.OrderLines)
-                text += Row(msg::ReceiptArrived, "0", std::to_string(came.Lines), MoneyText(came.Money)) + "\r\n";
+                text +=
+                    Row(msg::ReceiptArrived, "0", std::to_string(came.Lines), MoneyText(came.Money)) + "\r\n";
             else
                 text += Row(msg::ReceiptArrived, {}, {}, notCome) + "\r\n";
             text += Row(msg::ReceiptBefore, Came->Before) + "\r\n";
@@ -315,8 +324,8 @@ struct SessionReceipt::Notes {
             const std::string table(FileNameOf(transfer.Path));
             const bool inBackup =
                 !Backup.empty() && FileExists(AddBackslash(Global.BackupPath + Backup) + table);
-            const Text where =
-                inBackup ? Words(msg::ReceiptInBackup, Text::Value(std::string_view(Backup))) : msg::ReceiptNoBackup;
+            const Text where = inBackup ? Words(msg::ReceiptInBackup, Text::Value(std::string_view(Backup)))
+                                        : msg::ReceiptNoBackup;
             rows += "  " + Left(Text::Path(table).Utf8(), 16) + where.Utf8() + "\r\n";
         }
         if (rows.empty()) return;

@@ -163,7 +163,9 @@ Comparison Compare(const OrderPair& arrived, const OrderPair& before) {
     const OrderBook held = ReadBook(before);
     const bool whole = !arrived.Headers.empty() && !arrived.Lines.empty();
 
-    Comparison result{.Arrived = came.Tally, .Before = held.Tally};
+    Comparison result;
+    result.Arrived = came.Tally;
+    result.Before = held.Tally;
     for (const Order& order : came.Orders()) {
         result.Codes.push_back(order.Code);
         const Order* const old = held.Find(order.Code);

@@ -26,8 +26,8 @@ struct OrderPair {
 /// when the money is beyond 64 bits.
 OrderTally CountTally(const OrderPair& tables);
 
-/// What arrived, set against what the PC held before. Codes as they stand in the tables, trimmed, in the order
-/// of their first appearance; equal ones without regard to case are one order.
+/// What arrived, set against what the PC held before. Codes as they stand in the tables, trimmed, in the
+/// order of their first appearance; equal ones without regard to case are one order.
 struct Comparison {
     OrderTally Arrived, Before;
     std::vector<std::string> Codes; ///< of all orders that arrived
@@ -42,6 +42,6 @@ struct Comparison {
 /// RunTimeFailure as CountTally.
 Comparison Compare(const OrderPair& arrived, const OrderPair& before);
 
-/// What the first record of a table of handheld totals states, by its first three fields. False when it has no
-/// record. RunTimeFailure as TableScan; 6 for numbers beyond 64 bits.
+/// What the first record of a table of handheld totals states, by its first three fields. False when it has
+/// no record. RunTimeFailure as TableScan; 6 for numbers beyond 64 bits.
 bool ReadStated(const std::string& path, OrderTally& stated);

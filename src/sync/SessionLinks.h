@@ -12,13 +12,13 @@
 /// line says so. RunTimeFailure as TableScan.
 bool HasLink(std::string_view user);
 
-/// Sets Global.HHUserDir to the directory of a user for whom HasLink could hold, and makes it. False, and nothing
-/// is changed, for one that is no plain file name. RunTimeFailure as MakePath.
+/// Sets Global.HHUserDir to the directory of a user for whom HasLink could hold, and makes it. False, and
+/// nothing is changed, for one that is no plain file name. RunTimeFailure as MakePath.
 bool MakeHHUserDir(std::string_view user);
 
 /// Takes machine id, last order number, serial and the opaque text of a user out of the handheld's own table
-/// in Global.HHUserDir into Global.HSMachID and its neighbours, HHLastOrder too. False when there is no row for the
-/// user, or no table that can be read: they then keep what they had.
+/// in Global.HHUserDir into Global.HSMachID and its neighbours, HHLastOrder too. False when there is no row
+/// for the user, or no table that can be read: they then keep what they had.
 bool TakeHandheldLink(std::string_view user);
 
 /// Writes them into the user's row of the PC's table, if it has one. Orders come before the Links table: a

@@ -17,12 +17,10 @@ struct TemplateLine {
     bool Choice::*Chosen;
 };
 
-constexpr TemplateLine<UploadChoice> UploadLines[] = {{msg::UploadOrders, &UploadChoice::Orders},
-                                                      {msg::UploadAudits, &UploadChoice::Audits},
-                                                      {msg::TablesHHTotals, &UploadChoice::HHTotals},
-                                                      {msg::UploadPrintSpooler, &UploadChoice::PrintSpooler},
-                                                      {msg::TablesCustomers, &UploadChoice::Customers},
-                                                      {msg::TablesItems, &UploadChoice::Items}};
+constexpr TemplateLine<UploadChoice> UploadLines[] = {
+    {msg::UploadOrders, &UploadChoice::Orders},       {msg::UploadAudits, &UploadChoice::Audits},
+    {msg::TablesHHTotals, &UploadChoice::HHTotals},   {msg::UploadPrintSpooler, &UploadChoice::PrintSpooler},
+    {msg::TablesCustomers, &UploadChoice::Customers}, {msg::TablesItems, &UploadChoice::Items}};
 constexpr TemplateLine<DownloadChoice> DownloadLines[] = {{msg::TablesCustomers, &DownloadChoice::Customers},
                                                           {msg::TablesItems, &DownloadChoice::Items},
                                                           {msg::TablesSetup, &DownloadChoice::Setup}};
