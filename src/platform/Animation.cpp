@@ -39,8 +39,9 @@ void Animation::ShowFrame() {
     const QImage frame = movie_.currentImage();
     if (frame.isNull()) return;
     const double ratio = label_->devicePixelRatioF();
-    QImage scaled = frame.convertToFormat(QImage::Format_ARGB32_Premultiplied)
-                        .scaled(frame.size() * (ratio / Oversize), Qt::KeepAspectRatio, Qt::SmoothTransformation);
+    QImage scaled =
+        frame.convertToFormat(QImage::Format_ARGB32_Premultiplied)
+            .scaled(frame.size() * (ratio / Oversize), Qt::KeepAspectRatio, Qt::SmoothTransformation);
     scaled.setDevicePixelRatio(ratio);
     label_->setPixmap(QPixmap::fromImage(scaled));
 }

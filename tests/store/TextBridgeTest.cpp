@@ -237,13 +237,13 @@ TEST_F(TextBridgeTest, Byte165InAValueMovesTheValuesBehindItOfItsRecordAlone) {
 }
 
 TEST_F(TextBridgeTest, ALineEndInAValueComesBackAsBlanksAndMakesNoSecondRecord) {
-    GivenTable(Old, {{"A", 'C', 9}, {"B", 'C', 4}},
-               {{"one\r\ntwo", "\n"}, {"\r", "b"}, {"three", "end\n"}});
+    GivenTable(Old, {{"A", 'C', 9}, {"B", 'C', 4}}, {{"one\r\ntwo", "\n"}, {"\r", "b"}, {"three", "end\n"}});
     GivenTable(New, {{"A", 'C', 9}, {"B", 'C', 4}}, {});
 
     Bridge();
 
-    EXPECT_EQ(Table().Rows, (std::vector<Values>{{"one  two ", "    "}, {"         ", "b   "}, {"three    ", "end "}}));
+    EXPECT_EQ(Table().Rows,
+              (std::vector<Values>{{"one  two ", "    "}, {"         ", "b   "}, {"three    ", "end "}}));
 }
 
 TEST_F(TextBridgeTest, NulsQuotesCommasAndEveryOtherByteStay) {
@@ -374,7 +374,11 @@ TEST_F(TextBridgeTest, TablesHoldTheSameWhenFieldsRecordsAndMarksAgree) {
     };
     GivenFile(Old, TableMaker(columns).Row({"O1", "1"}).Bytes());
 
-    EXPECT_TRUE(with(TableMaker(columns).Row({"O1", "1"}).End(" ").Preamble("\x03\x01\x01\x01", std::string(20, 'x')).Bytes()));
+    EXPECT_TRUE(with(TableMaker(columns)
+                         .Row({"O1", "1"})
+                         .End(" ")
+                         .Preamble("\x03\x01\x01\x01", std::string(20, 'x'))
+                         .Bytes()));
     EXPECT_FALSE(with(TableMaker(columns).Row({"O1", "2"}).Bytes()));
     EXPECT_FALSE(with(TableMaker(columns).Row({"O1", "1"}, '*').Bytes()));
     EXPECT_FALSE(with(TableMaker(columns).Row({"O1", "1"}).Row({"O1", "1"}).Bytes()));

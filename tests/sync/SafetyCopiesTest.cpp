@@ -87,8 +87,7 @@ const std::vector<RecoveredTable> None;
 TEST_F(SafetyCopiesTest, ASessionCopiesSixTables) {
     MakeSafetyCopies(SafetyCopies::OfSession);
 
-    EXPECT_EQ(Copies(),
-              (Strings{"ZUKAUDHH", "ZUKAUDTH", "ZUKAUDTL", "ZUKBARIN", "ZUKORHDR", "ZUKORLIN"}));
+    EXPECT_EQ(Copies(), (Strings{"ZUKAUDHH", "ZUKAUDTH", "ZUKAUDTL", "ZUKBARIN", "ZUKORHDR", "ZUKORLIN"}));
     EXPECT_EQ(Bytes(ResolvePath(Path("ZUKORHDR.DAP"))), Bytes(Path("ZUKOrHdr.dbf")));
 }
 
@@ -242,12 +241,11 @@ TEST_F(SafetyCopiesTest, AllFiveTablesThatAHandheldSendsArePutBack) {
     GivenTable(Global.DBFPath, "ZUKAudTL", {});
     GivenTable(Global.DBFPath, "ZUKAudHH", {{"9", "9", "9"}});
 
-    EXPECT_EQ(RecoverSafetyCopies(),
-              (std::vector<RecoveredTable>{{"ZUKORHDR.DBF", 2},
-                                           {"ZUKORLIN.DBF", 3},
-                                           {"ZUKAUDTH.DBF", 1},
-                                           {"ZUKAUDTL.DBF", 1},
-                                           {"ZUKAUDHH.DBF", 1}}));
+    EXPECT_EQ(RecoverSafetyCopies(), (std::vector<RecoveredTable>{{"ZUKORHDR.DBF", 2},
+                                                                  {"ZUKORLIN.DBF", 3},
+                                                                  {"ZUKAUDTH.DBF", 1},
+                                                                  {"ZUKAUDTL.DBF", 1},
+                                                                  {"ZUKAUDHH.DBF", 1}}));
 
     EXPECT_EQ(TableAt(Path("ZUKAudTH.dbf")).Trimmed(2)[0], "PA1");
     EXPECT_EQ(TableAt(Path("ZUKAudTL.dbf")).Trimmed(1)[0], "PL1");

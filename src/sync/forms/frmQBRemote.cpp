@@ -28,21 +28,18 @@ void frmQBRemote::FillSettings(const QString& chosen) {
     cboUnattended->clear();
     for (const std::string& name : NamesWithExtension(Global.UnattendedTemplates, UnattendedExtension))
         cboUnattended->addItem(PathToQt(name));
-    cboUnattended->setCurrentIndex(
-        chosen.isEmpty() ? -1 : cboUnattended->findText(chosen, Qt::MatchFixedString));
+    cboUnattended->setCurrentIndex(chosen.isEmpty() ? -1
+                                                    : cboUnattended->findText(chosen, Qt::MatchFixedString));
     cboUnattended_Click();
 }
 
 void frmQBRemote::cboUnattended_Click() {
     TraceEvent("frmQBRemote:cboUnattended_Click");
     const bool chosen = cboUnattended->currentIndex() >= 0;
-    const std::string file =
-        Global.UnattendedTemplates + PathFromQt(cboUnattended->currentText()) + std::string(UnattendedExtension);
+    const std::string file = Global.UnattendedTemplates + PathFromQt(cboUnattended->currentText()) +
+                             std::string(UnattendedExtension);
     // What they really do is read when the mode is started, and told if it cannot be.
-    ShowUnattendedActivities({{lblUpload, lblULActive, lblULTemplate},
-                              {lblClear, lblCLActive, lblCLTemplate},
-                              {lblDownload, lblDLActive, lblDLTemplate}},
-                             chosen ? GlanceAtUnattendedSettings(file) : UnattendedSettings());
+    ShowUnattendedActivities(*this, chosen ? GlanceAtUnattendedSettings(file) : UnattendedSettings());
     if (!chosen) {
         for (QLabel* label : {lblULActive, lblCLActive, lblDLActive}) label->clear();
     }
