@@ -10,8 +10,10 @@
 #include "core/Settings.h"
 #include "exchange/forms/frmConvert.h"
 #include "exchange/forms/frmExport1.h"
+#include "exchange/forms/frmQBDownload.h"
 #include "exchange/forms/frmQBExport.h"
 #include "exchange/forms/frmQBImport.h"
+#include "exchange/forms/frmQBUpload.h"
 #include "maintenance/Backup.h"
 #include "maintenance/Office.h"
 #include "maintenance/Totals.h"
@@ -39,6 +41,9 @@
 #include "sync/forms/frmMainSync.h"
 #include "sync/forms/frmQBRemote.h"
 #include "sync/forms/frmRemoteSync.h"
+#include "sync/forms/frmTableSelectCL.h"
+#include "sync/forms/frmTableSelectDL.h"
+#include "sync/forms/frmUploadSelect.h"
 #include "tools/forms/frmAbout.h"
 #include "tools/forms/frmOptions.h"
 #include "views/forms/frmView.h"
@@ -719,6 +724,36 @@ void frmMain1::mnuMainImport_Click() {
     TraceEvent("frmMain1:mnuMainImport_Click");
     UnloadForms();
     The<frmConvert>().Show(ShowMode::Modal);
+}
+
+void frmMain1::lblDownloadBtn_Click() {
+    TraceEvent("frmMain1:lblDownloadBtn_Click");
+    UnloadForms();
+    The<frmQBDownload>().Show();
+}
+
+void frmMain1::lblUploadBtn_Click() {
+    TraceEvent("frmMain1:lblUploadBtn_Click");
+    UnloadForms();
+    The<frmQBUpload>().Show();
+}
+
+void frmMain1::mnuDownloadSelect_Click() {
+    TraceEvent("frmMain1:mnuDownloadSelect_Click");
+    UnloadForms();
+    The<frmTableSelectDL>().Show(ShowMode::Modal);
+}
+
+void frmMain1::mnuClearSelect_Click() {
+    TraceEvent("frmMain1:mnuClearSelect_Click");
+    UnloadForms();
+    The<frmTableSelectCL>().Show(ShowMode::Modal);
+}
+
+void frmMain1::mnuMainUpload_Click() {
+    TraceEvent("frmMain1:mnuMainUpload_Click");
+    UnloadForms();
+    The<frmUploadSelect>().Show(ShowMode::Modal);
 }
 
 void frmMain1::mnuMainExport_Click() {

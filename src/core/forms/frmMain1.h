@@ -66,6 +66,9 @@ public:
 
 private slots:
     void mnuMainImport_Click();
+    void mnuDownloadSelect_Click();
+    void mnuClearSelect_Click();
+    void mnuMainUpload_Click();
     void mnuMainExport_Click();
     void mnuExit_Click();
     void mnuMainAbout_Click();
@@ -93,6 +96,8 @@ private slots:
     void cmdHHHSIDStd_Click(int index);
     void lblImportBtn_Click();
     void lblExportBtn_Click();
+    void lblDownloadBtn_Click();
+    void lblUploadBtn_Click();
     void lblPCTables_Click();
     void lblConfigurator_Click();
     void lblQC_Click();
