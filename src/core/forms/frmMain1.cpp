@@ -627,10 +627,7 @@ void frmMain1::LoadInactiveRemoteSync() {
 
 void frmMain1::ShowActivities() {
     lblRemote->setText(ToQt(std::string_view(Global.RemoteSyncSettings)));
-    ShowUnattendedActivities({{lblUpload, lblULActive, lblULTemplate},
-                              {lblClear, lblCLActive, lblCLTemplate},
-                              {lblDownload, lblDLActive, lblDLTemplate}},
-                             SelectionsInForce());
+    ShowUnattendedActivities(*this, SelectionsInForce());
 }
 
 /// No other process is to run beside a session. What is disabled already is not to come alive by this.

@@ -13,18 +13,26 @@
 
 namespace {
 
-void ShowActivity(const ActivityLabels& labels, bool active, const std::string& settings) {
-    labels.Active->setText(ToQt(Text(active ? msg::Yes : msg::No)));
-    labels.Template->setText(active ? ToQt(std::string_view(settings)) : QString());
-    for (QLabel* label : {labels.Name, labels.Active, labels.Template}) label->setEnabled(active);
+void ShowActivity(QWidget& form, const QString& name, const QString& letters, bool active,
+                  const std::string& settings) {
+    const auto label = [&form](const QString& wanted) { return form.findChild<QLabel*>(wanted); };
+    QLabel* const heading = label(QStringLiteral("lbl") + name);
+    QLabel* const yesOrNo = label(QStringLiteral("lbl") + letters + QStringLiteral("Active"));
+    QLabel* const file = label(QStringLiteral("lbl") + letters + QStringLiteral("Template"));
+    yesOrNo->setText(ToQt(Text(active ? msg::Yes : msg::No)));
+    file->setText(active ? ToQt(std::string_view(settings)) : QString());
+    for (QLabel* each : {heading, yesOrNo, file}) each->setEnabled(active);
 }
 
 } // namespace
 
-void ShowUnattendedActivities(const ActivitiesLabels& labels, const UnattendedSettings& settings) {
-    ShowActivity(labels[0], settings.Upload, settings.UploadTemplate);
-    ShowActivity(labels[1], settings.Clear, settings.ClearTemplate);
-    ShowActivity(labels[2], settings.Download, settings.DownloadTemplate);
+void ShowUnattendedActivities(QWidget& form, const UnattendedSettings& settings) {
+    const auto show = [&form](const char* name, const char* letters, bool active, const std::string& file) {
+        ShowActivity(form, QLatin1String(name), QLatin1String(letters), active, file);
+    };
+    show("Upload", "UL", settings.Upload, settings.UploadTemplate);
+    show("Clear", "CL", settings.Clear, settings.ClearTemplate);
+    show("Download", "DL", settings.Download, settings.DownloadTemplate);
 }
 
 bool UnattendedSettingsCanBeUsed() {

@@ -2,20 +2,11 @@
 
 #include "sync/UnattendedSettings.h"
 
-#include <array>
+class QWidget;
 
-class QLabel;
-
-/// The labels of an activity: its name, whether it is active, its template.
-struct ActivityLabels {
-    QLabel *Name, *Active, *Template;
-};
-
-/// Upload, clear and download, in the order in which they are shown.
-using ActivitiesLabels = std::array<ActivityLabels, 3>;
-
-/// Shows of each activity "Yes" and its template, or "No", dimmed.
-void ShowUnattendedActivities(const ActivitiesLabels& labels, const UnattendedSettings& settings);
+/// Shows on a form of each activity "Yes" and its template, or "No", dimmed. The labels are lblUpload,
+/// lblULActive and lblULTemplate, and likewise for Clear (CL) and Download (DL).
+void ShowUnattendedActivities(QWidget& form, const UnattendedSettings& settings);
 
 /// Takes the settings that Global.RemoteSyncSettings names. False when they cannot be used, since they or a
 /// template of an active activity cannot be read: the operator has been told.

@@ -34,7 +34,8 @@ void Try(const char* routine, const std::function<void()>& step) {
 void frmMainSync::Form_Load() {
     TraceEvent("frmMainSync:Form_Load");
     SFMain = NewSFrmAX40();
-    session_.emplace(*SFMain, *this);
+    SessionScreen& screen = *this;
+    session_.emplace(*SFMain, screen);
     SFMain->HotSyncStatus = [this](std::int32_t status) {
         if (!IsOver()) Run([this, status] { SFMain_HotSyncStatus(status); });
     };

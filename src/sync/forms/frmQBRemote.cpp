@@ -39,10 +39,7 @@ void frmQBRemote::cboUnattended_Click() {
     const std::string file = Global.UnattendedTemplates + PathFromQt(cboUnattended->currentText()) +
                              std::string(UnattendedExtension);
     // What they really do is read when the mode is started, and told if it cannot be.
-    ShowUnattendedActivities({{lblUpload, lblULActive, lblULTemplate},
-                              {lblClear, lblCLActive, lblCLTemplate},
-                              {lblDownload, lblDLActive, lblDLTemplate}},
-                             chosen ? GlanceAtUnattendedSettings(file) : UnattendedSettings());
+    ShowUnattendedActivities(*this, chosen ? GlanceAtUnattendedSettings(file) : UnattendedSettings());
     if (!chosen) {
         for (QLabel* label : {lblULActive, lblCLActive, lblDLActive}) label->clear();
     }

@@ -16,10 +16,7 @@ void frmRemoteSync::Form_Load() {
     setWindowIcon(Picture("tool-unattended"));
     if (!UnattendedSettingsCanBeUsed()) return Unload();
     lblRemote->setText(ToQt(std::string_view(Global.RemoteSyncSettings)));
-    ShowUnattendedActivities({{lblUpload, lblULActive, lblULTemplate},
-                              {lblClear, lblCLActive, lblCLTemplate},
-                              {lblDownload, lblDLActive, lblDLTemplate}},
-                             SelectionsInForce());
+    ShowUnattendedActivities(*this, SelectionsInForce());
     Global.UnattendedActive = true;
     ShowWaiting();
     if (auto* main = IfLoaded<frmMain1>()) main->LoadActiveRemoteSync();
