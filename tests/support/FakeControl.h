@@ -75,7 +75,8 @@ public:
     void Session(const std::string& user, int transfers = 1000) {
         User = user;
         Raise(SessionBegun);
-        while (transfers-- > 0 && RunNext()) {}
+        while (transfers-- > 0 && RunNext()) {
+        }
         waiting_.clear();
         Raise(SessionEnded);
     }

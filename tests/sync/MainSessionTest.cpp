@@ -56,7 +56,9 @@ public:
     void RefreshRecordCounts() override { Seen.push_back("counts"); }
     void ShowHHStatus() override { Seen.push_back("status"); }
 
-    bool Saw(const std::string& what) const { return std::find(Seen.begin(), Seen.end(), what) != Seen.end(); }
+    bool Saw(const std::string& what) const {
+        return std::find(Seen.begin(), Seen.end(), what) != Seen.end();
+    }
 
 private:
     static void MergeTable(const MergedTable& table) {
@@ -120,8 +122,8 @@ TEST_F(MainSessionTest, AHandheldOfTheLinksTableBeginsASessionThatFetchesItsOwnL
 TEST_F(MainSessionTest, SixTablesAreCopiedBeforeAnythingIsQueued) {
     Control.Raise(SessionBegun);
 
-    EXPECT_EQ(Copies(), (Strings{"ZUKAudHH.dap", "ZUKAudtH.dap", "ZUKAudtL.dap", "ZUKBarIn.dap", "ZUKOrHdr.dap",
-                                 "ZUKOrLin.dap"}));
+    EXPECT_EQ(Copies(), (Strings{"ZUKAudHH.dap", "ZUKAudtH.dap", "ZUKAudtL.dap", "ZUKBarIn.dap",
+                                 "ZUKOrHdr.dap", "ZUKOrLin.dap"}));
     EXPECT_EQ(Bytes(Global.DBFPath + "ZUKOrHdr.dap"), Bytes(Global.DBFPath + "ZUKOrHdr.dbf"));
 }
 
@@ -207,7 +209,8 @@ TEST_F(MainSessionTest, AStatusOfAnotherNumberGoesOnWhereNothingIsPending) {
 TEST_F(MainSessionTest, AfterThePhasesStatusesAreCountedOnlyAndTheCounterMayGoBelowZero) {
     GivenUpload("Orders=1\r\n");
     Control.Raise(SessionBegun);
-    while (Control.RunNext()) {}
+    while (Control.RunNext()) {
+    }
     const Strings queued = Control.Queued;
 
     for (int i = 0; i < 3; ++i) Control.Raise(OperationFinished);
@@ -378,8 +381,8 @@ TEST_F(MainSessionTest, UploadedOrdersStandBeforeThoseThatThePCHeld) {
     EXPECT_EQ(Column("ZUKAudTH"), Strings{"DAnna"});
     EXPECT_EQ(StatusOf(1), "G");
     EXPECT_TRUE(Copies().empty());
-    EXPECT_EQ(Screen.Seen,
-              (Strings{"begun Anna", "upload running", "upload queued", "merge", "record", "ended", "counts", "status"}));
+    EXPECT_EQ(Screen.Seen, (Strings{"begun Anna", "upload running", "upload queued", "merge", "record",
+                                    "ended", "counts", "status"}));
 }
 
 TEST_F(MainSessionTest, TheTotalsEventIsOfThisHandheldAndCountsWhatItBrought) {
@@ -406,11 +409,12 @@ TEST_F(MainSessionTest, EachLineOfAnUploadTemplateQueuesItsTablesInTheOrderOfThe
 
     Control.RunNext();
 
-    EXPECT_EQ(Queue(), (Strings{"UPLOAD DBFFiles/HHTotals/Anna/ZUKLINK.DBF", "UPLOAD DBFFiles/ZUKITEM.DBF",
-                                "UPLOAD DBFFiles/ZUKCUST.DBF", "UPLOAD DBFFiles/ZUKPRN.DBF",
-                                "UPLOAD DBFFiles/ZUKAUDHH.DBF", "UPLOAD DBFFiles/ZUKAUDTH.DBF",
-                                "UPLOAD DBFFiles/ZUKAUDTL.DBF", "UPLOAD DBFFiles/ZUKORHDR.DBF",
-                                "UPLOAD DBFFiles/ZUKORLIN.DBF", "UPLOAD DBFFiles/HHTotals/Anna/ZUKAudHH.dbf"}));
+    EXPECT_EQ(Queue(),
+              (Strings{"UPLOAD DBFFiles/HHTotals/Anna/ZUKLINK.DBF", "UPLOAD DBFFiles/ZUKITEM.DBF",
+                       "UPLOAD DBFFiles/ZUKCUST.DBF", "UPLOAD DBFFiles/ZUKPRN.DBF",
+                       "UPLOAD DBFFiles/ZUKAUDHH.DBF", "UPLOAD DBFFiles/ZUKAUDTH.DBF",
+                       "UPLOAD DBFFiles/ZUKAUDTL.DBF", "UPLOAD DBFFiles/ZUKORHDR.DBF",
+                       "UPLOAD DBFFiles/ZUKORLIN.DBF", "UPLOAD DBFFiles/HHTotals/Anna/ZUKAudHH.dbf"}));
     EXPECT_EQ(Session.Label1 + Session.Label2 + Session.Label3, "YYY");
     EXPECT_EQ(Session.PendingOps, 9);
 }
@@ -443,7 +447,8 @@ TEST_F(MainSessionTest, ATemplateThatNamesNoTableMakesNoBackup) {
 }
 
 TEST_F(MainSessionTest, TheBackupGoesByTheBeginningOfALineAndTheUploadByTheWholeName) {
-    GivenUpload("ORDERS of the day=1\r\naudits=1 \r\nHandheld Totals=11\r\n Customers=1\r\nItems=2\r\nPrint Spooler\r\n");
+    GivenUpload("ORDERS of the day=1\r\naudits=1 \r\nHandheld Totals=11\r\n Customers=1\r\nItems=2\r\nPrint "
+                "Spooler\r\n");
     Control.Raise(SessionBegun);
 
     Control.RunNext();
@@ -482,15 +487,17 @@ TEST_F(MainSessionTest, AnUploadThatIsNeitherOnNorOffFetchesAFixedListAndCountsS
 
     Control.RunNext();
 
-    EXPECT_EQ(Queue(), (Strings{"UPLOAD DBFFiles/HHTotals/Anna/ZUKLINK.DBF", "UPLOAD DBFFiles/ZUKOrHdr.dbf",
-                                "UPLOAD DBFFiles/ZUKOrLin.dbf", "UPLOAD DBFFiles/ZUKAudTH.dbf",
-                                "UPLOAD DBFFiles/ZUKAudTL.dbf", "UPLOAD DBFFiles/ZUKAudHH.dbf",
-                                "UPLOAD DBFFiles/ZUKPRN.dbf", "UPLOAD DBFFiles/ZUKCUST.dbf",
-                                "UPLOAD DBFFiles/ZUKITEM.dbf", "UPLOAD DBFFiles/HHTotals/Anna/ZUKAudHH.dbf"}));
+    EXPECT_EQ(Queue(),
+              (Strings{"UPLOAD DBFFiles/HHTotals/Anna/ZUKLINK.DBF", "UPLOAD DBFFiles/ZUKOrHdr.dbf",
+                       "UPLOAD DBFFiles/ZUKOrLin.dbf", "UPLOAD DBFFiles/ZUKAudTH.dbf",
+                       "UPLOAD DBFFiles/ZUKAudTL.dbf", "UPLOAD DBFFiles/ZUKAudHH.dbf",
+                       "UPLOAD DBFFiles/ZUKPRN.dbf", "UPLOAD DBFFiles/ZUKCUST.dbf",
+                       "UPLOAD DBFFiles/ZUKITEM.dbf", "UPLOAD DBFFiles/HHTotals/Anna/ZUKAudHH.dbf"}));
     EXPECT_EQ(Session.PendingOps, 6);
     EXPECT_TRUE(Backups().empty());
 
-    while (Control.RunNext()) {}
+    while (Control.RunNext()) {
+    }
     EXPECT_EQ(Session.PendingOps, -3);
     Control.Raise(SessionEnded);
     EXPECT_EQ(OrdersOnPC(), (Strings{"A1", "A2", "P1", "P2"}));
@@ -586,7 +593,8 @@ TEST_F(MainSessionTest, AHandheldWithoutAnyLinksTableFailsNothing) {
 TEST_F(MainSessionTest, ALinksTableOfRubbishFromTheHandheldFailsNothing) {
     GivenUpload();
     Control.Raise(SessionBegun);
-    while (Control.RunNext()) {}
+    while (Control.RunNext()) {
+    }
     GivenFile("app/DBFFiles/HHTotals/Anna/ZUKLINK.dbf", "no table at all");
 
     Control.Raise(SessionEnded);
@@ -607,7 +615,8 @@ TEST_F(MainSessionTest, AMachineIdWithoutAnOrderNumberBlanksTheOldNumber) {
 TEST_F(MainSessionTest, ALinksTableOfThePCThatHasGoneKeepsNoOrdersFromTheMerge) {
     GivenUpload();
     Control.Raise(SessionBegun);
-    while (Control.RunNext()) {}
+    while (Control.RunNext()) {
+    }
     GivenFile("app/DBFFiles/ZUKLINK.dbf", "torn");
     Global.CurrentHotSyncID.clear();
 
@@ -659,7 +668,8 @@ TEST_F(MainSessionTest, ASessionThatIsCutAtAnyPlaceKeepsEveryOrderOfThePC) {
         Control.Session("Anna", transfers);
 
         const Strings headers = transfers > 1 ? Strings{"A1", "A2", "P1", "P2"} : Strings{"P1", "P2"};
-        const Strings lines = transfers > 2 ? Strings{"A1", "A2", "A2", "P1", "P1", "P2"} : Strings{"P1", "P1", "P2"};
+        const Strings lines =
+            transfers > 2 ? Strings{"A1", "A2", "A2", "P1", "P1", "P2"} : Strings{"P1", "P1", "P2"};
         EXPECT_EQ(OrdersOnPC(), headers) << transfers;
         EXPECT_EQ(Column("ZUKOrLin"), lines) << transfers;
         EXPECT_EQ(Column("ZUKAudHH").back(), "5") << transfers;
@@ -703,7 +713,8 @@ TEST_F(MainSessionTest, TheSameHandheldTwiceWithoutAClearDoublesItsOrdersAndTheR
 
     EXPECT_EQ(OrdersOnPC(), (Strings{"A1", "A2", "A1", "A2", "P1", "P2"}));
     EXPECT_EQ(StatusOf(1), "G");
-    EXPECT_NE(Receipt("Anna").find("came again unchanged:\r\n  A1, A2\r\n"), std::string::npos) << Receipt("Anna");
+    EXPECT_NE(Receipt("Anna").find("came again unchanged:\r\n  A1, A2\r\n"), std::string::npos)
+        << Receipt("Anna");
 }
 
 TEST_F(MainSessionTest, TablesThatComeWithTheSameBytesHaveArrivedAllTheSame) {
@@ -718,7 +729,8 @@ TEST_F(MainSessionTest, TablesThatComeWithTheSameBytesHaveArrivedAllTheSame) {
 TEST_F(MainSessionTest, ASessionWhoseEndNeverCameGivesItsOldRecordsBackAtTheNextStart) {
     GivenUpload();
     Control.Raise(SessionBegun);
-    while (Control.RunNext()) {}
+    while (Control.RunNext()) {
+    }
     EXPECT_EQ(OrdersOnPC(), (Strings{"A1", "A2"}));
 
     ++Moment.Second;
@@ -759,8 +771,8 @@ TEST_F(MainSessionTest, AMergeThatFailedKeepsTheOldRecordsForTheNextSession) {
     EXPECT_EQ(OrdersOnPC(), (Strings{"A1", "A2"}));
     EXPECT_EQ(Copies(), Strings{"ZUKOrHdr.dap"});
     EXPECT_NE(Receipt("Anna").find("The safety copies (*.dap) stay."), std::string::npos);
-    EXPECT_EQ(ReceiptLine("Anna", "OUT BY"),
-              "OUT BY 2 orders, 3 lines, 35.50 - what the PC held before and what arrived, less what it holds now.");
+    EXPECT_EQ(ReceiptLine("Anna", "OUT BY"), "OUT BY 2 orders, 3 lines, 35.50 - what the PC held before and "
+                                             "what arrived, less what it holds now.");
 
     Screen.MergeFails = false;
     ++Moment.Second;
@@ -789,7 +801,8 @@ TEST_F(MainSessionTest, TotalsThatDifferFromWhatArrivedMakeASessionBad) {
     Handhelds["Anna"]["ZUKAUDHH"] = {{"2", "3", "6.24"}};
     Control.Session("Anna");
     EXPECT_EQ(StatusOf(1), "B");
-    EXPECT_EQ(ReceiptLine("Anna", "OUT BY"), "OUT BY 0 orders, 0 lines, -0.01 - what the handheld states, less what arrived.");
+    EXPECT_EQ(ReceiptLine("Anna", "OUT BY"),
+              "OUT BY 0 orders, 0 lines, -0.01 - what the handheld states, less what arrived.");
 }
 
 TEST_F(MainSessionTest, AHandheldWithoutTotalsIsBadAndBalancesNothing) {

@@ -126,7 +126,8 @@ protected:
     }
 
     /// First fields of a table of the tables directory, trimmed.
-    static Strings Column(const std::string& table, int field = 0, const std::string& folder = Global.DBFPath) {
+    static Strings Column(const std::string& table, int field = 0,
+                          const std::string& folder = Global.DBFPath) {
         Strings values;
         const TableContent content = TableAt(ResolvePath(folder + table + ".dbf"));
         for (int row = 1; row <= content.Count; ++row)
