@@ -44,10 +44,6 @@ void SetMark() {
                            "PC had before it. The next start puts that back where the HotSync does not.\r\n");
 }
 
-void RemoveFile(const std::string& path) {
-    Global.TheDisk->Remove(ResolvePath(path));
-}
-
 bool IsNeededStill(std::string_view copy) {
     const auto& needed = Global.FailedMerges;
     return std::any_of(needed.begin(), needed.end(),
@@ -75,10 +71,10 @@ void MakeSafetyCopies(SafetyCopies which) {
 }
 
 void DeleteSafetyCopies(SafetyCopies which) {
-    // Without the mark a copy that a kill leaves here is not taken for one that is needed.
-    if (Global.FailedMerges.empty()) RemoveFile(Mark());
+    // First of all: without it a copy that stays lying about is not taken for one that is needed.
+    if (Global.FailedMerges.empty()) Global.TheDisk->Remove(ResolvePath(Mark()));
     for (const std::string_view table : NamesOf(which)) {
-        if (!IsNeededStill(CopyOf(table))) RemoveFile(InTables(CopyOf(table)));
+        if (!IsNeededStill(CopyOf(table))) RemoveQuietly(InTables(CopyOf(table)));
     }
     Global.FailedMerges.clear();
 }
