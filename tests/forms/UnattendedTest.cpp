@@ -162,7 +162,8 @@ protected:
         GivenTableOf(user, "ZUKLINK", {"LK_HOTSYNC|LK_MACH_ID|LK_LSTONUM", user + "|M" + user[0] + "|7"});
     }
 
-    void GivenTableOf(const std::string& user, const std::string& table, const std::vector<std::string>& rows) {
+    void GivenTableOf(const std::string& user, const std::string& table,
+                      const std::vector<std::string>& rows) {
         const std::string path = ResolvePath(Global.DBFPath + table + ".dbf");
         const std::string before = GivenFile("before.dbf", Bytes(path));
         GivenRows(table, rows);

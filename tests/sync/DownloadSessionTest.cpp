@@ -39,7 +39,8 @@ TEST_F(DownloadSessionTest, FinishedTransfersAndTheEndChangeNothingMore) {
     DownloadSession session(Control);
     session.Tables = TablesOf(DownloadChoice{.Customers = true});
     Begin(session);
-    while (Control.RunNext()) {}
+    while (Control.RunNext()) {
+    }
     Control.Raise(SessionEnded);
     EXPECT_EQ(session.PendingOps, 0);
     EXPECT_EQ(Control.Queued.size(), 1U);
@@ -73,7 +74,8 @@ TEST_F(DownloadSessionTest, AClearSendsTheEmptyTwinsAndLeavesThePC) {
     DownloadSession session(Control, SessionKind::Clear);
     session.Tables = TablesOf(ClearChoice{true, true, true});
     Begin(session);
-    while (Control.RunNext()) {}
+    while (Control.RunNext()) {
+    }
     session.WriteReceipt();
 
     EXPECT_EQ(Queue(), (Strings{"DOWNLOAD DBFEmpty/ZUKORHDR.DBF", "DOWNLOAD DBFEmpty/ZUKORLIN.DBF",

@@ -64,25 +64,16 @@ TEST_F(ReceiptTest, ABalancedReceiptReadsLikeThis) {
     Written(Whole, {"2", "3", "120.0000"});
 
     EXPECT_EQ(Lines(Global.HHTotalsPath + "Anna/Receipt 2026-11-22 180311.txt"),
-              (Strings{"Receipt of a HotSync",
-                       "2026-11-22 18:03:11",
-                       "Handheld: Anna",
-                       "Unattended session",
-                       "",
-                       "BALANCED",
-                       "",
-                       "Transfers:",
-                       "  from the handheld  ZUKORHDR.DBF                            cut off",
-                       "  from the handheld  ZUKORLIN.DBF                            cut off",
-                       "",
+              (Strings{"Receipt of a HotSync", "2026-11-22 18:03:11", "Handheld: Anna", "Unattended session",
+                       "", "BALANCED", "",
+                       "Transfers:", "  from the handheld  ZUKORHDR.DBF                            cut off",
+                       "  from the handheld  ZUKORLIN.DBF                            cut off", "",
                        "                            Orders     Lines           Money",
                        "The handheld states              2         3          120.00",
                        "Arrived                          2         3          120.00",
                        "The PC held before               1         1         1000.00",
-                       "The PC holds now                 3         4         1120.00",
-                       "",
-                       "Orders that arrived:",
-                       "  A1, A2"}));
+                       "The PC holds now                 3         4         1120.00", "",
+                       "Orders that arrived:", "  A1, A2"}));
 }
 
 TEST_F(ReceiptTest, ALostOrderIsToldByHowMuch) {
@@ -95,8 +86,9 @@ TEST_F(ReceiptTest, AnOrderThatTheMergeLostIsToldToo) {
     Arrive({{"P1", {"2"}}}, {{"A1", {"1"}}});
     GivenNow({{"A1", {"1"}}});
     Written(Whole, {"1", "1", "1"});
-    EXPECT_EQ(Verdict(),
-              "OUT BY 1 orders, 1 lines, 2.00 - what the PC held before and what arrived, less what it holds now.");
+    EXPECT_EQ(
+        Verdict(),
+        "OUT BY 1 orders, 1 lines, 2.00 - what the PC held before and what arrived, less what it holds now.");
 }
 
 TEST_F(ReceiptTest, MoneyIsAddedInExactCents) {
@@ -171,13 +163,15 @@ TEST_F(ReceiptTest, WithoutTheTotalsOfTheHandheldNothingIsCompared) {
     Arrive({}, {{"A1", {"1"}}});
     Written();
     EXPECT_EQ(Verdict(), "NOT COMPARED: the handheld's totals did not come.");
-    EXPECT_EQ(ReceiptLine("Anna", "The handheld states"), "The handheld states                           not stated");
+    EXPECT_EQ(ReceiptLine("Anna", "The handheld states"),
+              "The handheld states                           not stated");
 }
 
 TEST_F(ReceiptTest, TablesThatCannotBeCountedAreToldAndStopNothing) {
     GivenFile("app/DBFFiles/ZUKOrLin.dbf", "torn");
     GivenNow({});
-    EXPECT_NE(Written(Whole, {"1", "1", "1"}).find("NOT COMPARED: the tables could not be counted."), std::string::npos);
+    EXPECT_NE(Written(Whole, {"1", "1", "1"}).find("NOT COMPARED: the tables could not be counted."),
+              std::string::npos);
 
     Arrive({}, {});
     GivenTable(Global.DBFPath, "ZUKOrLin", {RowOf("ZUKOrLin", {{"L_TOTPRICE", "1E+300"}})});
@@ -214,7 +208,9 @@ TEST_F(ReceiptTest, TwoReceiptsOfOneSecondHaveANumberAndTheLaterOneIsTheLast) {
 TEST_F(ReceiptTest, TheNewestFiftyStayAndOtherFilesAreLeftAlone) {
     for (int i = 0; i < 60; ++i) {
         const std::string second = std::to_string(10 + i % 50);
-        GivenFile("app/DBFFiles/HHTotals/Anna/Receipt 2026-01-0" + std::to_string(1 + i / 50) + " 1200" + second + ".txt", "x");
+        GivenFile("app/DBFFiles/HHTotals/Anna/Receipt 2026-01-0" + std::to_string(1 + i / 50) + " 1200" +
+                      second + ".txt",
+                  "x");
     }
     GivenFile("app/DBFFiles/HHTotals/Anna/Receipt of my own.txt", "x");
     GivenFile("app/DBFFiles/HHTotals/Anna/Receipt 2026-01-01 1200109.txt", "x");
@@ -230,7 +226,8 @@ TEST_F(ReceiptTest, TheNewestFiftyStayAndOtherFilesAreLeftAlone) {
 
 TEST_F(ReceiptTest, AClockThatWentBackDoesNotRemoveTheNewReceipt) {
     for (int i = 0; i < 50; ++i)
-        GivenFile("app/DBFFiles/HHTotals/Anna/Receipt 2030-01-01 1200" + std::to_string(10 + i) + ".txt", "x");
+        GivenFile("app/DBFFiles/HHTotals/Anna/Receipt 2030-01-01 1200" + std::to_string(10 + i) + ".txt",
+                  "x");
     Written();
     EXPECT_EQ(Names().size(), ReceiptsKept);
     EXPECT_EQ(Names().front(), "Receipt 2026-11-22 180311.txt");
@@ -261,7 +258,8 @@ TEST_F(ReceiptTest, AReceiptIsWrittenOnceASession) {
 
 TEST_F(ReceiptTest, LastReceiptGoesToNoOtherFolder) {
     GivenFile("app/DBFFiles/Receipt 2026-01-01 120010.txt", "x");
-    for (const char* id : {"..", ".", "", "Anna/..", "Nobody"}) EXPECT_EQ(LastReceipt(id), std::nullopt) << id;
+    for (const char* id : {"..", ".", "", "Anna/..", "Nobody"})
+        EXPECT_EQ(LastReceipt(id), std::nullopt) << id;
 }
 
 TEST_F(ReceiptTest, AHundredThousandLinesAreComparedInOnePass) {
@@ -270,7 +268,8 @@ TEST_F(ReceiptTest, AHundredThousandLinesAreComparedInOnePass) {
     Arrive(orders, orders);
 
     const OrderPair came{Global.DBFPath + "ZUKOrHdr.dbf", Global.DBFPath + "ZUKOrLin.dbf"};
-    const Comparison result = Compare(came, {Global.DBFPath + "ZUKOrHdr.dap", Global.DBFPath + "ZUKOrLin.dap"});
+    const Comparison result =
+        Compare(came, {Global.DBFPath + "ZUKOrHdr.dap", Global.DBFPath + "ZUKOrLin.dap"});
 
     EXPECT_EQ(result.Again.size(), 10000U);
     EXPECT_TRUE(result.Changed.empty());

@@ -19,7 +19,8 @@ protected:
 TEST_F(TableTemplatesTest, EachKindHasItsLinesInItsOrder) {
     const std::string path = Folder() + "x";
     WriteTemplate(path, UploadChoice{true, false, true, false, true, false});
-    EXPECT_EQ(Bytes(path), "Orders=1\r\nAudits=0\r\nHandheld Totals=1\r\nPrint Spooler=0\r\nCustomers=1\r\nItems=0\r\n");
+    EXPECT_EQ(Bytes(path),
+              "Orders=1\r\nAudits=0\r\nHandheld Totals=1\r\nPrint Spooler=0\r\nCustomers=1\r\nItems=0\r\n");
     WriteTemplate(path, DownloadChoice{false, true, false});
     EXPECT_EQ(Bytes(path), "Customers=0\r\nItems=1\r\nSetup Tables=0\r\n");
     WriteTemplate(path, ClearChoice{true, false, true});
@@ -52,9 +53,10 @@ TEST_F(TableTemplatesTest, LinesOfAnotherKindAreSkipped) {
 
 TEST_F(TableTemplatesTest, ALineGoesByItsNameWithoutRegardToCaseAndByItsLastCharacter) {
     const std::tuple<const char*, std::optional<bool>> lines[] = {
-        {"Orders=1", true},      {"ORDERS=1", true},       {"Orders =1  ", true},  {"Orders=0", false},
-        {"Orders=2", false},     {"Orders=", false},       {"Orders=x1", true},    {"Orders=1x", false},
-        {"Orders=\xB9", false},  {"Order=1", std::nullopt}, {"Orders", std::nullopt}, {"", std::nullopt},
+        {"Orders=1", true},          {"ORDERS=1", true},         {"Orders =1  ", true},
+        {"Orders=0", false},         {"Orders=2", false},        {"Orders=", false},
+        {"Orders=x1", true},         {"Orders=1x", false},       {"Orders=\xB9", false},
+        {"Order=1", std::nullopt},   {"Orders", std::nullopt},   {"", std::nullopt},
         {" Orders=1", std::nullopt}, {"Orders 1", std::nullopt}, {"=Orders=1", std::nullopt}};
     for (const auto& [line, on] : lines) EXPECT_EQ(TurnsOn(line, msg::UploadOrders), on) << line;
 }

@@ -16,8 +16,8 @@ protected:
         GivenHandheld("Anna", {{"A1", {"1.25"}}, {"A2", {"2", "3"}}});
     }
 
-    /// A HotSync of Anna's handheld that breaks after so many transfers, then what the form does: merge what a
-    /// whole session with orders has brought, write the receipt, delete the copies.
+    /// A HotSync of Anna's handheld that breaks after so many transfers, then what the form does: merge what
+    /// a whole session with orders has brought, write the receipt, delete the copies.
     void Upload(int transfers = 1000) {
         MakeBackup("UPLOAD-ADD");
         MakeSafetyCopies(SafetyCopies::OfUploadScreen);
@@ -90,7 +90,8 @@ TEST_F(UploadSessionTest, TheLinksRowIsDoneInTheMiddleAndThenTheTickedTablesAreQ
                                 "UPLOAD DBFFiles/ZUKPRN.dbf", "UPLOAD DBFFiles/ZUKCUST.dbf",
                                 "UPLOAD DBFFiles/ZUKITEM.dbf"}));
 
-    while (Control.RunNext()) {}
+    while (Control.RunNext()) {
+    }
     EXPECT_EQ(Session.SyncStage, "end");
     EXPECT_FALSE(Session.SyncRunning);
     EXPECT_TRUE(Session.SyncDone);
@@ -142,7 +143,8 @@ TEST_F(UploadSessionTest, OnlyCustomersTickedReplacesTheMasterAndTheReceiptSaysW
     Upload();
 
     EXPECT_EQ(Column("ZUKCust", 1), Strings{"FromHandheld"});
-    EXPECT_NE(Receipt("Anna").find("ZUKCUST.dbf     the old records are in the backup 61122180311"), std::string::npos)
+    EXPECT_NE(Receipt("Anna").find("ZUKCUST.dbf     the old records are in the backup 61122180311"),
+              std::string::npos)
         << Receipt("Anna");
 }
 
@@ -152,7 +154,8 @@ TEST_F(UploadSessionTest, OnlyAuditsTickedReplacesThemAndTheReceiptSaysSo) {
     Upload();
 
     EXPECT_EQ(Column("ZUKAudTH"), Strings{"DAnna"});
-    EXPECT_NE(Receipt("Anna").find("ZUKAudTH.dbf    the old records are in the backup 61122180311"), std::string::npos);
+    EXPECT_NE(Receipt("Anna").find("ZUKAudTH.dbf    the old records are in the backup 61122180311"),
+              std::string::npos);
     EXPECT_EQ(Column("ZUKAudTH", 0, Global.BackupPath + "61122180311/"), Strings{"OLD"});
 }
 
@@ -167,7 +170,8 @@ TEST_F(UploadSessionTest, ASessionThatIsCutStaysRunningAndMergesNothing) {
     EXPECT_EQ(Column("ZUKOrLin"), (Strings{"P1", "P1", "P2"}));
     const std::string receipt = Receipt("Anna");
     EXPECT_NE(receipt.find("The session broke off, so nothing was merged.\r\n"), std::string::npos);
-    EXPECT_NE(receipt.find("ZUKOrHdr.dbf    the old records are in the backup 61122180311"), std::string::npos)
+    EXPECT_NE(receipt.find("ZUKOrHdr.dbf    the old records are in the backup 61122180311"),
+              std::string::npos)
         << receipt;
     EXPECT_EQ(receipt.find("ZUKOrLin.dbf    the old"), std::string::npos);
 }
