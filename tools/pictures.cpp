@@ -206,6 +206,19 @@ void Prepare(FormBehaviour& form) {
     }
 }
 
+/// An upload has just added three orders.
+void GivenTotals() {
+    Global.CurHeaders = 128;
+    Global.CurLines = 1407;
+    Global.CurDollars = 48215.75;
+    Global.OldOrderCount = 125;
+    Global.OldLineCount = 1395;
+    Global.OldLineTotal = 47784.25;
+    Global.CurrentHotSyncID = "Anna Berg";
+    Global.HHLastOrder = "A00100000128";
+    Global.UploadClosing = true;
+}
+
 void Press(FormBehaviour& form, const char* button) {
     form.Window().findChild<QAbstractButton*>(QString::fromLatin1(button))->click();
 }
@@ -369,6 +382,7 @@ int main(int argc, char** argv) {
             ApplyLook(application, dark);
             The<frmMain1>();
             Global.View[ViewOrLinAudt] = true;
+            GivenTotals();
 #define PICTURE(form) Picture<form>(folder, #form);
             ALL_FORMS(PICTURE)
 #undef PICTURE
