@@ -216,13 +216,26 @@ void GivenUnattended() {
     WriteTemplate(Global.UploadTemplates + "All orders.ust", UploadChoice{.Orders = true, .HHTotals = true});
     WriteTemplate(Global.DownloadTemplates + "Orders.dct", ClearChoice{.Orders = true});
     SaveUA(Global.UnattendedTemplates + "Evening.uhs",
-           {.Upload = true, .UploadTemplate = "All orders", .Clear = true, .ClearTemplate = "Orders"});
+           {false, "", true, "All orders", true, "Orders"});
     Global.RemoteSyncSettings = "Evening";
     MakePath(Global.HHTotalsPath + "Anna Berg");
     std::string receipt = "Anna Berg, 2026-11-21 17:40:05\r\n\r\n";
     for (int k = 1; k <= 60; ++k)
         receipt += "order A0010000" + std::to_string(k) + "   12 lines   431.50\r\n";
     WriteWholeFile(Global.HHTotalsPath + "Anna Berg/Receipt 2026-11-21 174005.txt", receipt);
+}
+
+/// An upload has just added three orders.
+void GivenTotals() {
+    Global.CurHeaders = 128;
+    Global.CurLines = 1407;
+    Global.CurDollars = 48215.75;
+    Global.OldOrderCount = 125;
+    Global.OldLineCount = 1395;
+    Global.OldLineTotal = 47784.25;
+    Global.CurrentHotSyncID = "Anna Berg";
+    Global.HHLastOrder = "A00100000128";
+    Global.UploadClosing = true;
 }
 
 void Press(FormBehaviour& form, const char* button) {
@@ -414,6 +427,7 @@ int main(int argc, char** argv) {
             The<frmMain1>();
             GivenUnattended();
             Global.View[ViewOrLinAudt] = true;
+            GivenTotals();
 #define PICTURE(form) Picture<form>(folder, #form);
             ALL_FORMS(PICTURE)
 #undef PICTURE
