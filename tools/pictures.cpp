@@ -21,6 +21,7 @@
 #include "sync/SFrmAX40.h"
 #include "sync/TableTemplates.h"
 #include "sync/UnattendedSettings.h"
+#include "sync/forms/TableSelectForm.h"
 #include "sync/forms/UnattendedMode.h"
 
 #include <QApplication>
@@ -176,6 +177,10 @@ void ChooseFile(FormBehaviour& form) {
     form.Window().findChild<QAbstractButton*>(QStringLiteral("optCustomer"))->click();
 }
 
+void Press(FormBehaviour& form, const char* button) {
+    form.Window().findChild<QAbstractButton*>(QString::fromLatin1(button))->click();
+}
+
 /// What an operator would have done before looking at a screen.
 void Prepare(FormBehaviour& form) {
     if (auto* message = dynamic_cast<frmMessage*>(&form)) {
@@ -204,6 +209,7 @@ void Prepare(FormBehaviour& form) {
         QThread::msleep(60); // it paints only so often
         progress->ShowStep(Text::Value(std::string_view("ZUKCUST to the handheld")), 730, 1204);
     }
+    if (dynamic_cast<TableSelectForm*>(&form)) Press(form, "cmdSelectAll");
     if (dynamic_cast<frmChgLink*>(&form)) {
         form.Window()
             .findChild<QLineEdit*>(QStringLiteral("txtHotSync"))
@@ -215,8 +221,7 @@ void Prepare(FormBehaviour& form) {
 void GivenUnattended() {
     WriteTemplate(Global.UploadTemplates + "All orders.ust", UploadChoice{.Orders = true, .HHTotals = true});
     WriteTemplate(Global.DownloadTemplates + "Orders.dct", ClearChoice{.Orders = true});
-    SaveUA(Global.UnattendedTemplates + "Evening.uhs",
-           {false, "", true, "All orders", true, "Orders"});
+    SaveUA(Global.UnattendedTemplates + "Evening.uhs", {false, "", true, "All orders", true, "Orders"});
     Global.RemoteSyncSettings = "Evening";
     MakePath(Global.HHTotalsPath + "Anna Berg");
     std::string receipt = "Anna Berg, 2026-11-21 17:40:05\r\n\r\n";
@@ -236,10 +241,6 @@ void GivenTotals() {
     Global.CurrentHotSyncID = "Anna Berg";
     Global.HHLastOrder = "A00100000128";
     Global.UploadClosing = true;
-}
-
-void Press(FormBehaviour& form, const char* button) {
-    form.Window().findChild<QAbstractButton*>(QString::fromLatin1(button))->click();
 }
 
 /// The other pages of the main screen, screens at work, and a report at its end.
