@@ -105,7 +105,7 @@ Session::End Session::EndAs(End end, const std::string& how) noexcept {
     } catch (const std::exception& failure) {
         around_.Log.Write(Utf8ToCodePage(failure.what()));
     }
-    if (!creator_.empty()) around_.Desk.Raise(SessionEnded, user_, creator_);
+    if (!creator_.empty()) around_.Desk.Raise(SessionEnded, user_, creator_, nullptr);
     return end;
 }
 
@@ -196,17 +196,17 @@ void Session::RunConduit(const std::string& creator) {
     // The program may still be busy with the session before.
     WaitForDesk();
     if (!around_.Desk.TakesPart(creator)) return;
-    around_.Desk.Raise(SessionBegun, user_, creator);
+    around_.Desk.Raise(SessionBegun, user_, creator, nullptr);
     creator_ = creator;
     WaitForDesk();
     while (const auto transfer = around_.Desk.NextTransfer()) {
-        Move(*transfer);
-        around_.Desk.Raise(OperationFinished, user_, creator);
+        const EndedTransfer ended{transfer->Path, Move(*transfer)};
+        around_.Desk.Raise(OperationFinished, user_, creator, &ended);
         WaitForDesk();
     }
 }
 
-void Session::Move(const QueuedTransfer& transfer) {
+bool Session::Move(const QueuedTransfer& transfer) {
     const bool isUpload = transfer.Direction == QueuedTransfer::Way::Upload;
     moving_ = PathToName(FileNameOf(transfer.Path));
     way_ = isUpload ? SessionProgress::Way::FromHandheld : SessionProgress::Way::ToHandheld;
@@ -228,9 +228,11 @@ void Session::Move(const QueuedTransfer& transfer) {
         if (result.Signatures != 0) line += ", " + Counted(result.Signatures, "signature");
         Say(line + ", " + SecondsSince(begun));
         if (!result.Odd.empty()) Say(Utf8ToCodePage(result.Odd));
+        return true;
     } catch (const TransferFailure& failure) {
         ++failed_;
         Say(deed + " failed: " + Utf8ToCodePage(failure.what()));
+        return false;
     } catch (const LineFailure&) {
         Say(deed + " broke off");
         throw;

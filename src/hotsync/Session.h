@@ -20,6 +20,12 @@ struct QueuedTransfer {
     std::string Path; ///< of the table, in the file system's encoding
 };
 
+/// How a transfer ended.
+struct EndedTransfer {
+    std::string Path; ///< as it was queued
+    bool Well = false;
+};
+
 /// The program on the desk that takes part in sessions, as a session sees it. There may be none.
 class SessionDesk {
 public:
@@ -28,8 +34,10 @@ public:
     /// Whether a program takes part in sessions of this application.
     virtual bool TakesPart(std::string_view creator) = 0;
 
-    /// Tells the program a status, behind those that it has not handled yet.
-    virtual void Raise(std::int32_t status, const HotSyncUser& user, std::string_view creator) = 0;
+    /// Tells the program a status, behind those that it has not handled yet; with status 3 how its
+    /// transfer ended.
+    virtual void Raise(std::int32_t status, const HotSyncUser& user, std::string_view creator,
+                       const EndedTransfer* ended) = 0;
 
     /// True while the program handles a status. Waits until it has, but at most so long; a program that
     /// has gone is not busy.
@@ -78,7 +86,8 @@ private:
     void FindUser();
     HotSyncUser PickUser();
     void RunConduit(const std::string& creator);
-    void Move(const QueuedTransfer& transfer);
+    /// False when it failed and the session goes on.
+    bool Move(const QueuedTransfer& transfer);
     void InstallFiles();
     void SayGoodbye();
     void WaitForDesk();

@@ -151,6 +151,75 @@ TEST_F(Control, HoldsTheSessionOfTheDocumentedExample) {
 
     EXPECT_EQ(Manager.Heard(), toManager);
     EXPECT_EQ(came_, (Statuses{SessionBegun, OperationFinished, SessionEnded}));
+    EXPECT_TRUE(control_->EndedWell(path));
+}
+
+/// A transfer of this path is over.
+ManagerMessage EndOf(const std::string& path, const std::string& how) {
+    ManagerMessage status = StatusOf("3");
+    status.Texts.insert(status.Texts.end(), {path, how});
+    return status;
+}
+
+TEST_F(Control, KnowsWhichTransfersOfTheSessionHaveEndedWell) {
+    Enable();
+    std::vector<bool> inside;
+    control_->HotSyncStatus = [&](std::int32_t status) {
+        if (status == OperationFinished) inside.push_back(control_->EndedWell("/office/ZUKORHDR.DBF"));
+        came_.push_back(status);
+    };
+
+    Manager.Say(StatusOf("1"));
+    Manager.Say(EndOf("/office/ZUKORHDR.DBF", "WELL"));
+    Manager.Say(EndOf("/office/ZUKORLIN.DBF", "FAILED"));
+    Manager.Say(StatusOf("2"));
+    WaitForStatuses(4);
+
+    EXPECT_EQ(inside, (std::vector<bool>{true, true}));
+    EXPECT_TRUE(control_->EndedWell("/office/zukorhdr.dbf"));
+    EXPECT_FALSE(control_->EndedWell("/office/HHTotals/ANNA/ZUKORHDR.DBF"));
+    EXPECT_FALSE(control_->EndedWell("/office/ZUKORLIN.DBF"));
+    EXPECT_FALSE(control_->EndedWell("/office/ZUKAUDTH.DBF"));
+}
+
+TEST_F(Control, ForgetsHowTransfersEndedWhenTheNextSessionBegins) {
+    Enable();
+    Manager.Say(StatusOf("1"));
+    Manager.Say(EndOf("/office/ZUKORHDR.DBF", "WELL"));
+    Manager.Say(StatusOf("2"));
+    WaitForStatuses(3);
+
+    Manager.Say(StatusOf("1"));
+    WaitForStatuses(4);
+
+    EXPECT_FALSE(control_->EndedWell("/office/ZUKORHDR.DBF"));
+}
+
+TEST_F(Control, TakesATransferWhoseEndNobodyToldForOneThatDidNotEndWell) {
+    Enable();
+    Manager.Say(StatusOf("1"));
+    Manager.Say(StatusOf("3"));
+    Manager.Say({"STATUS", {"3", "ANNA", "7", "ZUK2", "/office/ZUKORHDR.DBF"}});
+    Manager.Say(EndOf("/office/ZUKORLIN.DBF", "well"));
+    // Only an end of a transfer says that one has ended.
+    Manager.Say({"STATUS", {"4", "ANNA", "7", "ZUK2", "/office/ZUKAUDTH.DBF", "WELL"}});
+    WaitForStatuses(5);
+
+    for (const char* path : {"", "/office/ZUKORHDR.DBF", "/office/ZUKORLIN.DBF", "/office/ZUKAUDTH.DBF"})
+        EXPECT_FALSE(control_->EndedWell(path)) << path;
+}
+
+TEST_F(Control, KnowsHowTransfersEndedBeforeItsManagerWasLost) {
+    Enable();
+    Manager.Say(StatusOf("1"));
+    Manager.Say(EndOf("/office/ZUKORHDR.DBF", "WELL"));
+    WaitForStatuses(2);
+
+    Manager.Stop();
+    WaitForStatuses(3);
+
+    EXPECT_EQ(came_.back(), SessionEnded);
+    EXPECT_TRUE(control_->EndedWell("/office/ZUKORHDR.DBF"));
 }
 
 TEST_F(Control, SaysWhoIsInSession) {

@@ -85,9 +85,11 @@ TEST_F(Download, OnlyItsOwnTemplatesAreListed) {
     GivenTemplate("Prices.dst", "");
     GivenTemplate("Old orders.dct", "");
 
-    EXPECT_EQ(dynamic_cast<QComboBox&>(FormTest::Control(Open<frmTableSelectDL>(), "cboSettings")).count(), 1);
-    EXPECT_EQ(dynamic_cast<QComboBox&>(FormTest::Control(Open<frmTableSelectCL>(), "cboSettings")).itemText(0),
-              Q("Old orders"));
+    EXPECT_EQ(dynamic_cast<QComboBox&>(FormTest::Control(Open<frmTableSelectDL>(), "cboSettings")).count(),
+              1);
+    EXPECT_EQ(
+        dynamic_cast<QComboBox&>(FormTest::Control(Open<frmTableSelectCL>(), "cboSettings")).itemText(0),
+        Q("Old orders"));
 }
 
 TEST_F(Download, TheTablesAreShownWithTheirRecords) {
@@ -407,7 +409,9 @@ TEST_F(TableButtons, ATemplateThatCannotBeReadIsToldAndNothingRunsByIt) {
     WriteWholeFile(path, "Audits=1\r\n");
     auto& form = Open<frmQBUpload>();
     Choose(form, "cboDownload", Q("Audits"));
-    Operator_.Expect(T(Perform("Audits"))).Answer(Answer::Yes).Then([path] { std::filesystem::remove(path); });
+    Operator_.Expect(T(Perform("Audits"))).Answer(Answer::Yes).Then([path] {
+        std::filesystem::remove(path);
+    });
     Operator_.ExpectBeginning(msg::UnattendedUnreadable);
     WhenEver([] { return IfLoaded<frmUploadSelect>() && IfLoaded<frmUploadSelect>()->isVisible(); },
              [] { Click(The<frmUploadSelect>(), "cmdCancel"); });
@@ -481,8 +485,9 @@ TEST_F(TableTemplateKeepers, TheOptionsOpenTheScreensAndListWhatWasSavedThere) {
     WhenStands<frmTableSelectCL>([&](auto& form) { save(form, "Old orders"); });
     Click(options, "cmdSUClear");
 
-    for (const auto& [list, name] :
-         {std::pair{"cboSettings", "Prices"}, {"cboULSettings", "Orders"}, {"cboClearSettings", "Old orders"}})
+    for (const auto& [list, name] : {std::pair{"cboSettings", "Prices"},
+                                     {"cboULSettings", "Orders"},
+                                     {"cboClearSettings", "Old orders"}})
         EXPECT_EQ(dynamic_cast<QComboBox&>(FormTest::Control(options, list)).itemText(1), Q(name));
     EXPECT_EQ(Lines(Template("Old orders.dct")).at(0), "Order Tables=1");
     EXPECT_FALSE(Global.TemplateEditMode);

@@ -395,8 +395,8 @@ TEST_F(UploadScreen, ASessionThatBreaksOffMergesNothingAndSaysWhereTheOldRecords
     auto& form = Open<frmUploadSelect>();
     Tick(form, "chkOrHdr");
     Operator_.Expect(msg::UploadNow).Answer(Answer::Yes);
-    Operator_.ExpectBeginning(
-        ::Lines(msg::UploadBrokeOff, Words(msg::UploadBackupIn, Text::Path(std::string_view(Global.BackupPath)))));
+    Operator_.ExpectBeginning(::Lines(
+        msg::UploadBrokeOff, Words(msg::UploadBackupIn, Text::Path(std::string_view(Global.BackupPath)))));
     WhenItWaits([this] { Session(2); }); // the headers come, the lines do not
 
     Click(form, "cmdOK");

@@ -22,6 +22,7 @@ class ScriptedDesk final : public SessionDesk {
 public:
     bool There = true;
     std::vector<std::int32_t> Heard;
+    std::vector<std::string> Ended; ///< how each transfer did: "WELL" or "FAILED", a blank and the path
     std::string User;
     std::function<void(std::int32_t status)> Handler = [](std::int32_t) {};
     std::deque<QueuedTransfer> Queue;
@@ -33,8 +34,11 @@ public:
     void Download(const std::string& path) { Queue.push_back({Way::Download, path}); }
 
     bool TakesPart(std::string_view creator) override { return There && creator == "ZUK2"; }
-    void Raise(std::int32_t status, const HotSyncUser& user, std::string_view) override {
+    void Raise(std::int32_t status, const HotSyncUser& user, std::string_view,
+               const EndedTransfer* ended) override {
         Heard.push_back(status);
+        EXPECT_EQ(ended != nullptr, status == OperationFinished);
+        if (ended) Ended.push_back((ended->Well ? "WELL " : "FAILED ") + ended->Path);
         User = user.Name;
         Handler(status);
     }
@@ -197,6 +201,7 @@ TEST_F(SessionTest, StatusThreeFollowsEachTransferAndStatusTwoTheLast) {
     EXPECT_EQ(Hold(), Session::End::Well);
 
     EXPECT_EQ(desk_.Heard, (Statuses{SessionBegun, OperationFinished, OperationFinished, SessionEnded}));
+    EXPECT_EQ(desk_.Ended, (Rows{"WELL " + Table("ZUKSTAX"), "WELL " + Folder() + "pc/ZUKLINK.DBF"}));
     EXPECT_EQ(desk_.User, "ANNA");
 }
 
@@ -220,6 +225,7 @@ TEST_F(SessionTest, ATransferThatFailsIsFollowedByStatusThreeAndTheNext) {
     EXPECT_EQ(Hold(), Session::End::Well);
 
     EXPECT_EQ(desk_.Heard, (Statuses{1, 3, 3, 2}));
+    EXPECT_EQ(desk_.Ended, (Rows{"FAILED " + Table("ZUKSTAX"), "WELL " + Table("ZUKPAY")}));
     EXPECT_TRUE(LogSays("ZUKSTAX.DBF to the handheld failed"));
     EXPECT_EQ(HandheldRows("ZUKPAY"), RowsOf(Table("ZUKPAY")));
     EXPECT_EQ(HandheldRows("ZUKSTAX"), std::nullopt);

@@ -12,6 +12,7 @@ const QString Config = "frmConfig", Report = "frmConfigMsg", Options = "frmOptio
 const QString Convert = "frmConvert", Mapping = "frmImport1", Export = "frmExport1";
 const QString Grid = "frmViewGrid", Question = "frmMessage";
 const QString ImportButton = "frmQBImport", ExportButton = "frmQBExport";
+const QString RemoteButton = "frmQBRemote", Remote = "frmRemoteSync";
 const QString DownloadButton = "frmQBDownload", UploadButton = "frmQBUpload";
 const QString DownloadTables = "frmTableSelectDL", ClearTables = "frmTableSelectCL";
 const QString UploadTables = "frmUploadSelect";
@@ -25,7 +26,7 @@ const QString Fatal = "#ff0000";
 class Presses {
 public:
     void See(DriverClient& program, const QString& form) {
-        static const QStringList whole{Config, Report, Options, Links};
+        static const QStringList whole{Config, Report, Options, Links, RemoteButton, Remote};
         static const QStringList kinds{"QPushButton", "QToolButton", "QRadioButton", "QCheckBox"};
         static const QStringList buttons{ImportButton, ExportButton, DownloadButton, UploadButton};
         const bool onlySetup = buttons.contains(form);
@@ -226,6 +227,7 @@ protected:
     void CheckAllAndFindNothing();
     void FindTheResultsAfterARestart();
     void RunTheRepairedActivity();
+    void WaitForHandheldsUnattended();
 };
 
 void FirstCheck::ImportTheFirstFilesWithoutASearchField() {
@@ -729,6 +731,43 @@ void FirstCheck::RunTheRepairedActivity() {
     EXPECT_EQ(program_->Quit(), 0);
 }
 
+void FirstCheck::WaitForHandheldsUnattended() {
+    program_->ExpectContaining("No activity templates are setup for Unattended Hotsync.");
+    program_->Click(Main, "lblUA");
+    BoxesCame();
+    EXPECT_FALSE(program_->IsShown(RemoteButton));
+    program_->Click(Main, "mnuPCSetup");
+    program_->WaitForm(Options);
+    TurnTo("Unattended Hotsync");
+    program_->Set(Options, "cboRemoteSettings", "Evening");
+    PressToClose(Options, "cmdOK");
+
+    program_->Click(Main, "lblUA");
+    program_->WaitForm(RemoteButton);
+    PressToClose(RemoteButton, "cmdCancel");
+    program_->Click(Main, "lblUA");
+    program_->WaitForm(RemoteButton);
+    ExpectText(RemoteButton, "cboUnattended", "Evening");
+    PressAndWait(RemoteButton, "cmdSetup", Options);
+    ExpectText(Options, "cboRemoteSettings", "Evening");
+    PressToClose(Options, "cmdOK");
+
+    program_->Expect("Perform Evening - Is that correct?", "Yes");
+    Press(RemoteButton, "cmdOK");
+    program_->WaitForm(Remote);
+    BoxesCame();
+    EXPECT_FALSE(program_->IsShown(RemoteButton));
+    ExpectText(Remote, "lblRemote", "Evening");
+    ExpectText(Remote, "lblULActive", "No");
+    Press(Remote, "chkOnTop");
+    EXPECT_TRUE(program_->IsChecked(Remote, "chkOnTop"));
+    PressToClose(Remote, "cmdCancel");
+
+    program_->Click(Main, "lblUA"); // and it can be started again
+    program_->WaitForm(RemoteButton);
+    PressToClose(RemoteButton, "cmdCancel");
+}
+
 TEST_F(FirstCheck, LeadsFromAnEmptyOfficeToACleanCheckOnTheScreensAlone) {
     OpenTheProgram();
 
@@ -750,8 +789,10 @@ TEST_F(FirstCheck, LeadsFromAnEmptyOfficeToACleanCheckOnTheScreensAlone) {
     CheckAllAndFindNothing();
     FindTheResultsAfterARestart();
     RunTheRepairedActivity();
+    WaitForHandheldsUnattended();
 
-    for (const QString& form : {Config, Report, Options, Links, ImportButton, ExportButton, DownloadButton, UploadButton})
+    for (const QString& form : {Config, Report, Options, Links, ImportButton, ExportButton, DownloadButton,
+                                UploadButton, RemoteButton, Remote})
         EXPECT_FALSE(presses_.Seen(form).isEmpty()) << form.toStdString() << " was never looked at";
     ExpectLines(presses_.Forgotten(), {});
 }

@@ -215,7 +215,8 @@ bool OfficeDesk::TakesPart(std::string_view creator) {
     return Latest(creator) != nullptr;
 }
 
-void OfficeDesk::Raise(std::int32_t status, const HotSyncUser& user, std::string_view creator) {
+void OfficeDesk::Raise(std::int32_t status, const HotSyncUser& user, std::string_view creator,
+                       const EndedTransfer* ended) {
     if (status == SessionBegun) {
         current_ = Latest(creator);
         transfers_.clear();
@@ -223,9 +224,10 @@ void OfficeDesk::Raise(std::int32_t status, const HotSyncUser& user, std::string
     }
     // A control that was turned off in the middle of its session hears no more.
     if (!current_ || current_->Creator != creator) return;
-    const ManagerMessage message{
+    ManagerMessage message{
         "STATUS",
         {std::to_string(status), CodePageToUtf8(user.Name), std::to_string(user.Id), std::string(creator)}};
+    if (ended) message.Texts.insert(message.Texts.end(), {ended->Path, ended->Well ? "WELL" : "FAILED"});
     if (current_->Busy)
         current_->Pending.push_back(message);
     else

@@ -35,7 +35,8 @@ public:
     bool Listen(const QString& name, QString& why);
 
     bool TakesPart(std::string_view creator) override;
-    void Raise(std::int32_t status, const HotSyncUser& user, std::string_view creator) override;
+    void Raise(std::int32_t status, const HotSyncUser& user, std::string_view creator,
+               const EndedTransfer* ended) override;
     bool IsBusy(std::chrono::milliseconds wait) override;
     std::optional<QueuedTransfer> NextTransfer() override;
     void DropTransfers() override;
