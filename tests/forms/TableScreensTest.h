@@ -6,6 +6,7 @@
 #include "forms/HotSyncTest.h"
 #include "support/IdleControl.h"
 #include "sync/SessionStatus.h"
+#include "sync/Status.h"
 
 #include <QTimer>
 
