@@ -1,3 +1,4 @@
+#include "core/SafeFile.h"
 #include "core/forms/frmMain1.h"
 #include "exchange/forms/frmQBDownload.h"
 #include "exchange/forms/frmQBUpload.h"

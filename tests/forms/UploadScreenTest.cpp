@@ -1,3 +1,4 @@
+#include "core/SafeFile.h"
 #include "core/forms/frmMain1.h"
 #include "core/forms/frmProgress.h"
 #include "forms/TableScreensTest.h"
