@@ -13,6 +13,7 @@
 #include "store/SortTables.h"
 #include "store/TableRewrite.h"
 #include "store/TableScan.h"
+#include "sync/SafetyCopies.h"
 #include "views/TableViews.h"
 
 #include <benchmark/benchmark.h>
@@ -190,6 +191,63 @@ void TotalsEvent(benchmark::State& state) {
     }
 }
 BENCHMARK(TotalsEvent)->Arg(1'000)->Arg(10'000)->Unit(benchmark::kMillisecond);
+
+/// What an upload costs the PC that holds so many order lines and a tenth of the headers: safety copies and
+/// old totals before it, merge and totals behind it. The handheld sends a hundred lines.
+void MergeAnUpload(benchmark::State& state) {
+    constexpr std::int64_t LinesSent = 100;
+    const BenchOffice office;
+    Global.UploadSelect = Selection(true);
+    const auto keep = [](const char* as) {
+        for (const std::string& table : {HeaderTable(), LineTable()}) CopyOver(table, table + as, false);
+    };
+    const auto put = [](const char* as) {
+        for (const std::string& table : {HeaderTable(), LineTable()}) CopyOver(table + as, table, false);
+    };
+    office.GivenOrders(LinesSent / 10, LinesSent);
+    keep(".sent");
+    office.GivenOrders(state.range(0) / 10, state.range(0));
+    keep(".held");
+    NoProgress silent;
+    for (auto _ : state) {
+        state.PauseTiming();
+        put(".held");
+        state.ResumeTiming();
+        MakeSafetyCopies(SafetyCopies::OfSession);
+        CalcOldPCTotals();
+        state.PauseTiming();
+        put(".sent");
+        state.ResumeTiming();
+        for (const MergedTable& table : {MergedOrderHeaders, MergedOrderLines}) {
+            TableMerge merge(table);
+            merge.WriteText();
+            merge.ReadText(silent);
+        }
+        CalcPCTotals("UPLOAD-ADD", silent);
+        DeleteSafetyCopies(SafetyCopies::OfSession);
+        if (Global.CurLines != state.range(0) + LinesSent) state.SkipWithError("lines were lost");
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK(MergeAnUpload)->Arg(10'000)->Arg(50'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
+
+/// What a start costs that finds the lines of such an upload not merged yet.
+void RecoverAnUpload(benchmark::State& state) {
+    const BenchOffice office;
+    Global.UploadSelect = Selection(true);
+    office.GivenOrders(state.range(0) / 10, state.range(0));
+    CopyOver(LineTable(), LineTable() + ".held", false);
+    for (auto _ : state) {
+        state.PauseTiming();
+        CopyOver(LineTable() + ".held", LineTable(), false);
+        MakeSafetyCopies(SafetyCopies::OfSession);
+        EmptyTable(LineTable(), false);
+        state.ResumeTiming();
+        if (RecoverSafetyCopies().size() != 1) state.SkipWithError("nothing was put back");
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK(RecoverAnUpload)->Arg(10'000)->Arg(50'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
 
 void TraceEvents(benchmark::State& state) {
     const BenchOffice office;

@@ -19,7 +19,7 @@ target_sources(engine PRIVATE ${generated_files})
 target_include_directories(engine PUBLIC ${TRAMBLE_GENERATED})
 add_custom_target(catalogue DEPENDS ${generated_files})
 
-add_executable(makeinstall ${CMAKE_SOURCE_DIR}/tools/makeinstall.cpp)
+add_executable(makeinstall ${CMAKE_SOURCE_DIR}/tools/makeinstall.cpp ${CMAKE_SOURCE_DIR}/tools/Animations.cpp)
 target_link_libraries(makeinstall PRIVATE engine)
 file(GLOB install_inputs CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/resources/graphics/*.svg
     ${CMAKE_SOURCE_DIR}/resources/templates/*)

@@ -3,8 +3,9 @@
 //   makeinstall RESOURCES OUT
 //
 // writes below OUT: Install/<TABLE>.dbf, empty, for every table of the catalogue; Install/Notes.dat,
-// empty; Install/Graphics; Templates.
+// empty; Install/Graphics, with the animations drawn; Templates.
 
+#include "Animations.h"
 #include "core/Failure.h"
 #include "core/Paths.h"
 #include "core/SafeFile.h"
@@ -44,6 +45,8 @@ int main(int argc, char** argv) {
         }
         WriteWholeFile(install + "Notes.dat", "", false);
         CopyFolder(resources + "graphics/", install + "Graphics/");
+        WriteWholeFile(install + "Graphics/WaitingforHotsync.gif", WaitingForHotsync(), false);
+        WriteWholeFile(install + "Graphics/synczukwhite.gif", HotsyncRunning(), false);
         CopyFolder(resources + "templates/", out + "Templates/");
         WriteWholeFile(out + "complete.txt", "", false);
     } catch (const RunTimeFailure& failure) {

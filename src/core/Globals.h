@@ -4,6 +4,7 @@
 #include "core/Disk.h"
 #include "core/FileNumbers.h"
 #include "core/Trace.h"
+#include "sync/UploadRun.h"
 
 #include <array>
 #include <cstdint>
@@ -159,6 +160,9 @@ struct Globals {
     std::string HSLastOrderFull;              ///< its machine id and last order number, joined
     std::string LastSyncedUser;               ///< of the last session that reached its end
     std::string HHUserDir;                    ///< that handheld's directory under HHTotalsPath
+    UploadRun SessionRun;      ///< what the merge has to do while `frmMainSync` is loaded: set before it
+    UploadRun UploadScreenRun; ///< and while it is not: set by `frmUploadSelect`
+    std::vector<std::string> FailedMerges; ///< safety copies, by file name, that are needed still
 
     // The HotSync Manager, as its controls and SFrmUt40 know it.
     std::string LastSessionUser;         ///< whose session has begun last; empty before the first one

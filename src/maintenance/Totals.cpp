@@ -92,6 +92,25 @@ bool HasRecords(const std::string& path) {
     return TableScan(path).RecordCount() > 0;
 }
 
+struct OrderTotals {
+    std::int32_t Headers = 0, Lines = 0;
+    double Dollars = 0;
+};
+
+OrderTotals ReadOrderTotals(Progress& progress) {
+    OrderTotals totals;
+    totals.Headers = TableScan(Global.DBFPath + "ZUKORHDR.DBF").RecordCount();
+    TableScan lines(Global.DBFPath + "ZUKORLIN.DBF");
+    totals.Lines = lines.RecordCount();
+    const int price = lines.Layout().Find(FieldKey("L_TOTPRICE"));
+    progress.Begin(msg::ProcessingData, totals.Lines);
+    while (lines.Next()) {
+        totals.Dollars += ToNumber(lines.Trimmed(price));
+        progress.Show(lines.RecordNumber());
+    }
+    return totals;
+}
+
 } // namespace
 
 std::string MachineOf(std::string_view hotSyncID) {
@@ -109,20 +128,26 @@ std::string MachineOf(std::string_view hotSyncID) {
 }
 
 void CountOrders(Progress& progress) {
-    {
-        const TableScan headers(Global.DBFPath + "ZUKORHDR.DBF");
-        Global.CurHeaders = headers.RecordCount();
-    }
-    TableScan lines(Global.DBFPath + "ZUKORLIN.DBF");
-    Global.CurLines = lines.RecordCount();
-    Global.CurDollars = 0;
-    FieldKey key("L_TOTPRICE");
-    const int price = lines.Layout().Find(key);
-    progress.Begin(msg::ProcessingData, Global.CurLines);
-    while (lines.Next()) {
-        Global.CurDollars += ToNumber(lines.Trimmed(price));
-        progress.Show(lines.RecordNumber());
-    }
+    const OrderTotals now = ReadOrderTotals(progress);
+    Global.CurHeaders = now.Headers;
+    Global.CurLines = now.Lines;
+    Global.CurDollars = now.Dollars;
+}
+
+void CalcOldPCTotals() {
+    TraceEvent("Totals:CalcOldPCTotals");
+    NoProgress silent;
+    const OrderTotals old = ReadOrderTotals(silent);
+    Global.OldOrderCount = old.Headers;
+    Global.OldLineCount = old.Lines;
+    Global.OldLineTotal = old.Dollars;
+}
+
+void ZeroTotalsBlock() {
+    Global.OldOrderCount = Global.OldLineCount = 0;
+    Global.OldLineTotal = 0;
+    Global.HHLastOrder.clear();
+    Global.CurrentHotSyncID.clear();
 }
 
 void CalcPCTotals(std::string_view event, Progress& progress) {

@@ -13,6 +13,13 @@
 /// over all lines). RunTimeFailure 53 when one of the tables is not there.
 void CountOrders(Progress& progress);
 
+/// Counts the order tables into Global.OldOrderCount, OldLineCount and OldLineTotal: what they hold before
+/// an upload. RunTimeFailure as CountOrders.
+void CalcOldPCTotals();
+
+/// Empties the old totals, HHLastOrder and CurrentHotSyncID.
+void ZeroTotalsBlock();
+
 /// Adds the record of an event, or for a second half ("IMPORT2REPLACE", "CLEAR2", "IMPORT2ADD")
 /// completes record 1. The other events: "UPLOAD-ADD", "UPLOAD-REPLACE", "IMPORT-ADD",
 /// "IMPORT-REPLACE", "EXPORT", "QUALCHECK", "CLEAR", "RESTORE". The event's time is that of the

@@ -487,7 +487,7 @@ QStringList FormRegistry::Names() const {
 void FormRegistry::UnloadSecondary() {
     for (const QString& name : Names()) {
         FormBehaviour* form = Find(name.toLatin1().constData());
-        if (form && !qobject_cast<QMainWindow*>(&form->Window())) form->Unload();
+        if (form && form->IsSecondary()) form->Unload();
     }
 }
 

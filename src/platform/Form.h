@@ -39,6 +39,9 @@ public:
 
     bool IsGone() const { return gone_; }
 
+    /// Whether it goes with all others when the main screen turns to something else.
+    virtual bool IsSecondary() const { return true; }
+
     /// The form has gone, or the process is ending: a handler that has waited goes no further.
     bool IsOver() const;
 
@@ -98,6 +101,7 @@ protected:
 class MainForm : public QMainWindow, public FormBehaviour {
 public:
     QWidget& Window() override { return *this; }
+    bool IsSecondary() const override { return false; }
 
 protected:
     MainForm() = default;
@@ -115,10 +119,10 @@ public:
     /// Names of the loaded forms, in the order of the names without regard to case.
     QStringList Names() const;
 
-    /// Unloads every form but the main screen, in the order of the forms' names.
+    /// Unloads every secondary form, in the order of the forms' names.
     void UnloadSecondary();
 
-    /// Unloads all, the main screen last, and destroys them: for the end of a program or a test.
+    /// Unloads all, the secondary ones first, and destroys them: for the end of a program or a test.
     void Clear();
 
 private:

@@ -2,6 +2,7 @@
 
 #include "core/Failure.h"
 #include "platform/Convert.h"
+#include "platform/Form.h"
 #include "platform/HotSyncManager.h"
 #include "platform/LocalName.h"
 
@@ -20,7 +21,8 @@
 
 namespace {
 
-constexpr int AnswerWithin = 500;   // milliseconds
+constexpr int AnswerWithin = 500; // milliseconds
+constexpr int LookEvery = 50;
 constexpr qint64 LongestLine = 100; // bytes of a request or an answer
 constexpr int Farthest = 1 << 20;   // pixels from the screen's corner
 
@@ -200,4 +202,12 @@ std::optional<FoundWindow> FindWindow(const QString& title) {
     socket->connectToServer(NameFor(PathToQt(folder), title));
     if (!socket->waitForConnected(AnswerWithin)) return std::nullopt;
     return FoundWindow(std::move(socket));
+}
+
+void LookUntil(FormBehaviour& form, const std::function<bool()>& there) {
+    bool seen = there();
+    QTimer look;
+    QObject::connect(&look, &QTimer::timeout, &look, [&] { seen = seen || there(); });
+    look.start(LookEvery);
+    form.WaitWhile([&] { return !seen; });
 }

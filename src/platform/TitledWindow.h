@@ -9,6 +9,7 @@
 #include <memory>
 #include <optional>
 
+class FormBehaviour;
 class QLocalSocket;
 class QWidget;
 
@@ -82,3 +83,7 @@ private:
 /// The window of that title which belongs to the registered HotSync Manager. Quick: it asks no window, only
 /// whether one listens.
 std::optional<FoundWindow> FindWindow(const QString& title);
+
+/// Looks again and again until there is what is looked for: no event tells of another program's windows. Ends
+/// when the form has gone or the process is ending.
+void LookUntil(FormBehaviour& form, const std::function<bool()>& there);

@@ -10,18 +10,29 @@
 /// matched by field name when they are read back. No value passes as bytes.
 ///
 /// A line is a record: each field's value, trimmed, and behind each one the byte 165. A value that holds
-/// this byte moves the values behind it; that is accepted.
+/// this byte moves the values behind it; that is accepted. A line end inside a value is written as blanks, or
+/// one record would come back as two.
 
 /// The names of a table's fields in their order: position i of a line belongs to entry i.
 using BridgeFields = std::vector<std::string>;
 
-/// Writes a table's records into a text file, in their order, those marked as deleted included. `fields` then holds its field names.
-/// RunTimeFailure as TableScan and SafeFile.
+/// Writes a table's records into a text file, in their order, those marked as deleted included. `fields` then
+/// holds the names of its fields. RunTimeFailure as TableScan and SafeFile; there is no new text then.
 void DBFtoText(std::string_view source, BridgeFields& fields, std::string_view text);
 
-/// Appends the lines of a text file to a table, behind the records that it holds, and deletes the text; an
-/// empty one is left as it stands, and so is the table. A field that the table does not have is dropped, one
-/// that the text does not have stays blank. The table is replaced whole. RunTimeFailure as TextReader,
-/// TableScan and TableRewrite: table and text are then as they were.
+/// Appends the lines of a text file to a table, behind the records that it holds, and deletes the text. A
+/// text without lines stays and adds nothing. A field that the table does not have is dropped, one that the
+/// text does not have stays blank. The table is replaced whole, and ends in a blank. RunTimeFailure as
+/// TextReader, TableScan, TableLayout::Find and TableRewrite, and 321 for a line of fewer values than there
+/// are fields; table and text are then as they were.
 void TextToDBF(std::string_view target, const BridgeFields& fields, std::string_view text,
                Progress& progress);
+
+/// Whether a table ends with all records of another as the bridge appends them: TextToDBF behind DBFtoText
+/// has been done already. Always so when the source has no record. RunTimeFailure as TableScan and
+/// TableLayout::Find.
+bool EndsWithBridged(std::string_view target, std::string_view source);
+
+/// Whether two tables have the same fields and the same records, marks of deletion included. RunTimeFailure
+/// as TableScan.
+bool HoldTheSame(std::string_view table, std::string_view other);

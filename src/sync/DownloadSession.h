@@ -1,5 +1,6 @@
 #pragma once
 
+#include "sync/Receipt.h"
 #include "sync/SFrmAX40.h"
 
 #include <cstdint>
@@ -31,12 +32,18 @@ std::vector<std::string> TablesOf(const ClearChoice& choice);
 /// takes it to its end: it counts nothing, and the handheld's mark says that a download was asked for.
 class DownloadSession {
 public:
-    explicit DownloadSession(SFrmAX40& control) : SFDownload(control) {}
+    /// `kind`: Download or Clear, for the receipt.
+    explicit DownloadSession(SFrmAX40& control, SessionKind kind = SessionKind::Download)
+        : SFDownload(control),
+          receipt_(kind) {}
     DownloadSession(const DownloadSession&) = delete;
     DownloadSession& operator=(const DownloadSession&) = delete;
 
     /// The control's event.
     void SFDownload_HotSyncStatus(std::int32_t status);
+
+    /// Writes the receipt, when the session is over. Nothing when none has begun.
+    void WriteReceipt();
 
     std::vector<std::string> Tables;  ///< paths to send, set before the HotSync
     std::function<void()> ShowStatus; ///< a mark of the status list has changed
@@ -46,4 +53,5 @@ public:
 
 private:
     SFrmAX40& SFDownload;
+    SessionReceipt receipt_;
 };

@@ -1,12 +1,15 @@
 #pragma once
 
+#include "sync/Arrivals.h"
+#include "sync/Receipt.h"
 #include "sync/SFrmAX40.h"
 #include "sync/SessionScreen.h"
 #include "sync/UploadRun.h"
 
 #include <cstdint>
-#include <map>
+#include <span>
 #include <string>
+#include <string_view>
 
 /// An unattended session: the machine behind `frmMainSync`, driven by the statuses of its control.
 ///
@@ -38,6 +41,31 @@ public:
     std::string Label1, Label2, Label3; ///< "Y": orders, audits, handheld totals were queued for upload
 
 private:
+    bool HSStart();
+    void StageStep();
+    bool HSUpload();
+    void HSClear();
+    void HSDownload();
+    void HSEnd();
+
+    bool UploadByTemplate();
+    void UploadFixedList();
+    void QueueGroup(std::span<const std::string_view> tables, std::string MainSession::*label);
+    void QueueTotalsOfHandheld();
+    void QueueUpload(const std::string& path);
+    void QueueDownload(const std::string& path);
+    void RefreshUser();
+
+    void UpdateLinks();
+    void MergeUpload();
+    std::string GetSyncStatus();
+    void StoreStatus(const std::string& letter);
+
     SFrmAX40& SFMain;
     SessionScreen& screen_;
+    Arrivals arrivals_;
+    SessionReceipt receipt_{SessionKind::Unattended};
+    UploadRun arrived_;           ///< while the session is closed
+    bool totalsCame_ = false;     ///< the handheld's own totals came in this session
+    bool oldTotalsTaken_ = false; ///< what the PC held when this session began is known
 };

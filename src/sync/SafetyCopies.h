@@ -1,21 +1,32 @@
 #pragma once
 
+#include "core/Progress.h"
+#include "store/TextBridge.h"
+
+#include <array>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
 
 /// What the PC held before an upload: a transfer replaces a table by what the handheld has, so each table is
 /// first copied to a file of its name with the extension ".dap", and the merge puts the old records back
-/// behind the new ones.
+/// behind the new ones. All of it lies in the tables directory.
+///
+/// While a table may be replaced and not merged yet, the mark "SafetyCopies.txt" lies beside the copies. A
+/// start that finds it follows a program that ended in the middle. Without it copies mean nothing: a session
+/// that uploads nothing leaves its own lying about.
 
 /// Which tables: the six of an unattended session, or the eight of the upload screen.
 enum class SafetyCopies { OfSession, OfUploadScreen };
 
-/// Copies the tables, over any earlier copies. RunTimeFailure as CopyOver, 53 for a table that is not there;
-/// the copies before it are then made.
+/// Copies the tables, over any earlier copies, and sets the mark when there will be an upload. Earlier copies
+/// that are needed still are put back first. RunTimeFailure as RecoverSafetyCopies; as CopyOver, 53 for a
+/// table that is not there; the copies before it are then made.
 void MakeSafetyCopies(SafetyCopies which);
 
-/// Deletes the copies that are there. RunTimeFailure as Disk::Remove.
+/// Deletes the mark and the copies that are there. The copies of Global.FailedMerges stay, with the mark, and
+/// the list is emptied. RunTimeFailure as Disk::Remove.
 void DeleteSafetyCopies(SafetyCopies which);
 
 /// A table that is merged after an upload, with the names of its files in the tables directory.
@@ -25,18 +36,47 @@ struct MergedTable {
     std::string_view Target;
 };
 
-/// In the order in which they are merged: headers, lines; audit headers, audit lines, handheld totals;
-/// barcode index.
-inline constexpr MergedTable MergedOrders[] = {{"ZUKORHDR.DAP", "OLDHDR.TXT", "ZUKORHDR.DBF"},
-                                               {"ZUKORLIN.DAP", "OLDLIN.TXT", "ZUKORLIN.DBF"}};
-inline constexpr MergedTable MergedAudits[] = {{"ZUKAUDTH.DAP", "OLDAUDTH.TXT", "ZUKAUDTH.DBF"},
-                                               {"ZUKAUDTL.DAP", "OLDAUDTL.TXT", "ZUKAUDTL.DBF"}};
-inline constexpr MergedTable MergedHHTotals[] = {{"ZUKAUDHH.DAP", "OLDAUDHH.TXT", "ZUKAUDHH.DBF"}};
-inline constexpr MergedTable MergedBarcodeIndex[] = {{"ZUKBARIN.DAP", "OLDBARIN.TXT", "ZUKBARIN.DBF"}};
+/// In the order in which they are merged.
+inline constexpr MergedTable MergedOrderHeaders{"ZUKORHDR.DAP", "OLDHDR.TXT", "ZUKORHDR.DBF"};
+inline constexpr MergedTable MergedOrderLines{"ZUKORLIN.DAP", "OLDLIN.TXT", "ZUKORLIN.DBF"};
+inline constexpr MergedTable MergedAuditHeaders{"ZUKAUDTH.DAP", "OLDAUDTH.TXT", "ZUKAUDTH.DBF"};
+inline constexpr MergedTable MergedAuditLines{"ZUKAUDTL.DAP", "OLDAUDTL.TXT", "ZUKAUDTL.DBF"};
+inline constexpr MergedTable MergedHHTotals{"ZUKAUDHH.DAP", "OLDAUDHH.TXT", "ZUKAUDHH.DBF"};
+inline constexpr MergedTable MergedBarcodeIndex{"ZUKBARIN.DAP", "OLDBARIN.TXT", "ZUKBARIN.DBF"};
 
-/// What a program that ended in the middle of a session has left: merges each safety copy whose table was
-/// replaced by an upload and not merged yet, and deletes the copies of an unattended session. A table that
-/// is as it was, or that ends with the copy's records already, stays as it is. To be called when no
-/// session can run.
-/// Returns the tables whose old records were put back. RunTimeFailure as the merge; what is not done yet then stays for the next call.
-std::vector<std::string> RecoverSafetyCopies();
+/// One table's merge in its two steps. A failure of files is for the trace alone: it ends the merge, the
+/// table stays as the handheld sent it, and Global.FailedMerges names it, so that the next start, or the next
+/// safety copies, put its old records back.
+class TableMerge {
+public:
+    explicit TableMerge(const MergedTable& table) : table_(table) {}
+
+    /// Writes the text.
+    void WriteText();
+    /// Reads it back into the table. Nothing when it could not be written.
+    void ReadText(Progress& progress);
+
+private:
+    template <typename Step>
+    void Attempt(const Step& step);
+
+    MergedTable table_;
+    BridgeFields fields_;
+    bool failed_ = false;
+};
+
+/// A table whose old records were put back.
+struct RecoveredTable {
+    std::string_view Table; ///< file name
+    std::int32_t Records = 0;
+
+    bool operator==(const RecoveredTable&) const = default;
+};
+
+/// Where the mark is found: merges each copy of orders, audits and handheld totals whose table was replaced
+/// by an upload and not merged yet, then deletes all copies of a session, and the mark. A table that is as it
+/// was, or that ends with the copy's records as a merge writes them, stays as it is; so does the barcode
+/// index, which no handheld sends. To be called when no session can run: at the start, with a trace line.
+/// Returns the tables whose old records were put back. RunTimeFailure as the merge, also for a table that
+/// cannot be read; what is not done yet then stays for the next call.
+std::vector<RecoveredTable> RecoverSafetyCopies();

@@ -95,6 +95,15 @@ void UpdateHHStatus() {
     file.Commit();
 }
 
+void StoreHHStatus(std::vector<std::string>& list, std::string_view id, const std::string& value) {
+    FitLists();
+    for (std::size_t i = 1; i <= static_cast<std::size_t>(Global.HHCount); ++i) {
+        if (!SameText(Global.HHSyncID[i], id)) continue;
+        list[i] = value;
+        return;
+    }
+}
+
 void ClearHHStatus() {
     for (auto* list : {&Global.HHStatus, &Global.HHStatusStd}) {
         for (std::string& entry : *list) entry.clear();

@@ -3,6 +3,7 @@
 #include "sync/StatusStore.h"
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 /// The status of each handheld, in memory in Global.HHSyncID and its companions, on disk in
@@ -19,6 +20,10 @@ void GetHHStatus();
 
 /// Writes the status list to the file. RunTimeFailure as MakeHHStatusFile.
 void UpdateHHStatus();
+
+/// Sets the entry of the first handheld with this id, without regard to case, in one of those lists
+/// (Global.HHStatus, HHStatusStd); nothing when there is none.
+void StoreHHStatus(std::vector<std::string>& list, std::string_view id, const std::string& value);
 
 /// Empties the status and the mark of each handheld in memory.
 void ClearHHStatus();

@@ -7,3 +7,10 @@ int SelectionValue(std::string_view line, MessageId group) {
     if (line.empty() || line.back() < '1' || line.back() > '9') return 0;
     return BeginsWith(line, Text(group).CodePage()) ? line.back() - '0' : 0;
 }
+
+std::optional<bool> TurnsOn(std::string_view line, MessageId group) {
+    const std::size_t end = line.find('=');
+    if (end == std::string_view::npos) return std::nullopt;
+    if (!SameText(TrimRight(line.substr(0, end)), Text(group).CodePage())) return std::nullopt;
+    return TrimRight(line).back() == '1';
+}

@@ -2,9 +2,16 @@
 
 #include "core/Text.h"
 
+#include <optional>
 #include <string_view>
 
-/// What a line of a table selection (a template of an upload, a download or a clearing of handhelds) says
-/// of a group of tables: the digit at the end of a line that begins with the group's name. 0 for a line
-/// that speaks of something else.
+/// Lines of a table selection: a template of an upload, a download or a clearing of handhelds.
+
+/// What a line says of a group of tables when it is looked at by its beginning alone: the digit at its end
+/// when it begins with the group's name. 0 for a line that speaks of something else.
 int SelectionValue(std::string_view line, MessageId group);
+
+/// Whether a line turns a group of tables on. Nothing for a line that is not the group's: what stands before
+/// its first "=", blanks behind it cut, is the group's name without regard to case. On is a line whose last
+/// character, blanks cut, is a 1. Blanks before the name are part of it.
+std::optional<bool> TurnsOn(std::string_view line, MessageId group);

@@ -2,6 +2,7 @@
 
 #include "core/CodePage.h"
 #include "core/Failure.h"
+#include "core/Globals.h"
 #include "core/Paths.h"
 #include "core/SafeFile.h"
 #include "core/Settings.h"
@@ -103,4 +104,35 @@ void SaveUA(std::string_view path, const UnattendedSettings& settings) {
         file.WriteLine(std::string(key) + std::string(text));
     }
     file.Commit();
+}
+
+UnattendedSettings SelectionsInForce() {
+    return {Global.RemoteSelect.ByTemplate(), Global.RemoteSelSettings, Global.UploadSelect.ByTemplate(),
+            Global.UploadSelSettings,         Global.RemoteClearSelect, Global.RemoteClearSettings};
+}
+
+void TakeUnattendedSettings() {
+    const std::string& name = Global.RemoteSyncSettings;
+    CheckTemplate(name);
+    const UnattendedSettings read = ReadUnattendedSettings(Global.UnattendedTemplates + NameToPath(name) +
+                                                               std::string(UnattendedExtension),
+                                                           SelectionsInForce());
+    Global.RemoteSelect = read.Download;
+    Global.RemoteSelSettings = read.DownloadTemplate;
+    Global.UploadSelect = read.Upload;
+    Global.UploadSelSettings = read.UploadTemplate;
+    Global.RemoteClearSelect = read.Clear;
+    Global.RemoteClearSettings = read.ClearTemplate;
+}
+
+void FindUnattendedTemplates() {
+    const auto find = [](bool active, const std::string& folder, const std::string& name,
+                         const char* extension) {
+        if (!active) return;
+        const std::string path = folder + NameToPath(name) + extension;
+        if (!FileExists(path)) throw RunTimeFailure(53, path);
+    };
+    find(Global.UploadSelect.ByTemplate(), Global.UploadTemplates, Global.UploadSelSettings, ".ust");
+    find(Global.RemoteClearSelect, Global.DownloadTemplates, Global.RemoteClearSettings, ".dct");
+    find(Global.RemoteSelect.ByTemplate(), Global.DownloadTemplates, Global.RemoteSelSettings, ".dst");
 }

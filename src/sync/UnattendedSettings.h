@@ -31,3 +31,14 @@ UnattendedSettings GlanceAtUnattendedSettings(std::string_view path) noexcept;
 /// Writes a file of unattended settings from scratch. RunTimeFailure 52 for a template that is not a
 /// plain file name, otherwise as SafeFile.
 void SaveUA(std::string_view path, const UnattendedSettings& settings);
+
+/// What sessions do, as Global has it in RemoteSelect and its neighbours.
+UnattendedSettings SelectionsInForce();
+
+/// Reads the file that Global.RemoteSyncSettings names over the selections in force. RunTimeFailure as
+/// ReadUnattendedSettings; they are then as they were.
+void TakeUnattendedSettings();
+
+/// Looks whether the templates of the activities that are on are there. RunTimeFailure 53 for the first that
+/// is not: no session could do without it.
+void FindUnattendedTemplates();

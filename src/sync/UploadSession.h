@@ -1,5 +1,7 @@
 #pragma once
 
+#include "sync/Arrivals.h"
+#include "sync/Receipt.h"
 #include "sync/SFrmAX40.h"
 #include "sync/UploadRun.h"
 
@@ -29,14 +31,30 @@ public:
     /// What the merge has to do, as MainSession::Arrived.
     UploadRun Arrived() const;
 
+    /// Counts what has arrived for the receipt, and lays it out for the merge in Global.UploadScreenRun: to
+    /// be called right before that.
+    void TakeArrived();
+
+    /// Writes the receipt: when the merge is done, or when there is none, and before the safety copies go.
+    /// Nothing when no session has begun.
+    void WriteReceipt();
+
     UploadChoice Chosen;              ///< the boxes, set before the HotSync
     std::function<void()> ShowStatus; ///< a letter of the status list has changed
 
-    std::string SyncStage;    ///< "A>B", "B>C", "C>D", "end"
+    std::string SyncStage; ///< "A>B", "B>C", "C>D", "end"
     std::int16_t PendingOps = 0;
     bool SyncRunning = false; ///< from the end of the Links work to the last transfer's end
     bool SyncDone = false;    ///< the session has gone through
 
 private:
+    void Begin();
+    void RefreshUser();
+    void UpdateLinks();
+    void QueueUpload(const std::string& path);
+
     SFrmAX40& SFUpload;
+    Arrivals arrivals_;
+    UploadRun merged_; ///< what the merge behind TakeArrived puts together
+    SessionReceipt receipt_{SessionKind::Upload};
 };

@@ -927,4 +927,33 @@ TEST_F(Options, AnActivityThatWasDeletedThereIsNoLongerChosen) {
     EXPECT_TRUE(Visible(form, "lblNoActivity"));
 }
 
+TEST_F(Options, ADeletedSettingIsNotChosenAtTheNextStartAlsoAfterCancel) {
+    GivenUnattended("Evening.uhs", {});
+    Global.RemoteSyncSettings = "evening";
+    Global.PurgeDays = 5;
+    UpdateIniFile();
+    auto& form = Open<frmOptions>();
+    Choose(form, "cboPurge", Q("30"));
+
+    Click(form, "cmdDelete");
+    Click(form, "cmdCancel");
+
+    EXPECT_TRUE(InIni("RemoteSyncSettings="));
+    EXPECT_TRUE(InIni("PurgeDays=5")) << "nothing else was saved";
+}
+
+TEST_F(Options, DeletingAnotherSettingLeavesTheChosenOne) {
+    GivenUnattended("Evening.uhs", {});
+    GivenUnattended("Night.uhs", {});
+    Global.RemoteSyncSettings = "Evening";
+    UpdateIniFile();
+    auto& form = Open<frmOptions>();
+    Choose(form, "cboRemoteSettings", Q("Night"));
+
+    Click(form, "cmdDelete");
+    Click(form, "cmdCancel");
+
+    EXPECT_TRUE(InIni("RemoteSyncSettings=Evening"));
+}
+
 } // namespace

@@ -31,6 +31,7 @@
 #include "store/TableReader.h"
 #include "store/TableRewrite.h"
 #include "store/TableScan.h"
+#include "store/TextBridge.h"
 #include "sync/Conduits.h"
 #include "sync/ManagerMessage.h"
 #include "sync/UnattendedSettings.h"
@@ -289,6 +290,49 @@ void BarcodeIndex(std::string_view bytes) {
             "an index that is not made stays");
     constexpr int FilesGiven = 3;
     Require(outside.Disk.FileCount() == FilesGiven, "no work file is left");
+}
+
+/// An old table, the table that its records are to follow, or the text between them.
+void TextBridge(std::string_view bytes) {
+    constexpr std::array Names = {"old.dap", "new.dbf", "old.txt"};
+    const std::string spoilt = Names[Choice(bytes) % Names.size()];
+    const std::string source = "/fuzz/old.dap";
+    const std::string target = "/fuzz/new.dbf";
+    const std::string text = "/fuzz/old.txt";
+    Outside outside(bytes);
+    for (const std::string& table : {source, target}) {
+        CreateTable(table, FieldsOfTable("ZUKAudHH"));
+        TableRewrite rewrite(table);
+        rewrite.Append();
+        rewrite.Write(1, "12");
+        rewrite.Commit();
+    }
+    outside.Disk.Put("/fuzz/" + spoilt, std::string(bytes));
+    const std::string before = outside.Disk.Content(target);
+
+    bool written = false;
+    bool merged = false;
+    std::int32_t records = 0;
+    Attempt([&] {
+        BridgeFields fields;
+        DBFtoText(source, fields, text);
+        written = true;
+        if (spoilt == Names[2]) outside.Disk.Put(text, std::string(bytes));
+        records = TableScan(target).RecordCount();
+        NoProgress silent;
+        TextToDBF(target, fields, text, silent);
+        merged = true;
+    });
+    if (!merged) {
+        Require(outside.Disk.Content(target) == before, "a table that is not merged stays");
+        Require(!written || outside.Disk.IsFile(text), "the text of a merge that failed stays");
+    } else if (spoilt != Names[2]) {
+        const TableScan old(source);
+        Require(TableScan(target).RecordCount() == records + old.RecordCount(), "no record is lost or made");
+        Require(EndsWithBridged(target, source), "what was merged is known again");
+    }
+    Require(!outside.Disk.IsFile(target + ".zuk~") && !outside.Disk.IsFile(text + ".zuk~"),
+            "no work file is left");
 }
 
 void Memo(std::string_view bytes) {
@@ -604,6 +648,7 @@ constexpr std::array Targets = {
     FuzzTarget{"tables", Tables},
     FuzzTarget{"table-changes", TableChanges},
     FuzzTarget{"barcode-index", BarcodeIndex},
+    FuzzTarget{"text-bridge", TextBridge},
     FuzzTarget{"memo", Memo},
     FuzzTarget{"import", Import},
     FuzzTarget{"lines", Lines},

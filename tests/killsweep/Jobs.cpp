@@ -27,6 +27,7 @@
 #include "store/TableRewrite.h"
 #include "store/TableScan.h"
 #include "sync/Links.h"
+#include "sync/SafetyCopies.h"
 #include "sync/Status.h"
 #include "sync/UnattendedSettings.h"
 
@@ -351,6 +352,67 @@ std::string WriteUnattended() {
     return {};
 }
 
+/// Where the tables lie that a handheld is about to send.
+std::string Sent(const char* table) {
+    return Global.DataInPath + "sent-" + table;
+}
+
+constexpr int OrdersSent = 300;
+constexpr const char* SentTables[] = {"ZUKOrHdr.dbf", "ZUKOrLin.dbf"};
+
+std::string CodeSent(int k) {
+    return "NEW" + std::to_string(k);
+}
+
+void PrepareMerge() {
+    Fill(SentTables[0], OrdersSent, [](int k) { return Cells{{"H_ORDCODE", CodeSent(k)}}; });
+    Fill(SentTables[1], OrdersSent, [](int k) { return Cells{{"L_KEY", CodeSent(k)}}; });
+    for (const char* table : SentTables) CopyOver(Table(table), Sent(table));
+    FillOrders();
+}
+
+/// A session as far as the files of the office go: what the HotSync Manager puts in place is merged.
+std::string MergeUpload() {
+    Global.UploadSelect = Selection(true);
+    MakeSafetyCopies(SafetyCopies::OfSession);
+    for (const char* table : SentTables) CopyOver(Sent(table), Table(table));
+    NoProgress silent;
+    std::vector<TableMerge> merges = {TableMerge(MergedOrderHeaders), TableMerge(MergedOrderLines)};
+    for (TableMerge& merge : merges) merge.WriteText();
+    for (TableMerge& merge : merges) merge.ReadText(silent);
+    const bool failed = !Global.FailedMerges.empty();
+    DeleteSafetyCopies(SafetyCopies::OfSession);
+    return failed ? "the merge failed" : "";
+}
+
+std::vector<std::string> Column(const char* table, const char* field) {
+    TableScan scan(Table(table));
+    const int place = scan.Layout().Find(FieldKey(field));
+    std::vector<std::string> values;
+    while (scan.Next()) values.emplace_back(scan.Trimmed(place));
+    return values;
+}
+
+/// Each record of the PC is there once, behind all those that were sent or behind none.
+std::string JudgeMerge() {
+    std::vector<std::string> headers;
+    std::vector<std::string> lines;
+    for (int k = 1; k <= Orders; ++k) headers.push_back(OrderCode(k));
+    for (int k = 1; k <= Lines; ++k) lines.push_back(LineKey(k));
+    const auto hasCome = [](const std::vector<std::string>& now, const std::vector<std::string>& old) {
+        std::vector<std::string> both;
+        for (int k = 1; k <= OrdersSent; ++k) both.push_back(CodeSent(k));
+        both.insert(both.end(), old.begin(), old.end());
+        return now == both;
+    };
+    const std::vector<std::string> headersNow = Column("ZUKOrHdr.dbf", "H_ORDCODE");
+    const std::vector<std::string> linesNow = Column("ZUKOrLin.dbf", "L_KEY");
+    if (!hasCome(headersNow, headers) && headersNow != headers) return "a header is lost or doubled";
+    if (!hasCome(linesNow, lines) && linesNow != lines) return "a line is lost or doubled";
+    if (FileExists(Table("SafetyCopies.txt"))) return "the recovery has not come to its end";
+    return {};
+}
+
 std::string HotSyncFolder() {
     return Global.AppPath + "HotSync/";
 }
@@ -493,6 +555,18 @@ std::vector<SweepJob> MakeJobs() {
     check.insert(check.end(), backup.begin(), backup.end());
     check.insert(check.end(), {totals, headers, lines});
 
+    // The copies, the mark, what the handheld sends, the merge, and all of it away.
+    std::vector<std::string> copies;
+    for (const char* name : {"OrHdr", "OrLin", "AudtH", "AudtL", "AudHH", "BarIn"})
+        copies.push_back("DBFFiles/ZUK" + std::string(name) + ".dap");
+    const std::string mark = "DBFFiles/SafetyCopies.txt";
+    const std::string headerText = "DBFFiles/OLDHDR.TXT";
+    const std::string lineText = "DBFFiles/OLDLIN.TXT";
+    std::vector<std::string> merge = copies;
+    merge.insert(merge.end(),
+                 {mark, headers, lines, headerText, lineText, headers, headerText, lines, lineText, mark});
+    merge.insert(merge.end(), copies.begin(), copies.end());
+
     const auto ordersAndTotals = [] {
         FillOrders();
         FillTotals(TotalsEvents);
@@ -536,6 +610,7 @@ std::vector<SweepJob> MakeJobs() {
         {"compaction", {headers}, PrepareCompaction, Compact, ""},
         {"compaction by records", {headers}, PrepareShortCompaction, CompactByRecords, ""},
         {"emptying", {headers}, FillOrders, Empty, ""},
+        {"merge", merge, PrepareMerge, MergeUpload, "", false, JudgeMerge},
         {"totals event", {totals}, ordersAndTotals, [] { return Event("EXPORT"); }, ""},
         {"totals event, second half", {totals}, ordersAndTotals, [] { return Event("CLEAR2"); }, ""},
         {"backup", backup, FillOrders, Backup, ""},
@@ -632,6 +707,7 @@ void StartOffice(const std::string& folder) {
     BeginOffice(folder);
     GetIniFile();
     if (!PrepareOffice([] {})) throw RunTimeFailure(53, "tables");
+    RecoverSafetyCopies();
     GetPCTotals();
     GetHHStatus();
     StartHotSyncManager();

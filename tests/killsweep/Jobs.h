@@ -25,6 +25,10 @@ struct SweepJob {
 
     /// The job is a start of the office, and so the next start completes it. `Run` is not used.
     bool IsStart = false;
+
+    /// For a job that the next start puts in order: whether it has, the office being open. Returns what is
+    /// wrong. The start may then change files.
+    std::string (*JudgeStarted)() = nullptr;
 };
 
 /// The jobs of an office, and those that do harm.

@@ -158,6 +158,18 @@ private:
         if (status != 0) Complain("the next start fails");
     }
 
+    /// What the job itself says of the office behind the start.
+    void Judge() {
+        const std::string verdict = tools_.Log + "judged";
+        const int status = InOwnProcess([&] {
+            OpenOffice(tools_.Office);
+            const std::string fault = job_.JudgeStarted();
+            std::ofstream(verdict) << fault;
+            return fault.empty() ? 0 : 1;
+        });
+        if (status != 0) Complain("behind the next start: " + TextOf(verdict));
+    }
+
     /// One run with the fault at one call, and all that is to hold after it. False when the job has
     /// fewer calls.
     bool Struck() {
@@ -191,12 +203,14 @@ private:
     void JudgeLiving(int status, const OfficeFiles& left) {
         if (!WIFEXITED(status) || WEXITSTATUS(status) > 1) return Complain("broke down: " + Said());
         const bool fine = WEXITSTATUS(status) == 0;
-        if (fine && !AllNew(Judged(left, false))) Complain("said that all went well, and it did not");
+        // A file that could not be removed may stay: the next start has it, or a job's own judge.
+        const bool removal = TextOf(tools_.Log + "struck").starts_with("unlink");
+        const bool mayStay = removal && job_.JudgeStarted;
+        if (fine && !mayStay && !AllNew(Judged(left, false)))
+            Complain("said that all went well, and it did not");
         if (!fine) ++findings_.ByFault[fault_].Told;
         if (!fine && TextOf(tools_.Log + "said").empty()) Complain("told of a failure without a word");
         JudgeFiles(Judged(left, false), false);
-        // One that could not be removed may stay; the next start has it.
-        const bool removal = TextOf(tools_.Log + "struck").starts_with("unlink");
         for (const auto& [path, content] : left) {
             if (IsWorkFile(path) && !removal) Complain(path + " was left by a process that lived");
         }
@@ -218,6 +232,8 @@ private:
         if (job_.IsStart) {
             if (!AllNew(files)) Complain("the next start did not complete it");
             files = Judged(left, false);
+        } else if (job_.JudgeStarted) {
+            Judge();
         } else {
             JudgeFiles(files, inOrder);
             if (files != Judged(left, false)) Complain("the next start changed a file");

@@ -10,8 +10,10 @@
 #include "core/Settings.h"
 #include "exchange/forms/frmConvert.h"
 #include "exchange/forms/frmExport1.h"
+#include "exchange/forms/frmQBDownload.h"
 #include "exchange/forms/frmQBExport.h"
 #include "exchange/forms/frmQBImport.h"
+#include "exchange/forms/frmQBUpload.h"
 #include "maintenance/Backup.h"
 #include "maintenance/Office.h"
 #include "maintenance/Totals.h"
@@ -24,20 +26,31 @@
 #include "quality/forms/QCRun.h"
 #include "quality/forms/frmConfig.h"
 #include "store/OfficeTables.h"
+#include "store/TableCatalogue.h"
 #include "store/TableScan.h"
 #include "sync/Images.h"
+#include "sync/SafetyCopies.h"
 #include "sync/Status.h"
 #include "sync/StatusDetails.h"
+#include "sync/UnattendedSettings.h"
 #include "sync/forms/StatusFile.h"
+#include "sync/forms/UnattendedMode.h"
 #include "sync/forms/UpdateHSUsers.h"
 #include "sync/forms/frmChgLink.h"
 #include "sync/forms/frmHHStatus.h"
+#include "sync/forms/frmMainSync.h"
+#include "sync/forms/frmQBRemote.h"
+#include "sync/forms/frmRemoteSync.h"
+#include "sync/forms/frmTableSelectCL.h"
+#include "sync/forms/frmTableSelectDL.h"
+#include "sync/forms/frmUploadSelect.h"
 #include "tools/forms/frmAbout.h"
 #include "tools/forms/frmOptions.h"
 #include "views/forms/frmView.h"
 #include "views/forms/frmViewGrid.h"
 
 #include <QApplication>
+#include <QCloseEvent>
 #include <QHeaderView>
 #include <QScreen>
 #include <QStyleOptionToolButton>
@@ -102,14 +115,20 @@ bool IsMarked(std::size_t row) {
 
 frmMain1::frmMain1() {
     setupUi(this);
+    waiting_.SetLabel(*aniHSWait);
+    session_.SetLabel(*aniHSStatus);
     for (const auto& [timer, name] : {std::pair{&Timer2, "Timer2"}, {&Timer3, "Timer3"}}) {
         *timer = new QTimer(this);
         (*timer)->setObjectName(QLatin1String(name));
         (*timer)->setInterval(LookEvery);
     }
-    QSizePolicy policy = picMatrix->sizePolicy();
-    policy.setRetainSizeWhenHidden(true); // the progress window takes its place
-    picMatrix->setSizePolicy(policy);
+    // The progress window takes the place of picMatrix, and the words beside an image do not move.
+    for (QWidget* place : {picMatrix, static_cast<QWidget*>(imgUpload), static_cast<QWidget*>(imgClear),
+                           static_cast<QWidget*>(imgDownload)}) {
+        QSizePolicy policy = place->sizePolicy();
+        policy.setRetainSizeWhenHidden(true);
+        place->setSizePolicy(policy);
+    }
 }
 
 // ---- start ----
@@ -149,6 +168,7 @@ void frmMain1::StartUp() {
     }
     if (!PrepareOffice([] { Tell(msg::DownloadSelectionMissing, Icon::Information); }))
         return StopStart(msg::TablesMissing);
+    PutBackSafetyCopies();
     LoadIcons();
     SetUpTotalsGrid();
     GetPCTotals();
@@ -159,11 +179,29 @@ void frmMain1::StartUp() {
             Tell(Words(msg::CannotDelete, Text::Path(file)), Icon::Information);
         });
     }
+    LoadInactiveRemoteSync();
+    The<frmMainSync>();
     RestoreWindow();
     SetLLQStandard();
     operating_ = true;
     WriteSettings();
     Timer2->start();
+}
+
+void frmMain1::PutBackSafetyCopies() {
+    try {
+        const std::vector<RecoveredTable> tables = RecoverSafetyCopies();
+        if (tables.empty()) return;
+        Text told = msg::SessionRecovered;
+        for (const RecoveredTable& table : tables) {
+            const Text name = MessageId{FindTable(table.Table)->FirstLabel};
+            told = Lines(told, Words(name + Text::Path(std::string_view(":")), Text::Value(table.Records),
+                                     msg::RecoveredRecords));
+        }
+        Tell(told, Icon::Information);
+    } catch (const RunTimeFailure& failure) {
+        Tell(Lines(msg::SessionNotRecovered, Text::Path(std::string_view(failure.what()))), Icon::Warning);
+    }
 }
 
 void frmMain1::LoadIcons() {
@@ -232,14 +270,30 @@ void frmMain1::Form_Unload() {
     // where they did.
     if (operating_ && !Global.Ending) {
         TraceEvent("frmMain1:Form_Unload");
+        Global.UnattendedActive = false;
         for (std::string& status : Global.HHStatus) status.clear();
         WithStatusFile(UpdateHHStatus);
         TakeWindowPosition();
         WriteSettings();
         UnloadForms();
+        UnloadMainSync();
     }
     SingleInstance::Release();
     EndProgram(0);
+}
+
+/// The first time the program waits for the end of the session that runs; the second time it asks.
+void frmMain1::closeEvent(QCloseEvent* event) {
+    const auto* sync = IfLoaded<frmMainSync>();
+    if (!Global.UnattendedActive || !sync || !sync->InSession() || QApplication::activeModalWidget())
+        return MainForm::closeEvent(event);
+    event->ignore();
+    Run([this] { CloseInSession(); });
+}
+
+void frmMain1::CloseInSession() {
+    if (!std::exchange(closeAfterSession_, true)) return StopAfterSession(msg::ClosesAfterHotsync);
+    if (AskYesNo(msg::CloseInHotsync, Icon::Warning)) Unload();
 }
 
 void frmMain1::UnloadForms() {
@@ -360,8 +414,14 @@ void frmMain1::GetHHBricksInst() {
 
 void frmMain1::cmdHHHSID_Click(int index) {
     TraceEvent("frmMain1:cmdHHHSID_Click");
+    if (inSession_) return;
     const std::string id = brickIDs_.at(static_cast<std::size_t>(index) - 1);
-    const auto details = ReadStatusDetails(id);
+    std::optional<StatusDetails> details;
+    try {
+        details = ReadStatusDetails(id);
+    } catch (const RunTimeFailure& failure) {
+        return Tell(Lines(msg::FileError, Text::Path(std::string_view(failure.what()))), Icon::Stop);
+    }
     if (!details) return Tell(msg::NoStatusDetails, Icon::Information);
     auto& form = The<frmHHStatus>();
     form.Fill(id, *details);
@@ -414,8 +474,10 @@ void frmMain1::ShowUploads(std::vector<std::vector<Text>> rows) {
 }
 
 void frmMain1::GetPCTotals() {
+    newestUpload_.reset();
     std::vector<std::vector<Text>> rows;
     for (const UploadRow& row : ::GetPCTotals()) {
+        if (rows.empty()) newestUpload_ = row;
         std::vector<Text> cells;
         for (const std::string* cell :
              {&row.HotSyncID, &row.DateTime, &row.Orders, &row.Lines, &row.Dollars}) {
@@ -430,7 +492,14 @@ void frmMain1::GetPCTotals() {
 }
 
 void frmMain1::Form_GotFocus() {
-    if (Global.RefreshTotals) GetPCTotals();
+    if (!Global.RefreshTotals) return;
+    try {
+        GetPCTotals();
+    } catch (const RunTimeFailure& failure) {
+        if (!Global.UnattendedActive) throw;
+        // Nobody may be there to answer a box, and handhelds are to be served.
+        TraceEvent(std::string("frmMain1:Form_GotFocus ") + failure.what());
+    }
 }
 
 // ---- the HotSync Manager's window ----
@@ -495,6 +564,148 @@ void frmMain1::RefreshRecordCounts() {
     lblSysOrders1->setText(ToQt(std::string_view(CountOf("ZUKORHDR.DBF"))));
 }
 
+// ---- unattended mode ----
+
+void frmMain1::lblUA_Click() {
+    TraceEvent("frmMain1:lblUA_Click");
+    UnloadForms();
+    for (std::string& mark : Global.HHStatusStd) mark.clear();
+    if (!WithStatusFile(UpdateHHStatus)) return;
+    GetHHBricksStd();
+    ChooseUnattended();
+}
+
+void frmMain1::ChooseUnattended() {
+    if (NamesWithExtension(Global.UnattendedTemplates, UnattendedExtension).empty())
+        return Tell(msg::NoUnattendedTemplates, Icon::Information);
+    Global.QCHotsyncPending = true;
+    The<frmQBRemote>().Show();
+}
+
+void frmMain1::mnuRemoteSync_Click() {
+    TraceEvent("frmMain1:mnuRemoteSync_Click");
+    UnloadForms();
+    if (Global.RemoteSyncSettings.empty()) return ChooseUnattended();
+    The<frmRemoteSync>().Show();
+}
+
+void frmMain1::cmdStopRemoteSync_Click() {
+    TraceEvent("frmMain1:cmdStopRemoteSync_Click");
+    StopUnattended();
+}
+
+void frmMain1::LoadActiveRemoteSync() {
+    TraceEvent("frmMain1:LoadActiveRemoteSync");
+    Disable();
+    ShowActivities();
+    picRemoteSync->setCurrentWidget(pagRemote);
+    lblRemoteSync->setText(ToQt(Text(msg::lblUA)));
+    imgTools->setPixmap(Picture("tool-unattended").pixmap(20, 20));
+    ShowNotice({});
+    cmdStopRemoteSync->setEnabled(true);
+    cmdStopRemoteSync->show();
+    stkQB->setCurrentWidget(pagSession);
+    ShowWaiting();
+    GetHHBricks();
+}
+
+void frmMain1::LoadInactiveRemoteSync() {
+    TraceEvent("frmMain1:LoadInactiveRemoteSync");
+    stopAfterSession_ = false;
+    cmdStopRemoteSync->hide();
+    imgQB->show();
+    ShowWaiting();
+    waiting_.Stop();
+    lblAnim->hide();
+    ShowActivities();
+    ShowPage(PageTools);
+    stkQB->setCurrentWidget(picQB);
+    lblMatrix->setText(ToQt(Text(msg::lblMatrix)));
+    for (QObject* each : std::exchange(disabled_, {})) each->setProperty("enabled", true);
+    if (operating_) lblUA->setFocus();
+}
+
+void frmMain1::ShowActivities() {
+    lblRemote->setText(ToQt(std::string_view(Global.RemoteSyncSettings)));
+    ShowUnattendedActivities(*this, SelectionsInForce());
+}
+
+/// No other process is to run beside a session. What is disabled already is not to come alive by this.
+void frmMain1::Disable() {
+    QList<QObject*> all{mnuFile,     mnuEdit,  mnuMainView, mnuTools, mnuHelp,
+                        cmdPCTotals, cmdReset, lblPrev,     lblNext};
+    for (QAction* entry : findChildren<QAction*>()) {
+        if (!entry->menu() && !entry->isSeparator()) all << entry;
+    }
+    for (QWidget* page : {static_cast<QWidget*>(picQB), static_cast<QWidget*>(picRemoteSync)}) {
+        for (QToolButton* button : page->findChildren<QToolButton*>()) all << button;
+    }
+    for (QObject* each : all) {
+        if (!each->property("enabled").toBool()) continue;
+        each->setProperty("enabled", false);
+        disabled_ << each;
+    }
+}
+
+void frmMain1::ShowNotice(const Text& message) {
+    lblStopping->setText(ToQt(message));
+    lblStopping->setVisible(!message.IsEmpty());
+}
+
+void frmMain1::ShowSession(const std::string& user) {
+    inSession_ = true;
+    for (QLabel* image : {imgClear, imgDownload, imgUpload}) image->hide();
+    lblMatrix->setText(ToQt(Text(msg::HotsyncActive)));
+    lblHSID->setText(ToQt(std::string_view(user)));
+    waiting_.Stop();
+    lblAnim->hide();
+    session_.Play("synczukwhite");
+    for (QLabel* label : {lblSyncMsg, lblHSID}) label->show();
+}
+
+void frmMain1::ShowPhase(SyncPhaseImage phase, PhaseLook look) {
+    QLabel* const image = phase == SyncPhaseImage::Upload  ? imgUpload
+                          : phase == SyncPhaseImage::Clear ? imgClear
+                                                           : imgDownload;
+    const auto [picture, state] = look == PhaseLook::Idle      ? std::pair{"phase-idle", msg::PhaseIdle}
+                                  : look == PhaseLook::Running ? std::pair{"phase-running", msg::PhaseRunning}
+                                                               : std::pair{"pending", msg::PhaseQueued};
+    image->setPixmap(Picture(picture).pixmap(16, 16));
+    image->setToolTip(ToQt(Text(state)));
+    image->setAccessibleName(image->toolTip());
+    if (look != PhaseLook::Running) image->show();
+}
+
+void frmMain1::ShowWaiting() {
+    inSession_ = false;
+    for (const auto phase : {SyncPhaseImage::Upload, SyncPhaseImage::Clear, SyncPhaseImage::Download})
+        ShowPhase(phase, PhaseLook::Idle);
+    lblMatrix->setText(ToQt(Text(msg::NoCurrentHotsync)));
+    session_.Stop();
+    waiting_.Play("WaitingforHotsync");
+    lblAnim->show();
+    for (QLabel* label : {lblSyncMsg, lblHSID}) label->hide();
+}
+
+void frmMain1::ShowUnattendedOff() {
+    ShowNotice(msg::UnattendedIsOff);
+    waiting_.Stop();
+    lblAnim->hide();
+    if (auto* remote = IfLoaded<frmRemoteSync>()) remote->ShowMessage(msg::UnattendedIsOff);
+}
+
+void frmMain1::StopAfterSession(const Text& message) {
+    stopAfterSession_ = true;
+    ShowNotice(message);
+    cmdStopRemoteSync->setEnabled(false);
+    if (auto* remote = IfLoaded<frmRemoteSync>()) remote->ShowStopping(message);
+}
+
+void frmMain1::SessionIsOver() {
+    if (closeAfterSession_) return Unload();
+    if (stopAfterSession_) StopUnattended();
+}
+
 // ---- the ways to other screens ----
 
 void frmMain1::lblImportBtn_Click() {
@@ -513,6 +724,36 @@ void frmMain1::mnuMainImport_Click() {
     TraceEvent("frmMain1:mnuMainImport_Click");
     UnloadForms();
     The<frmConvert>().Show(ShowMode::Modal);
+}
+
+void frmMain1::lblDownloadBtn_Click() {
+    TraceEvent("frmMain1:lblDownloadBtn_Click");
+    UnloadForms();
+    The<frmQBDownload>().Show();
+}
+
+void frmMain1::lblUploadBtn_Click() {
+    TraceEvent("frmMain1:lblUploadBtn_Click");
+    UnloadForms();
+    The<frmQBUpload>().Show();
+}
+
+void frmMain1::mnuDownloadSelect_Click() {
+    TraceEvent("frmMain1:mnuDownloadSelect_Click");
+    UnloadForms();
+    The<frmTableSelectDL>().Show(ShowMode::Modal);
+}
+
+void frmMain1::mnuClearSelect_Click() {
+    TraceEvent("frmMain1:mnuClearSelect_Click");
+    UnloadForms();
+    The<frmTableSelectCL>().Show(ShowMode::Modal);
+}
+
+void frmMain1::mnuMainUpload_Click() {
+    TraceEvent("frmMain1:mnuMainUpload_Click");
+    UnloadForms();
+    The<frmUploadSelect>().Show(ShowMode::Modal);
 }
 
 void frmMain1::mnuMainExport_Click() {
@@ -551,11 +792,13 @@ void frmMain1::mnuQC_Click() {
 void frmMain1::UpdateUsers() {
     UnloadForms();
     // One registration at a time: it waits for windows of the other programs.
-    lblUpdateHSUsers->setEnabled(false);
-    mnuUpdateReg->setEnabled(false);
+    const auto enable = [this](bool enabled) {
+        for (QWidget* label : {lblUpdateHSUsers, lblUA}) label->setEnabled(enabled);
+        for (QAction* entry : {mnuUpdateReg, mnuRemoteSync}) entry->setEnabled(enabled);
+    };
+    enable(false);
     UpdateHSUsers(*this);
-    lblUpdateHSUsers->setEnabled(true);
-    mnuUpdateReg->setEnabled(true);
+    enable(true);
 }
 
 void frmMain1::lblUpdateHSUsers_Click() {

@@ -2,12 +2,16 @@
 
 #include "core/Globals.h"
 #include "core/Text.h"
+#include "maintenance/Totals.h"
+#include "platform/Animation.h"
 #include "platform/Form.h"
+#include "sync/SessionScreen.h"
 #include "ui_frmMain1.h"
 
 #include <QIcon>
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -25,6 +29,9 @@ public:
     /// Fills the grid of recent uploads.
     void GetPCTotals();
 
+    /// The newest of them; nothing when there is none.
+    const std::optional<UploadRow>& NewestUpload() const { return newestUpload_; }
+
     /// Writes the record counts of customers, items and orders on the page "System Summary".
     void RefreshRecordCounts();
 
@@ -36,8 +43,32 @@ public:
     /// Closes every secondary form.
     void UnloadForms();
 
+    /// Brings the screen to the armed form of unattended mode: what it does stands in place of the tools and
+    /// the QuickButtons, and whatever starts something else is disabled.
+    void LoadActiveRemoteSync();
+
+    /// Brings the screen to the idle form of the mode, and enables what the other has disabled.
+    void LoadInactiveRemoteSync();
+
+    /// A session of the armed mode: who is in it, and how far its phases are.
+    void ShowSession(const std::string& user);
+    void ShowPhase(SyncPhaseImage phase, PhaseLook look);
+    void ShowWaiting();
+
+    /// A handheld that is not in the Links table has turned the mode off, which waits to be stopped.
+    void ShowUnattendedOff();
+
+    /// The mode stops when the session that runs is over, and says so.
+    void StopAfterSession(const Text& message);
+
+    /// The session is over: does what has waited for it.
+    void SessionIsOver();
+
 private slots:
     void mnuMainImport_Click();
+    void mnuDownloadSelect_Click();
+    void mnuClearSelect_Click();
+    void mnuMainUpload_Click();
     void mnuMainExport_Click();
     void mnuExit_Click();
     void mnuMainAbout_Click();
@@ -65,6 +96,8 @@ private slots:
     void cmdHHHSIDStd_Click(int index);
     void lblImportBtn_Click();
     void lblExportBtn_Click();
+    void lblDownloadBtn_Click();
+    void lblUploadBtn_Click();
     void lblPCTables_Click();
     void lblConfigurator_Click();
     void lblQC_Click();
@@ -74,6 +107,9 @@ private slots:
     void mnuUpdateReg_Click();
     void lblSetupPC_Click();
     void mnuPCSetup_Click();
+    void lblUA_Click();
+    void mnuRemoteSync_Click();
+    void cmdStopRemoteSync_Click();
     void Timer2_Timer();
     void Timer3_Timer();
     void lblPrev_Click();
@@ -83,10 +119,12 @@ protected:
     void Form_Load() override;
     void Form_GotFocus() override;
     void Form_Unload() override;
+    void closeEvent(QCloseEvent* event) override;
 
 private:
     void StartUp();
     void StopStart(const Text& reason);
+    void PutBackSafetyCopies();
     void LoadIcons();
     void SetLLQStandard();
     void SetUpTotalsGrid();
@@ -94,6 +132,11 @@ private:
     void ShowMatrix(bool shown);
     void SetHSWindow(FoundWindow& window);
     void UpdateUsers();
+    void ChooseUnattended();
+    void CloseInSession();
+    void ShowActivities();
+    void Disable();
+    void ShowNotice(const Text& message);
     void ShowPage(int page);
     void View(const char* handler, ViewFlag flag, ShowMode mode = ShowMode::Modeless);
 
@@ -111,6 +154,13 @@ private:
     QTimer* Timer2 = nullptr;           ///< looks whether the HotSync Manager's progress window comes
     QTimer* Timer3 = nullptr;           ///< looks whether it goes
     std::vector<std::string> brickIDs_; ///< of the bricks that are drawn
-    QRect restored_;                    ///< the place that was set from the settings, in pixels
-    bool operating_ = false;            ///< start-up has come to its end
+    std::optional<UploadRow> newestUpload_;
+    QRect restored_;         ///< the place that was set from the settings, in pixels
+    bool operating_ = false; ///< start-up has come to its end
+
+    Animation waiting_, session_; ///< play in aniHSWait and in aniHSStatus
+    QList<QObject*> disabled_;    ///< by the armed mode: buttons and menu entries that were live
+    bool inSession_ = false;      ///< a session is shown
+    bool stopAfterSession_ = false;
+    bool closeAfterSession_ = false;
 };

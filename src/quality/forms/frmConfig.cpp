@@ -8,6 +8,8 @@
 #include "platform/Look.h"
 #include "quality/CheckResults.h"
 #include "quality/forms/QCRun.h"
+#include "sync/forms/frmTableSelectDL.h"
+#include "sync/forms/frmUploadSelect.h"
 #include "tools/forms/frmOptions.h"
 #include "views/forms/frmViewGrid.h"
 
@@ -203,6 +205,14 @@ void frmConfig::cmdPay1_Click() {
 
 void frmConfig::cmdPrinter1_Click() {
     Configure("cmdPrinter1_Click", [] { ShowTable(ViewPrinter); });
+}
+
+void frmConfig::cmdDownload1_Click() {
+    Configure("cmdDownload1_Click", [] { The<frmTableSelectDL>().Show(ShowMode::Modal); });
+}
+
+void frmConfig::cmdUpload1_Click() {
+    Configure("cmdUpload1_Click", [] { The<frmUploadSelect>().Show(ShowMode::Modal); });
 }
 
 void frmConfig::cmdImport1_Click() {

@@ -28,6 +28,8 @@ private slots:
     void cmdSTax1_Click();
     void cmdPay1_Click();
     void cmdPrinter1_Click();
+    void cmdDownload1_Click();
+    void cmdUpload1_Click();
     void cmdImport1_Click();
     void cmdExport1_Click();
     void cmdQB1_Click();

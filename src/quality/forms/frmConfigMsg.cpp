@@ -14,6 +14,9 @@
 #include "quality/ReportCsv.h"
 #include "quality/ReportGrid.h"
 #include "quality/forms/frmConfig.h"
+#include "sync/forms/frmTableSelectCL.h"
+#include "sync/forms/frmTableSelectDL.h"
+#include "sync/forms/frmUploadSelect.h"
 #include "tools/forms/frmOptions.h"
 #include "views/TableViews.h"
 #include "views/forms/frmViewData.h"
@@ -53,13 +56,15 @@ void OpenModal(const Text& place) {
     form.Show(ShowMode::Modal);
 }
 
-/// The screen that keeps the templates of a row; nullptr for one that keeps none.
-void (*ScreenOf(const ProblemRow& row))(const Text& place) {
+/// The screen that keeps a template of a row.
+void (*ScreenOf(const ProblemRow& row, std::string_view name))(const Text& place) {
+    if (row.Target == TemplateTarget::Download)
+        return SameText(ExtensionOf(name), ".dct") ? OpenModal<frmTableSelectCL>
+                                                   : OpenModal<frmTableSelectDL>;
+    if (row.Target == TemplateTarget::Upload) return OpenModal<frmUploadSelect>;
     if (row.Target == TemplateTarget::Import) return OpenModal<frmConvert>;
     if (row.Target == TemplateTarget::Export) return OpenModal<frmExport1>;
-    if (row.Target == TemplateTarget::QuickButtons) return OpenModal<frmOptions>;
-    if (row.Target == TemplateTarget::Unattended) return OpenModal<frmOptions>;
-    return nullptr;
+    return OpenModal<frmOptions>; // QuickButtons and unattended mode
 }
 
 } // namespace
@@ -111,11 +116,10 @@ void frmConfigMsg::FG1_SelChange() {
         cmdView->setText(QString::fromStdString(
             CatalogueCaption(isTemplate ? msg::cmdViewTemplate : msg::cmdViewRecords)));
     }
-    cmdView->setEnabled(!isTemplate || ScreenOf(*row));
 }
 
 void frmConfigMsg::FG1_RequestEdit() {
-    if (cmdView->isEnabled()) cmdView_Click();
+    cmdView_Click();
 }
 
 void frmConfigMsg::FG1_ColumnClick(int column) {
@@ -127,7 +131,7 @@ void frmConfigMsg::cmdView_Click() {
     TraceEvent("frmConfigMsg:cmdView_Click");
     if (!SelectedRow()) FG1->SelectRecord(1);
     const ProblemRow* selected = SelectedRow();
-    if (!selected || !cmdView->isEnabled()) return; // no screen keeps such templates
+    if (!selected) return;
     Global.QCViewMode = true;
     ClearViewFlags();
     const ProblemRow row = *selected; // the report may go while a screen is open
@@ -145,9 +149,10 @@ void frmConfigMsg::ViewTemplates(const ProblemRow& row) {
         Global.QCViewMode = true;
         Global.QCViewRecords = Trim(name);
         // The screens come one behind the other in the same place, and look alike.
-        ScreenOf(row)(names.size() > 1 ? Words(Text::Value(++place), msg::Of,
-                                               Text::Value(static_cast<std::int64_t>(names.size())))
-                                       : Text());
+        ScreenOf(row, Trim(name))(
+            names.size() > 1
+                ? Words(Text::Value(++place), msg::Of, Text::Value(static_cast<std::int64_t>(names.size())))
+                : Text());
         if (IsOver()) return;
     }
     // What is opened from now on is not for these templates.

@@ -5,6 +5,7 @@
 #include "core/Operator.h"
 #include "core/Trace.h"
 #include "core/forms/frmMain1.h"
+#include "sync/Status.h"
 
 namespace {
 
@@ -12,6 +13,11 @@ void EndProcess() {
     TraceEvent("basCommon:EndProcess");
     if (auto* main = IfLoaded<frmMain1>()) main->hide();
     EndProgram(1);
+}
+
+void WriteAndDraw(void (frmMain1::*bricks)()) {
+    if (!WithStatusFile(UpdateHHStatus)) return;
+    if (auto* main = IfLoaded<frmMain1>()) (main->*bricks)();
 }
 
 } // namespace
@@ -25,4 +31,12 @@ bool WithStatusFile(void (*routine)()) {
         EndProcess();
         return false;
     }
+}
+
+void ShowHHStatus() {
+    WriteAndDraw(&frmMain1::GetHHBricks);
+}
+
+void ShowHHStatusStd() {
+    WriteAndDraw(&frmMain1::GetHHBricksStd);
 }

@@ -15,12 +15,10 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
-#include <QTimer>
 
 namespace {
 
 constexpr const char* Command = "rdkinst -crtreg ZUK2 -condpath SFrmCn40.dll  -name \"Tramble\" -restarths";
-constexpr int LookEvery = 50; // milliseconds
 
 const QString SetupWindow = QStringLiteral("Setup");
 const QString ExitWindow = QStringLiteral("Exit Hotsync Manager");
@@ -90,15 +88,6 @@ bool StartRegistration() {
 }
 
 // ---- the windows ----
-
-/// Looks again and again until there is what is looked for.
-void LookUntil(FormBehaviour& form, const std::function<bool()>& there) {
-    bool seen = there();
-    QTimer look;
-    QObject::connect(&look, &QTimer::timeout, &look, [&] { seen = seen || there(); });
-    look.start(LookEvery);
-    form.WaitWhile([&] { return !seen; });
-}
 
 void AwaitSetup(FormBehaviour& form) {
     std::optional<FoundWindow> setup;

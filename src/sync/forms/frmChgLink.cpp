@@ -12,6 +12,7 @@
 #include "store/SortTables.h"
 #include "sync/Status.h"
 #include "sync/forms/StatusFile.h"
+#include "sync/forms/frmMainSync.h"
 #include "views/forms/frmViewData.h"
 #include "views/forms/frmViewGrid.h"
 
@@ -22,6 +23,8 @@
 
 void frmChgLink::Form_Load() {
     TraceEvent("frmChgLink:Form_Load");
+    // A session would write the same table.
+    UnloadMainSync();
     setWindowIcon(Picture("UpDtHSUsers32x32-16M.ico"));
     for (const auto& [key, button] : {std::pair{Qt::Key_PageUp, cmdPrevious}, {Qt::Key_PageDown, cmdNext}})
         connect(new QShortcut(key, this), &QShortcut::activated, button, &QPushButton::click);
@@ -235,4 +238,5 @@ void frmChgLink::Form_Unload() {
     // What was saved and deleted stays, whatever has closed the form.
     if (links_.IDs() != before_) Finish();
     links_.Close();
+    LoadMainSync();
 }

@@ -4,7 +4,9 @@
 #include "core/Messages.h"
 #include "core/Numbers.h"
 #include "platform/Convert.h"
+#include "sync/Receipt.h"
 
+#include <QFontDatabase>
 #include <QHeaderView>
 
 namespace {
@@ -20,6 +22,8 @@ std::vector<Text> Row(MessageId name, const OrderFigures& figures) {
 void frmHHStatus::Form_Load() {
     TraceEvent("frmHHStatus:Form_Load");
     FG1->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
+    txtReceipt->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    txtReceipt->setPlaceholderText(ToQt(Text(msg::NoReceipt)));
 }
 
 void frmHHStatus::Fill(std::string_view id, const StatusDetails& details) {
@@ -35,6 +39,14 @@ void frmHHStatus::Fill(std::string_view id, const StatusDetails& details) {
         std::move(headings), std::vector<std::vector<Text>>{Row(msg::StatusHandheld, details.Handheld),
                                                             Row(msg::StatusPC, details.PC),
                                                             Row(msg::StatusDifference, difference)}));
+    FG1->setFixedHeight(HeightOfRows());
+    txtReceipt->setPlainText(QString::fromStdString(LastReceipt(id).value_or(std::string())));
+}
+
+/// Of the heading and the three rows: the rest of the box is the receipt's.
+int frmHHStatus::HeightOfRows() const {
+    return FG1->horizontalHeader()->sizeHint().height() + FG1->verticalHeader()->length() +
+           2 * FG1->frameWidth();
 }
 
 void frmHHStatus::cmdOK_Click() {

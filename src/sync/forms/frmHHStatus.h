@@ -6,7 +6,8 @@
 
 #include <string_view>
 
-/// What a handheld said it had against what the PC took, for one handheld.
+/// What a handheld said it had against what the PC took, for one handheld, and the receipt of its last
+/// HotSync.
 class frmHHStatus final : public Form, private Ui::frmHHStatus {
     Q_OBJECT
 
@@ -20,4 +21,7 @@ private slots:
 
 protected:
     void Form_Load() override;
+
+private:
+    int HeightOfRows() const;
 };

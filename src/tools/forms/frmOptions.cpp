@@ -15,6 +15,9 @@
 #include "exchange/forms/frmImport1.h"
 #include "maintenance/Backup.h"
 #include "platform/Convert.h"
+#include "sync/forms/frmTableSelectCL.h"
+#include "sync/forms/frmTableSelectDL.h"
+#include "sync/forms/frmUploadSelect.h"
 
 #include <QDate>
 #include <QLineEdit>
@@ -113,9 +116,7 @@ void frmOptions::Form_Load() {
     cboRemoteSettings->setCurrentIndex(
         cboRemoteSettings->findText(ToQt(std::string_view(Global.RemoteSyncSettings)), Qt::MatchFixedString));
     unattended_.Loaded = cboRemoteSettings->currentText();
-    ShowUnattended({Global.RemoteSelect.ByTemplate(), Global.RemoteSelSettings,
-                    Global.UploadSelect.ByTemplate(), Global.UploadSelSettings, Global.RemoteClearSelect,
-                    Global.RemoteClearSettings});
+    ShowUnattended(SelectionsInForce());
     FillPurgeDays();
     (Global.PurgeBackup ? optPurge : optNoPurge)->click();
     chkDemoTemplates->setChecked(Global.UpdateDemoTemplates);
@@ -201,6 +202,11 @@ void frmOptions::TurnTo(std::string_view file) {
         if (choose(kind)) ShowActivity(kind);
     }
     if (choose(unattended_)) cboRemoteSettings_Click();
+    const std::pair<std::string_view, QWidget*> selections[] = {
+        {".dst", cmdSUDownload}, {".ust", cmdSUUpload}, {".dct", cmdSUClear}};
+    for (const auto& [kind, button] : selections) {
+        if (SameText(extension, kind)) GoTo(*button);
+    }
 }
 
 // ---- activities ----
@@ -311,6 +317,25 @@ void frmOptions::cmdDelete_Click() {
     if (IsPlainFileName(name)) RemoveQuietly(unattended_.Path());
     UnlistName(*cboRemoteSettings, PathToQt(name));
     unattended_.Loaded.clear();
+    // What has gone is not to be chosen at the next start, also when nothing else here is saved.
+    if (!SameText(Global.RemoteSyncSettings, PathToName(name))) return;
+    Global.RemoteSyncSettings.clear();
+    SaveSettings();
+}
+
+void frmOptions::cmdSUDownload_Click() {
+    TraceEvent("frmOptions:cmdSUDownload_Click");
+    if (EditTemplates<frmTableSelectDL>()) PopDownload();
+}
+
+void frmOptions::cmdSUUpload_Click() {
+    TraceEvent("frmOptions:cmdSUUpload_Click");
+    if (EditTemplates<frmUploadSelect>()) PopUpload();
+}
+
+void frmOptions::cmdSUClear_Click() {
+    TraceEvent("frmOptions:cmdSUClear_Click");
+    if (EditTemplates<frmTableSelectCL>()) PopClear();
 }
 
 // ---- backups ----

@@ -17,7 +17,8 @@ public:
     frmOptions();
 
     /// Turns to what keeps files of this name's extension ("Morning.ipm", "Evening.uhs") and chooses
-    /// that file; an extension alone chooses none. In the file system's encoding.
+    /// that file; an extension alone chooses none, nor does a selection of tables, which has a screen of
+    /// its own. In the file system's encoding.
     void TurnTo(std::string_view file);
     void TurnToBackup() { GoTo(*optPurge); }
 
@@ -32,6 +33,9 @@ private slots:
     void cmdDelPCAct_Click();
     void cboRemoteSettings_Click();
     void cmdDelete_Click();
+    void cmdSUDownload_Click();
+    void cmdSUUpload_Click();
+    void cmdSUClear_Click();
     void optPurge_Click();
     void optNoPurge_Click();
     void optDelBackup_Click();

@@ -1,0 +1,143 @@
+#include "store/TextBridge.h"
+
+#include "core/Messages.h"
+#include "core/Paths.h"
+#include "core/SafeFile.h"
+#include "core/TextCompare.h"
+#include "core/TextFile.h"
+#include "store/TableRewrite.h"
+#include "store/TableScan.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr char Delimiter = '\xA5';
+
+BridgeFields FieldsOf(const TableLayout& layout) {
+    BridgeFields fields;
+    for (int k = 1; k <= layout.FieldCount(); ++k) fields.emplace_back(layout.PlainName(k));
+    return fields;
+}
+
+/// The current record as a line. At most a record and 255 delimiters: TextReader takes any such line.
+void MakeLine(const TableScan& scan, std::string& line) {
+    line.clear();
+    for (int k = 1; k <= scan.Layout().FieldCount(); ++k) {
+        line += scan.Trimmed(k);
+        line += Delimiter;
+    }
+    std::replace_if(
+        line.begin(), line.end(), [](char c) { return c == '\r' || c == '\n'; }, ' ');
+}
+
+/// Hands on the first `count` values of a line, each with its place from 0. False when there are fewer.
+template <typename Take>
+bool EachValue(std::string_view line, std::size_t count, const Take& take) {
+    for (std::size_t k = 0; k < count; ++k) {
+        const std::size_t end = line.find(Delimiter);
+        if (end == std::string_view::npos) return false;
+        take(k, Trim(line.substr(0, end)));
+        line.remove_prefix(end + 1);
+    }
+    return true;
+}
+
+/// Where each value of a line goes; 0 for a field that the table does not have.
+std::vector<int> PlacesIn(const TableLayout& layout, const BridgeFields& fields) {
+    std::vector<int> places;
+    for (const std::string& field : fields) places.push_back(layout.Find(FieldKey(field)));
+    return places;
+}
+
+std::int64_t CountLines(std::string_view text) {
+    TextReader reader(text);
+    std::string line;
+    while (reader.ReadLine(line)) {
+    }
+    return reader.LineNumber();
+}
+
+void AppendLines(TableRewrite& table, const BridgeFields& fields, std::string_view text, Progress& progress) {
+    const std::vector<int> places = PlacesIn(table.Layout(), fields);
+    const auto write = [&](std::size_t k, std::string_view value) { table.Write(places[k], value); };
+    TextReader reader(text);
+    for (std::string line; reader.ReadLine(line);) {
+        table.Append();
+        if (!EachValue(line, fields.size(), write)) {
+            throw FailureInLine(321, text, reader.LineNumber(), line);
+        }
+        progress.Show(reader.LineNumber());
+    }
+}
+
+} // namespace
+
+void DBFtoText(std::string_view source, BridgeFields& fields, std::string_view text) {
+    SafeFile file(text);
+    TableScan scan(source);
+    fields = FieldsOf(scan.Layout());
+    for (std::string line; scan.Next();) {
+        MakeLine(scan, line);
+        file.WriteLine(line);
+    }
+    scan.Close();
+    file.Commit(false); // read back at once; after a power cut it is made again
+}
+
+void TextToDBF(std::string_view target, const BridgeFields& fields, std::string_view text,
+               Progress& progress) {
+    TableScan scan(target);
+    TableRewrite table(target);
+    while (scan.Next()) table.AppendRaw(scan.Flag(), scan.Record());
+    const std::int64_t lines = CountLines(text);
+    if (lines > 0) {
+        progress.Begin(msg::ProcessingData, lines);
+        AppendLines(table, fields, text, progress);
+    }
+    scan.Close();
+    table.Commit();
+    if (lines > 0) RemoveQuietly(text);
+}
+
+bool EndsWithBridged(std::string_view target, std::string_view source) {
+    TableScan old(source);
+    TableScan table(target);
+    const TableLayout& layout = table.Layout();
+    if (old.RecordCount() == 0) return true;
+    if (table.RecordCount() < old.RecordCount()) return false;
+    while (table.RecordNumber() < table.RecordCount() - old.RecordCount()) table.Next();
+
+    const std::vector<int> places = PlacesIn(layout, FieldsOf(old.Layout()));
+    std::string line;
+    std::string fields;
+    const auto fit = [&](std::size_t k, std::string_view value) { layout.Fit(places[k], value, fields); };
+    while (old.Next() && table.Next()) {
+        fields.assign(static_cast<std::size_t>(layout.FieldBytes()), ' ');
+        MakeLine(old, line);
+        EachValue(line, places.size(), fit);
+        if (fields != table.Fields()) return false;
+    }
+    return true;
+}
+
+bool HoldTheSame(std::string_view table, std::string_view other) {
+    TableScan a(table);
+    TableScan b(other);
+    const TableLayout& fields = a.Layout();
+    if (a.RecordCount() != b.RecordCount() || fields.RecordLength() != b.Layout().RecordLength() ||
+        fields.FieldCount() != b.Layout().FieldCount()) {
+        return false;
+    }
+    for (int k = 1; k <= fields.FieldCount(); ++k) {
+        if (fields.FieldName(k) != b.Layout().FieldName(k) ||
+            fields.FieldType(k) != b.Layout().FieldType(k) ||
+            fields.FieldLength(k) != b.Layout().FieldLength(k)) {
+            return false;
+        }
+    }
+    while (a.Next() && b.Next()) {
+        if (a.Flag() != b.Flag() || a.Record() != b.Record()) return false;
+    }
+    return true;
+}

@@ -1,0 +1,118 @@
+#include "sync/SafetyCopies.h"
+
+#include "core/Failure.h"
+#include "core/Globals.h"
+#include "core/Paths.h"
+#include "core/SafeFile.h"
+#include "core/TextCompare.h"
+#include "store/TableScan.h"
+
+#include <algorithm>
+#include <array>
+#include <span>
+
+namespace {
+
+constexpr std::string_view OfSessionNames[] = {"ZUKOrHdr", "ZUKOrLin", "ZUKAudtH",
+                                               "ZUKAudtL", "ZUKAudHH", "ZUKBarIn"};
+constexpr std::string_view OfUploadScreenNames[] = {"ZUKOrHdr", "ZUKOrLin", "ZUKAudtH", "ZUKAudtL",
+                                                    "ZUKAudHH", "ZUKPRN",   "ZUKCUST",  "ZUKITEM"};
+
+/// What a recovery puts back.
+constexpr MergedTable SentByHandhelds[] = {MergedOrderHeaders, MergedOrderLines, MergedAuditHeaders,
+                                           MergedAuditLines, MergedHHTotals};
+
+std::span<const std::string_view> NamesOf(SafetyCopies which) {
+    if (which == SafetyCopies::OfSession) return OfSessionNames;
+    return OfUploadScreenNames;
+}
+
+std::string InTables(std::string_view name) {
+    return Global.DBFPath + std::string(name);
+}
+
+std::string CopyOf(std::string_view table) {
+    return std::string(table) + ".dap";
+}
+
+std::string Mark() {
+    return InTables("SafetyCopies.txt");
+}
+
+void SetMark() {
+    WriteWholeFile(Mark(), "A HotSync is replacing tables. The files with the extension .dap hold what the "
+                           "PC had before it. The next start puts that back where the HotSync does not.\r\n");
+}
+
+bool IsNeededStill(std::string_view copy) {
+    const auto& needed = Global.FailedMerges;
+    return std::any_of(needed.begin(), needed.end(),
+                       [&](const std::string& each) { return SameText(each, copy); });
+}
+
+bool WasReplacedAndNotMerged(const std::string& table, const std::string& copy) {
+    return !HoldTheSame(table, copy) && !EndsWithBridged(table, copy);
+}
+
+void Merge(const MergedTable& table) {
+    NoProgress silent;
+    BridgeFields fields;
+    DBFtoText(InTables(table.Source), fields, InTables(table.Text));
+    TextToDBF(InTables(table.Target), fields, InTables(table.Text), silent);
+}
+
+} // namespace
+
+void MakeSafetyCopies(SafetyCopies which) {
+    RecoverSafetyCopies();
+    for (const std::string_view table : NamesOf(which))
+        CopyOver(InTables(table) + ".dbf", InTables(CopyOf(table)));
+    if (which == SafetyCopies::OfUploadScreen || Global.UploadSelect) SetMark();
+}
+
+void DeleteSafetyCopies(SafetyCopies which) {
+    // First of all: without it a copy that stays lying about is not taken for one that is needed.
+    if (Global.FailedMerges.empty()) Global.TheDisk->Remove(ResolvePath(Mark()));
+    for (const std::string_view table : NamesOf(which)) {
+        if (!IsNeededStill(CopyOf(table))) RemoveQuietly(InTables(CopyOf(table)));
+    }
+    Global.FailedMerges.clear();
+}
+
+template <typename Step>
+void TableMerge::Attempt(const Step& step) {
+    if (failed_) return;
+    try {
+        step();
+    } catch (const RunTimeFailure& failure) {
+        TraceEvent("TableMerge: " + std::string(table_.Target) + " " + failure.what());
+        failed_ = true;
+        Global.FailedMerges.emplace_back(table_.Source);
+    }
+}
+
+void TableMerge::WriteText() {
+    Attempt([this] { DBFtoText(InTables(table_.Source), fields_, InTables(table_.Text)); });
+}
+
+void TableMerge::ReadText(Progress& progress) {
+    Attempt([&] { TextToDBF(InTables(table_.Target), fields_, InTables(table_.Text), progress); });
+}
+
+std::vector<RecoveredTable> RecoverSafetyCopies() {
+    std::vector<RecoveredTable> recovered;
+    if (!FileExists(Mark())) return recovered;
+    TraceEvent("SafetyCopies:RecoverSafetyCopies");
+    for (const MergedTable& table : SentByHandhelds) {
+        const std::string copy = InTables(table.Source);
+        if (!FileExists(copy)) continue;
+        if (WasReplacedAndNotMerged(InTables(table.Target), copy)) {
+            Merge(table);
+            recovered.push_back({table.Target, TableScan(copy).RecordCount()});
+        }
+        RemoveQuietly(InTables(table.Text));
+    }
+    Global.FailedMerges.clear();
+    DeleteSafetyCopies(SafetyCopies::OfSession);
+    return recovered;
+}

@@ -1,0 +1,138 @@
+#include "sync/forms/frmMainSync.h"
+
+#include "core/Failure.h"
+#include "core/Globals.h"
+#include "core/Messages.h"
+#include "core/Operator.h"
+#include "core/forms/frmMain1.h"
+#include "core/forms/frmProgress.h"
+#include "platform/HotSyncControl.h"
+#include "store/forms/frmAppend.h"
+#include "store/forms/frmAppendAudit.h"
+#include "store/forms/frmAppendIndex.h"
+#include "sync/SessionStatus.h"
+#include "sync/Status.h"
+#include "sync/forms/StatusFile.h"
+#include "sync/forms/frmRemoteSync.h"
+
+#include <utility>
+
+namespace {
+
+/// Takes a step behind the transfers. Its failure must not keep the steps that follow from being taken:
+/// nobody may be there to answer a box. It stands in the trace, and in the letter of the handheld.
+void Try(const char* routine, const std::function<void()>& step) {
+    try {
+        step();
+    } catch (const RunTimeFailure& failure) {
+        TraceEvent(std::string("frmMainSync:") + routine + " " + failure.what());
+    }
+}
+
+} // namespace
+
+void frmMainSync::Form_Load() {
+    TraceEvent("frmMainSync:Form_Load");
+    SFMain = NewSFrmAX40();
+    SessionScreen& screen = *this;
+    session_.emplace(*SFMain, screen);
+    SFMain->HotSyncStatus = [this](std::int32_t status) {
+        if (!IsOver()) Run([this, status] { SFMain_HotSyncStatus(status); });
+    };
+    SFMain->SetEnabled(true);
+    Global.MainSyncLoaded = true;
+}
+
+void frmMainSync::Form_Unload() {
+    TraceEvent("frmMainSync:Form_Unload");
+    if (SFMain) SFMain->SetEnabled(false);
+    Global.MainSyncLoaded = false;
+}
+
+bool frmMainSync::InSession() const {
+    if (!session_) return false;
+    const std::string& stage = session_->SyncStage;
+    return session_->SessionClosing || (!stage.empty() && stage != "End");
+}
+
+void frmMainSync::SFMain_HotSyncStatus(std::int32_t status) {
+    const bool wasActive = Global.UnattendedActive;
+    session_->SFMain_HotSyncStatus(status);
+    auto* main = IfLoaded<frmMain1>();
+    if (IsOver() || !main || !wasActive) return;
+    if (!Global.UnattendedActive)
+        main->ShowUnattendedOff();
+    else if (status == SessionEnded && !InSession())
+        main->SessionIsOver();
+}
+
+// ---- what the session asks for ----
+
+void frmMainSync::TellUnknownHandheld() {
+    Tell(msg::UnknownHandheld, Icon::Warning);
+}
+
+void frmMainSync::TellBackupFailed() {
+    Tell(Lines(msg::FileError, msg::CannotBackUp), Icon::Stop);
+}
+
+void frmMainSync::ShowBegun(const std::string& user) {
+    if (auto* main = IfLoaded<frmMain1>()) main->ShowSession(user);
+    if (auto* remote = IfLoaded<frmRemoteSync>()) remote->ShowSession(user);
+}
+
+void frmMainSync::ShowPhase(SyncPhaseImage phase, PhaseLook look) {
+    if (auto* main = IfLoaded<frmMain1>()) main->ShowPhase(phase, look);
+}
+
+void frmMainSync::ShowEnded() {
+    if (auto* main = IfLoaded<frmMain1>()) main->ShowWaiting();
+    if (auto* remote = IfLoaded<frmRemoteSync>()) remote->ShowWaiting();
+}
+
+void frmMainSync::Merge() {
+    The<frmAppend>().Show(ShowMode::Modal);
+    The<frmAppendAudit>().Show(ShowMode::Modal);
+    The<frmAppendIndex>().Show(ShowMode::Modal);
+}
+
+void frmMainSync::RecordUpload() {
+    Try("RecordUpload", [] { RecordTotals(ProgressFlag::UploadAdd); });
+}
+
+void frmMainSync::GetPCTotals() {
+    Try("GetPCTotals", [] {
+        if (auto* main = IfLoaded<frmMain1>()) main->GetPCTotals();
+    });
+}
+
+std::optional<SessionScreen::Upload> frmMainSync::NewestUpload() const {
+    const auto* main = IfLoaded<frmMain1>();
+    if (!main || !main->NewestUpload()) return std::nullopt;
+    const UploadRow& row = *main->NewestUpload();
+    return Upload{row.Orders, row.Lines, row.Dollars};
+}
+
+void frmMainSync::RefreshRecordCounts() {
+    Try("RefreshRecordCounts", [] {
+        if (auto* main = IfLoaded<frmMain1>()) main->RefreshRecordCounts();
+    });
+}
+
+void frmMainSync::ShowHHStatus() {
+    if (!WithStatusFile(UpdateHHStatus)) return;
+    Try("ShowHHStatus", [] {
+        if (auto* main = IfLoaded<frmMain1>()) main->GetHHBricks();
+    });
+}
+
+// ---- one control at a time ----
+
+void UnloadMainSync() {
+    if (auto* form = IfLoaded<frmMainSync>()) form->Unload();
+}
+
+void LoadMainSync() {
+    const auto* main = IfLoaded<frmMain1>();
+    if (main && !main->IsGone() && !Global.Ending) The<frmMainSync>();
+}

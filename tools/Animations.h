@@ -1,0 +1,8 @@
+#pragma once
+
+#include <string>
+
+/// The animations of the HotSync as bytes of GIF files, three pixels for each one of the screen on a
+/// transparent ground: a computer that waits for a handheld, and one that exchanges records with it.
+std::string WaitingForHotsync();
+std::string HotsyncRunning();
