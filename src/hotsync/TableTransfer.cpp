@@ -29,6 +29,10 @@ constexpr std::size_t MostDatabases = std::size_t{1} << 16;
 constexpr std::array<std::string_view, 9> OfficeKeeps{"ZUKCUST",  "ZUKITEM",  "ZUKSTAX", "ZUKPAY",  "ZUKCOMP",
                                                       "ZUKSETUP", "ZUKPRINT", "ZUKHELP", "ZUKBARIN"};
 
+bool IsKeptByOffice(const std::string& table) {
+    return std::find(OfficeKeeps.begin(), OfficeKeeps.end(), table) != OfficeKeeps.end();
+}
+
 std::string WorkName(const std::string& name) {
     return name + std::string(WorkMark);
 }
@@ -115,10 +119,11 @@ struct TableTransfer::Columns {
     }
 };
 
-TableTransfer::TableTransfer(HandheldLine& line, const Limits& limits, Step step)
+TableTransfer::TableTransfer(HandheldLine& line, const Limits& limits, Step step, Awaited awaited)
     : line_(line),
       limits_(limits),
-      step_(std::move(step)) {}
+      step_(std::move(step)),
+      awaited_(std::move(awaited)) {}
 
 /// Runs a deed that may leave a database open, and one of the name `work` behind: after a failure that the
 /// line survives neither is left.
@@ -153,11 +158,18 @@ auto TableTransfer::Guarded(const std::string& work, Deed deed) {
 // ---- from the handheld ----
 
 TableTransfer::Result TableTransfer::Upload(std::string_view path) {
-    return Guarded({}, [&] {
-        const std::string name = HandheldDatabaseName(path);
+    const std::string name = Guarded({}, [&] { return HandheldDatabaseName(path); });
+    notFetched_.insert(name);
+    const Result result = Guarded({}, [&] {
         line_.KeepAlive();
         return Fetch(path, name);
     });
+    notFetched_.erase(name);
+    return result;
+}
+
+void TableTransfer::CheckAwaited() const {
+    if (!awaited_()) throw TransferFailure("the program that asked for it has gone");
 }
 
 TableTransfer::Result TableTransfer::Fetch(std::string_view path, const std::string& name) {
@@ -204,6 +216,7 @@ TableTransfer::Result TableTransfer::Fetch(std::string_view path, const std::str
     step_(count, count);
     if (CountRecords(handle, name) != count) throw TransferFailure(name + " changed while it was read");
     Close(handle);
+    CheckAwaited();
 
     // A drawing whose order is not there yet harms nobody; an order without its drawing would.
     for (const Signature& signature : signatures) {
@@ -221,9 +234,8 @@ TableTransfer::Result TableTransfer::Fetch(std::string_view path, const std::str
 
 TableTransfer::Result TableTransfer::FetchNone(std::string_view path, const std::string& name) {
     const std::string table = TableOfDatabase(name);
-    if (std::find(OfficeKeeps.begin(), OfficeKeeps.end(), table) != OfficeKeeps.end()) {
-        throw TransferFailure("the handheld has no " + name);
-    }
+    if (IsKeptByOffice(table)) throw TransferFailure("the handheld has no " + name);
+    CheckAwaited();
     Result result;
     result.WasMissing = true;
     if (FileExists(path)) {
@@ -266,6 +278,8 @@ TableTransfer::Result TableTransfer::Download(std::string_view path) {
     const std::string name = Guarded({}, [&] { return HandheldDatabaseName(path); });
     const std::string work = WorkName(name);
     const Result result = Guarded(work, [&] {
+        if (notFetched_.contains(name) && !IsKeptByOffice(TableOfDatabase(name)))
+            throw TransferFailure("it could not be fetched in this session");
         line_.KeepAlive();
         return Send(path, work);
     });
