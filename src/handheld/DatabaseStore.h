@@ -8,9 +8,6 @@
 #include <string_view>
 #include <vector>
 
-/// What a record or a resource costs beside its data: its entry in the file's list.
-inline constexpr std::size_t RecordEntryBytes = 8, ResourceEntryBytes = 10;
-
 /// The databases of a handheld: a folder with a file each, ".pdb" or ".prc", byte by byte as a desktop
 /// would install it. The name inside a file counts, byte-exactly; the file's own name is that name as far
 /// as every file system can write it. Headers are read at the start, what is in them only when it is asked
@@ -73,9 +70,8 @@ std::string EscapedName(std::string_view name);
 /// `isUsed` says whether a record has an id.
 template <typename IsUsed>
 std::uint32_t NewRecordId(Database& database, IsUsed&& isUsed) {
-    constexpr std::uint32_t Last = 0xFFFFFF;
     do {
-        database.IdSeed = database.IdSeed >= Last ? 1 : database.IdSeed + 1;
+        database.IdSeed = database.IdSeed >= LastRecordId ? 1 : database.IdSeed + 1;
     } while (isUsed(database.IdSeed)); // ends: a database has fewer records than there are ids
     return database.IdSeed;
 }

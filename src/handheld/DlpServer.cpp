@@ -21,7 +21,6 @@ constexpr std::uint16_t RomVersionFeature = 1;
 constexpr std::string_view CardName = "Stand-in";
 constexpr std::string_view Manufacturer = "ZUK Tramble";
 
-constexpr std::size_t LongestHostName = 255;
 constexpr int DiskFull = 61;
 
 /// A date of the wire that may be none, but nothing else that is no date.
@@ -238,7 +237,7 @@ DlpResponse DlpServer::WriteNetSyncInfo(const DlpRequest& request) {
     std::array<std::string, 3> texts;
     for (std::size_t at = 0; at < texts.size(); ++at) {
         texts.at(at) = UpToNul(from.Take(sizes.at(at)));
-        if (texts.at(at).size() > LongestHostName) throw DlpRefused{DlpError::Parameter};
+        if (texts.at(at).size() > HandheldSettings::LongestHostName) throw DlpRefused{DlpError::Parameter};
     }
     HandheldSettings& settings = handheld_.Settings;
     if ((flags & 0x80) != 0) settings.LanSync = isOn;

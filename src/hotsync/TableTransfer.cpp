@@ -17,7 +17,6 @@ namespace {
 
 constexpr std::string_view WorkMark = "~";
 constexpr std::string_view InstallWork = "ZUK_install~";
-constexpr std::uint16_t KeepVersion = 0xFFFF;
 constexpr std::string_view SignedTable = "ZUKORHDR";
 /// Some handhelds lock up when a record near the limit is asked for in one piece.
 constexpr std::uint16_t LongestPiece = LongestRecord - 100;

@@ -11,16 +11,8 @@ constexpr std::uint8_t LongForm = 0x40;
 constexpr std::uint8_t SmallForm = 0x80;
 constexpr std::uint8_t IdMask = 0x3F;
 constexpr std::size_t LongestArgument = 0xFFFF;
-constexpr std::size_t LongestUserName = 40;
-constexpr std::uint32_t Low24 = 0xFFFFFF;
-constexpr std::uint8_t LastCategory = 15;
 
-// Lists and searches.
-constexpr std::uint8_t ListRam = 0x80, ListSeveral = 0x20;
-constexpr std::uint8_t ListMore = 0x80;
-constexpr std::uint8_t FindAttributes = 0x80;
-constexpr std::uint8_t OpenRead = 0x80, OpenWrite = 0x40, OpenSecret = 0x10;
-constexpr std::uint8_t DataIncluded = 0x80;
+/// A database in a list, before its name.
 constexpr std::size_t DatabaseBlock = 44;
 
 void PackArguments(ByteWriter& to, const std::vector<DlpArgument>& arguments) {
@@ -450,7 +442,7 @@ DlpRequest PackSetDBInfo(std::uint8_t handle, std::uint16_t version, std::string
 
 DlpRequest PackReadAppBlock(std::uint8_t handle) {
     ByteWriter bytes;
-    bytes.U8(handle).U8(0).U16(0).U16(0xFFFF);
+    bytes.U8(handle).U8(0).U16(0).U16(ToTheEnd);
     return {DlpFunction::ReadAppBlock, std::move(bytes).Bytes()};
 }
 
@@ -493,7 +485,7 @@ DlpResponse PackRecord(DlpFunction function, const RecordAnswer& answer) {
 RecordAnswer ReadRecordAnswer(const DlpResponse& response) {
     ByteReader from(response.Argument(), "record");
     RecordAnswer answer;
-    answer.Record.Id = from.U32() & Low24;
+    answer.Record.Id = from.U32() & LastRecordId;
     answer.Index = from.U16();
     answer.Size = from.U16();
     answer.Record.Flags = from.U8();
