@@ -129,7 +129,6 @@ Outcome Install(const CommandRun& run) {
     for (const std::string& file : run.Line.Operands()) {
         try {
             Database& database = databases.emplace_back(ReadDatabase(ReadWholeFile(file)));
-            if (database.Name.empty()) throw PalmFailure("handheld database: no name");
             if (!database.IsResource()) GiveIds(database, handheld.Settings.IdSeed);
         } catch (const PalmFailure& failure) {
             throw Refusal(file + ": " + failure.what());

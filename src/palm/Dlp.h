@@ -226,11 +226,7 @@ std::uint16_t ReadListRequest(const DlpRequest& request, bool& several);
 DlpResponse PackDatabaseList(const DatabaseList& list);
 DatabaseList ReadDatabaseList(const DlpResponse& response);
 
-/// FindDB by name, and its answer with the attributes and, when asked for, the sizes.
-struct DatabaseSizes {
-    std::uint32_t Records = 0, TotalBytes = 0, DataBytes = 0, AppInfoBytes = 0, SortInfoBytes = 0,
-                  LongestRecord = 0;
-};
+/// FindDB by name, and its answer with the attributes.
 DlpRequest PackFindByName(std::string_view name);
 DatabaseInfo ReadFound(const DlpResponse& response);
 std::string PackDatabaseInfo(const DatabaseInfo& info);
