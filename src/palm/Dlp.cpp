@@ -97,6 +97,31 @@ std::string_view CutName(std::string_view name) {
     return name.substr(0, LongestDatabaseName);
 }
 
+/// The numbers that both messages about the user begin with.
+template <typename User>
+void PutUserIds(ByteWriter& to, const User& user) {
+    to.U32(user.UserId).U32(user.ViewerId).U32(user.LastSyncPC);
+}
+
+template <typename User>
+void TakeUserIds(ByteReader& from, User& user) {
+    user.UserId = from.U32();
+    user.ViewerId = from.U32();
+    user.LastSyncPC = from.U32();
+}
+
+std::string_view CutUserName(std::string_view name) {
+    return name.substr(0, LongestUserName);
+}
+
+/// A user's name out of a place that may be longer.
+std::string TakeUserName(ByteReader& from, std::size_t size) {
+    const std::string_view place = from.Take(size);
+    const std::string_view name = place.substr(0, place.find('\0'));
+    if (name.size() > LongestUserName) from.Fail("a name of more than 40 bytes");
+    return std::string(name);
+}
+
 DatabaseInfo TakeDatabaseInfo(ByteReader& from) {
     const std::size_t size = from.U8();
     if (size < DatabaseBlock) from.Fail("a database of " + std::to_string(size) + " bytes in a list");
@@ -289,9 +314,9 @@ SysInfo ReadSysInfo(const DlpResponse& response) {
 }
 
 DlpResponse PackUserInfo(const UserInfo& info) {
-    const std::string_view name = std::string_view(info.Name).substr(0, LongestUserName);
+    const std::string_view name = CutUserName(info.Name);
     ByteWriter bytes;
-    bytes.U32(info.UserId).U32(info.ViewerId).U32(info.LastSyncPC);
+    PutUserIds(bytes, info);
     PutDate(bytes, info.LastGoodSync);
     PutDate(bytes, info.LastSync);
     bytes.U8(name.empty() ? 0 : static_cast<unsigned>(name.size() + 1)).U8(0);
@@ -302,23 +327,19 @@ DlpResponse PackUserInfo(const UserInfo& info) {
 UserInfo ReadUserInfo(const DlpResponse& response) {
     ByteReader from(response.Argument(), "user information");
     UserInfo info;
-    info.UserId = from.U32();
-    info.ViewerId = from.U32();
-    info.LastSyncPC = from.U32();
+    TakeUserIds(from, info);
     info.LastGoodSync = TakeDate(from);
     info.LastSync = TakeDate(from);
     const std::size_t nameSize = from.U8();
     from.Skip(1); // of the password, which is nobody's business here
-    const std::string_view name = from.Take(nameSize);
-    info.Name = name.substr(0, name.find('\0'));
-    if (info.Name.size() > LongestUserName) from.Fail("a name of more than 40 bytes");
+    info.Name = TakeUserName(from, nameSize);
     return info;
 }
 
 DlpRequest PackUserChange(const UserChange& change) {
-    const std::string_view name = std::string_view(change.Name).substr(0, LongestUserName);
+    const std::string_view name = CutUserName(change.Name);
     ByteWriter bytes;
-    bytes.U32(change.UserId).U32(change.ViewerId).U32(change.LastSyncPC);
+    PutUserIds(bytes, change);
     PutDate(bytes, change.SyncDate);
     bytes.U8(change.Flags).U8(static_cast<unsigned>(name.size() + 1)).Text(name);
     return {DlpFunction::WriteUserInfo, std::move(bytes).Bytes()};
@@ -327,14 +348,11 @@ DlpRequest PackUserChange(const UserChange& change) {
 UserChange ReadUserChange(const DlpRequest& request) {
     ByteReader from(request.Argument(), "user information");
     UserChange change;
-    change.UserId = from.U32();
-    change.ViewerId = from.U32();
-    change.LastSyncPC = from.U32();
+    TakeUserIds(from, change);
     change.SyncDate = TakeDate(from);
     change.Flags = from.U8();
-    const std::string_view name = from.Take(from.U8());
-    change.Name = name.substr(0, name.find('\0'));
-    if (change.Name.size() > LongestUserName) from.Fail("a name of more than 40 bytes");
+    const std::size_t nameSize = from.U8();
+    change.Name = TakeUserName(from, nameSize);
     return change;
 }
 
