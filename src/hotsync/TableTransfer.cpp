@@ -310,6 +310,7 @@ std::uint8_t TableTransfer::Begin(const DatabaseHeader& header, const std::strin
     DeleteIfThere(work);
     DatabaseHeader begun = header;
     begun.Name = work;
+    begun.Flags = static_cast<std::uint16_t>(begun.Flags & ~ReadOnlyDatabase);
     return ReadHandle(line_.Need(PackCreateDB(begun), "make " + work));
 }
 
@@ -336,7 +337,8 @@ std::int32_t TableTransfer::Install(std::string_view path) {
     const Database database = Guarded(work, [&] {
         line_.KeepAlive();
         Database read = ReadDatabase(ReadWholeFile(path, limits_.LargestFile));
-        if (read.Name.empty()) throw PalmFailure("a database without a name");
+        if (read.Name == work)
+            throw PalmFailure("the name " + work + " is needed while something is installed");
         Put(read, work);
         return read;
     });

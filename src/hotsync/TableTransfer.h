@@ -52,8 +52,8 @@ public:
     /// Sends the table at `path` to the handheld.
     Result Download(std::string_view path);
 
-    /// Puts a PDB or PRC file on the handheld, in the place of a database of the same name; the number of
-    /// its records.
+    /// Puts a PDB or PRC file on the handheld, in the place of a database of the same name, without the mark
+    /// of a read-only one, under which nothing could be written; the number of its records.
     std::int32_t Install(std::string_view path);
 
     /// Brings to its end, or takes back, what an earlier session left half done on the handheld; the names
