@@ -315,8 +315,9 @@ std::uint8_t TableTransfer::Begin(const DatabaseHeader& header, const std::strin
 }
 
 void TableTransfer::MoveToName(const std::string& work, const std::string& name) {
-    DeleteIfThere(name);
+    // Opened first: one that cannot be does not cost the old table.
     const std::uint8_t handle = ReadHandle(line_.Need(PackOpenDB(work, true), "open " + work));
+    DeleteIfThere(name);
     line_.Need(PackSetDBInfo(handle, KeepVersion, name), "name " + name);
     Close(handle);
 }
