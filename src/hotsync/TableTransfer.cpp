@@ -184,7 +184,12 @@ TableTransfer::Result TableTransfer::Fetch(std::string_view path, const std::str
     const std::size_t orderCode = layout.Find("H_ORDCODE");
     for (std::uint16_t index = 0; index < count; ++index) {
         step_(index, count);
-        HandheldRecord record = ReadWhole(handle, index, layout);
+        const DatabaseRecord whole = ReadWhole(handle, index);
+        if ((whole.Flags & DeletedRecord) != 0) { // its bytes may be gone already
+            ++result.LeftBehind;
+            continue;
+        }
+        HandheldRecord record = ReadRecord(layout, whole.Data);
         columns.Append(layout, record.Fields);
         ++result.Records;
         if (!record.IsSigned()) continue;
@@ -235,13 +240,12 @@ TableTransfer::Result TableTransfer::FetchNone(std::string_view path, const std:
     return result;
 }
 
-HandheldRecord TableTransfer::ReadWhole(std::uint8_t handle, std::uint16_t index,
-                                        const HandheldLayout& layout) {
+DatabaseRecord TableTransfer::ReadWhole(std::uint8_t handle, std::uint16_t index) {
     const std::string deed = "read record " + std::to_string(index + 1);
     RecordAnswer answer = ReadRecordAnswer(line_.Need(PackReadRecord(handle, index, 0, LongestPiece), deed));
     // An answer that comes twice would shift all records behind it.
     if (answer.Index != index) throw PalmFailure(deed + ": another record came");
-    std::string data = std::move(answer.Record.Data);
+    std::string& data = answer.Record.Data;
     while (data.size() < answer.Size) {
         const auto offset = static_cast<std::uint16_t>(data.size());
         const RecordAnswer more =
@@ -252,7 +256,7 @@ HandheldRecord TableTransfer::ReadWhole(std::uint8_t handle, std::uint16_t index
         data += more.Record.Data;
     }
     if (data.size() != answer.Size) throw PalmFailure(deed + ": more bytes than the record has");
-    return ReadRecord(layout, data);
+    return std::move(answer.Record);
 }
 
 std::uint16_t TableTransfer::CountRecords(std::uint8_t handle, const std::string& name) {

@@ -37,7 +37,7 @@ public:
 
     struct Result {
         std::int32_t Records = 0;
-        std::int32_t LeftBehind = 0; ///< marked as deleted, and not sent
+        std::int32_t LeftBehind = 0; ///< marked as deleted, and not moved, whichever way
         std::int32_t Signatures = 0;
         bool WasMissing = false; ///< the handheld had no such table
         std::string Odd;         ///< what was passed over, in words; UTF-8
@@ -79,7 +79,7 @@ private:
     Result Send(std::string_view path, const std::string& work);
     void Put(const Database& database, const std::string& work);
 
-    HandheldRecord ReadWhole(std::uint8_t handle, std::uint16_t index, const HandheldLayout& layout);
+    DatabaseRecord ReadWhole(std::uint8_t handle, std::uint16_t index);
     std::uint16_t CountRecords(std::uint8_t handle, const std::string& name);
     std::uint8_t Begin(const DatabaseHeader& header, const std::string& work);
     void MoveToName(const std::string& work, const std::string& name);
