@@ -23,9 +23,10 @@ constexpr std::string_view Manufacturer = "ZUK Tramble";
 
 constexpr int DiskFull = 61;
 
-/// A date of the wire that may be none, but nothing else that is no date.
+/// A date of the wire that may be none, but nothing else that the settings could not be read with.
 DlpDate CheckedDate(const DlpDate& date) {
-    if (date.Year != 0 && ToDateTime(date).IsZero()) throw DlpRefused{DlpError::Parameter};
+    const bool isDate = date.Year >= HandheldSettings::FirstYear && !ToDateTime(date).IsZero();
+    if (date.Year != 0 && !isDate) throw DlpRefused{DlpError::Parameter};
     return date;
 }
 
@@ -115,10 +116,16 @@ DlpResponse DlpServer::Dispatch(std::string_view message) {
 
 void DlpServer::EndWithout(std::string_view words) {
     HandheldSettings& settings = handheld_.Settings;
-    settings.LastEnd = words;
+    settings.LastEnd = words.substr(0, HandheldSettings::LongestEnd);
     settings.User.LastSync = ToDlpDate(handheld_.Clock());
+    // The data first: the end that cannot be written down loses nothing.
+    try {
+        Close();
+    } catch (...) {
+        handheld_.SaveSettings();
+        throw;
+    }
     handheld_.SaveSettings();
-    Close();
 }
 
 DlpResponse DlpServer::ReadUserInfo(const DlpRequest&) {

@@ -17,7 +17,7 @@ struct HandheldSettings {
     std::uint32_t IdSeed = 0; ///< up to LastRecordId; where the record ids of a new database begin
     bool LanSync = false;     ///< network HotSync is on
     std::string PCName, PCAddress, PCMask; ///< the desktop that it looks for
-    std::string LastEnd;                   ///< how the last HotSync ended, in words
+    std::string LastEnd;                   ///< how the last HotSync ended, in up to LongestEnd characters
 
     static constexpr std::uint64_t DefaultMemory = std::uint64_t{16} << 20;
     static constexpr std::uint64_t MostMemory = std::uint64_t{1} << 30;
