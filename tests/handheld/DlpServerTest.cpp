@@ -24,9 +24,11 @@ protected:
         return response;
     }
     DlpError ErrorOf(const DlpRequest& request) {
-        const DlpResponse response = Ask(request);
-        EXPECT_TRUE(response.Error == DlpError::None || response.Arguments.empty());
-        return response.Error;
+        const std::string answer = server_->Answer(PackRequest(request));
+        const DlpError error = ReadResponse(answer).Error;
+        constexpr std::size_t NoArguments = 4; // bytes: function, their number, the error
+        EXPECT_TRUE(error == DlpError::None || (answer.size() == NoArguments && answer[1] == '\0'));
+        return error;
     }
     DlpResponse Well(const DlpRequest& request) {
         const DlpResponse response = Ask(request);
