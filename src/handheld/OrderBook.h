@@ -37,7 +37,8 @@ struct OrderEntry {
     static constexpr std::size_t MostCharges = 4;
 };
 
-/// The orders of a handheld and what they are made from, in memory between two calls of Save.
+/// The orders of a handheld and what they are made from, in memory between two calls of Save. Between two
+/// calls orders are either taken or deleted: the files of both go to the disk in another order.
 class OrderBook {
 public:
     /// Reads the tables that there are. Refusal for a damaged one.
@@ -101,4 +102,5 @@ private:
     HandheldTable headers_, lines_;
     std::optional<HandheldTable> headerAudit_, lineAudit_;
     CodeIndex customerCodes_, itemCodes_, headerCodes_;
+    bool hasDeleted_ = false; ///< since the last Save
 };

@@ -3,6 +3,7 @@
 #include "handheld/OrderBook.h"
 #include "handheld/Signature.h"
 #include "handheld/Totals.h"
+#include "support/FaultyDisk.h"
 
 #include <algorithm>
 #include <map>
@@ -360,6 +361,29 @@ TEST_F(OrderTest, ADeletedOrderGoesWithItsLinesAndLeavesAudits) {
                                           {"A_MACH_ID", "A7"}}));
     EXPECT_EQ(Run({"delete", "A7000100"}).Err, "handheld: there is no order A7000100\n");
     EXPECT_EQ(Count("ZUKAUDTH"), 1U);
+}
+
+TEST_F(OrderTest, WhereverADeletionIsCutOffNoHeaderStandsWithoutItsLines) {
+    int cuts = 0;
+    for (bool whole = false; !whole; ++cuts) {
+        ASSERT_EQ(Order({"--line", "N1:1", "--line", "B1:1"}).How, Outcome::Done);
+        const std::string code = Cell("ZUKORHDR", 0, "H_ORDCODE");
+        FaultyDisk disk(cuts + 1); // nothing works from there on, as if the process had ended
+        Global.TheDisk = &disk;
+        whole = Run({"delete", code}).How == Outcome::Done;
+        Global.TheDisk = &NativeDisk();
+
+        if (Count("ZUKORHDR") != 0) {
+            EXPECT_EQ(Count("ZUKORLIN"), 2U) << "cut at call " << cuts + 1;
+        } else {
+            EXPECT_NE(Count("ZUKAUDTH"), 0U) << "cut at call " << cuts + 1;
+        }
+
+        Its().Store.Remove("TZUK20000_ZUKORHDR");
+        Its().Store.Remove("TZUK20000_ZUKORLIN");
+        Its().Store.Remove("TZUK20000_ZUKAUDTH");
+    }
+    EXPECT_GT(cuts, 12);
 }
 
 TEST_F(OrderTest, TheTotalsAreOneRecordAndTellTheLastEvent) {
