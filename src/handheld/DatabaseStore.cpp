@@ -128,6 +128,11 @@ void DatabaseStore::Save(const Database& database) {
 }
 
 void DatabaseStore::SaveAll(std::span<const Database* const> databases) {
+    CheckRoomFor(databases);
+    for (const Database* const database : databases) Write(*database);
+}
+
+void DatabaseStore::CheckRoomFor(std::span<const Database* const> databases) const {
     std::uint64_t used = used_;
     for (const Database* const database : databases) {
         const Entry* const entry = Find(database->Name);
@@ -135,7 +140,6 @@ void DatabaseStore::SaveAll(std::span<const Database* const> databases) {
         used -= entry ? entry->Bytes : 0;
     }
     CheckRoom(used);
-    for (const Database* const database : databases) Write(*database);
 }
 
 void DatabaseStore::SaveAs(std::string_view oldName, const Database& database) {

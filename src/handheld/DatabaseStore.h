@@ -36,8 +36,11 @@ public:
     /// Adds a database or replaces the one of its name. Refusal when the memory does not hold it, and the
     /// failures of SafeFile.
     void Save(const Database& database);
-    /// The same for several; when the memory does not hold all of them, none is written.
+    /// The same for several of different names, one after the other; when the memory does not hold all of
+    /// them, none is written.
     void SaveAll(std::span<const Database* const> databases);
+    /// Refusal when SaveAll would be refused for want of memory.
+    void CheckRoomFor(std::span<const Database* const> databases) const;
     /// Saves a database under the name that it has now, in the place of the one of its old name.
     void SaveAs(std::string_view oldName, const Database& database);
     /// Nothing happens when it is not there.

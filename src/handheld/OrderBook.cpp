@@ -349,9 +349,10 @@ void OrderBook::Save(std::string_view event, const DateTime& at) {
     std::vector<const Database*> changed;
     changed.reserve(tables.size());
     for (HandheldTable* const table : tables) changed.push_back(&table->Changed(now));
-    handheld_.Store.SaveAll(changed);
+    handheld_.Store.CheckRoomFor(changed);
     numbers_.KeepIn(handheld_.Settings);
     handheld_.SaveSettings();
+    handheld_.Store.SaveAll(changed);
     for (HandheldTable* const table : tables) table->MarkSaved();
     hasDeleted_ = false;
 }

@@ -52,7 +52,8 @@ public:
     std::size_t Delete(std::string_view orderCode, const DateTime& at);
 
     /// Writes what has changed, and the totals, under the event's name. When the memory does not hold it,
-    /// Refusal, and the handheld is as it was.
+    /// Refusal, and the handheld is as it was. A kill in between leaves no number that could be given again,
+    /// and no header without its lines. Failures of the disk.
     void Save(std::string_view event, const DateTime& at);
 
     HandheldTotals Totals() const { return CountTotals(&headers_, &lines_, numbers_); }

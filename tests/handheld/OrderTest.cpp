@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <map>
+#include <set>
 
 namespace {
 
@@ -220,6 +221,57 @@ TEST_F(LonelyOrderTest, AnOrderThatStandsThereIsNotGivenItsNumberAgain) {
     GivenTable("ZUKLINK", {{{"LK_HOTSYNC", "Anna Petrow"}, {"LK_MACH_ID", "M1"}, {"LK_LSTONUM", "000000"}}});
 
     EXPECT_EQ(Run({"order", "--customer", "C1", "--line", "N1:1"}).Out, "M1000002\n");
+}
+
+/// The handheld's Links table may be gone for a while: a HotSync broke off before the new one had its name.
+TEST_F(LonelyOrderTest, WithoutItsLinksTheHandheldCountsOnFromWhereTheyWere) {
+    GivenTable("ZUKLINK", {{{"LK_HOTSYNC", "Anna Petrow"}, {"LK_MACH_ID", "M1"}, {"LK_LSTONUM", "000123"}}});
+    EXPECT_EQ(Run({"order", "--customer", "C1", "--line", "N1:1"}).Out, "M1000124\n");
+    for (const char* table : {"ZUKLINK", "ZUKORHDR", "ZUKORLIN"})
+        Again().Store.Remove("TZUK20000_" + std::string(table));
+
+    EXPECT_EQ(Run({"order", "--customer", "C1", "--line", "N1:1"}).Out, "M1000125\n");
+}
+
+TEST_F(LonelyOrderTest, LinksThatCountLessLeaveTheHandheldsOwnCountAlone) {
+    for (int k = 0; k < 3; ++k) Run({"order", "--customer", "C1", "--line", "N1:1"});
+    GivenTable("ZUKLINK", {{{"LK_HOTSYNC", "Anna Petrow"}, {"LK_MACH_ID", "A7"}, {"LK_LSTONUM", "1"}}});
+    EXPECT_EQ(Run({"order", "--customer", "C1", "--line", "N1:1"}).Out, "A72\n");
+    Again().Store.Remove("TZUK20000_ZUKLINK");
+
+    EXPECT_EQ(Run({"order", "--customer", "C1", "--line", "N1:1"}).Out, "M1000004\n");
+}
+
+TEST_F(LonelyOrderTest, WhereverAnOrderIsCutOffItsNumberIsNotGivenAgain) {
+    std::set<std::string> given;
+    const auto take = [&] { return Run({"order", "--customer", "C1", "--line", "N1:1"}); };
+    const auto standing = [&] {
+        std::vector<std::string> codes;
+        if (!Again().Store.Has("TZUK20000_ZUKORHDR")) return codes;
+        const HandheldTable headers(Its().Store, "ZUKORHDR");
+        for (std::size_t row = 0; row < headers.Count(); ++row)
+            codes.emplace_back(headers.Get(row, "H_ORDCODE"));
+        return codes;
+    };
+    int cuts = 0;
+    for (bool whole = false; !whole; ++cuts) {
+        FaultyDisk disk(cuts + 1); // nothing works from there on, as if the process had ended
+        Global.TheDisk = &disk;
+        whole = take().How == Outcome::Done;
+        Global.TheDisk = &NativeDisk();
+        // The orders go to the office, and the office clears them.
+        for (const std::string& code : standing()) EXPECT_TRUE(given.insert(code).second) << code;
+        for (const char* table : {"ZUKORHDR", "ZUKORLIN"})
+            Its().Store.Remove("TZUK20000_" + std::string(table));
+
+        const std::string next = take().Out.substr(0, 8);
+
+        EXPECT_TRUE(given.insert(next).second) << next << " is given again, cut at call " << cuts + 1;
+        Again();
+        for (const char* table : {"ZUKORHDR", "ZUKORLIN"})
+            Its().Store.Remove("TZUK20000_" + std::string(table));
+    }
+    EXPECT_GT(cuts, 10);
 }
 
 TEST_F(LonelyOrderTest, InAnUnsortedTableACustomerIsFoundByItsCodeAndNotByItsKey) {
