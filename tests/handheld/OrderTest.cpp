@@ -329,6 +329,8 @@ TEST_F(OrderTest, ACommandThatIsWrittenWronglyIsToldHow) {
         {{"--line", "N1"}, "--line: \"N1\" has no colon"},
         {{"--line", "N1:many"}, "--line: \"many\" is no number"},
         {{"--line", "N1:1", "--at", "someday"}, "--at: \"someday\" is no date"},
+        {{"--line", "N1:1", "--discount", "92233720368547750"},
+         "--discount: \"92233720368547750\" is too great"},
         {{"--line", "N1:1", "--charge", "Freight"}, "--charge: \"Freight\" has no colon"},
         {{"--line", "N1:1", "--po"}, "--po lacks its value"},
         {{"--line", "N1:1", "--colour", "red"}, "the command has no option --colour"},
