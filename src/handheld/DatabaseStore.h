@@ -66,7 +66,7 @@ private:
 };
 
 /// The name of a database as every file system can write it, without an extension: what is no letter,
-/// digit or one of `_-#$~ ` inside is %XX.
+/// digit or one of `_-#$~. ` is %XX, and so are a point and a blank at either end.
 std::string EscapedName(std::string_view name);
 
 /// The id for a new record of a database: behind its seed, which takes it on; round again behind 24 bits.
