@@ -1,5 +1,6 @@
 #include "handheld/CommandTable.h"
 
+#include "handheld/OrderNumbers.h"
 #include "handheld/Refusal.h"
 #include "handheld/Totals.h"
 #include "palm/NetSync.h"
@@ -51,9 +52,12 @@ HotSyncJob JobOf(const CommandLine& line) {
     return job;
 }
 
+/// Writes the totals, and the count of the Links table, which the HotSync may take away and not replace.
 /// Neither a damaged table nor a full disk keeps a handheld from the HotSync that brings its orders home.
-void WriteTotals(Handheld& handheld, std::ostream& err) {
+void WriteDownOrders(Handheld& handheld, std::ostream& err) {
     try {
+        OrderNumbers(handheld).KeepIn(handheld.Settings);
+        handheld.SaveSettings();
         RewriteTotals(handheld, "HOTSYNC");
     } catch (const std::exception& failure) {
         err << "handheld: the totals are not written: " << failure.what() << '\n';
@@ -64,7 +68,7 @@ Outcome HotSync(const CommandRun& run) {
     const HotSyncJob job = JobOf(run.Line);
     Handheld handheld(run.Folder);
     if (!run.Around.HotSync) throw Refusal("no line to a desktop");
-    WriteTotals(handheld, run.Around.Err);
+    WriteDownOrders(handheld, run.Around.Err);
     return run.Around.HotSync(handheld, job, run.Out());
 }
 

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <map>
 #include <set>
+#include <sstream>
 
 namespace {
 
@@ -231,6 +232,18 @@ TEST_F(LonelyOrderTest, WithoutItsLinksTheHandheldCountsOnFromWhereTheyWere) {
         Again().Store.Remove("TZUK20000_" + std::string(table));
 
     EXPECT_EQ(Run({"order", "--customer", "C1", "--line", "N1:1"}).Out, "M1000125\n");
+}
+
+TEST_F(LonelyOrderTest, LinksThatAHotSyncTakesAwayAreCountedOnThoughNoOrderWasTaken) {
+    GivenTable("ZUKLINK", {{{"LK_HOTSYNC", "Anna Petrow"}, {"LK_MACH_ID", "M1"}, {"LK_LSTONUM", "000123"}}});
+    const auto takeLinksAway = [](Handheld& handheld, const HotSyncJob&, std::ostream&) {
+        handheld.Store.Remove("TZUK20000_ZUKLINK");
+        return Outcome::Cut;
+    };
+    std::ostringstream out, err;
+    RunCommand({Place(), "hotsync", "desk"}, {out, err, {}, takeLinksAway});
+
+    EXPECT_EQ(Run({"order", "--customer", "C1", "--line", "N1:1"}).Out, "M1000124\n");
 }
 
 TEST_F(LonelyOrderTest, LinksThatCountLessLeaveTheHandheldsOwnCountAlone) {
