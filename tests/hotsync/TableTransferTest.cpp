@@ -76,7 +76,9 @@ std::string FailureOf(Deed deed) {
 
 TEST_F(TableTransferTest, RecordsThatTheHandheldHasMarkedAsDeletedAreNotFetched) {
     // Handhelds keep the mark of a deleted record until the next HotSync, with its bytes or without.
-    GivenOnHandheld({{0, 0, 1, "CASH"}, {DeletedRecord, 0, 2, ""}, {DeletedRecord, 0, 3, "GONE"},
+    GivenOnHandheld({{0, 0, 1, "CASH"},
+                     {DeletedRecord, 0, 2, ""},
+                     {DeletedRecord, 0, 3, "GONE"},
                      {DirtyRecord, 0, 4, "CARD"}});
 
     During([&](TableTransfer& transfer, LoopHandheld&) {
@@ -111,8 +113,7 @@ TEST_F(TableTransferTest, ANewTableThatCannotBeOpenedForItsNameLeavesTheOldOne) 
             ++requests;
         };
         handheld.Lie = PackResponse(DlpResponse(DlpFunction::OpenDB, DlpError::CannotOpen));
-        EXPECT_EQ(FailureOf([&] { transfer.Download(Table()); }),
-                  "open TZUK20000_ZUKPAY~: cannot be opened");
+        EXPECT_EQ(FailureOf([&] { transfer.Download(Table()); }), "open TZUK20000_ZUKPAY~: cannot be opened");
     });
     EXPECT_EQ(OnHandheld(), Rows{"CASH"});
 
