@@ -59,7 +59,8 @@ Session::Session(ByteStream& stream, const Surroundings& around, std::string cal
                 [this](std::int32_t done, std::int32_t of) {
                     CheckCancel();
                     around_.Progress.Step(way_, moving_, done, of);
-                }),
+                },
+                [this] { return around_.Desk.IsThere(); }),
       caller_(std::move(caller)),
       address_(address),
       begun_(ByteStream::Clock::now()) {

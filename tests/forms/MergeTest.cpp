@@ -190,7 +190,7 @@ TEST_F(InterruptedSession, TheStartPutsBackWhatWasNotMergedAndSaysSoOnce) {
     headers.ReadText(silent);
     Text told = msg::SessionRecovered;
     for (const Text& row : {Row("ZUKOrLin", 1), Row("ZUKAudTH", 1), Row("ZUKAudTL", 1), Row("ZUKAudHH", 1)}) {
-        told = Lines(told, row);
+        told = ::Lines(told, row);
     }
     Operator_.Expect(told).With(Icon::Information);
 

@@ -178,6 +178,28 @@ TEST_F(Download, AFatalProblemLeavesTheScreenOpenAndNothingTravels) {
     EXPECT_TRUE(FormTest::Enabled(form, "cmdOK"));
 }
 
+TEST_F(Download, TheReportOfAStoppedDownloadShowsABlankTemplateAndNotTheDownload) {
+    GivenRows("ZUKCUST", {"C_SEARCH|C_CODE|C_NAME", "|C2|Crane"});
+    GivenTemplate("Blank.dst", "Items=0\r\n");
+    auto& form = Open<frmTableSelectDL>();
+    Operator_.Expect(msg::DownloadNow).Answer(Answer::Yes);
+    Operator_.Expect(msg::QCWillRun);
+    Operator_.Expect(msg::FatalProblems);
+    Operator_.Expect(msg::FatalHotsync);
+    Click(form, "cmdOK");
+    WhenStands<frmTableSelectDL>([&form](auto& other) {
+        EXPECT_NE(&other, &form);
+        EXPECT_EQ(TextOf(other, "cboSettings"), Q("Blank"));
+        Click(other, "cmdCancel");
+    });
+    auto& report = The<frmConfigMsg>();
+    form.hide(); // what stands now is the report's
+
+    Click(report, "cmdView");
+
+    EXPECT_EQ(IfLoaded<frmTableSelectDL>(), nullptr);
+}
+
 TEST_F(Download, ATableThatAnotherProgramHoldsIsTold) {
     auto& form = Open<frmTableSelectDL>();
     Tick(form, "chkSetup");
