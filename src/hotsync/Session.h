@@ -39,6 +39,10 @@ public:
     virtual void Raise(std::int32_t status, const HotSyncUser& user, std::string_view creator,
                        const EndedTransfer* ended) = 0;
 
+    /// Whether the program that was told of the session still takes part in it. When not, what it has
+    /// queued is dropped.
+    virtual bool IsThere() = 0;
+
     /// True while the program handles a status. Waits until it has, but at most so long; a program that
     /// has gone is not busy.
     virtual bool IsBusy(std::chrono::milliseconds wait) = 0;

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -33,11 +34,15 @@ public:
     /// Called with the records moved so far and their number. May throw SessionCancelled.
     using Step = std::function<void(std::int32_t done, std::int32_t of)>;
 
-    TableTransfer(HandheldLine& line, const Limits& limits, Step step);
+    /// Whether somebody still waits for what is fetched. Asked before a table is put in its place: without
+    /// the program that merges it with what the office had, it would only take that away.
+    using Awaited = std::function<bool()>;
+
+    TableTransfer(HandheldLine& line, const Limits& limits, Step step, Awaited awaited);
 
     struct Result {
         std::int32_t Records = 0;
-        std::int32_t LeftBehind = 0; ///< marked as deleted, and not sent
+        std::int32_t LeftBehind = 0; ///< marked as deleted, and not moved, whichever way
         std::int32_t Signatures = 0;
         bool WasMissing = false; ///< the handheld had no such table
         std::string Odd;         ///< what was passed over, in words; UTF-8
@@ -49,11 +54,12 @@ public:
     /// counts as one without records when it is the handheld that fills it; else this is a TransferFailure.
     Result Upload(std::string_view path);
 
-    /// Sends the table at `path` to the handheld.
+    /// Sends the table at `path` to the handheld. Not a table that the handheld fills and that Upload could
+    /// not fetch before: its records are nowhere else.
     Result Download(std::string_view path);
 
-    /// Puts a PDB or PRC file on the handheld, in the place of a database of the same name; the number of
-    /// its records.
+    /// Puts a PDB or PRC file on the handheld, in the place of a database of the same name, without the mark
+    /// of a read-only one, under which nothing could be written; the number of its records.
     std::int32_t Install(std::string_view path);
 
     /// Brings to its end, or takes back, what an earlier session left half done on the handheld; the names
@@ -79,15 +85,18 @@ private:
     Result Send(std::string_view path, const std::string& work);
     void Put(const Database& database, const std::string& work);
 
-    HandheldRecord ReadWhole(std::uint8_t handle, std::uint16_t index, const HandheldLayout& layout);
+    DatabaseRecord ReadWhole(std::uint8_t handle, std::uint16_t index);
     std::uint16_t CountRecords(std::uint8_t handle, const std::string& name);
     std::uint8_t Begin(const DatabaseHeader& header, const std::string& work);
     void MoveToName(const std::string& work, const std::string& name);
     void Close(std::uint8_t handle);
     void DeleteIfThere(const std::string& name);
+    void CheckAwaited() const;
 
     HandheldLine& line_;
     Limits limits_;
     Step step_;
+    Awaited awaited_;
+    std::set<std::string> notFetched_; ///< databases
     bool needsReset_ = false;
 };

@@ -242,6 +242,10 @@ void MainSession::HSDownload() {
     SyncPhase = "HSDownload";
     screen_.ShowPhase(SyncPhaseImage::Download, PhaseLook::Running);
     if (Global.RemoteSelect.ByTemplate()) {
+        // The Links table may travel: with the number of the session before, the handheld would give codes of
+        // orders that it has just sent once more. The end of the session writes the row in any case.
+        if (arrivals_.Has(SFMain, LinkTablePath) && TakeHandheldLink(Global.HSUserName))
+            WritePCLink(Global.HSUserName);
         for (const std::string& line :
              LinesOf(TemplatePath(Global.DownloadTemplates, Global.RemoteSelSettings, ".dst"))) {
             for (const DownloadGroup& group : DownloadGroups) {

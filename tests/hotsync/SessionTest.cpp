@@ -42,6 +42,10 @@ public:
         User = user.Name;
         Handler(status);
     }
+    bool IsThere() override {
+        if (!There) Queue.clear();
+        return There;
+    }
     bool IsBusy(std::chrono::milliseconds) override { return BusyFor > 0 && BusyFor-- > 0; }
     std::optional<QueuedTransfer> NextTransfer() override {
         if (Queue.empty()) return std::nullopt;
@@ -230,6 +234,74 @@ TEST_F(SessionTest, ATransferThatFailsIsFollowedByStatusThreeAndTheNext) {
     EXPECT_EQ(HandheldRows("ZUKPAY"), RowsOf(Table("ZUKPAY")));
     EXPECT_EQ(HandheldRows("ZUKSTAX"), std::nullopt);
     EXPECT_EQ(watcher_.Words.back(), "not well: 1 transfer failed");
+}
+
+TEST_F(SessionTest, ATableThatArrivesWhenItsProgramHasGoneReplacesNothing) {
+    GivenTable(Table("ZUKORHDR"), *FindTable("ZUKORHDR"), 3, 1);
+    wanted_ = {{Way::Download, Table("ZUKORHDR")}};
+    ASSERT_EQ(Hold(), Session::End::Well);
+    GivenTable(Table("ZUKORHDR"), *FindTable("ZUKORHDR"), 2, 2);
+    GivenTable(Table("ZUKORLIN"), *FindTable("ZUKORLIN"), 2, 3);
+    const std::string headers = ReadWholeFile(Table("ZUKORHDR"));
+    const std::string lines = ReadWholeFile(Table("ZUKORLIN"));
+    for (const std::string& last : {Table("ZUKORHDR"), Table("ZUKORLIN")}) {
+        wanted_ = {{Way::Upload, last}, {Way::Download, Table("ZUKORHDR")}};
+        desk_.There = true;
+        LoopHandheld handheld(HandheldFolder());
+        // The handheld has no lines: what is not there replaces nothing either.
+        handheld.Heard = [this](const DlpRequest& request) {
+            if (request.Function == DlpFunction::OpenDB) desk_.There = false;
+        };
+
+        EXPECT_EQ(Hold(handheld), Session::End::Well);
+
+        EXPECT_EQ(ReadWholeFile(Table("ZUKORHDR")), headers);
+        EXPECT_EQ(ReadWholeFile(Table("ZUKORLIN")), lines);
+        EXPECT_EQ(HandheldRows("ZUKORHDR")->size(), 3U);
+        EXPECT_TRUE(LogSays("failed: the program that asked for it has gone"));
+        EXPECT_EQ(desk_.Ended.back(), "FAILED " + last);
+    }
+    EXPECT_FALSE(Exists(Folder() + "pc/Images"));
+}
+
+TEST_F(SessionTest, OrdersThatCouldNotBeFetchedAreNotOverwrittenOnTheHandheld) {
+    GivenTable(Folder() + "new/ZUKORHDR.DBF", *FindTable("ZUKORHDR"), 3, 1);
+    GivenTable(Folder() + "new/ZUKORLIN.DBF", *FindTable("ZUKORLIN"), 3, 2);
+    GivenTable(Folder() + "new/ZUKCUST.DBF", *FindTable("ZUKCUST"), 3, 3);
+    wanted_ = {{Way::Download, Folder() + "new/ZUKORHDR.DBF"},
+               {Way::Download, Folder() + "new/ZUKORLIN.DBF"},
+               {Way::Download, Folder() + "new/ZUKCUST.DBF"}};
+    ASSERT_EQ(Hold(), Session::End::Well);
+    GivenTable(Folder() + "empty/ZUKORHDR.DBF", *FindTable("ZUKORHDR"), 0, 1);
+    GivenTable(Folder() + "empty/ZUKORLIN.DBF", *FindTable("ZUKORLIN"), 0, 1);
+    GivenTable(Folder() + "empty/ZUKCUST.DBF", *FindTable("ZUKCUST"), 0, 1);
+    GivenTable(Table("ZUKORLIN"), *FindTable("ZUKORLIN"), 0, 1);
+    // Folders where the headers and the customers should go.
+    MakePath(Table("ZUKORHDR"));
+    MakePath(Table("ZUKCUST"));
+    wanted_ = {{Way::Upload, Table("ZUKORHDR")},
+               {Way::Upload, Table("ZUKORLIN")},
+               {Way::Upload, Table("ZUKCUST")},
+               {Way::Download, Folder() + "empty/ZUKORHDR.DBF"},
+               {Way::Download, Folder() + "empty/ZUKORLIN.DBF"},
+               {Way::Download, Folder() + "empty/ZUKCUST.DBF"}};
+    desk_.Ended.clear();
+
+    EXPECT_EQ(Hold(), Session::End::Well);
+
+    EXPECT_EQ(desk_.Ended,
+              (Rows{"FAILED " + Table("ZUKORHDR"), "WELL " + Table("ZUKORLIN"), "FAILED " + Table("ZUKCUST"),
+                    "FAILED " + Folder() + "empty/ZUKORHDR.DBF", "WELL " + Folder() + "empty/ZUKORLIN.DBF",
+                    "WELL " + Folder() + "empty/ZUKCUST.DBF"}));
+    EXPECT_EQ(HandheldRows("ZUKORHDR")->size(), 3U);
+    EXPECT_EQ(HandheldRows("ZUKORLIN")->size(), 0U);
+    EXPECT_EQ(HandheldRows("ZUKCUST")->size(), 0U); // the office's own
+    EXPECT_TRUE(LogSays("it could not be fetched in this session"));
+
+    // Asked for alone it is done.
+    wanted_ = {{Way::Download, Folder() + "empty/ZUKORHDR.DBF"}};
+    EXPECT_EQ(Hold(), Session::End::Well);
+    EXPECT_EQ(HandheldRows("ZUKORHDR")->size(), 0U);
 }
 
 TEST_F(SessionTest, WhereverTheLineBreaksTheHandheldHasTheOldTableOrTheNew) {

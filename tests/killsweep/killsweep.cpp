@@ -111,14 +111,20 @@ bool IsAskedFor(const SweepJob& job, const std::vector<std::string>& names) {
                                         [&](const std::string& name) { return job.Name.starts_with(name); });
 }
 
-int SweepOffice(const std::vector<std::string>& names) {
+/// Every `of`-th job, beginning with number `first` from 0: a share for each of several processors.
+struct Share {
+    std::size_t First = 0, Of = 1;
+};
+
+int SweepOffice(const std::vector<std::string>& names, Share share = {}) {
     const Place place;
+    std::size_t number = 0;
     int runs = 0;
     int swept = 0;
     std::size_t hurt = 0;
     PrintHead();
     for (const SweepJob& job : SweepJobs()) {
-        if (!job.Harm.empty() || !IsAskedFor(job, names)) continue;
+        if (!job.Harm.empty() || !IsAskedFor(job, names) || number++ % share.Of != share.First) continue;
         const SweepFindings findings = Sweep(job, place.Tools());
         Print(job, findings);
         ++swept;
@@ -159,6 +165,8 @@ int main(int argc, char** argv) {
     try {
         if (words.size() == 3 && words[0] == "job") return RunOneJob(words[1], words[2]);
         if (words.size() == 1 && words[0] == "harm") return SweepHarm();
+        if (words.size() == 1 && words[0] == "even") return SweepOffice({}, {0, 2});
+        if (words.size() == 1 && words[0] == "odd") return SweepOffice({}, {1, 2});
         return SweepOffice(words);
     } catch (const std::exception& failure) {
         std::cerr << "killsweep: " << failure.what() << "\n";

@@ -547,6 +547,15 @@ TEST_F(MainSessionTest, ADownloadGoesInTheOrderOfTheTemplatesLinesAndTestsForNoF
                                 "DOWNLOAD DBFFiles/ZUKCUST.DBF"}));
 }
 
+TEST_F(MainSessionTest, TheLinksTableTravelsWithTheOrderNumberThatTheHandheldHasJustTold) {
+    GivenDownload("Setup Tables=1\r\n");
+
+    Control.Session("Anna");
+
+    ASSERT_FALSE(Handhelds["Anna"]["ZUKLINK"].empty());
+    EXPECT_EQ(Handhelds["Anna"]["ZUKLINK"][0], Link("Anna", "Anna", "77"));
+}
+
 TEST_F(MainSessionTest, ADownloadThatIsNeitherOnNorOffHasItsPhaseAndQueuesNothing) {
     Global.RemoteSelect = Selection(std::int16_t{2});
     Control.Session("Anna");

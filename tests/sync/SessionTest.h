@@ -62,6 +62,7 @@ protected:
             if (!carried.contains(name)) return false;
             GivenTable(std::string(FolderOf(path)), name, carried[name]);
         } else {
+            if (!FileExists(path)) return false;
             carried[name] = TableAt(ResolvePath(path)).Rows;
         }
         return true;

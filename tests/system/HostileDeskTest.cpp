@@ -154,6 +154,48 @@ TEST_F(HostileDesk, AProgramThatVanishesInItsHandlerTakesItsTransfersAlong) {
     ExpectTheNextIsServed();
 }
 
+TEST_F(HostileDesk, ATableWhoseProgramVanishesWhileItComesReplacesNothing) {
+    for (const bool turnsOff : {false, true}) {
+        SCOPED_TRACE(turnsOff);
+        NewLog();
+        const auto program = Enabled();
+        program->Handler = [&](int) {
+            program->Say({"UPLOAD", {Target()}});
+            program->Say({"UPLOAD", {Next()}});
+            // In one piece: it is gone before the first byte of the table has come.
+            program->Say({"HANDLED", {}});
+            turnsOff ? program->Say({"DISABLE", {}}) : program->Leave();
+        };
+
+        EXPECT_EQ(Press(), 0);
+
+        EXPECT_EQ(program->Statuses(), Statuses{1});
+        EXPECT_EQ(RowsOf(Target()), Old());
+        ExpectLogged(QStringLiteral("ANNA: session ended "));
+        program->Leave();
+        ExpectTheNextIsServed();
+    }
+}
+
+TEST_F(HostileDesk, TheProgramHearsHowEachTransferEnded) {
+    const auto program = Enabled();
+    const std::string missing = folder_ + "pc/ZUKCUST.DBF";
+    program->Handler = [&](int status) {
+        if (status == 1) program->Say({"UPLOAD", {missing}});
+        if (status == 1) program->Say({"UPLOAD", {Target()}});
+        program->Say({"HANDLED", {}});
+    };
+
+    EXPECT_EQ(Press([&] { return program->Statuses() == Statuses{1, 3, 3, 2}; }), 0);
+
+    std::vector<std::string> ends;
+    for (const ManagerMessage& status : program->Heard("STATUS"))
+        ends.push_back(status.TextAt(4) + " " + status.TextAt(5));
+    EXPECT_EQ(ends, (std::vector<std::string>{" ", missing + " FAILED", Target() + " WELL", " "}));
+    program->Leave();
+    ExpectTheNextIsServed();
+}
+
 TEST_F(HostileDesk, ASecondProgramThatWaitsForAHandheldIsRefused) {
     const auto first = Program();
     const auto second = Program();

@@ -100,6 +100,7 @@ void OfficeDesk::Take(Program& program, const ManagerMessage& message) {
         program.Enabled = ++enabled_;
     } else if (verb == "DISABLE") {
         program.Creator.clear();
+        if (&program == current_) transfers_.clear();
     } else if (verb == "UPLOAD") {
         Queue(program, message, QueuedTransfer::Way::Upload);
     } else if (verb == "DOWNLOAD") {
@@ -219,6 +220,7 @@ void OfficeDesk::Raise(std::int32_t status, const HotSyncUser& user, std::string
                        const EndedTransfer* ended) {
     if (status == SessionBegun) {
         current_ = Latest(creator);
+        creator_ = creator;
         transfers_.clear();
         if (armed_) transfers_.swap(armed_->Commands);
     }
@@ -238,6 +240,13 @@ void OfficeDesk::SendStatus(Program& program, const ManagerMessage& message) {
     program.Busy = true;
     program.Status = std::atoi(message.TextAt(0).c_str());
     Send(program, message);
+}
+
+bool OfficeDesk::IsThere() {
+    // A program that was killed an instant ago is found out only by asking the system.
+    if (current_) current_->Socket->waitForReadyRead(0);
+    if (current_ && current_->Socket->state() != QLocalSocket::ConnectedState) Forget(current_->Socket);
+    return current_ && current_->Creator == creator_;
 }
 
 bool OfficeDesk::IsBusy(std::chrono::milliseconds wait) {

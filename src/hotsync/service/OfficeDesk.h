@@ -37,6 +37,7 @@ public:
     bool TakesPart(std::string_view creator) override;
     void Raise(std::int32_t status, const HotSyncUser& user, std::string_view creator,
                const EndedTransfer* ended) override;
+    bool IsThere() override;
     bool IsBusy(std::chrono::milliseconds wait) override;
     std::optional<QueuedTransfer> NextTransfer() override;
     void DropTransfers() override;
@@ -89,6 +90,7 @@ private:
     QLocalServer server_;
     std::vector<std::unique_ptr<Program>> programs_;
     Program* current_ = nullptr; ///< whose session it is, or was last
+    std::string creator_;        ///< of that session
     Program* armed_ = nullptr;   ///< who waits for a handheld
     bool held_ = false;          ///< the session that it waits for is over
     std::deque<QueuedTransfer> transfers_;

@@ -1,0 +1,26 @@
+# Writes into LIST a test for each suite of PROGRAM. One that is not built is a test that fails.
+get_filename_component(name "${PROGRAM}" NAME)
+if(NOT EXISTS "${PROGRAM}")
+    file(WRITE "${LIST}" "add_test(${name}_NOT_BUILT ${name}_NOT_BUILT)\n")
+    return()
+endif()
+execute_process(COMMAND "${PROGRAM}" --gtest_list_tests --gtest_filter=${FILTER}
+    OUTPUT_VARIABLE listed RESULT_VARIABLE code)
+if(NOT code EQUAL 0)
+    message(FATAL_ERROR "${PROGRAM} does not list its tests: ${code}\n${listed}")
+endif()
+string(REPLACE "\n" ";" lines "${listed}")
+set(tests "")
+foreach(line IN LISTS lines)
+    # A suite begins at the margin and ends in a point; its tests are behind blanks.
+    if(line MATCHES "^([^ ]+)\\.( |$)")
+        set(suite "${CMAKE_MATCH_1}")
+        string(APPEND tests "add_test([==[${suite}]==] [==[${PROGRAM}]==] [==[--gtest_filter=${suite}.*]==])\n"
+            "set_tests_properties([==[${suite}]==] PROPERTIES TIMEOUT 300")
+        if(SUITE_ENVIRONMENT)
+            string(APPEND tests " ENVIRONMENT [==[${SUITE_ENVIRONMENT}]==]")
+        endif()
+        string(APPEND tests ")\n")
+    endif()
+endforeach()
+file(WRITE "${LIST}" "${tests}")
