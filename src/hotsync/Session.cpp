@@ -55,12 +55,13 @@ TableTransfer::Limits TransferLimits(const ManagerSettings& settings) {
 Session::Session(ByteStream& stream, const Surroundings& around, std::string caller, std::uint32_t address)
     : around_(around),
       line_(stream, LineLimits(around.Settings)),
-      transfer_(line_, TransferLimits(around.Settings),
-                [this](std::int32_t done, std::int32_t of) {
-                    CheckCancel();
-                    around_.Progress.Step(way_, moving_, done, of);
-                },
-                [this] { return around_.Desk.IsThere(); }),
+      transfer_(
+          line_, TransferLimits(around.Settings),
+          [this](std::int32_t done, std::int32_t of) {
+              CheckCancel();
+              around_.Progress.Step(way_, moving_, done, of);
+          },
+          [this] { return around_.Desk.IsThere(); }),
       caller_(std::move(caller)),
       address_(address),
       begun_(ByteStream::Clock::now()) {
