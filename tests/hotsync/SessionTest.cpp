@@ -265,6 +265,8 @@ TEST_F(SessionTest, ATableThatArrivesWhenItsProgramHasGoneReplacesNothing) {
 }
 
 TEST_F(SessionTest, OrdersThatCouldNotBeFetchedAreNotOverwrittenOnTheHandheld) {
+    MakePath(Folder() + "new/");
+    MakePath(Folder() + "empty/");
     GivenTable(Folder() + "new/ZUKORHDR.DBF", *FindTable("ZUKORHDR"), 3, 1);
     GivenTable(Folder() + "new/ZUKORLIN.DBF", *FindTable("ZUKORLIN"), 3, 2);
     GivenTable(Folder() + "new/ZUKCUST.DBF", *FindTable("ZUKCUST"), 3, 3);
