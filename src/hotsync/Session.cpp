@@ -4,6 +4,7 @@
 #include "core/Failure.h"
 #include "core/Globals.h"
 #include "core/Paths.h"
+#include "core/SafeFile.h"
 #include "sync/SessionStatus.h"
 
 #include <algorithm>
@@ -181,16 +182,17 @@ HotSyncUser Session::PickUser() {
         if (picking == SessionDesk::Picking::Picked) break;
         line_.KeepAlive();
     }
-    const HotSyncUser* const user = around_.Users.FindId(picked);
-    if (!user) throw Turned("the user was deleted meanwhile");
+    const HotSyncUser* const found = around_.Users.FindId(picked);
+    if (!found) throw Turned("the user was deleted meanwhile");
+    const HotSyncUser user = *found; // the users can change while the handheld answers
     UserChange change;
     change.Flags = UserChange::SetUserId | UserChange::SetName;
-    change.UserId = user->Id;
-    change.Name = user->Name;
+    change.UserId = user.Id;
+    change.Name = user.Name;
     line_.Need(PackUserChange(change), "write the user");
-    handheld_.UserId = user->Id;
-    handheld_.Name = user->Name;
-    return *user;
+    handheld_.UserId = user.Id;
+    handheld_.Name = user.Name;
+    return user;
 }
 
 void Session::RunConduit(const std::string& creator) {
@@ -247,6 +249,7 @@ bool Session::Move(const QueuedTransfer& transfer) {
 void Session::InstallFiles() {
     const std::string folder = around_.Users.InstallFolder(user_);
     for (const std::string& file : FilesWithExtension(folder, "")) {
+        if (file.ends_with(SafeFile::WorkExtension)) continue; // it is just being put there
         moving_ = PathToName(file);
         way_ = SessionProgress::Way::ToHandheld;
         try {

@@ -55,7 +55,8 @@ protected:
         LoopHandheld handheld(HandheldFolder());
         HandheldLine line(handheld, {});
         line.Handshake(0);
-        TableTransfer transfer(line, {}, [](std::int32_t, std::int32_t) {});
+        TableTransfer transfer(
+            line, {}, [](std::int32_t, std::int32_t) {}, [] { return true; });
         deed(transfer, handheld);
     }
 
