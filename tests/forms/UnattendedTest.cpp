@@ -229,6 +229,8 @@ protected:
         return main.findChild<QAction*>(QString::fromLatin1(name))->isEnabled();
     }
 
+    static std::string Graphics() { return Global.AppPath + "Install/Graphics/"; }
+
     Handhelds handhelds_{Folder() + "handhelds/"};
 };
 
@@ -841,7 +843,7 @@ TEST_F(Unattended, UploadsThatCannotBeShownTellNobodyWhileTheModeIsArmed) {
 
 TEST_F(Unattended, TheAnimationsPlayWithoutEndOnAClearGround) {
     for (const char* name : {"synczukwhite", "WaitingforHotsync"}) {
-        QMovie movie(QString::fromStdString(Global.GraphicsPath + name + ".gif"));
+        QMovie movie(QString::fromStdString(Graphics() + name + ".gif"));
 
         ASSERT_TRUE(movie.isValid()) << name;
         EXPECT_GE(movie.frameCount(), 5) << name;
@@ -859,8 +861,8 @@ TEST_F(Unattended, AMissingOrBrokenAnimationStopsNothingAndIsToldNowhere) {
     GivenEvening();
     GivenLinks({"Anna"});
     GivenHandheld("Anna", {"A1"});
-    std::filesystem::remove(Global.GraphicsPath + "WaitingforHotsync.gif");
-    WriteWholeFile(Global.GraphicsPath + "synczukwhite.gif", "GIF89a, or so it says");
+    std::filesystem::remove(Graphics() + "WaitingforHotsync.gif");
+    WriteWholeFile(Graphics() + "synczukwhite.gif", "GIF89a, or so it says");
     auto& main = Arm(Start(), "Evening");
     EXPECT_FALSE(Visible(main, "aniHSWait"));
     EXPECT_TRUE(Visible(main, "lblAnim"));
