@@ -438,7 +438,8 @@ TEST_F(MainScreen, WhatLeadsNowhereYetIsDisabled) {
     auto& form = Start();
 
     EXPECT_TRUE(form.WiringProblems().empty());
-    for (const char* name : {"lblNotes", "lblHelpOrders", "lblClearPC"}) EXPECT_FALSE(Enabled(form, name));
+    for (const char* name : {"lblInstallHH", "lblNotes", "lblHelpOrders", "lblClearPC"})
+        EXPECT_FALSE(Enabled(form, name));
 }
 
 } // namespace

@@ -302,7 +302,8 @@ TEST_F(UploadScreen, AnUploadPutsTheOldOrdersBehindThoseOfTheHandheldAndSumsUp) 
     EXPECT_EQ(Backups().size(), 1U);
     EXPECT_EQ(SafetyCopyFiles(), Names{});
     EXPECT_EQ(Cell("ZUKLINK", 1, "LK_LSTONUM"), "00007");
-    EXPECT_TRUE(Lines(Global.InstallPath + "HSStatus.dat").at(0).starts_with("Anna" + std::string(26, ' ') + "G"));
+    EXPECT_TRUE(
+        Lines(Global.InstallPath + "HSStatus.dat").at(0).starts_with("Anna" + std::string(26, ' ') + "G"));
     EXPECT_FALSE(Global.UploadClosing);
     EXPECT_EQ(Global.OldOrderCount, 0);
     EXPECT_EQ(Global.CurrentHotSyncID, "");
