@@ -13,6 +13,7 @@
 #include "store/SortTables.h"
 #include "store/TableRewrite.h"
 #include "store/TableScan.h"
+#include "sync/ReceiptCount.h"
 #include "sync/SafetyCopies.h"
 #include "views/TableViews.h"
 
@@ -230,6 +231,20 @@ void MergeAnUpload(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 BENCHMARK(MergeAnUpload)->Arg(10'000)->Arg(50'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
+
+/// What a receipt costs whose orders the PC held already, every one of them: each is compared whole.
+void CompareForAReceipt(benchmark::State& state) {
+    const BenchOffice office;
+    office.GivenOrders(state.range(0) / 10, state.range(0));
+    const OrderPair tables{HeaderTable(), LineTable()};
+    for (auto _ : state) {
+        const Comparison result = Compare(tables, tables);
+        if (!result.Changed.empty() || result.Arrived.Lines != state.range(0))
+            state.SkipWithError("orders differ from themselves");
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK(CompareForAReceipt)->Arg(10'000)->Arg(50'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
 
 /// What a start costs that finds the lines of such an upload not merged yet.
 void RecoverAnUpload(benchmark::State& state) {

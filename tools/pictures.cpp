@@ -12,11 +12,17 @@
 #include "core/Globals.h"
 #include "core/Messages.h"
 #include "core/Operator.h"
+#include "core/Paths.h"
+#include "core/SafeFile.h"
 #include "exchange/forms/QuickButtonForm.h"
 #include "platform/Convert.h"
 #include "platform/GridView.h"
 #include "platform/Look.h"
 #include "sync/SFrmAX40.h"
+#include "sync/TableTemplates.h"
+#include "sync/UnattendedSettings.h"
+#include "sync/forms/TableSelectForm.h"
+#include "sync/forms/UnattendedMode.h"
 
 #include <QApplication>
 #include <QComboBox>
@@ -171,6 +177,10 @@ void ChooseFile(FormBehaviour& form) {
     form.Window().findChild<QAbstractButton*>(QStringLiteral("optCustomer"))->click();
 }
 
+void Press(FormBehaviour& form, const char* button) {
+    form.Window().findChild<QAbstractButton*>(QString::fromLatin1(button))->click();
+}
+
 /// What an operator would have done before looking at a screen.
 void Prepare(FormBehaviour& form) {
     if (auto* message = dynamic_cast<frmMessage*>(&form)) {
@@ -199,6 +209,7 @@ void Prepare(FormBehaviour& form) {
         QThread::msleep(60); // it paints only so often
         progress->ShowStep(Text::Value(std::string_view("ZUKCUST to the handheld")), 730, 1204);
     }
+    if (dynamic_cast<TableSelectForm*>(&form)) Press(form, "cmdSelectAll");
     if (dynamic_cast<frmChgLink*>(&form)) {
         form.Window()
             .findChild<QLineEdit*>(QStringLiteral("txtHotSync"))
@@ -206,8 +217,30 @@ void Prepare(FormBehaviour& form) {
     }
 }
 
-void Press(FormBehaviour& form, const char* button) {
-    form.Window().findChild<QAbstractButton*>(QString::fromLatin1(button))->click();
+/// Settings of unattended mode, and what the last session of a handheld has left.
+void GivenUnattended() {
+    WriteTemplate(Global.UploadTemplates + "All orders.ust", UploadChoice{.Orders = true, .HHTotals = true});
+    WriteTemplate(Global.DownloadTemplates + "Orders.dct", ClearChoice{.Orders = true});
+    SaveUA(Global.UnattendedTemplates + "Evening.uhs", {false, "", true, "All orders", true, "Orders"});
+    Global.RemoteSyncSettings = "Evening";
+    MakePath(Global.HHTotalsPath + "Anna Berg");
+    std::string receipt = "Anna Berg, 2026-11-21 17:40:05\r\n\r\n";
+    for (int k = 1; k <= 60; ++k)
+        receipt += "order A0010000" + std::to_string(k) + "   12 lines   431.50\r\n";
+    WriteWholeFile(Global.HHTotalsPath + "Anna Berg/Receipt 2026-11-21 174005.txt", receipt);
+}
+
+/// An upload has just added three orders.
+void GivenTotals() {
+    Global.CurHeaders = 128;
+    Global.CurLines = 1407;
+    Global.CurDollars = 48215.75;
+    Global.OldOrderCount = 125;
+    Global.OldLineCount = 1395;
+    Global.OldLineTotal = 47784.25;
+    Global.CurrentHotSyncID = "Anna Berg";
+    Global.HHLastOrder = "A00100000128";
+    Global.UploadClosing = true;
 }
 
 /// The other pages of the main screen, screens at work, and a report at its end.
@@ -239,6 +272,26 @@ void OtherFaces(Nobody& nobody, const QString& folder) {
     auto& nobodyToChoose = The<frmHSID>();
     Save(nobodyToChoose, folder, QStringLiteral("frmHSID-nobody"));
     nobodyToChoose.Unload();
+}
+
+/// The main screen and the window of unattended mode between two sessions and in one.
+void UnattendedFaces(const QString& folder) {
+    auto& main = The<frmMain1>();
+    auto& window = The<frmRemoteSync>();
+    Save(main, folder, QStringLiteral("frmMain1-armed"));
+    main.ShowSession("Anna Berg");
+    main.ShowPhase(SyncPhaseImage::Upload, PhaseLook::Queued);
+    main.ShowPhase(SyncPhaseImage::Clear, PhaseLook::Queued);
+    window.ShowSession("Anna Berg");
+    main.StopAfterSession(msg::StopsAfterHotsync);
+    Save(main, folder, QStringLiteral("frmMain1-session"));
+    Save(window, folder, QStringLiteral("frmRemoteSync-stopping"));
+    main.ShowWaiting();
+    main.ShowUnattendedOff();
+    Save(main, folder, QStringLiteral("frmMain1-off"));
+    Save(window, folder, QStringLiteral("frmRemoteSync-off"));
+    StopUnattended();
+    Save(main, folder, QStringLiteral("frmMain1-stopped"));
 }
 
 /// The HotSync Manager while it waits, and without users or an address.
@@ -319,6 +372,8 @@ void CheckFaces(const QString& build, const OfficeForDay& office, const QString&
 
 template <class F>
 void Picture(const QString& folder, const char* name) {
+    // The form of the sessions has nothing to show.
+    if constexpr (std::is_same_v<F, frmMainSync>) return;
     F& form = The<F>();
     if (form.IsGone()) {
         // A form that does its work while it loads is shown as it stands meanwhile.
@@ -329,7 +384,10 @@ void Picture(const QString& folder, const char* name) {
     }
     Prepare(form);
     Save(form, folder, QString::fromLatin1(name));
-    if constexpr (!std::is_same_v<F, frmMain1>) form.Unload();
+    if constexpr (std::is_same_v<F, frmRemoteSync>)
+        StopUnattended();
+    else if constexpr (!std::is_same_v<F, frmMain1>)
+        form.Unload();
     Settle();
 }
 
@@ -368,10 +426,13 @@ int main(int argc, char** argv) {
             Global.TheManagerDesk = &manager;
             ApplyLook(application, dark);
             The<frmMain1>();
+            GivenUnattended();
             Global.View[ViewOrLinAudt] = true;
+            GivenTotals();
 #define PICTURE(form) Picture<form>(folder, #form);
             ALL_FORMS(PICTURE)
 #undef PICTURE
+            UnattendedFaces(folder);
             OtherFaces(nobody, folder);
             ManagerFaces(folder, PathFromQt(work.filePath(QStringLiteral("nobody"))));
             OptionsFaces(folder);

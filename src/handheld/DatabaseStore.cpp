@@ -13,8 +13,6 @@
 
 namespace {
 
-constexpr std::size_t HeaderBytes = 78;
-constexpr std::size_t GapBytes = 2;
 /// A file is read up to here even when the handheld's memory was made smaller since.
 constexpr std::uint64_t LeastReadLimit = std::uint64_t{64} << 20;
 
@@ -29,9 +27,9 @@ std::string Quoted(std::string_view name) {
 
 /// The first bytes of a file as that of a database without anything in it.
 DatabaseHeader HeaderOf(std::string bytes) {
-    bytes.resize(std::min(bytes.size(), HeaderBytes));
+    bytes.resize(std::min(bytes.size(), DatabaseHeaderBytes));
     // Where the blocks and the list would be does not matter here.
-    if (bytes.size() == HeaderBytes) bytes.replace(52, 8, 8, '\0').replace(68, 10, 10, '\0');
+    if (bytes.size() == DatabaseHeaderBytes) bytes.replace(52, 8, 8, '\0').replace(68, 10, 10, '\0');
     return ReadDatabase(bytes);
 }
 
@@ -86,7 +84,7 @@ DatabaseStore::DatabaseStore(std::string folder, std::uint64_t memory)
 
 DatabaseStore::Entry DatabaseStore::ReadEntry(const std::string& file) const {
     const auto opened = Global.TheDisk->Open(folder_ + file, Access::Read);
-    std::string head(HeaderBytes, '\0');
+    std::string head(DatabaseHeaderBytes, '\0');
     head.resize(opened->ReadAt(0, head.data(), head.size()));
     try {
         return {HeaderOf(head), file, opened->Size()};
@@ -113,7 +111,8 @@ Database DatabaseStore::Load(std::string_view name) const {
 }
 
 std::uint64_t DatabaseStore::BytesOf(const Database& database) {
-    std::uint64_t bytes = HeaderBytes + GapBytes + database.AppInfo.size() + database.SortInfo.size();
+    std::uint64_t bytes =
+        DatabaseHeaderBytes + ListGapBytes + database.AppInfo.size() + database.SortInfo.size();
     if (database.IsResource()) {
         for (const DatabaseResource& resource : database.Resources)
             bytes += ResourceEntryBytes + resource.Data.size();
@@ -129,6 +128,11 @@ void DatabaseStore::Save(const Database& database) {
 }
 
 void DatabaseStore::SaveAll(std::span<const Database* const> databases) {
+    CheckRoomFor(databases);
+    for (const Database* const database : databases) Write(*database);
+}
+
+void DatabaseStore::CheckRoomFor(std::span<const Database* const> databases) const {
     std::uint64_t used = used_;
     for (const Database* const database : databases) {
         const Entry* const entry = Find(database->Name);
@@ -136,7 +140,6 @@ void DatabaseStore::SaveAll(std::span<const Database* const> databases) {
         used -= entry ? entry->Bytes : 0;
     }
     CheckRoom(used);
-    for (const Database* const database : databases) Write(*database);
 }
 
 void DatabaseStore::SaveAs(std::string_view oldName, const Database& database) {

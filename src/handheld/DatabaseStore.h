@@ -8,9 +8,6 @@
 #include <string_view>
 #include <vector>
 
-/// What a record or a resource costs beside its data: its entry in the file's list.
-inline constexpr std::size_t RecordEntryBytes = 8, ResourceEntryBytes = 10;
-
 /// The databases of a handheld: a folder with a file each, ".pdb" or ".prc", byte by byte as a desktop
 /// would install it. The name inside a file counts, byte-exactly; the file's own name is that name as far
 /// as every file system can write it. Headers are read at the start, what is in them only when it is asked
@@ -39,8 +36,11 @@ public:
     /// Adds a database or replaces the one of its name. Refusal when the memory does not hold it, and the
     /// failures of SafeFile.
     void Save(const Database& database);
-    /// The same for several; when the memory does not hold all of them, none is written.
+    /// The same for several of different names, one after the other; when the memory does not hold all of
+    /// them, none is written.
     void SaveAll(std::span<const Database* const> databases);
+    /// Refusal when SaveAll would be refused for want of memory.
+    void CheckRoomFor(std::span<const Database* const> databases) const;
     /// Saves a database under the name that it has now, in the place of the one of its old name.
     void SaveAs(std::string_view oldName, const Database& database);
     /// Nothing happens when it is not there.
@@ -66,16 +66,15 @@ private:
 };
 
 /// The name of a database as every file system can write it, without an extension: what is no letter,
-/// digit or one of `_-#$~ ` inside is %XX.
+/// digit or one of `_-#$~. ` is %XX, and so are a point and a blank at either end.
 std::string EscapedName(std::string_view name);
 
 /// The id for a new record of a database: behind its seed, which takes it on; round again behind 24 bits.
 /// `isUsed` says whether a record has an id.
 template <typename IsUsed>
 std::uint32_t NewRecordId(Database& database, IsUsed&& isUsed) {
-    constexpr std::uint32_t Last = 0xFFFFFF;
     do {
-        database.IdSeed = database.IdSeed >= Last ? 1 : database.IdSeed + 1;
+        database.IdSeed = database.IdSeed >= LastRecordId ? 1 : database.IdSeed + 1;
     } while (isUsed(database.IdSeed)); // ends: a database has fewer records than there are ids
     return database.IdSeed;
 }

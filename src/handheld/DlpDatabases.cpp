@@ -8,20 +8,13 @@
 
 namespace {
 
-constexpr std::uint8_t ListRam = 0x80, ListSeveral = 0x20;
 constexpr std::size_t MostInList = 20;
 constexpr std::uint16_t NoIndex = 0xFFFF;
 constexpr std::uint8_t RamBased = 0x40;
 
-constexpr std::uint8_t OpenRead = 0x80, OpenWrite = 0x40, OpenSecret = 0x10;
-constexpr std::uint16_t ReadOnlyDatabase = 0x0002;
-
-constexpr std::uint8_t FindAttributes = 0x80, FindSizes = 0x40, FindLargest = 0x20;
 constexpr std::uint8_t NewSearch = 0x80;
 
 constexpr std::uint8_t SetBackupDate = 0x80, SetModificationDate = 0x40;
-constexpr std::uint16_t KeepVersion = 0xFFFF;
-constexpr std::uint16_t ToTheEnd = 0xFFFF;
 
 void CheckName(std::string_view name) {
     if (name.empty() || name.size() > LongestDatabaseName) throw DlpRefused{DlpError::Parameter};

@@ -7,18 +7,12 @@
 
 namespace {
 
-constexpr std::uint8_t DataIncluded = 0x80;
-/// Of the wire alone: files have no place for it.
-constexpr std::uint8_t ArchivedRecord = 0x08;
 constexpr std::uint8_t WritableFlags = DeletedRecord | DirtyRecord | SecretRecord | ArchivedRecord;
 constexpr std::uint8_t DeleteAll = 0x80, DeleteCategory = 0x40;
-constexpr unsigned MostCategory = 15;
-constexpr std::uint32_t Low24 = 0xFFFFFF;
-constexpr std::uint16_t ToTheEnd = 0xFFFF;
 constexpr std::size_t MostIds = 500;
 
 std::uint8_t Category(unsigned number) {
-    if (number > MostCategory) throw DlpRefused{DlpError::Parameter};
+    if (number > LastCategory) throw DlpRefused{DlpError::Parameter};
     return static_cast<std::uint8_t>(number);
 }
 
@@ -104,7 +98,7 @@ DlpResponse DlpServer::WriteRecord(const DlpRequest& request) {
     if ((from.U8() & DataIncluded) == 0) throw DlpRefused{DlpError::Parameter};
     DatabaseRecord record;
     record.Id = from.U32();
-    if (record.Id > Low24) throw DlpRefused{DlpError::Parameter};
+    if (record.Id > LastRecordId) throw DlpRefused{DlpError::Parameter};
     record.Flags = static_cast<std::uint8_t>(from.U8() & WritableFlags);
     record.Category = Category(from.U8());
     record.Data = from.Rest();

@@ -21,12 +21,12 @@ constexpr std::uint16_t RomVersionFeature = 1;
 constexpr std::string_view CardName = "Stand-in";
 constexpr std::string_view Manufacturer = "ZUK Tramble";
 
-constexpr std::size_t LongestHostName = 255;
 constexpr int DiskFull = 61;
 
-/// A date of the wire that may be none, but nothing else that is no date.
+/// A date of the wire that may be none, but nothing else that the settings could not be read with.
 DlpDate CheckedDate(const DlpDate& date) {
-    if (date.Year != 0 && ToDateTime(date).IsZero()) throw DlpRefused{DlpError::Parameter};
+    const bool isDate = date.Year >= HandheldSettings::FirstYear && !ToDateTime(date).IsZero();
+    if (date.Year != 0 && !isDate) throw DlpRefused{DlpError::Parameter};
     return date;
 }
 
@@ -116,10 +116,16 @@ DlpResponse DlpServer::Dispatch(std::string_view message) {
 
 void DlpServer::EndWithout(std::string_view words) {
     HandheldSettings& settings = handheld_.Settings;
-    settings.LastEnd = words;
+    settings.LastEnd = words.substr(0, HandheldSettings::LongestEnd);
     settings.User.LastSync = ToDlpDate(handheld_.Clock());
+    // The data first: the end that cannot be written down loses nothing.
+    try {
+        Close();
+    } catch (...) {
+        handheld_.SaveSettings();
+        throw;
+    }
     handheld_.SaveSettings();
-    Close();
 }
 
 DlpResponse DlpServer::ReadUserInfo(const DlpRequest&) {
@@ -238,7 +244,7 @@ DlpResponse DlpServer::WriteNetSyncInfo(const DlpRequest& request) {
     std::array<std::string, 3> texts;
     for (std::size_t at = 0; at < texts.size(); ++at) {
         texts.at(at) = UpToNul(from.Take(sizes.at(at)));
-        if (texts.at(at).size() > LongestHostName) throw DlpRefused{DlpError::Parameter};
+        if (texts.at(at).size() > HandheldSettings::LongestHostName) throw DlpRefused{DlpError::Parameter};
     }
     HandheldSettings& settings = handheld_.Settings;
     if ((flags & 0x80) != 0) settings.LanSync = isOn;

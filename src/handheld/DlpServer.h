@@ -38,8 +38,8 @@ public:
     /// From now on OpenConduit answers that the user has cancelled.
     void Cancel() { cancelled_ = true; }
 
-    /// The line has gone, or the desktop: what is open is closed and kept. `words` tell of the end. Failures
-    /// of the disk.
+    /// The line has gone, or the desktop: what is open is closed and kept, and then the end is written down,
+    /// `words` cut where they are too many. Failures of the disk, behind both.
     void EndWithout(std::string_view words);
 
     /// How the desktop ended the session; nothing while it runs.

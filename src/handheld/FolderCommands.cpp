@@ -13,8 +13,6 @@
 
 namespace {
 
-constexpr std::uint32_t Low24 = 0xFFFFFF;
-
 /// A number out of a name, the same on every system.
 std::uint32_t NumberOf(std::string_view text) {
     std::uint32_t hash = 2166136261U;
@@ -44,8 +42,7 @@ Outcome New(const CommandRun& run) {
     HandheldSettings settings;
     settings.User.Name = Utf8ToCodePage(run.Line.Value("--user"));
     if (hasUser && Trim(settings.User.Name).empty()) throw Misuse("--user is empty");
-    if (settings.User.Name.size() > HandheldSettings::LongestUserName)
-        throw Misuse("--user has more than 40 characters");
+    if (settings.User.Name.size() > LongestUserName) throw Misuse("--user has more than 40 characters");
     if (run.Line.Has("--id")) {
         settings.User.UserId =
             static_cast<std::uint32_t>(run.Line.Number("--id", 0, std::numeric_limits<std::uint32_t>::max()));
@@ -63,7 +60,7 @@ Outcome New(const CommandRun& run) {
         settings.Memory = run.Line.Number("--memory", 1, HandheldSettings::MostMemory);
     }
     // So that records of two handhelds do not look alike.
-    settings.IdSeed = NumberOf(settings.User.Name + '\n' + settings.Machine) & Low24 & ~0xFFFU;
+    settings.IdSeed = NumberOf(settings.User.Name + '\n' + settings.Machine) & LastRecordId & ~0xFFFU;
     Handheld::Make(run.Folder, settings);
     run.Out() << "A handheld stands in " << run.Folder << ", ";
     if (hasUser) {
@@ -132,7 +129,6 @@ Outcome Install(const CommandRun& run) {
     for (const std::string& file : run.Line.Operands()) {
         try {
             Database& database = databases.emplace_back(ReadDatabase(ReadWholeFile(file)));
-            if (database.Name.empty()) throw PalmFailure("handheld database: no name");
             if (!database.IsResource()) GiveIds(database, handheld.Settings.IdSeed);
         } catch (const PalmFailure& failure) {
             throw Refusal(file + ": " + failure.what());

@@ -1,9 +1,11 @@
 #include "handheld/CommandTable.h"
 
+#include "handheld/OrderNumbers.h"
 #include "handheld/Refusal.h"
 #include "handheld/Totals.h"
 #include "palm/NetSync.h"
 
+#include <algorithm>
 #include <array>
 #include <limits>
 #include <ostream>
@@ -13,29 +15,34 @@ namespace {
 constexpr std::uint64_t Any = std::numeric_limits<std::uint64_t>::max();
 constexpr std::uint64_t MostSpeed = 1'000'000'000;
 constexpr std::uint64_t MostPatience = 86400;
+constexpr std::uint64_t LastPort = 65535;
 
 std::optional<std::uint64_t> Packets(const CommandLine& line, std::string_view option) {
     return line.Has(option) ? std::optional(line.Number(option, 0, Any)) : std::nullopt;
 }
 
+/// HOST or HOST:PORT; a host with colons in it, an IPv6 address, stands in brackets.
+void TakePlace(const std::string& where, HotSyncJob& job) {
+    const bool isBracketed = where.starts_with('[');
+    const std::size_t end = std::min(where.find(isBracketed ? ']' : ':'), where.size());
+    job.Host = isBracketed ? where.substr(1, end - 1) : where.substr(0, end);
+    if (job.Host.empty() || (isBracketed && end == where.size())) {
+        throw Misuse("no host in \"" + where + '"');
+    }
+    const std::string port = where.substr(isBracketed ? end + 1 : end);
+    if (!port.empty() && port.front() != ':') throw Misuse("no colon behind the host in \"" + where + '"');
+    job.Port = port.empty()
+                   ? NetSyncPort
+                   : static_cast<std::uint16_t>(WholeNumber("the port", port.substr(1), 1, LastPort));
+}
+
 HotSyncJob JobOf(const CommandLine& line) {
     HotSyncJob job;
-    const std::string& where = line.Operands().front();
-    const std::size_t colon = where.rfind(':');
-    constexpr std::uint64_t lastPort = 65535;
-    job.Host = where.substr(0, colon);
-    if (job.Host.size() > 2 && job.Host.front() == '[' && job.Host.back() == ']') {
-        job.Host = job.Host.substr(1, job.Host.size() - 2);
-    }
-    if (job.Host.empty()) throw Misuse("no host in \"" + where + '"');
-    job.Port =
-        colon == std::string::npos
-            ? NetSyncPort
-            : static_cast<std::uint16_t>(WholeNumber("the port", where.substr(colon + 1), 1, lastPort));
+    TakePlace(line.Operands().front(), job);
     if (line.Has("--lookup")) job.Lookup = line.Value("--lookup");
     job.LookupPort = NetSyncLookupPort;
     if (line.Has("--lookup-port")) {
-        job.LookupPort = static_cast<std::uint16_t>(line.Number("--lookup-port", 1, lastPort));
+        job.LookupPort = static_cast<std::uint16_t>(line.Number("--lookup-port", 1, LastPort));
     }
     job.CancelAfter = Packets(line, "--cancel-after");
     job.CutAfter = Packets(line, "--cut-after");
@@ -45,12 +52,15 @@ HotSyncJob JobOf(const CommandLine& line) {
     return job;
 }
 
-/// A damaged table keeps no handheld from the HotSync that may bring it a good one.
-void WriteTotals(Handheld& handheld, std::ostream& err) {
+/// Writes the totals, and the count of the Links table, which the HotSync may take away and not replace.
+/// Neither a damaged table nor a full disk keeps a handheld from the HotSync that brings its orders home.
+void WriteDownOrders(Handheld& handheld, std::ostream& err) {
     try {
+        OrderNumbers(handheld).KeepIn(handheld.Settings);
+        handheld.SaveSettings();
         RewriteTotals(handheld, "HOTSYNC");
-    } catch (const Refusal& refusal) {
-        err << "handheld: the totals are not written: " << refusal.what() << '\n';
+    } catch (const std::exception& failure) {
+        err << "handheld: the totals are not written: " << failure.what() << '\n';
     }
 }
 
@@ -58,7 +68,7 @@ Outcome HotSync(const CommandRun& run) {
     const HotSyncJob job = JobOf(run.Line);
     Handheld handheld(run.Folder);
     if (!run.Around.HotSync) throw Refusal("no line to a desktop");
-    WriteTotals(handheld, run.Around.Err);
+    WriteDownOrders(handheld, run.Around.Err);
     return run.Around.HotSync(handheld, job, run.Out());
 }
 

@@ -329,6 +329,7 @@ std::size_t OrderBook::Delete(std::string_view orderCode, const DateTime& at) {
     goneHeaders[header] = true;
     headers_.RemoveRows(goneHeaders);
     headerCodes_ = IndexOf(headers_, "H_ORDCODE");
+    hasDeleted_ = true;
     return static_cast<std::size_t>(std::count(goneLines.begin(), goneLines.end(), true));
 }
 
@@ -336,22 +337,24 @@ void OrderBook::Save(std::string_view event, const DateTime& at) {
     const std::uint32_t now = ToDlpDate(handheld_.Clock()).Seconds();
     HandheldTable totals = Open("ZUKAUDHH");
     PutTotals(totals, Totals(), event, at);
-    // The number first, so that it is never given twice; then the lines, since a header without them would
-    // look complete; and what was deleted is told before it goes.
+    // The number first, so that it is never given twice; what was deleted is told before it goes; and a
+    // header comes behind its lines and goes before them, since without them it would look complete.
     std::vector<HandheldTable*> tables{numbers_.ChangedLinks(),
                                        headerAudit_ ? &*headerAudit_ : nullptr,
                                        lineAudit_ ? &*lineAudit_ : nullptr,
-                                       &lines_,
-                                       &headers_,
+                                       hasDeleted_ ? &headers_ : &lines_,
+                                       hasDeleted_ ? &lines_ : &headers_,
                                        &totals};
     std::erase_if(tables, [](const HandheldTable* table) { return !table || !table->IsChanged(); });
     std::vector<const Database*> changed;
     changed.reserve(tables.size());
     for (HandheldTable* const table : tables) changed.push_back(&table->Changed(now));
-    handheld_.Store.SaveAll(changed);
+    handheld_.Store.CheckRoomFor(changed);
     numbers_.KeepIn(handheld_.Settings);
     handheld_.SaveSettings();
+    handheld_.Store.SaveAll(changed);
     for (HandheldTable* const table : tables) table->MarkSaved();
+    hasDeleted_ = false;
 }
 
 std::vector<std::string> OrderBook::CustomerCodes() const {

@@ -37,7 +37,8 @@ struct OrderEntry {
     static constexpr std::size_t MostCharges = 4;
 };
 
-/// The orders of a handheld and what they are made from, in memory between two calls of Save.
+/// The orders of a handheld and what they are made from, in memory between two calls of Save. Between two
+/// calls orders are either taken or deleted: the files of both go to the disk in another order.
 class OrderBook {
 public:
     /// Reads the tables that there are. Refusal for a damaged one.
@@ -51,7 +52,8 @@ public:
     std::size_t Delete(std::string_view orderCode, const DateTime& at);
 
     /// Writes what has changed, and the totals, under the event's name. When the memory does not hold it,
-    /// Refusal, and the handheld is as it was.
+    /// Refusal, and the handheld is as it was. A kill in between leaves no number that could be given again,
+    /// and no header without its lines. Failures of the disk.
     void Save(std::string_view event, const DateTime& at);
 
     HandheldTotals Totals() const { return CountTotals(&headers_, &lines_, numbers_); }
@@ -101,4 +103,5 @@ private:
     HandheldTable headers_, lines_;
     std::optional<HandheldTable> headerAudit_, lineAudit_;
     CodeIndex customerCodes_, itemCodes_, headerCodes_;
+    bool hasDeleted_ = false; ///< since the last Save
 };

@@ -20,6 +20,14 @@ std::int64_t Amount(const std::string& option, std::string_view text, int decima
     return *amount;
 }
 
+/// A sum of money has no more decimals than money.
+std::int64_t MoneyInTenThousandths(const std::string& option, std::string_view text) {
+    constexpr std::int64_t ToTenThousandths = 100;
+    const auto amount = ProductOver(Amount(option, text, MoneyDecimals), ToTenThousandths, 1);
+    if (!amount) throw Misuse(option + ": \"" + std::string(text) + "\" is too great");
+    return *amount;
+}
+
 DateTime Date(const std::string& option, const std::string& text) {
     const std::optional<DateTime> date = CDate(text);
     if (!date) throw Misuse(option + ": \"" + text + "\" is no date");
@@ -60,11 +68,8 @@ OrderEntry EntryOf(const CommandRun& run, const Handheld& handheld) {
         std::string discount = run.Line.Value("--discount");
         entry.DiscountIsPercent = discount.ends_with('%');
         if (entry.DiscountIsPercent) discount.pop_back();
-        // A sum of money has no more decimals than money.
-        constexpr std::int64_t ToTenThousandths = 100;
-        entry.Discount = entry.DiscountIsPercent
-                             ? Amount("--discount", discount, QuantityDecimals)
-                             : Amount("--discount", discount, MoneyDecimals) * ToTenThousandths;
+        entry.Discount = entry.DiscountIsPercent ? Amount("--discount", discount, QuantityDecimals)
+                                                 : MoneyInTenThousandths("--discount", discount);
     }
     for (const std::string& text : run.Line.Values("--charge")) {
         const auto [description, amount] = AtLastColon("--charge", text);

@@ -13,6 +13,13 @@ constexpr std::size_t FirstWidth = 6;
 /// Of LK_LSTONUM, and what an order code has room for behind the machine id.
 constexpr std::size_t MostDigits = 8;
 
+/// Up to 8 digits as a number; none is 0.
+std::uint32_t ValueOf(std::string_view digits) {
+    std::uint32_t value = 0;
+    for (const char digit : digits) value = value * 10 + static_cast<std::uint32_t>(digit - '0');
+    return value;
+}
+
 } // namespace
 
 OrderNumbers::OrderNumbers(const Handheld& handheld)
@@ -60,5 +67,5 @@ HandheldTable* OrderNumbers::ChangedLinks() {
 }
 
 void OrderNumbers::KeepIn(HandheldSettings& settings) const {
-    if (!hasRow_) settings.LastOrder = last_;
+    if (!hasRow_ || ValueOf(last_) > ValueOf(settings.LastOrder)) settings.LastOrder = last_;
 }

@@ -26,7 +26,8 @@ public:
 
     /// The Links table with the number in its row, when it has changed; nullptr otherwise.
     HandheldTable* ChangedLinks();
-    /// Keeps the number in the settings, when they are where it is kept.
+    /// Keeps the number in the settings. The handheld's own count goes along with that of a Links row and
+    /// never back, so that no number is given again when the Links table is gone for a while.
     void KeepIn(HandheldSettings& settings) const;
 
 private:

@@ -16,10 +16,7 @@ namespace {
 
 constexpr std::string_view FirstLine =
     "# A stand-in for a handheld: what it knows of itself. Its databases lie in the folder beside.\n";
-constexpr std::size_t LongestHostName = 255;
-constexpr std::uint32_t Low24 = 0xFFFFFF;
 constexpr std::size_t LongestOrderNumber = 8;
-constexpr std::size_t LongestWords = 200;
 
 /// A text in one line: control characters and the percent sign as %XX.
 std::string OneLine(std::string_view text) {
@@ -88,7 +85,7 @@ std::string Moment(const DlpDate& date) {
 DlpDate ReadMoment(std::string_view text) {
     if (text.empty()) return {};
     const std::optional<DateTime> date = CDate(text);
-    if (!date || date->Year < 1904) throw Refusal("not a date and time");
+    if (!date || date->Year < HandheldSettings::FirstYear) throw Refusal("not a date and time");
     return ToDlpDate(*date);
 }
 
@@ -112,7 +109,7 @@ using V = std::string_view;
 
 constexpr std::array Lines{
     Line{"Name", [](const S& s) { return OneLine(s.User.Name); },
-         [](S& s, V v) { s.User.Name = Limited(v, S::LongestUserName); }},
+         [](S& s, V v) { s.User.Name = Limited(v, LongestUserName); }},
     Line{"UserId", [](const S& s) { return std::to_string(s.User.UserId); },
          [](S& s, V v) { s.User.UserId = Id(v); }},
     Line{"ViewerId", [](const S& s) { return std::to_string(s.User.ViewerId); },
@@ -124,7 +121,7 @@ constexpr std::array Lines{
     Line{"LastSync", [](const S& s) { return Moment(s.User.LastSync); },
          [](S& s, V v) { s.User.LastSync = ReadMoment(v); }},
     Line{"LastEnd", [](const S& s) { return OneLine(s.LastEnd); },
-         [](S& s, V v) { s.LastEnd = Limited(v, LongestWords); }},
+         [](S& s, V v) { s.LastEnd = Limited(v, S::LongestEnd); }},
     Line{"Machine", [](const S& s) { return OneLine(s.Machine); },
          [](S& s, V v) { s.Machine = Limited(v, S::LongestMachine); }},
     Line{"LastOrder", [](const S& s) { return s.LastOrder; },
@@ -134,15 +131,15 @@ constexpr std::array Lines{
     Line{"ClockOffset", [](const S& s) { return std::to_string(s.ClockOffset); },
          [](S& s, V v) { s.ClockOffset = Whole<std::int64_t>(v, -S::MostClockOffset, S::MostClockOffset); }},
     Line{"IdSeed", [](const S& s) { return std::to_string(s.IdSeed); },
-         [](S& s, V v) { s.IdSeed = Whole<std::uint32_t>(v, 0, Low24); }},
+         [](S& s, V v) { s.IdSeed = Whole<std::uint32_t>(v, 0, LastRecordId); }},
     Line{"LanSync", [](const S& s) { return std::string(s.LanSync ? "yes" : "no"); },
          [](S& s, V v) { s.LanSync = YesNo(v); }},
     Line{"PCName", [](const S& s) { return OneLine(s.PCName); },
-         [](S& s, V v) { s.PCName = Limited(v, LongestHostName); }},
+         [](S& s, V v) { s.PCName = Limited(v, S::LongestHostName); }},
     Line{"PCAddress", [](const S& s) { return OneLine(s.PCAddress); },
-         [](S& s, V v) { s.PCAddress = Limited(v, LongestHostName); }},
+         [](S& s, V v) { s.PCAddress = Limited(v, S::LongestHostName); }},
     Line{"PCMask", [](const S& s) { return OneLine(s.PCMask); },
-         [](S& s, V v) { s.PCMask = Limited(v, LongestHostName); }},
+         [](S& s, V v) { s.PCMask = Limited(v, S::LongestHostName); }},
 };
 
 } // namespace

@@ -37,9 +37,6 @@ std::optional<ManagerSettingRange> RangeOfManagerSetting(std::string_view key);
 std::string ManagerSettingText(const ManagerSettings& settings, std::string_view key);
 void SetManagerSetting(ManagerSettings& settings, std::string_view key, std::string_view text);
 
-/// Whether handhelds can be awaited there: "*", four numbers with points, or an IPv6 address without a zone.
-bool IsListeningAddress(std::string_view text);
-
 /// Reads `HotSync.ini` of the manager's folder, see docs/files.md. A missing file or key has the default. The
 /// id of this office is made and written when there is none; what a killed run has left is put away.
 /// RunTimeFailure 13 with file, line and reason for a line that is none and a value that cannot be, otherwise

@@ -15,7 +15,7 @@ namespace {
 constexpr std::string_view FileName = "HotSync.log";
 constexpr std::string_view OldFileName = "HotSync.old.log";
 
-/// The lines in the last bytes of a file; none when it cannot be read.
+/// The lines in the last FullAt bytes of a file, without the piece of one at the front. Failures of the disk.
 std::vector<std::string> LastLines(const std::string& path) {
     std::vector<std::string> lines;
     const auto file = Global.TheDisk->Open(ResolvePath(path), Access::Read);

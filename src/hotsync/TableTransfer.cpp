@@ -17,7 +17,6 @@ namespace {
 
 constexpr std::string_view WorkMark = "~";
 constexpr std::string_view InstallWork = "ZUK_install~";
-constexpr std::uint16_t KeepVersion = 0xFFFF;
 constexpr std::string_view SignedTable = "ZUKORHDR";
 /// Some handhelds lock up when a record near the limit is asked for in one piece.
 constexpr std::uint16_t LongestPiece = LongestRecord - 100;
@@ -197,7 +196,12 @@ TableTransfer::Result TableTransfer::Fetch(std::string_view path, const std::str
     const std::size_t orderCode = layout.Find("H_ORDCODE");
     for (std::uint16_t index = 0; index < count; ++index) {
         step_(index, count);
-        HandheldRecord record = ReadWhole(handle, index, layout);
+        const DatabaseRecord whole = ReadWhole(handle, index);
+        if ((whole.Flags & DeletedRecord) != 0) { // its bytes may be gone already
+            ++result.LeftBehind;
+            continue;
+        }
+        HandheldRecord record = ReadRecord(layout, whole.Data);
         columns.Append(layout, record.Fields);
         ++result.Records;
         if (!record.IsSigned()) continue;
@@ -248,13 +252,12 @@ TableTransfer::Result TableTransfer::FetchNone(std::string_view path, const std:
     return result;
 }
 
-HandheldRecord TableTransfer::ReadWhole(std::uint8_t handle, std::uint16_t index,
-                                        const HandheldLayout& layout) {
+DatabaseRecord TableTransfer::ReadWhole(std::uint8_t handle, std::uint16_t index) {
     const std::string deed = "read record " + std::to_string(index + 1);
     RecordAnswer answer = ReadRecordAnswer(line_.Need(PackReadRecord(handle, index, 0, LongestPiece), deed));
     // An answer that comes twice would shift all records behind it.
     if (answer.Index != index) throw PalmFailure(deed + ": another record came");
-    std::string data = std::move(answer.Record.Data);
+    std::string& data = answer.Record.Data;
     while (data.size() < answer.Size) {
         const auto offset = static_cast<std::uint16_t>(data.size());
         const RecordAnswer more =
@@ -265,7 +268,7 @@ HandheldRecord TableTransfer::ReadWhole(std::uint8_t handle, std::uint16_t index
         data += more.Record.Data;
     }
     if (data.size() != answer.Size) throw PalmFailure(deed + ": more bytes than the record has");
-    return ReadRecord(layout, data);
+    return std::move(answer.Record);
 }
 
 std::uint16_t TableTransfer::CountRecords(std::uint8_t handle, const std::string& name) {
@@ -325,12 +328,14 @@ std::uint8_t TableTransfer::Begin(const DatabaseHeader& header, const std::strin
     DeleteIfThere(work);
     DatabaseHeader begun = header;
     begun.Name = work;
+    begun.Flags = static_cast<std::uint16_t>(begun.Flags & ~ReadOnlyDatabase);
     return ReadHandle(line_.Need(PackCreateDB(begun), "make " + work));
 }
 
 void TableTransfer::MoveToName(const std::string& work, const std::string& name) {
-    DeleteIfThere(name);
+    // Opened first: one that cannot be does not cost the old table.
     const std::uint8_t handle = ReadHandle(line_.Need(PackOpenDB(work, true), "open " + work));
+    DeleteIfThere(name);
     line_.Need(PackSetDBInfo(handle, KeepVersion, name), "name " + name);
     Close(handle);
 }
@@ -351,7 +356,8 @@ std::int32_t TableTransfer::Install(std::string_view path) {
     const Database database = Guarded(work, [&] {
         line_.KeepAlive();
         Database read = ReadDatabase(ReadWholeFile(path, limits_.LargestFile));
-        if (read.Name.empty()) throw PalmFailure("a database without a name");
+        if (read.Name == work)
+            throw PalmFailure("the name " + work + " is needed while something is installed");
         Put(read, work);
         return read;
     });

@@ -42,7 +42,7 @@ public:
 
     struct Result {
         std::int32_t Records = 0;
-        std::int32_t LeftBehind = 0; ///< marked as deleted, and not sent
+        std::int32_t LeftBehind = 0; ///< marked as deleted, and not moved, whichever way
         std::int32_t Signatures = 0;
         bool WasMissing = false; ///< the handheld had no such table
         std::string Odd;         ///< what was passed over, in words; UTF-8
@@ -58,8 +58,8 @@ public:
     /// not fetch before: its records are nowhere else.
     Result Download(std::string_view path);
 
-    /// Puts a PDB or PRC file on the handheld, in the place of a database of the same name; the number of
-    /// its records.
+    /// Puts a PDB or PRC file on the handheld, in the place of a database of the same name, without the mark
+    /// of a read-only one, under which nothing could be written; the number of its records.
     std::int32_t Install(std::string_view path);
 
     /// Brings to its end, or takes back, what an earlier session left half done on the handheld; the names
@@ -85,7 +85,7 @@ private:
     Result Send(std::string_view path, const std::string& work);
     void Put(const Database& database, const std::string& work);
 
-    HandheldRecord ReadWhole(std::uint8_t handle, std::uint16_t index, const HandheldLayout& layout);
+    DatabaseRecord ReadWhole(std::uint8_t handle, std::uint16_t index);
     std::uint16_t CountRecords(std::uint8_t handle, const std::string& name);
     std::uint8_t Begin(const DatabaseHeader& header, const std::string& work);
     void MoveToName(const std::string& work, const std::string& name);

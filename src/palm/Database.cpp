@@ -6,13 +6,7 @@
 namespace {
 
 constexpr const char* What = "handheld database";
-constexpr std::size_t HeaderSize = 78;
 constexpr std::size_t NameSize = 32;
-constexpr std::size_t RecordEntry = 8;
-constexpr std::size_t ResourceEntry = 10;
-/// Behind the list of entries, as all writers leave it.
-constexpr std::size_t Gap = 2;
-constexpr std::uint32_t Low24 = 0xFFFFFF;
 
 /// The blocks of a file: each ends where the next one begins.
 class Blocks {
@@ -67,13 +61,13 @@ Database ReadDatabase(std::string_view file) {
     const std::uint32_t sortInfo = header.U32();
     database.Type = header.U32();
     database.Creator = header.U32();
-    database.IdSeed = header.U32() & Low24;
+    database.IdSeed = header.U32() & LastRecordId;
     if (header.U32() != 0) header.Fail("a second list of records");
     const std::size_t count = header.U16();
 
-    const std::size_t entry = database.IsResource() ? ResourceEntry : RecordEntry;
+    const std::size_t entry = database.IsResource() ? ResourceEntryBytes : RecordEntryBytes;
     ByteReader list(header.Take(count * entry), What);
-    Blocks blocks(file, HeaderSize + count * entry);
+    Blocks blocks(file, DatabaseHeaderBytes + count * entry);
     blocks.Add(appInfo);
     blocks.Add(sortInfo);
     std::vector<std::uint32_t> offsets(count);
@@ -89,7 +83,7 @@ Database ReadDatabase(std::string_view file) {
             const std::uint32_t rest = list.U32();
             record.Flags = static_cast<std::uint8_t>(rest >> 24 & 0xF0);
             record.Category = static_cast<std::uint8_t>(rest >> 24 & 0x0F);
-            record.Id = rest & Low24;
+            record.Id = rest & LastRecordId;
         }
         if (offset == 0) list.Fail("an entry without a block");
         blocks.Add(offset);
@@ -124,8 +118,8 @@ std::string WriteDatabase(const Database& database) {
     CheckBlock(database.AppInfo);
     CheckBlock(database.SortInfo);
 
-    const std::size_t entry = database.IsResource() ? ResourceEntry : RecordEntry;
-    std::size_t at = HeaderSize + count * entry + Gap;
+    const std::size_t entry = database.IsResource() ? ResourceEntryBytes : RecordEntryBytes;
+    std::size_t at = DatabaseHeaderBytes + count * entry + ListGapBytes;
     const auto place = [&](std::string_view block) {
         const std::size_t offset = at;
         at += block.size();
@@ -138,7 +132,7 @@ std::string WriteDatabase(const Database& database) {
     file.U32(database.ModificationNumber);
     file.U32(database.AppInfo.empty() ? 0 : place(database.AppInfo));
     file.U32(database.SortInfo.empty() ? 0 : place(database.SortInfo));
-    file.U32(database.Type).U32(database.Creator).U32(database.IdSeed & Low24).U32(0);
+    file.U32(database.Type).U32(database.Creator).U32(database.IdSeed & LastRecordId).U32(0);
     file.U16(static_cast<unsigned>(count));
     for (const DatabaseResource& resource : database.Resources) {
         CheckBlock(resource.Data);
@@ -148,7 +142,7 @@ std::string WriteDatabase(const Database& database) {
         CheckBlock(record.Data);
         if (database.IsResource()) continue;
         const std::uint32_t attributes = (record.Flags & 0xF0U) | (record.Category & 0x0FU);
-        file.U32(place(record.Data)).U32(attributes << 24 | (record.Id & Low24));
+        file.U32(place(record.Data)).U32(attributes << 24 | (record.Id & LastRecordId));
     }
     file.U16(0).Put(database.AppInfo).Put(database.SortInfo);
     if (database.IsResource()) {

@@ -10,6 +10,7 @@
 /// What a handheld database is marked with. The layout of the files is that of the Palm File Format.
 enum DatabaseFlag : std::uint16_t {
     ResourceDatabase = 0x0001,
+    ReadOnlyDatabase = 0x0002,
     BackupDatabase = 0x0008,
     ResetAfterInstall = 0x0020,
     OpenDatabase = 0x8000, ///< never written
@@ -27,11 +28,18 @@ inline constexpr std::size_t MostRecords = 65535;
 inline constexpr std::size_t LongestRecord = 65505;
 /// The longest name of a database, without its NUL.
 inline constexpr std::size_t LongestDatabaseName = 31;
+inline constexpr std::uint32_t LastRecordId = 0xFFFFFF;
+inline constexpr unsigned LastCategory = 15;
+
+/// Bytes of a file beside those of its blocks: the header, an entry of its list for each record or
+/// resource, and what all writers leave behind the list.
+inline constexpr std::size_t DatabaseHeaderBytes = 78, RecordEntryBytes = 8, ResourceEntryBytes = 10,
+                             ListGapBytes = 2;
 
 struct DatabaseRecord {
     std::uint8_t Flags = 0;    ///< RecordFlag
-    std::uint8_t Category = 0; ///< 0 to 15
-    std::uint32_t Id = 0;      ///< 24 bits
+    std::uint8_t Category = 0; ///< 0 to LastCategory
+    std::uint32_t Id = 0;      ///< up to LastRecordId
     std::string Data;
 
     friend bool operator==(const DatabaseRecord&, const DatabaseRecord&) = default;

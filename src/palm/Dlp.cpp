@@ -11,16 +11,8 @@ constexpr std::uint8_t LongForm = 0x40;
 constexpr std::uint8_t SmallForm = 0x80;
 constexpr std::uint8_t IdMask = 0x3F;
 constexpr std::size_t LongestArgument = 0xFFFF;
-constexpr std::size_t LongestUserName = 40;
-constexpr std::uint32_t Low24 = 0xFFFFFF;
-constexpr std::uint8_t LastCategory = 15;
 
-// Lists and searches.
-constexpr std::uint8_t ListRam = 0x80, ListSeveral = 0x20;
-constexpr std::uint8_t ListMore = 0x80;
-constexpr std::uint8_t FindAttributes = 0x80;
-constexpr std::uint8_t OpenRead = 0x80, OpenWrite = 0x40, OpenSecret = 0x10;
-constexpr std::uint8_t DataIncluded = 0x80;
+/// A database in a list, before its name.
 constexpr std::size_t DatabaseBlock = 44;
 
 void PackArguments(ByteWriter& to, const std::vector<DlpArgument>& arguments) {
@@ -103,6 +95,31 @@ int DaysIn(int year, int month) {
 
 std::string_view CutName(std::string_view name) {
     return name.substr(0, LongestDatabaseName);
+}
+
+/// The numbers that both messages about the user begin with.
+template <typename User>
+void PutUserIds(ByteWriter& to, const User& user) {
+    to.U32(user.UserId).U32(user.ViewerId).U32(user.LastSyncPC);
+}
+
+template <typename User>
+void TakeUserIds(ByteReader& from, User& user) {
+    user.UserId = from.U32();
+    user.ViewerId = from.U32();
+    user.LastSyncPC = from.U32();
+}
+
+std::string_view CutUserName(std::string_view name) {
+    return name.substr(0, LongestUserName);
+}
+
+/// A user's name out of a place that may be longer.
+std::string TakeUserName(ByteReader& from, std::size_t size) {
+    const std::string_view place = from.Take(size);
+    const std::string_view name = place.substr(0, place.find('\0'));
+    if (name.size() > LongestUserName) from.Fail("a name of more than 40 bytes");
+    return std::string(name);
 }
 
 DatabaseInfo TakeDatabaseInfo(ByteReader& from) {
@@ -297,9 +314,9 @@ SysInfo ReadSysInfo(const DlpResponse& response) {
 }
 
 DlpResponse PackUserInfo(const UserInfo& info) {
-    const std::string_view name = std::string_view(info.Name).substr(0, LongestUserName);
+    const std::string_view name = CutUserName(info.Name);
     ByteWriter bytes;
-    bytes.U32(info.UserId).U32(info.ViewerId).U32(info.LastSyncPC);
+    PutUserIds(bytes, info);
     PutDate(bytes, info.LastGoodSync);
     PutDate(bytes, info.LastSync);
     bytes.U8(name.empty() ? 0 : static_cast<unsigned>(name.size() + 1)).U8(0);
@@ -310,23 +327,19 @@ DlpResponse PackUserInfo(const UserInfo& info) {
 UserInfo ReadUserInfo(const DlpResponse& response) {
     ByteReader from(response.Argument(), "user information");
     UserInfo info;
-    info.UserId = from.U32();
-    info.ViewerId = from.U32();
-    info.LastSyncPC = from.U32();
+    TakeUserIds(from, info);
     info.LastGoodSync = TakeDate(from);
     info.LastSync = TakeDate(from);
     const std::size_t nameSize = from.U8();
     from.Skip(1); // of the password, which is nobody's business here
-    const std::string_view name = from.Take(nameSize);
-    info.Name = name.substr(0, name.find('\0'));
-    if (info.Name.size() > LongestUserName) from.Fail("a name of more than 40 bytes");
+    info.Name = TakeUserName(from, nameSize);
     return info;
 }
 
 DlpRequest PackUserChange(const UserChange& change) {
-    const std::string_view name = std::string_view(change.Name).substr(0, LongestUserName);
+    const std::string_view name = CutUserName(change.Name);
     ByteWriter bytes;
-    bytes.U32(change.UserId).U32(change.ViewerId).U32(change.LastSyncPC);
+    PutUserIds(bytes, change);
     PutDate(bytes, change.SyncDate);
     bytes.U8(change.Flags).U8(static_cast<unsigned>(name.size() + 1)).Text(name);
     return {DlpFunction::WriteUserInfo, std::move(bytes).Bytes()};
@@ -335,14 +348,11 @@ DlpRequest PackUserChange(const UserChange& change) {
 UserChange ReadUserChange(const DlpRequest& request) {
     ByteReader from(request.Argument(), "user information");
     UserChange change;
-    change.UserId = from.U32();
-    change.ViewerId = from.U32();
-    change.LastSyncPC = from.U32();
+    TakeUserIds(from, change);
     change.SyncDate = TakeDate(from);
     change.Flags = from.U8();
-    const std::string_view name = from.Take(from.U8());
-    change.Name = name.substr(0, name.find('\0'));
-    if (change.Name.size() > LongestUserName) from.Fail("a name of more than 40 bytes");
+    const std::size_t nameSize = from.U8();
+    change.Name = TakeUserName(from, nameSize);
     return change;
 }
 
@@ -450,7 +460,7 @@ DlpRequest PackSetDBInfo(std::uint8_t handle, std::uint16_t version, std::string
 
 DlpRequest PackReadAppBlock(std::uint8_t handle) {
     ByteWriter bytes;
-    bytes.U8(handle).U8(0).U16(0).U16(0xFFFF);
+    bytes.U8(handle).U8(0).U16(0).U16(ToTheEnd);
     return {DlpFunction::ReadAppBlock, std::move(bytes).Bytes()};
 }
 
@@ -493,7 +503,7 @@ DlpResponse PackRecord(DlpFunction function, const RecordAnswer& answer) {
 RecordAnswer ReadRecordAnswer(const DlpResponse& response) {
     ByteReader from(response.Argument(), "record");
     RecordAnswer answer;
-    answer.Record.Id = from.U32() & Low24;
+    answer.Record.Id = from.U32() & LastRecordId;
     answer.Index = from.U16();
     answer.Size = from.U16();
     answer.Record.Flags = from.U8();

@@ -140,6 +140,21 @@ DlpResponse ReadResponse(std::string_view message);
 
 // ---- what the arguments hold ----
 
+/// Of ReadDBList, in the request and in the answer.
+inline constexpr std::uint8_t ListRam = 0x80, ListSeveral = 0x20, ListMore = 0x80;
+/// How a database is opened.
+inline constexpr std::uint8_t OpenRead = 0x80, OpenWrite = 0x40, OpenSecret = 0x10;
+/// What FindDB is to tell: LongestRecord only of an open database.
+inline constexpr std::uint8_t FindAttributes = 0x80, FindSizes = 0x40, FindLargest = 0x20;
+/// Stands in every WriteRecord.
+inline constexpr std::uint8_t DataIncluded = 0x80;
+/// A mark of records that files have no place for, beside those of RecordFlag.
+inline constexpr std::uint8_t ArchivedRecord = 0x08;
+/// A number of bytes or records: as many as there are.
+inline constexpr std::uint16_t ToTheEnd = 0xFFFF;
+/// The version of SetDBInfo that leaves a database's as it is.
+inline constexpr std::uint16_t KeepVersion = 0xFFFF;
+
 /// A moment of the handheld's own clock; year 0 is none.
 struct DlpDate {
     std::uint16_t Year = 0;
@@ -166,6 +181,9 @@ struct SysInfo {
 DlpResponse PackSysInfo(const SysInfo& info);
 SysInfo ReadSysInfo(const DlpResponse& response);
 
+/// Bytes of a user's name, without its NUL.
+inline constexpr std::size_t LongestUserName = 40;
+
 struct UserInfo {
     std::uint32_t UserId = 0; ///< 0: the handheld has no user
     std::uint32_t ViewerId = 0, LastSyncPC = 0;
@@ -184,7 +202,7 @@ struct UserChange {
     std::uint8_t Flags = 0;
     std::uint32_t UserId = 0, ViewerId = 0, LastSyncPC = 0;
     DlpDate SyncDate;
-    std::string Name; ///< at most 40 bytes
+    std::string Name; ///< up to LongestUserName
 };
 DlpRequest PackUserChange(const UserChange& change);
 UserChange ReadUserChange(const DlpRequest& request);
@@ -197,7 +215,7 @@ struct DatabaseInfo : DatabaseHeader {
     friend bool operator==(const DatabaseInfo&, const DatabaseInfo&) = default;
 };
 
-/// A piece of the list of databases, as ReadDBList tells it.
+/// A piece of the list of databases, as ReadDBList tells it. `LastIndex` is that of its last one.
 struct DatabaseList {
     std::uint16_t LastIndex = 0;
     bool More = false;
@@ -208,11 +226,7 @@ std::uint16_t ReadListRequest(const DlpRequest& request, bool& several);
 DlpResponse PackDatabaseList(const DatabaseList& list);
 DatabaseList ReadDatabaseList(const DlpResponse& response);
 
-/// FindDB by name, and its answer with the attributes and, when asked for, the sizes.
-struct DatabaseSizes {
-    std::uint32_t Records = 0, TotalBytes = 0, DataBytes = 0, AppInfoBytes = 0, SortInfoBytes = 0,
-                  LongestRecord = 0;
-};
+/// FindDB by name, and its answer with the attributes.
 DlpRequest PackFindByName(std::string_view name);
 DatabaseInfo ReadFound(const DlpResponse& response);
 std::string PackDatabaseInfo(const DatabaseInfo& info);
@@ -225,7 +239,7 @@ DlpRequest PackDeleteDB(std::string_view name);
 DlpRequest PackReadOpenDBInfo(std::uint8_t handle);
 std::uint16_t ReadRecordCount(const DlpResponse& response);
 
-/// Gives an open database another version and name; what is 0xFFFF or empty stays.
+/// Gives an open database another version and name; with KeepVersion or an empty name those stay.
 DlpRequest PackSetDBInfo(std::uint8_t handle, std::uint16_t version, std::string_view name);
 
 DlpRequest PackReadAppBlock(std::uint8_t handle);
@@ -240,7 +254,7 @@ struct RecordAnswer {
     std::uint16_t Size = 0; ///< of the whole record
 };
 DlpRequest PackReadRecord(std::uint8_t handle, std::uint16_t index, std::uint16_t offset = 0,
-                          std::uint16_t count = 0xFFFF);
+                          std::uint16_t count = ToTheEnd);
 DlpResponse PackRecord(DlpFunction function, const RecordAnswer& answer);
 RecordAnswer ReadRecordAnswer(const DlpResponse& response);
 DlpRequest PackWriteRecord(std::uint8_t handle, const DatabaseRecord& record);

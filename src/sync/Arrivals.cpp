@@ -3,6 +3,7 @@
 #include "core/Failure.h"
 #include "core/Globals.h"
 #include "core/Paths.h"
+#include "core/TextCompare.h"
 
 #include <algorithm>
 
@@ -20,11 +21,11 @@ std::uint64_t VersionOf(const std::string& path) {
 } // namespace
 
 void Arrivals::Remember(const std::string& path) {
-    versions_[path] = VersionOf(path);
+    versions_[FoldCase(path)] = VersionOf(path);
 }
 
 bool Arrivals::Has(const SFrmAX40& control, const std::string& path) const {
-    const auto remembered = versions_.find(path);
+    const auto remembered = versions_.find(FoldCase(path));
     if (remembered == versions_.end()) return false;
     const std::uint64_t now = VersionOf(path);
     return now != 0 && (control.EndedWell(path) || now != remembered->second);

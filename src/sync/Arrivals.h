@@ -22,5 +22,5 @@ public:
     bool Has(const SFrmAX40& control, const std::string& path) const;
 
 private:
-    std::map<std::string, std::uint64_t> versions_; ///< by path; 0 for a table that was not there
+    std::map<std::string, std::uint64_t> versions_; ///< by path in any case; 0 for a table that was not there
 };

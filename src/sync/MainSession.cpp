@@ -124,13 +124,13 @@ bool MainSession::HSStart() {
     screen_.ShowBegun(Global.HSUserName);
     PendingOps = 0;
     arrivals_.Clear();
-    oldTotalsTaken_ = false;
+    copiesMade_ = false;
     if (Global.HHInstallActive) return false;
 
     MakeSafetyCopies(SafetyCopies::OfSession);
     ZeroTotalsBlock();
     CalcOldPCTotals();
-    oldTotalsTaken_ = true;
+    copiesMade_ = true;
     Global.CurrentHotSyncID = Global.HSUserName;
     receipt_.Begin(Global.HSUserName);
 
@@ -242,6 +242,10 @@ void MainSession::HSDownload() {
     SyncPhase = "HSDownload";
     screen_.ShowPhase(SyncPhaseImage::Download, PhaseLook::Running);
     if (Global.RemoteSelect.ByTemplate()) {
+        // The Links table may travel: with the number of the session before, the handheld would give codes of
+        // orders that it has just sent once more. The end of the session writes the row in any case.
+        if (arrivals_.Has(SFMain, LinkTablePath) && TakeHandheldLink(Global.HSUserName))
+            WritePCLink(Global.HSUserName);
         for (const std::string& line :
              LinesOf(TemplatePath(Global.DownloadTemplates, Global.RemoteSelSettings, ".dst"))) {
             for (const DownloadGroup& group : DownloadGroups) {
@@ -279,6 +283,8 @@ void MainSession::HSEnd() {
     SyncStage = "End";
     Global.HHInstallActive = false;
     UpdateLinks();
+    arrived_ = Arrived();
+    totalsCame_ = arrivals_.Has(SFMain, TotalsOfHandheld());
     {
         const WhileSet closing(SessionClosing);
         Global.LastSyncedUser = Global.HSUserName;
@@ -287,7 +293,7 @@ void MainSession::HSEnd() {
     }
     PendingOps = 0;
     Global.HHInstallActive = false;
-    oldTotalsTaken_ = false;
+    copiesMade_ = false;
     arrivals_.Clear();
     ZeroTotalsBlock();
     screen_.ShowEnded();
@@ -304,17 +310,16 @@ void MainSession::UpdateLinks() {
 
 /// What the handheld sent meets what the PC held, and both are counted.
 void MainSession::MergeUpload() {
-    arrived_ = Arrived();
-    totalsCame_ = arrivals_.Has(SFMain, TotalsOfHandheld());
-    // A session that began before this form was armed has nothing to count from.
-    if (!oldTotalsTaken_) CalcOldPCTotals();
+    // A session that began before the mode was armed has nothing to count from, and copies that it finds are
+    // not its own.
+    if (!copiesMade_) CalcOldPCTotals();
     receipt_.TakeArrived(arrived_, totalsCame_ ? TotalsOfHandheld() : std::string());
     if (Global.UploadSelect) {
         Global.SessionRun = arrived_;
         screen_.Merge();
         Global.UploadClosing = true;
         if (!Global.FailedMerges.empty()) receipt_.Note(msg::ReceiptCopiesStay);
-        DeleteSafetyCopies(SafetyCopies::OfSession);
+        if (copiesMade_) DeleteSafetyCopies(SafetyCopies::OfSession);
     }
     receipt_.Write(SFMain, arrived_);
     for (std::string* label : {&Label1, &Label2, &Label3}) label->clear();

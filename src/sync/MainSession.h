@@ -65,7 +65,7 @@ private:
     SessionScreen& screen_;
     Arrivals arrivals_;
     SessionReceipt receipt_{SessionKind::Unattended};
-    UploadRun arrived_;           ///< while the session is closed
-    bool totalsCame_ = false;     ///< the handheld's own totals came in this session
-    bool oldTotalsTaken_ = false; ///< what the PC held when this session began is known
+    UploadRun arrived_;       ///< while the session is closed
+    bool totalsCame_ = false; ///< the handheld's own totals came in this session
+    bool copiesMade_ = false; ///< this session has its safety copies and old totals
 };

@@ -110,5 +110,6 @@ void UploadSession::WriteReceipt() {
         TakeArrived();
         merged_ = {};
     }
+    if (!Global.FailedMerges.empty()) receipt_.Note(msg::ReceiptCopiesStay);
     receipt_.Write(SFUpload, merged_);
 }

@@ -298,6 +298,7 @@ TEST_F(ManagerWindow, ShowsTheLastLinesOfTheLogAndThoseThatCome) {
     desk_.Log().Write("Jos\xE9 has <b>come</b>");
 
     EXPECT_TRUE(LogOf(form).endsWith(QStringLiteral("line 250\n2026-11-21 14:05:09 José has <b>come</b>")));
+    EXPECT_EQ(LogOf(form).count(u'\n'), 199) << "the oldest line goes";
 }
 
 TEST_F(ManagerWindow, UsersThatChangeElsewhereKeepTheSelection) {

@@ -25,15 +25,15 @@ protected:
         Global.MainSyncLoaded = true;
         GivenRows("ZUKOrHdr", {"H_ORDCODE", "P1", "P2"});
         GivenRows("ZUKOrLin", {"L_KEY|L_TOTPRICE", "P1-1|2.5"});
-        GivenRows("ZUKAudTH", {"H_ORDCODE", "PA"});
-        GivenRows("ZUKAudTL", {"L_KEY", "PA-1"});
+        GivenRows("ZUKAudTH", {"A_ORDCODE", "PA"});
+        GivenRows("ZUKAudTL", {"A_KEY", "PA-1"});
         GivenRows("ZUKAudHH", {"TH_NUMHEAD", "7"});
         GivenRows("ZUKBarin", {"BARCODE", "PB"});
         MakeSafetyCopies(SafetyCopies::OfSession);
         GivenRows("ZUKOrHdr", {"H_ORDCODE", "N1"});
         GivenRows("ZUKOrLin", {"L_KEY|L_TOTPRICE", "N1-1|1.25"});
-        GivenRows("ZUKAudTH", {"H_ORDCODE", "NA"});
-        GivenRows("ZUKAudTL", {"L_KEY", "NA-1"});
+        GivenRows("ZUKAudTH", {"A_ORDCODE", "NA"});
+        GivenRows("ZUKAudTL", {"A_KEY", "NA-1"});
         GivenRows("ZUKAudHH", {"TH_NUMHEAD", "9"});
         GivenRows("ZUKBarin", {"BARCODE", "NB"});
     }
@@ -91,8 +91,8 @@ TEST_F(MergeScreens, AuditsAndHandheldTotalsAreMergedByAFormOfTheirOwn) {
     ShowToItsEnd<frmAppendAudit>();
 
     EXPECT_EQ(RecordCount("ZUKOrHdr"), 1);
-    EXPECT_EQ(Cell("ZUKAudTH", 2, "H_ORDCODE"), "PA");
-    EXPECT_EQ(Cell("ZUKAudTL", 2, "L_KEY"), "PA-1");
+    EXPECT_EQ(Cell("ZUKAudTH", 2, "A_ORDCODE"), "PA");
+    EXPECT_EQ(Cell("ZUKAudTL", 2, "A_KEY"), "PA-1");
     EXPECT_EQ(Cell("ZUKAudHH", 2, "TH_NUMHEAD"), "7");
 }
 
@@ -189,9 +189,8 @@ TEST_F(InterruptedSession, TheStartPutsBackWhatWasNotMergedAndSaysSoOnce) {
     headers.WriteText();
     headers.ReadText(silent);
     Text told = msg::SessionRecovered;
-    for (const Text& row :
-         {Row("ZUKOrLin", 1), Row("ZUKAudTH", 1), Row("ZUKAudTL", 1), Row("ZUKAudHH", 1)}) {
-        told = Lines(told, row);
+    for (const Text& row : {Row("ZUKOrLin", 1), Row("ZUKAudTH", 1), Row("ZUKAudTL", 1), Row("ZUKAudHH", 1)}) {
+        told = ::Lines(told, row);
     }
     Operator_.Expect(told).With(Icon::Information);
 

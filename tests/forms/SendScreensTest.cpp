@@ -1,3 +1,4 @@
+#include "core/SafeFile.h"
 #include "core/forms/frmMain1.h"
 #include "exchange/forms/frmQBDownload.h"
 #include "exchange/forms/frmQBUpload.h"
@@ -30,7 +31,10 @@ const Names SetupTables{"DOWNLOAD ZUKSETUP.DBF", "DOWNLOAD ZUKCOMP.DBF", "DOWNLO
 
 class SendScreens : public TableScreens {
 protected:
-    SendScreens() { GivenRows("ZUKLINK", {"LK_HOTSYNC", "Ben", "ANNA"}); }
+    SendScreens() {
+        GivenRows("ZUKLINK", {"LK_HOTSYNC", "Ben", "ANNA"});
+        GetHHStatus();
+    }
 
     static std::string Template(const std::string& file) { return Global.DownloadTemplates + file; }
 
@@ -85,9 +89,11 @@ TEST_F(Download, OnlyItsOwnTemplatesAreListed) {
     GivenTemplate("Prices.dst", "");
     GivenTemplate("Old orders.dct", "");
 
-    EXPECT_EQ(dynamic_cast<QComboBox&>(FormTest::Control(Open<frmTableSelectDL>(), "cboSettings")).count(), 1);
-    EXPECT_EQ(dynamic_cast<QComboBox&>(FormTest::Control(Open<frmTableSelectCL>(), "cboSettings")).itemText(0),
-              Q("Old orders"));
+    EXPECT_EQ(dynamic_cast<QComboBox&>(FormTest::Control(Open<frmTableSelectDL>(), "cboSettings")).count(),
+              1);
+    EXPECT_EQ(
+        dynamic_cast<QComboBox&>(FormTest::Control(Open<frmTableSelectCL>(), "cboSettings")).itemText(0),
+        Q("Old orders"));
 }
 
 TEST_F(Download, TheTablesAreShownWithTheirRecords) {
@@ -176,6 +182,28 @@ TEST_F(Download, AFatalProblemLeavesTheScreenOpenAndNothingTravels) {
     EXPECT_TRUE(FormTest::Enabled(form, "cmdOK"));
 }
 
+TEST_F(Download, TheReportOfAStoppedDownloadShowsABlankTemplateAndNotTheDownload) {
+    GivenRows("ZUKCUST", {"C_SEARCH|C_CODE|C_NAME", "|C2|Crane"});
+    GivenTemplate("Blank.dst", "Items=0\r\n");
+    auto& form = Open<frmTableSelectDL>();
+    Operator_.Expect(msg::DownloadNow).Answer(Answer::Yes);
+    Operator_.Expect(msg::QCWillRun);
+    Operator_.Expect(msg::FatalProblems);
+    Operator_.Expect(msg::FatalHotsync);
+    Click(form, "cmdOK");
+    WhenStands<frmTableSelectDL>([&form](auto& other) {
+        EXPECT_NE(&other, &form);
+        EXPECT_EQ(TextOf(other, "cboSettings"), Q("Blank"));
+        Click(other, "cmdCancel");
+    });
+    auto& report = The<frmConfigMsg>();
+    form.hide(); // what stands now is the report's
+
+    Click(report, "cmdView");
+
+    EXPECT_EQ(IfLoaded<frmTableSelectDL>(), nullptr);
+}
+
 TEST_F(Download, ATableThatAnotherProgramHoldsIsTold) {
     auto& form = Open<frmTableSelectDL>();
     Tick(form, "chkSetup");
@@ -241,7 +269,7 @@ TEST_F(Download, ACancelledWaitLeavesTheScreenAndNoMark) {
     Click(form, "cmdOK");
 
     EXPECT_FALSE(form.IsGone());
-    EXPECT_FALSE(Exists(Global.InstallPath + "HSStatus.dat") && Marks() != (Names{"", ""}));
+    EXPECT_EQ(Marks(), (Names{"", ""}));
 }
 
 // ---- clearing ----
@@ -385,10 +413,11 @@ TEST_F(TableButtons, ATemplateThatCannotBeReadIsToldAndNothingRunsByIt) {
     WriteWholeFile(path, "Audits=1\r\n");
     auto& form = Open<frmQBUpload>();
     Choose(form, "cboDownload", Q("Audits"));
-    Operator_.Expect(T(Perform("Audits"))).Answer(Answer::Yes).Then([path] { std::filesystem::remove(path); });
+    Operator_.Expect(T(Perform("Audits"))).Answer(Answer::Yes).Then([path] {
+        std::filesystem::remove(path);
+    });
     Operator_.ExpectBeginning(msg::UnattendedUnreadable);
-    WhenEver([] { return IfLoaded<frmUploadSelect>() && IfLoaded<frmUploadSelect>()->isVisible(); },
-             [] { Click(The<frmUploadSelect>(), "cmdCancel"); });
+    WhenEver([this] { return Operator_.AllCame(); }, [] { Click(The<frmUploadSelect>(), "cmdCancel"); });
 
     Click(form, "cmdOK");
 
@@ -459,8 +488,9 @@ TEST_F(TableTemplateKeepers, TheOptionsOpenTheScreensAndListWhatWasSavedThere) {
     WhenStands<frmTableSelectCL>([&](auto& form) { save(form, "Old orders"); });
     Click(options, "cmdSUClear");
 
-    for (const auto& [list, name] :
-         {std::pair{"cboSettings", "Prices"}, {"cboULSettings", "Orders"}, {"cboClearSettings", "Old orders"}})
+    for (const auto& [list, name] : {std::pair{"cboSettings", "Prices"},
+                                     {"cboULSettings", "Orders"},
+                                     {"cboClearSettings", "Old orders"}})
         EXPECT_EQ(dynamic_cast<QComboBox&>(FormTest::Control(options, list)).itemText(1), Q(name));
     EXPECT_EQ(Lines(Template("Old orders.dct")).at(0), "Order Tables=1");
     EXPECT_FALSE(Global.TemplateEditMode);

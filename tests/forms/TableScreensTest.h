@@ -2,9 +2,11 @@
 
 #include "core/Messages.h"
 #include "core/Paths.h"
+#include "core/SafeFile.h"
 #include "forms/HotSyncTest.h"
 #include "support/IdleControl.h"
 #include "sync/SessionStatus.h"
+#include "sync/Status.h"
 
 #include <QTimer>
 

@@ -130,13 +130,27 @@ protected:
         return Open<frmMain1>();
     }
 
+    /// Settings with one activity.
+    static UnattendedSettings Upload(const std::string& file) {
+        UnattendedSettings settings;
+        settings.Upload = true;
+        settings.UploadTemplate = file;
+        return settings;
+    }
+    static UnattendedSettings Download(const std::string& file, bool active = true) {
+        UnattendedSettings settings;
+        settings.Download = active;
+        settings.DownloadTemplate = file;
+        return settings;
+    }
+
     static void GivenSettings(const std::string& name, const UnattendedSettings& settings) {
         SaveUA(Global.UnattendedTemplates + name + ".uhs", settings);
     }
 
     /// Settings that upload orders and the handheld's totals.
     static void GivenEvening() {
-        GivenSettings("Evening", {.Upload = true, .UploadTemplate = "Orders"});
+        GivenSettings("Evening", Upload("Orders"));
         WriteTemplate(Global.UploadTemplates + "Orders.ust", UploadChoice{.Orders = true, .HHTotals = true});
     }
 
@@ -162,7 +176,8 @@ protected:
         GivenTableOf(user, "ZUKLINK", {"LK_HOTSYNC|LK_MACH_ID|LK_LSTONUM", user + "|M" + user[0] + "|7"});
     }
 
-    void GivenTableOf(const std::string& user, const std::string& table, const std::vector<std::string>& rows) {
+    void GivenTableOf(const std::string& user, const std::string& table,
+                      const std::vector<std::string>& rows) {
         const std::string path = ResolvePath(Global.DBFPath + table + ".dbf");
         const std::string before = GivenFile("before.dbf", Bytes(path));
         GivenRows(table, rows);
@@ -365,7 +380,7 @@ TEST_F(Unattended, YesArmsTheModeAndBothWindowsShowWhatItDoes) {
 }
 
 TEST_F(Unattended, ANameOfADownloadThatIsOffShowsNowhere) {
-    GivenSettings("Quiet", {.Download = false, .DownloadTemplate = "AllTables"});
+    GivenSettings("Quiet", Download("AllTables", false));
 
     auto& main = Arm(Start(), "Quiet");
 
@@ -457,7 +472,6 @@ TEST_F(Unattended, SettingsThatCannotBeReadAreToldWithTheirLineAndArmNothing) {
     WriteWholeFile(Global.UnattendedTemplates + "Odd.uhs", "Download=False\r\nUpload=Perhaps\r\n");
     auto& main = Start();
     Global.RemoteSyncSettings = "Odd";
-    QString told;
     Operator_.ExpectBeginning(msg::UnattendedNotStarted).With(Icon::Stop);
 
     ClickMenu(main, "mnuRemoteSync");
@@ -484,7 +498,7 @@ TEST_F(Unattended, ATemplateThatIsNotThereIsToldBeforeAnyHandheldComes) {
 }
 
 TEST_F(Unattended, AFatalProblemStopsTheStartBeforeAnythingIsArmed) {
-    GivenSettings("Morning", {.Download = true, .DownloadTemplate = "All"});
+    GivenSettings("Morning", Download("All"));
     WriteTemplate(Global.DownloadTemplates + "All.dst", DownloadChoice{.Customers = true});
     GivenRows("ZUKCUST", {"C_SEARCH|C_CODE|C_NAME", "|B2|Bolt"});
     auto& main = Start();
@@ -507,7 +521,7 @@ TEST_F(Unattended, AFatalProblemStopsTheStartBeforeAnythingIsArmed) {
 }
 
 TEST_F(Unattended, SoundTablesLetAModeWithADownloadStart) {
-    GivenSettings("Morning", {.Download = true, .DownloadTemplate = "All"});
+    GivenSettings("Morning", Download("All"));
     WriteTemplate(Global.DownloadTemplates + "All.dst", DownloadChoice{.Customers = true});
     GivenRows("ZUKCUST", {"C_SEARCH|C_CODE|C_NAME", "BOLT|B2|Bolt"});
     GivenRows("ZUKITEM", {"I_SEARCH|I_ITEMCODE|I_DESC1|I_PRICE", "SAW|S1|Saw|9.00"});
@@ -799,7 +813,7 @@ TEST_F(Unattended, ABackupThatFailsIsToldAndTheSessionEndsWithoutAnUpload) {
     auto& main = Arm(Start(), "Evening");
     std::filesystem::remove_all(Global.BackupPath);
     WriteWholeFile(Global.BackupPath.substr(0, Global.BackupPath.size() - 1), "in the way");
-    Operator_.Expect(Lines(msg::FileError, msg::CannotBackUp)).With(Icon::Stop);
+    Operator_.Expect(::Lines(msg::FileError, msg::CannotBackUp)).With(Icon::Stop);
 
     handhelds_.HotSync("Anna");
 

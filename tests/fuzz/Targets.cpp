@@ -19,6 +19,7 @@
 #include "fuzz/MemoryDisk.h"
 #include "fuzz/PalmTargets.h"
 #include "hotsync/HotSyncUsers.h"
+#include "hotsync/ListeningAddress.h"
 #include "hotsync/ManagerSettings.h"
 #include "quality/CheckResults.h"
 #include "quality/ReportCsv.h"

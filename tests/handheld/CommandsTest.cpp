@@ -1,6 +1,7 @@
 #include "handheld/HandheldTest.h"
 
 #include "handheld/CommandTable.h"
+#include "support/FaultyDisk.h"
 
 #include <sstream>
 
@@ -236,6 +237,45 @@ TEST_F(CommandsTest, ADamagedTableKeepsNoHandheldFromAHotSync) {
     EXPECT_EQ(err.str(),
               "handheld: the totals are not written: ZUKLINK, record 1: LK_LSTONUM is no number of up to 8 "
               "digits: \"12A\"\n");
+}
+
+TEST_F(CommandsTest, AFullDiskKeepsNoHandheldFromBringingItsOrdersHome) {
+    GivenHandheld();
+    GivenTable("ZUKAUDHH", {});
+    FaultyDisk disk(1);
+    std::ostringstream out, err;
+    bool isPressed = false;
+    const auto press = [&](Handheld&, const HotSyncJob&, std::ostream&) {
+        isPressed = true;
+        return Outcome::Done;
+    };
+    Global.TheDisk = &disk;
+
+    EXPECT_EQ(RunCommand({Place(), "hotsync", "desk"}, {out, err, {}, press}), Outcome::Done);
+
+    Global.TheDisk = &NativeDisk();
+    EXPECT_TRUE(isPressed);
+    EXPECT_EQ(err.str().substr(0, 39), "handheld: the totals are not written: D") << err.str();
+}
+
+TEST_F(CommandsTest, AnAddressWithColonsStandsInBrackets) {
+    GivenHandheld();
+    std::ostringstream out, err;
+    std::string asked;
+    const auto press = [&](Handheld&, const HotSyncJob& job, std::ostream&) {
+        asked = job.Host + " " + std::to_string(job.Port);
+        return Outcome::Done;
+    };
+    const auto hotsync = [&](const std::string& where) {
+        return RunCommand({Place(), "hotsync", where}, {out, err, {}, press});
+    };
+
+    EXPECT_EQ(hotsync("[::1]"), Outcome::Done);
+    EXPECT_EQ(asked, "::1 14238");
+    EXPECT_EQ(hotsync("[fe80::2]:5000"), Outcome::Done);
+    EXPECT_EQ(asked, "fe80::2 5000");
+    for (const char* where : {"::1", "[::1", "[]", "[::1]5000", "[::1]:"})
+        EXPECT_EQ(hotsync(where), Outcome::Misused) << where;
 }
 
 TEST_F(CommandsTest, HotSyncIsPressedAsItIsAskedFor) {

@@ -1,6 +1,7 @@
 #include "handheld/HandheldTest.h"
 
 #include "handheld/DlpServer.h"
+#include "support/Fails.h"
 #include "support/RefusingDisk.h"
 
 #include <gtest/gtest.h>
@@ -23,9 +24,11 @@ protected:
         return response;
     }
     DlpError ErrorOf(const DlpRequest& request) {
-        const DlpResponse response = Ask(request);
-        EXPECT_TRUE(response.Error == DlpError::None || response.Arguments.empty());
-        return response.Error;
+        const std::string answer = server_->Answer(PackRequest(request));
+        const DlpError error = ReadResponse(answer).Error;
+        constexpr std::size_t NoArguments = 4; // bytes: function, their number, the error
+        EXPECT_TRUE(error == DlpError::None || (answer.size() == NoArguments && answer[1] == '\0'));
+        return error;
     }
     DlpResponse Well(const DlpRequest& request) {
         const DlpResponse response = Ask(request);
@@ -121,6 +124,21 @@ TEST_F(DlpServerTest, ADateThatIsNoneIsRefusedInTheUser) {
     EXPECT_EQ(ErrorOf(PackUserChange(change)), DlpError::Parameter);
 
     EXPECT_EQ(Its().Settings.User.Name, "Anna Petrow");
+}
+
+TEST_F(DlpServerTest, ADateOfAYearThatNoHandheldKnowsIsRefusedInTheUser) {
+    GivenHandheld();
+    Session();
+    UserChange change;
+    change.Flags = UserChange::SetSyncDate;
+    change.SyncDate = {1900, 1, 1, 0, 0, 0};
+
+    EXPECT_EQ(ErrorOf(PackUserChange(change)), DlpError::Parameter);
+
+    change.Flags = UserChange::SetSyncDate | UserChange::SetLastSyncPC;
+    change.SyncDate = {1904, 1, 1, 0, 0, 0};
+    Well(PackUserChange(change));
+    EXPECT_EQ(Again().Settings.User.LastSync, change.SyncDate);
 }
 
 TEST_F(DlpServerTest, TheClockIsToldAndSet) {
@@ -888,6 +906,30 @@ TEST_F(DlpServerTest, WhatWasWrittenStaysWhenTheLineGoes) {
     EXPECT_EQ(Again().Store.Load("MemoDB").Records[1].Data, "changed");
     EXPECT_EQ(Its().Settings.LastEnd, "the line was lost");
     EXPECT_EQ(Its().Settings.User.LastGoodSync, DlpDate{});
+}
+
+TEST_F(DlpServerTest, WhatWasWrittenStaysAlsoWhenTheEndCannotBeWrittenDown) {
+    GivenHandheld();
+    GivenMemo();
+    Session();
+    Write(Open("MemoDB"), {0, 0, 101, "changed"});
+    RefusingDisk disk(Place() + "Handheld.txt", Access::Create);
+    Global.TheDisk = &disk;
+
+    EXPECT_EQ(FailureNumber([&] { server_->EndWithout("the line was lost"); }), 70);
+
+    Global.TheDisk = &NativeDisk();
+    EXPECT_EQ(Again().Store.Load("MemoDB").Records[1].Data, "changed");
+}
+
+TEST_F(DlpServerTest, AnEndInManyWordsIsCutAndLeavesAHandheldThatCanBeRead) {
+    GivenHandheld();
+    Session();
+
+    server_->EndWithout("no connection to " + std::string(500, 'x') + ": ...");
+
+    EXPECT_EQ(Again().Settings.LastEnd.substr(0, 20), "no connection to xxx");
+    EXPECT_EQ(Its().Settings.LastEnd.size(), HandheldSettings::LongestEnd);
 }
 
 TEST_F(DlpServerTest, TheEndClosesWhatIsOpen) {

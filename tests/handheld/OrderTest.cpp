@@ -3,9 +3,12 @@
 #include "handheld/OrderBook.h"
 #include "handheld/Signature.h"
 #include "handheld/Totals.h"
+#include "support/FaultyDisk.h"
 
 #include <algorithm>
 #include <map>
+#include <set>
+#include <sstream>
 
 namespace {
 
@@ -221,6 +224,69 @@ TEST_F(LonelyOrderTest, AnOrderThatStandsThereIsNotGivenItsNumberAgain) {
     EXPECT_EQ(Run({"order", "--customer", "C1", "--line", "N1:1"}).Out, "M1000002\n");
 }
 
+/// The handheld's Links table may be gone for a while: a HotSync broke off before the new one had its name.
+TEST_F(LonelyOrderTest, WithoutItsLinksTheHandheldCountsOnFromWhereTheyWere) {
+    GivenTable("ZUKLINK", {{{"LK_HOTSYNC", "Anna Petrow"}, {"LK_MACH_ID", "M1"}, {"LK_LSTONUM", "000123"}}});
+    EXPECT_EQ(Run({"order", "--customer", "C1", "--line", "N1:1"}).Out, "M1000124\n");
+    for (const char* table : {"ZUKLINK", "ZUKORHDR", "ZUKORLIN"})
+        Again().Store.Remove("TZUK20000_" + std::string(table));
+
+    EXPECT_EQ(Run({"order", "--customer", "C1", "--line", "N1:1"}).Out, "M1000125\n");
+}
+
+TEST_F(LonelyOrderTest, LinksThatAHotSyncTakesAwayAreCountedOnThoughNoOrderWasTaken) {
+    GivenTable("ZUKLINK", {{{"LK_HOTSYNC", "Anna Petrow"}, {"LK_MACH_ID", "M1"}, {"LK_LSTONUM", "000123"}}});
+    const auto takeLinksAway = [](Handheld& handheld, const HotSyncJob&, std::ostream&) {
+        handheld.Store.Remove("TZUK20000_ZUKLINK");
+        return Outcome::Cut;
+    };
+    std::ostringstream out, err;
+    RunCommand({Place(), "hotsync", "desk"}, {out, err, {}, takeLinksAway});
+
+    EXPECT_EQ(Run({"order", "--customer", "C1", "--line", "N1:1"}).Out, "M1000124\n");
+}
+
+TEST_F(LonelyOrderTest, LinksThatCountLessLeaveTheHandheldsOwnCountAlone) {
+    for (int k = 0; k < 3; ++k) Run({"order", "--customer", "C1", "--line", "N1:1"});
+    GivenTable("ZUKLINK", {{{"LK_HOTSYNC", "Anna Petrow"}, {"LK_MACH_ID", "A7"}, {"LK_LSTONUM", "1"}}});
+    EXPECT_EQ(Run({"order", "--customer", "C1", "--line", "N1:1"}).Out, "A72\n");
+    Again().Store.Remove("TZUK20000_ZUKLINK");
+
+    EXPECT_EQ(Run({"order", "--customer", "C1", "--line", "N1:1"}).Out, "M1000004\n");
+}
+
+TEST_F(LonelyOrderTest, WhereverAnOrderIsCutOffItsNumberIsNotGivenAgain) {
+    std::set<std::string> given;
+    const auto take = [&] { return Run({"order", "--customer", "C1", "--line", "N1:1"}); };
+    const auto standing = [&] {
+        std::vector<std::string> codes;
+        if (!Again().Store.Has("TZUK20000_ZUKORHDR")) return codes;
+        const HandheldTable headers(Its().Store, "ZUKORHDR");
+        for (std::size_t row = 0; row < headers.Count(); ++row)
+            codes.emplace_back(headers.Get(row, "H_ORDCODE"));
+        return codes;
+    };
+    int cuts = 0;
+    for (bool whole = false; !whole; ++cuts) {
+        FaultyDisk disk(cuts + 1); // nothing works from there on, as if the process had ended
+        Global.TheDisk = &disk;
+        whole = take().How == Outcome::Done;
+        Global.TheDisk = &NativeDisk();
+        // The orders go to the office, and the office clears them.
+        for (const std::string& code : standing()) EXPECT_TRUE(given.insert(code).second) << code;
+        for (const char* table : {"ZUKORHDR", "ZUKORLIN"})
+            Its().Store.Remove("TZUK20000_" + std::string(table));
+
+        const std::string next = take().Out.substr(0, 8);
+
+        EXPECT_TRUE(given.insert(next).second) << next << " is given again, cut at call " << cuts + 1;
+        Again();
+        for (const char* table : {"ZUKORHDR", "ZUKORLIN"})
+            Its().Store.Remove("TZUK20000_" + std::string(table));
+    }
+    EXPECT_GT(cuts, 10);
+}
+
 TEST_F(LonelyOrderTest, InAnUnsortedTableACustomerIsFoundByItsCodeAndNotByItsKey) {
     EXPECT_EQ(Run({"order", "--customer", "c3", "--line", "N1:1"}).How, Outcome::Done);
     EXPECT_EQ(
@@ -276,6 +342,8 @@ TEST_F(OrderTest, ACommandThatIsWrittenWronglyIsToldHow) {
         {{"--line", "N1"}, "--line: \"N1\" has no colon"},
         {{"--line", "N1:many"}, "--line: \"many\" is no number"},
         {{"--line", "N1:1", "--at", "someday"}, "--at: \"someday\" is no date"},
+        {{"--line", "N1:1", "--discount", "92233720368547750"},
+         "--discount: \"92233720368547750\" is too great"},
         {{"--line", "N1:1", "--charge", "Freight"}, "--charge: \"Freight\" has no colon"},
         {{"--line", "N1:1", "--po"}, "--po lacks its value"},
         {{"--line", "N1:1", "--colour", "red"}, "the command has no option --colour"},
@@ -360,6 +428,29 @@ TEST_F(OrderTest, ADeletedOrderGoesWithItsLinesAndLeavesAudits) {
                                           {"A_MACH_ID", "A7"}}));
     EXPECT_EQ(Run({"delete", "A7000100"}).Err, "handheld: there is no order A7000100\n");
     EXPECT_EQ(Count("ZUKAUDTH"), 1U);
+}
+
+TEST_F(OrderTest, WhereverADeletionIsCutOffNoHeaderStandsWithoutItsLines) {
+    int cuts = 0;
+    for (bool whole = false; !whole; ++cuts) {
+        ASSERT_EQ(Order({"--line", "N1:1", "--line", "B1:1"}).How, Outcome::Done);
+        const std::string code = Cell("ZUKORHDR", 0, "H_ORDCODE");
+        FaultyDisk disk(cuts + 1); // nothing works from there on, as if the process had ended
+        Global.TheDisk = &disk;
+        whole = Run({"delete", code}).How == Outcome::Done;
+        Global.TheDisk = &NativeDisk();
+
+        if (Count("ZUKORHDR") != 0) {
+            EXPECT_EQ(Count("ZUKORLIN"), 2U) << "cut at call " << cuts + 1;
+        } else {
+            EXPECT_NE(Count("ZUKAUDTH"), 0U) << "cut at call " << cuts + 1;
+        }
+
+        Its().Store.Remove("TZUK20000_ZUKORHDR");
+        Its().Store.Remove("TZUK20000_ZUKORLIN");
+        Its().Store.Remove("TZUK20000_ZUKAUDTH");
+    }
+    EXPECT_GT(cuts, 12);
 }
 
 TEST_F(OrderTest, TheTotalsAreOneRecordAndTellTheLastEvent) {

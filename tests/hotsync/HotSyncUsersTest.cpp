@@ -15,29 +15,25 @@ using NameFault = HotSyncUsers::NameFault;
 constexpr DateTime Noon{2026, 11, 21, 12, 0, 0};
 
 /// A disk where folders cannot be renamed.
-class StiffDisk final : public PassingDisk {
+class StiffDisk : public PassingDisk {
 public:
     void Rename(const std::string& from, const std::string& to) override {
+        tried_ = tried_ || IsFolder(from);
         if (IsFolder(from)) throw RunTimeFailure(75, to);
         PassingDisk::Rename(from, to);
     }
+
+protected:
+    bool tried_ = false;
 };
 
-/// A disk where folders cannot be renamed, and where nothing can be written from then on.
-class BreakingDisk final : public PassingDisk {
+/// One where nothing can be written any more once that was tried.
+class BreakingDisk final : public StiffDisk {
 public:
     std::unique_ptr<DiskFile> Open(const std::string& path, Access access) override {
-        if (broken_ && access != Access::Read) throw RunTimeFailure(57, path);
+        if (tried_ && access != Access::Read) throw RunTimeFailure(57, path);
         return PassingDisk::Open(path, access);
     }
-    void Rename(const std::string& from, const std::string& to) override {
-        broken_ = IsFolder(from);
-        if (broken_) throw RunTimeFailure(57, to);
-        PassingDisk::Rename(from, to);
-    }
-
-private:
-    bool broken_ = false;
 };
 
 class HotSyncUsersTest : public EngineTest {
@@ -56,6 +52,16 @@ protected:
         Strings names;
         for (const HotSyncUser& user : users.All()) names.push_back(user.Name);
         return names;
+    }
+
+    /// A user ANNA who is called CLARA by now, and whose folder could not be renamed.
+    void GivenAFolderThatStayedBehind() {
+        GivenUsers({"ANNA"});
+        GivenFile("HotSync/ANNA/Install/a.pdb", "x");
+        BreakingDisk disk;
+        Global.TheDisk = &disk;
+        EXPECT_NE(FailureNumber([&] { users_.Rename(IdOf("ANNA"), "CLARA"); }), 0);
+        Global.TheDisk = &NativeDisk();
     }
 
     /// What another start of the manager finds.
@@ -439,12 +445,7 @@ TEST_F(HotSyncUsersTest, AUserWhoseFolderCannotBeRenamedKeepsItsName) {
 }
 
 TEST_F(HotSyncUsersTest, AFolderThatStayedBehindFollowsAtTheNextStart) {
-    GivenUsers({"ANNA"});
-    GivenFile("HotSync/ANNA/Install/a.pdb", "x");
-    BreakingDisk disk;
-    Global.TheDisk = &disk;
-    EXPECT_EQ(FailureOf([&] { users_.Rename(IdOf("ANNA"), "CLARA"); }).Number, 57);
-    Global.TheDisk = &NativeDisk();
+    GivenAFolderThatStayedBehind();
     EXPECT_EQ(Names(users_), (Strings{"CLARA"}));
     EXPECT_TRUE(Exists(Path("ANNA")));
 
@@ -456,12 +457,7 @@ TEST_F(HotSyncUsersTest, AFolderThatStayedBehindFollowsAtTheNextStart) {
 }
 
 TEST_F(HotSyncUsersTest, AFolderThatStayedBehindFollowsBeforeItsNameIsUsedAgain) {
-    GivenUsers({"ANNA"});
-    GivenFile("HotSync/ANNA/Install/a.pdb", "x");
-    BreakingDisk disk;
-    Global.TheDisk = &disk;
-    EXPECT_EQ(FailureOf([&] { users_.Rename(IdOf("ANNA"), "CLARA"); }).Number, 57);
-    Global.TheDisk = &NativeDisk();
+    GivenAFolderThatStayedBehind();
 
     users_.New("ANNA");
 

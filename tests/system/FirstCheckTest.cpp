@@ -12,6 +12,10 @@ const QString Config = "frmConfig", Report = "frmConfigMsg", Options = "frmOptio
 const QString Convert = "frmConvert", Mapping = "frmImport1", Export = "frmExport1";
 const QString Grid = "frmViewGrid", Question = "frmMessage";
 const QString ImportButton = "frmQBImport", ExportButton = "frmQBExport";
+const QString RemoteButton = "frmQBRemote", Remote = "frmRemoteSync";
+const QString DownloadButton = "frmQBDownload", UploadButton = "frmQBUpload";
+const QString DownloadTables = "frmTableSelectDL", ClearTables = "frmTableSelectCL";
+const QString UploadTables = "frmUploadSelect";
 
 const QString NoProblems = "No problems found!";
 const QString NoFatalProblems = "No fatal problems found in data tables!";
@@ -22,13 +26,14 @@ const QString Fatal = "#ff0000";
 class Presses {
 public:
     void See(DriverClient& program, const QString& form) {
-        static const QStringList whole{Config, Report, Options, Links};
+        static const QStringList whole{Config, Report, Options, Links, RemoteButton, Remote};
         static const QStringList kinds{"QPushButton", "QToolButton", "QRadioButton", "QCheckBox"};
-        const bool onlySetup = form == ImportButton || form == ExportButton;
+        static const QStringList buttons{ImportButton, ExportButton, DownloadButton, UploadButton};
+        const bool onlySetup = buttons.contains(form);
         if (!onlySetup && !whole.contains(form)) return;
         for (const DrivenControl& control : program.Controls(form)) {
             if (!control.Enabled || !control.Visible) continue;
-            if (onlySetup && control.Name != "cmdSetup") continue;
+            if (onlySetup && !control.Name.startsWith("cmdSetup")) continue;
             if (kinds.contains(control.Class)) seen_ << form + "." + control.Name;
             if (control.Class != "QTabWidget") continue;
             for (const QString& tab : program.Items(form, control.Name)) seen_ << form + "." + tab;
@@ -149,6 +154,11 @@ protected:
         program_->WaitForm(Mapping);
     }
 
+    void Leave(const QString& form) {
+        program_->Click(form, "cmdCancel");
+        program_->WaitGone(form);
+    }
+
     void Import(const QString& result) {
         program_->Expect(result + " lines successfully imported!");
         program_->Click(Mapping, "cmdOK");
@@ -207,6 +217,9 @@ protected:
     void RepairAnExportTemplateWithoutAFile();
     void FillOneEmptyActivityAndDeleteTheOther();
     void SetUpActivitiesFromTheQuickButtons();
+    void RepairABlankDownloadAndDeleteABlankUpload();
+    void KeepSelectionsOfTablesInTheOptions();
+    void SetUpSelectionsFromTheQuickButtons();
     void RepairAnUnattendedSettingWithoutAnAction();
     void SetUpBackups();
     void AddTwoHandhelds();
@@ -214,6 +227,7 @@ protected:
     void CheckAllAndFindNothing();
     void FindTheResultsAfterARestart();
     void RunTheRepairedActivity();
+    void WaitForHandheldsUnattended();
 };
 
 void FirstCheck::ImportTheFirstFilesWithoutASearchField() {
@@ -455,6 +469,97 @@ void FirstCheck::SetUpActivitiesFromTheQuickButtons() {
     program_->WaitGone(ExportButton);
 }
 
+void FirstCheck::RepairABlankDownloadAndDeleteABlankUpload() {
+    OpenConfigurator();
+    PressAndWait(Config, "cmdDownload1", DownloadTables);
+    program_->Set(DownloadTables, "cboSettings", "Prices");
+    program_->Click(DownloadTables, "cmdSave");
+    Leave(DownloadTables);
+    CheckAndFind("cmdDownload2",
+                 {"Warn | PC: Basic Setup: Download | Blank Template | Template name: Prices.dst"});
+
+    View(0, "View Template", DownloadTables);
+    ExpectText(DownloadTables, "cboSettings", "Prices");
+    program_->Click(DownloadTables, "chkCust");
+    program_->Click(DownloadTables, "cmdOK");
+    program_->WaitGone(DownloadTables);
+
+    EXPECT_TRUE(HasChanged(0));
+    EXPECT_TRUE(Bytes(office_.Path("Templates/Download/Prices.dst")).startsWith("Customers=1\r\n"));
+    PressToClose(Report, "cmdOK");
+    CheckAndFindNothing("cmdDownload2");
+
+    PressAndWait(Config, "cmdUpload1", UploadTables);
+    program_->Set(UploadTables, "cboSettings", "Mistake");
+    program_->Click(UploadTables, "cmdSave");
+    Leave(UploadTables);
+    CheckAndFind("cmdUpload2",
+                 {"Warn | PC: Basic Setup: Upload | Blank Template | Template name: Mistake.ust"});
+    View(0, "View Template", UploadTables);
+    program_->Click(UploadTables, "cmdDelete");
+    Leave(UploadTables);
+
+    EXPECT_TRUE(HasChanged(0));
+    PressToClose(Report, "cmdOK");
+    CheckAndFindNothing("cmdUpload2");
+}
+
+void FirstCheck::KeepSelectionsOfTablesInTheOptions() {
+    PressAndWait(Config, "cmdUA1", Options);
+    PressAndWait(Options, "cmdSUUpload", UploadTables);
+    program_->Click(UploadTables, "cmdSelectAll");
+    program_->Set(UploadTables, "cboSettings", "Evening");
+    program_->Click(UploadTables, "cmdOK");
+    program_->WaitGone(UploadTables);
+    ExpectLines(program_->Items(Options, "cboULSettings"), {"", "Evening"});
+
+    PressAndWait(Options, "cmdSUClear", ClearTables);
+    program_->Click(ClearTables, "cmdSelectAll");
+    program_->Set(ClearTables, "cboSettings", "Orders");
+    program_->Click(ClearTables, "cmdOK");
+    program_->WaitGone(ClearTables);
+    ExpectLines(program_->Items(Options, "cboClearSettings"), {"", "Orders"});
+
+    PressAndWait(Options, "cmdSUDownload", DownloadTables);
+    program_->Choose(DownloadTables, "cboSettings", "Prices");
+    EXPECT_TRUE(program_->IsChecked(DownloadTables, "chkCust"));
+    program_->Click(DownloadTables, "cmdDelete");
+    Leave(DownloadTables);
+    ExpectLines(program_->Items(Options, "cboSettings"), {""});
+    PressToClose(Options, "cmdCancel");
+    PressToClose(Config, "cmdCancel");
+}
+
+void FirstCheck::SetUpSelectionsFromTheQuickButtons() {
+    program_->Click(Main, "lblUploadBtn");
+    program_->WaitForm(UploadButton);
+    ExpectLines(program_->Items(UploadButton, "cboDownload"), {"Evening"});
+    PressAndWait(UploadButton, "cmdSetup", Options);
+    EXPECT_TRUE(program_->HasFocus(Options, "cmdSUUpload"));
+    PressAndWait(Options, "cmdSUUpload", UploadTables);
+    program_->Choose(UploadTables, "cboSettings", "Evening");
+    program_->Click(UploadTables, "cmdDelete");
+    Leave(UploadTables);
+    PressToClose(Options, "cmdCancel");
+    ExpectLines(program_->Items(UploadButton, "cboDownload"), {});
+    Leave(UploadButton);
+
+    program_->Click(Main, "lblDownloadBtn");
+    program_->WaitForm(DownloadButton);
+    PressAndWait(DownloadButton, "cmdSetupDL", Options);
+    EXPECT_TRUE(program_->HasFocus(Options, "cmdSUDownload"));
+    PressToClose(Options, "cmdCancel");
+    ExpectLines(program_->Items(DownloadButton, "cboClear"), {"Orders"});
+    PressAndWait(DownloadButton, "cmdSetupCL", Options);
+    PressAndWait(Options, "cmdSUClear", ClearTables);
+    program_->Choose(ClearTables, "cboSettings", "Orders");
+    program_->Click(ClearTables, "cmdDelete");
+    Leave(ClearTables);
+    PressToClose(Options, "cmdCancel");
+    ExpectLines(program_->Items(DownloadButton, "cboClear"), {});
+    Leave(DownloadButton);
+}
+
 void FirstCheck::RepairAnUnattendedSettingWithoutAnAction() {
     OpenConfigurator();
     PressAndWait(Config, "cmdUA1", Options);
@@ -626,6 +731,43 @@ void FirstCheck::RunTheRepairedActivity() {
     EXPECT_EQ(program_->Quit(), 0);
 }
 
+void FirstCheck::WaitForHandheldsUnattended() {
+    program_->ExpectContaining("No activity templates are setup for Unattended Hotsync.");
+    program_->Click(Main, "lblUA");
+    BoxesCame();
+    EXPECT_FALSE(program_->IsShown(RemoteButton));
+    program_->Click(Main, "mnuPCSetup");
+    program_->WaitForm(Options);
+    TurnTo("Unattended Hotsync");
+    program_->Set(Options, "cboRemoteSettings", "Evening");
+    PressToClose(Options, "cmdOK");
+
+    program_->Click(Main, "lblUA");
+    program_->WaitForm(RemoteButton);
+    PressToClose(RemoteButton, "cmdCancel");
+    program_->Click(Main, "lblUA");
+    program_->WaitForm(RemoteButton);
+    ExpectText(RemoteButton, "cboUnattended", "Evening");
+    PressAndWait(RemoteButton, "cmdSetup", Options);
+    ExpectText(Options, "cboRemoteSettings", "Evening");
+    PressToClose(Options, "cmdOK");
+
+    program_->Expect("Perform Evening - Is that correct?", "Yes");
+    Press(RemoteButton, "cmdOK");
+    program_->WaitForm(Remote);
+    BoxesCame();
+    EXPECT_FALSE(program_->IsShown(RemoteButton));
+    ExpectText(Remote, "lblRemote", "Evening");
+    ExpectText(Remote, "lblULActive", "No");
+    Press(Remote, "chkOnTop");
+    EXPECT_TRUE(program_->IsChecked(Remote, "chkOnTop"));
+    PressToClose(Remote, "cmdCancel");
+
+    program_->Click(Main, "lblUA"); // and it can be started again
+    program_->WaitForm(RemoteButton);
+    PressToClose(RemoteButton, "cmdCancel");
+}
+
 TEST_F(FirstCheck, LeadsFromAnEmptyOfficeToACleanCheckOnTheScreensAlone) {
     OpenTheProgram();
 
@@ -637,6 +779,9 @@ TEST_F(FirstCheck, LeadsFromAnEmptyOfficeToACleanCheckOnTheScreensAlone) {
     RepairAnExportTemplateWithoutAFile();
     FillOneEmptyActivityAndDeleteTheOther();
     SetUpActivitiesFromTheQuickButtons();
+    RepairABlankDownloadAndDeleteABlankUpload();
+    KeepSelectionsOfTablesInTheOptions();
+    SetUpSelectionsFromTheQuickButtons();
     RepairAnUnattendedSettingWithoutAnAction();
     SetUpBackups();
     AddTwoHandhelds();
@@ -644,8 +789,10 @@ TEST_F(FirstCheck, LeadsFromAnEmptyOfficeToACleanCheckOnTheScreensAlone) {
     CheckAllAndFindNothing();
     FindTheResultsAfterARestart();
     RunTheRepairedActivity();
+    WaitForHandheldsUnattended();
 
-    for (const QString& form : {Config, Report, Options, Links, ImportButton, ExportButton})
+    for (const QString& form : {Config, Report, Options, Links, ImportButton, ExportButton, DownloadButton,
+                                UploadButton, RemoteButton, Remote})
         EXPECT_FALSE(presses_.Seen(form).isEmpty()) << form.toStdString() << " was never looked at";
     ExpectLines(presses_.Forgotten(), {});
 }

@@ -18,7 +18,7 @@
 
 namespace {
 
-constexpr std::size_t LinesShown = 200;
+constexpr int LinesShown = 200;
 
 ManagerDesk& Desk() {
     return *Global.TheManagerDesk;
@@ -68,6 +68,7 @@ frmHSManager::frmHSManager() {
 void frmHSManager::Form_Load() {
     TraceEvent("frmHSManager:Form_Load");
     setWindowIcon(Picture("Hotsync16-256"));
+    rtbLog->setMaximumBlockCount(LinesShown); // a manager runs for months
     rtbLog->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     FG1->SetEmptyText(msg::HSNoUsers);
     Desk().UsersChanged = [this] { ShowUsers(); };

@@ -103,7 +103,7 @@ void Listener::ServeNext() {
         std::unique_ptr<QTcpSocket> socket = std::move(waiting_.front());
         waiting_.pop_front();
         if (HasGone(*socket)) continue;
-        serve_(*socket);
+        serve_(*socket, CallerOf(*socket));
         LetGo(std::move(socket));
     }
     serving_ = false;

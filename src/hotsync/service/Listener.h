@@ -11,13 +11,15 @@
 #include <deque>
 #include <functional>
 #include <memory>
+#include <string>
 
 /// Where handhelds call: the port of Network HotSync, and the one on which they look this computer up.
 /// Callers are served one after the other; so many wait, and any further one is turned away.
 class Listener final : public QObject {
 public:
-    /// Holds one session; runs the event loop while it does. The socket is gone afterwards.
-    using Serve = std::function<void(QTcpSocket& socket)>;
+    /// Holds one session; runs the event loop while it does. The socket is gone afterwards. `caller` is
+    /// where the handheld calls from, for the log.
+    using Serve = std::function<void(QTcpSocket& socket, const std::string& caller)>;
 
     Listener(SessionLog& log, Serve serve);
     ~Listener() override;

@@ -30,7 +30,7 @@ Manager::Manager(std::string folder)
       log_(folder_),
       settings_(ReadManagerSettings(folder_)),
       desk_(users_, log_, Services()),
-      listener_(log_, [this](QTcpSocket& socket) { Serve(socket); }) {
+      listener_(log_, [this](QTcpSocket& socket, const std::string& caller) { Serve(socket, caller); }) {
     users_.Load();
     users_.Changed = [this] {
         desk_.SendUsers();
@@ -109,10 +109,8 @@ std::vector<std::string> Manager::Creators() {
     return creators;
 }
 
-void Manager::Serve(QTcpSocket& socket) {
+void Manager::Serve(QTcpSocket& socket, const std::string& caller) {
     TcpStream stream(socket);
-    const std::string caller =
-        socket.peerAddress().toString().toStdString() + " " + std::to_string(socket.peerPort());
     const ManagerSettings settings = settings_; // the session goes on under them
     Watcher watcher(*this);
     Session session(stream, {users_, log_, watcher, desk_, settings, Creators()}, caller,

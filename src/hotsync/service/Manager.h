@@ -45,7 +45,7 @@ private:
 
     OfficeDesk::Services Services();
     void Listen();
-    void Serve(QTcpSocket& socket);
+    void Serve(QTcpSocket& socket, const std::string& caller);
     std::vector<std::string> Creators();
     ManagerMessage Welcome() const;
     void EndIfIdle();

@@ -50,6 +50,8 @@ std::optional<ViewFlag> ViewOf(const ProblemRow& row) {
 /// says which of several templates it is.
 template <class F>
 void OpenModal(const Text& place) {
+    // One that stands open, as behind a download that the check has stopped, shows something else.
+    if (auto* open = IfLoaded<F>()) open->Unload();
     auto& form = The<F>();
     if (form.IsGone()) return;
     if (!place.IsEmpty()) form.setWindowTitle(QStringLiteral("%1 (%2)").arg(form.windowTitle(), ToQt(place)));

@@ -122,6 +122,7 @@ void TableSelectForm::Drive(const std::string& settings, bool& held) {
 }
 
 void TableSelectForm::Form_GotFocus() {
+    standing_ = true;
     if (drive_.empty() || busy_) return;
     cboSettings->setEditText(PathToQt(std::exchange(drive_, {})));
     if (!LoadSettings()) return;
@@ -288,8 +289,9 @@ void TableSelectForm::ShowHint(const QObject* control) {
 bool TableSelectForm::eventFilter(QObject* object, QEvent* event) {
     if (event->type() == QEvent::Enter) ShowHint(object);
     if (event->type() == QEvent::Leave) ShowHint(nullptr);
-    // Whoever comes by a key reads what the cursor would show.
-    if (event->type() == QEvent::FocusIn) {
+    // Whoever comes by a key reads what the cursor would show. A dialog that opens says the same of its first
+    // control, where nobody has pressed a key.
+    if (standing_ && event->type() == QEvent::FocusIn) {
         const Qt::FocusReason reason = static_cast<QFocusEvent*>(event)->reason();
         if (reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason ||
             reason == Qt::ShortcutFocusReason)

@@ -140,6 +140,7 @@ private:
     std::string repair_; ///< the file that the report of the Quality Check has sent the operator to
     bool keeps_ = false; ///< open to keep saved selections only
     bool fromConfigurator_ = false;
+    bool standing_ = false; ///< has been shown
     bool busy_ = false;
     bool driven_ = false;
     std::string drive_; ///< the selection that is to be performed

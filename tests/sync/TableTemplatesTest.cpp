@@ -1,0 +1,100 @@
+#include "sync/TableTemplates.h"
+
+#include "core/Messages.h"
+#include "support/EngineTest.h"
+#include "support/Fails.h"
+#include "support/FaultyDisk.h"
+#include "support/Rubbish.h"
+#include "sync/TableSelection.h"
+
+#include <tuple>
+
+namespace {
+
+class TableTemplatesTest : public EngineTest {
+protected:
+    std::string Template(const std::string& content) { return GivenFile("x.ust", content); }
+};
+
+TEST_F(TableTemplatesTest, EachKindHasItsLinesInItsOrder) {
+    const std::string path = Folder() + "x";
+    WriteTemplate(path, UploadChoice{true, false, true, false, true, false});
+    EXPECT_EQ(Bytes(path),
+              "Orders=1\r\nAudits=0\r\nHandheld Totals=1\r\nPrint Spooler=0\r\nCustomers=1\r\nItems=0\r\n");
+    WriteTemplate(path, DownloadChoice{false, true, false});
+    EXPECT_EQ(Bytes(path), "Customers=0\r\nItems=1\r\nSetup Tables=0\r\n");
+    WriteTemplate(path, ClearChoice{true, false, true});
+    EXPECT_EQ(Bytes(path), "Order Tables=1\r\nAudit Tables=0\r\nHandheld Totals=1\r\n");
+}
+
+TEST_F(TableTemplatesTest, WhatIsWrittenIsReadBack) {
+    const std::string path = Folder() + "x";
+    for (int bits = 0; bits < 64; ++bits) {
+        const auto bit = [bits](int place) { return (bits >> place & 1) != 0; };
+        const UploadChoice choice{bit(0), bit(1), bit(2), bit(3), bit(4), bit(5)};
+        WriteTemplate(path, choice);
+        UploadChoice read{!bit(0), !bit(1), !bit(2), !bit(3), !bit(4), !bit(5)};
+        ReadTemplate(path, read);
+        EXPECT_EQ(read, choice);
+    }
+}
+
+TEST_F(TableTemplatesTest, AMissingLineLeavesItsBoxAsItStood) {
+    UploadChoice choice{true, true, false, false, true, false};
+    ReadTemplate(Template("Audits=0\r\nItems=1\r\n"), choice);
+    EXPECT_EQ(choice, (UploadChoice{true, false, false, false, true, true}));
+}
+
+TEST_F(TableTemplatesTest, LinesOfAnotherKindAreSkipped) {
+    DownloadChoice choice;
+    ReadTemplate(Template("\r\n=1\r\nOrders=1\r\nCustomers and more=1\r\nItems1\r\nSetup Tables=1"), choice);
+    EXPECT_EQ(choice, (DownloadChoice{.Setup = true}));
+}
+
+TEST_F(TableTemplatesTest, ALineGoesByItsNameWithoutRegardToCaseAndByItsLastCharacter) {
+    const std::tuple<const char*, std::optional<bool>> lines[] = {
+        {"Orders=1", true},          {"ORDERS=1", true},         {"Orders =1  ", true},
+        {"Orders=0", false},         {"Orders=2", false},        {"Orders=", false},
+        {"Orders=x1", true},         {"Orders=1x", false},       {"Orders=\xB9", false},
+        {"Order=1", std::nullopt},   {"Orders", std::nullopt},   {"", std::nullopt},
+        {" Orders=1", std::nullopt}, {"Orders 1", std::nullopt}, {"=Orders=1", std::nullopt}};
+    for (const auto& [line, on] : lines) EXPECT_EQ(TurnsOn(line, msg::UploadOrders), on) << line;
+}
+
+TEST_F(TableTemplatesTest, NamesAreThoseOfTheCatalogueInForce) {
+    Global.Replacements[msg::UploadOrders.Number] = {"Auftr\xC3\xA4ge", 0};
+    WriteTemplate(Folder() + "x", UploadChoice{.Orders = true});
+    EXPECT_EQ(Lines(Folder() + "x")[0], "Auftr\xE4ge=1");
+    UploadChoice choice;
+    ReadTemplate(Template("Orders=1\r\n"), choice);
+    EXPECT_FALSE(choice.Orders);
+    ReadTemplate(Folder() + "x", choice);
+    EXPECT_TRUE(choice.Orders);
+}
+
+TEST_F(TableTemplatesTest, ATemplateThatIsNotThereChangesNoBox) {
+    ClearChoice choice{true, true, false};
+    EXPECT_EQ(FailureOf([&] { ReadTemplate(Folder() + "none.dct", choice); }).Number, 53);
+    EXPECT_EQ(choice, (ClearChoice{true, true, false}));
+}
+
+TEST_F(TableTemplatesTest, AFailedWriteLeavesTheOldTemplate) {
+    const std::string path = Template("Orders=1\r\n");
+    for (int call = 1; call <= 3; ++call) {
+        FaultyDisk disk(call);
+        Global.TheDisk = &disk;
+        EXPECT_NE(FailureNumber([&] { WriteTemplate(path, UploadChoice{}); }), 0) << call;
+        Global.TheDisk = &NativeDisk();
+    }
+    EXPECT_EQ(Bytes(path), "Orders=1\r\n");
+}
+
+TEST_F(TableTemplatesTest, RubbishDoesNoHarm) {
+    for (const std::string& content : Rubbish("Orders=1\r\nAudits=1\r\n")) {
+        UploadChoice choice;
+        const std::string path = Template(content);
+        OnlyRunTimeFailures([&] { ReadTemplate(path, choice); });
+    }
+}
+
+} // namespace
