@@ -28,6 +28,8 @@ public:
     /// In place of the answer to the request of this number, from 0, when not empty.
     int LieAt = -1;
     std::string Lie;
+    /// Called with the number of packets that have passed, behind each.
+    std::function<void(int packets)> Passed = [](int) {};
     /// Called with each request that arrives.
     std::function<void(const DlpRequest&)> Heard;
 
@@ -37,8 +39,7 @@ public:
         if (Packets >= CutAfter) Cut();
         reader_.Feed(bytes);
         while (const auto packet = reader_.Next()) {
-            ++Packets;
-            if (Packets > CutAfter) Cut();
+            Pass();
             if (const auto answer = HandheldAnswer(*packet, 0x7F000001, 1)) {
                 Put(PackPacket(*answer));
                 continue;
@@ -55,11 +56,15 @@ public:
         if (waiting_.empty()) Cut();
         std::string bytes = std::move(waiting_.front());
         waiting_.pop_front();
-        if (++Packets > CutAfter) Cut();
+        Pass();
         return bytes;
     }
 
 private:
+    void Pass() {
+        if (++Packets > CutAfter) Cut();
+        Passed(Packets);
+    }
     void Put(std::string bytes) { waiting_.push_back(std::move(bytes)); }
     [[noreturn]] static void Cut() { throw LineFailure(LineFailure::Why::Lost, "the handheld went away"); }
 
