@@ -38,7 +38,8 @@ public:
     /// the program that merges it with what the office had, it would only take that away.
     using Awaited = std::function<bool()>;
 
-    TableTransfer(HandheldLine& line, const Limits& limits, Step step, Awaited awaited);
+    TableTransfer(
+        HandheldLine& line, const Limits& limits, Step step, Awaited awaited = [] { return true; });
 
     struct Result {
         std::int32_t Records = 0;
