@@ -5,8 +5,9 @@
 // lays out a fresh office, imports customers and items by a QuickButton activity, checks them, exports
 // the prepared orders by another activity, and compares the export with the one that was made by other
 // programs. Then it does the same in a second office on the mapping screens, by the keyboard alone, and
-// compares. Ends in 0 only if all held.
+// compares. In a third office two handhelds go through the whole loop. Ends in 0 only if all held.
 
+#include "LoopOfDay.h"
 #include "MappingByKeys.h"
 #include "OfficeForDay.h"
 #include "driver/DriverClient.h"
@@ -177,6 +178,10 @@ void RunDay(const QString& build, const QString& samples) {
         Require(Bytes(office.Path(name)) == Bytes(second.Path(name)), name + QStringLiteral(" differs"));
     }
     Say(QStringLiteral("Tables and export are the same, byte for byte."));
+
+    const QString loop = where + QStringLiteral("/loop");
+    Say(QStringLiteral("The whole loop with two handhelds, in ") + loop);
+    RunLoopOfDay(build, loop, samples, Say);
 }
 
 } // namespace

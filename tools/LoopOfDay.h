@@ -1,0 +1,12 @@
+#pragma once
+
+#include <QString>
+
+#include <functional>
+
+/// The whole loop of a day with two handhelds over the real programs, in a fresh office at `office`: import,
+/// check, download, orders, upload, merge, export with the tables emptied behind it, clearing. Says each step
+/// and the totals on both sides. Fails with an exception at the first thing that does not hold.
+/// `build` is a build's folder; `samples` has customers.csv and items.txt.
+void RunLoopOfDay(const QString& build, const QString& office, const QString& samples,
+                  const std::function<void(const QString& line)>& say);
