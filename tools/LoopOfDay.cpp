@@ -14,6 +14,9 @@
 #include <QTimer>
 
 #include <map>
+#include <memory>
+#include <optional>
+#include <random>
 #include <stdexcept>
 
 namespace {
@@ -93,15 +96,10 @@ public:
     }
     ~Loop() { StopManager(); }
 
-    void Hold() {
-        DrivenProgram start;
-        start.Program = office_.Program();
-        start.Folder = office_.Path(QString());
-        start.Environment = Around();
-        DriverClient program(start);
-        program_ = &program;
-        program.Start();
-        program.WaitForm(Main);
+    /// Without a seed nothing is broken.
+    void Hold(std::optional<unsigned> seed) {
+        StartProgram();
+        CheckOrdersAtExport();
         Require(Until([&] { return !Address().isEmpty(); }), QStringLiteral("the HotSync Manager does not start"));
 
         say_(QStringLiteral("Import, by the activity DemoImport"));
@@ -128,19 +126,28 @@ public:
 
         say_(QStringLiteral("Upload from both, and merge"));
         Arm(QStringLiteral("Evening"), false);
+        if (seed) BreakThree(*seed);
         for (const QString& user : Users()) {
             HotSync(user);
             SayReceipt(user);
         }
         Disarm();
-        const Orders arrived = OnPC();
+        Orders arrived = OnPC();
         say_(QStringLiteral("    the handhelds: %1").arg(Totals(taken)));
         say_(QStringLiteral("    the PC:        %1").arg(Totals(arrived)));
+        QList<QPair<QString, QString>> questions{{QStringLiteral("Delete Exported Tables on PC?"), QStringLiteral("Yes")}};
+        // What came before a break comes again: the order check takes it away once.
+        for (auto& [code, order] : arrived) {
+            if (order.Headers < 2 && order.Lines <= taken[code].Lines) continue;
+            Require(seed.has_value(), code + QStringLiteral(" is there twice"));
+            say_(QStringLiteral("    %1 came %2 times").arg(code).arg(order.Headers));
+            if (questions.size() == 1) questions.prepend({QStringLiteral("Duplicate orders are in the order table."), QStringLiteral("Yes")});
+            order = taken[code];
+        }
         Require(arrived == taken, QStringLiteral("the PC does not hold what the handhelds took"));
 
         say_(QStringLiteral("Export, with the order check, and the tables emptied behind it"));
-        Activity(QStringLiteral("lblExportBtn"), QStringLiteral("frmQBExport"), QStringLiteral("DemoExport"),
-                 {{QStringLiteral("Delete Exported Tables on PC?"), QStringLiteral("Yes")}});
+        Activity(QStringLiteral("lblExportBtn"), QStringLiteral("frmQBExport"), QStringLiteral("DemoExport"), questions);
         const Orders exported = InExport();
         say_(QStringLiteral("    the export:    %1").arg(Totals(exported)));
         say_(QStringLiteral("    the PC:        %1").arg(Totals(OnPC())));
@@ -155,11 +162,63 @@ public:
             Require(OnHandheld(user).empty(), user + QStringLiteral(" still has orders"));
         }
         Disarm();
-        program_ = nullptr;
-        Require(program.Quit() == 0, QStringLiteral("the program ended with a failure"));
+        Require(program_->Quit() == 0, QStringLiteral("the program ended with a failure"));
     }
 
 private:
+    void StartProgram(const QString& box = {}) {
+        DrivenProgram start;
+        start.Program = office_.Program();
+        start.Folder = office_.Path(QString());
+        start.Environment = Around();
+        program_ = std::make_unique<DriverClient>(start);
+        if (!box.isEmpty()) program_->ExpectContaining(box);
+        program_->Start();
+        program_->WaitForm(Main);
+    }
+
+    /// Three sessions end at places that go by the seed: the line is cut, the handheld is killed, and the
+    /// program is.
+    void BreakThree(unsigned seed) {
+        std::mt19937 random(seed);
+        say_(QStringLiteral("Three sessions break, by the seed %1").arg(seed));
+        const auto cut = 12 + random() % 60;
+        // Behind the Links table and both order tables, and behind the first that is replaced: the PC has
+        // orders by then, and the start has something to put back.
+        const int handheldDies = 3 + static_cast<int>(random() % 3), programDies = 2 + static_cast<int>(random() % 4);
+
+        say_(QStringLiteral("    ANNA: the line is cut behind packet %1").arg(cut));
+        const auto ended = LogCount("session ended");
+        Run(build_ + QStringLiteral("/bin/handheld"),
+            {HandheldFolder(QStringLiteral("ANNA")), QStringLiteral("hotsync"), Address(), QStringLiteral("--cut-after"), QString::number(cut)});
+        Require(Until([&] { return LogCount("session ended") > ended; }), QStringLiteral("a session that was cut does not end"));
+
+        say_(QStringLiteral("    BERT: the handheld is killed behind transfer %1").arg(handheldDies));
+        PressAndAt(QStringLiteral("BERT"), handheldDies, [](QProcess& handheld) { handheld.kill(); });
+
+        say_(QStringLiteral("    ANNA: the program is killed behind transfer %1, and started again").arg(programDies));
+        PressAndAt(QStringLiteral("ANNA"), programDies, [this](QProcess&) { program_->Kill(); });
+        StartProgram(QStringLiteral("What the PC held before it has now been put back"));
+        for (const auto& [code, order] : OnPC()) Require(order.Headers > 0, code + QStringLiteral(" has lines and no header"));
+        Arm(QStringLiteral("Evening"), false);
+    }
+
+    qsizetype LogCount(const char* words) const {
+        return TextOf(office_.Path(QStringLiteral("HotSync/HotSync.log"))).count(QLatin1String(words));
+    }
+
+    /// The handheld presses HotSync on a slow line, and behind so many transfers something happens.
+    void PressAndAt(const QString& user, int transfers, const std::function<void(QProcess& handheld)>& deed) {
+        const auto ended = LogCount("session ended"), moved = LogCount(" from the handheld: ");
+        QProcess handheld;
+        handheld.start(build_ + QStringLiteral("/bin/handheld"),
+                       {HandheldFolder(user), QStringLiteral("hotsync"), Address(), QStringLiteral("--slow"), QStringLiteral("8000")});
+        Require(Until([&] { return LogCount(" from the handheld: ") >= moved + transfers; }), QStringLiteral("no session"));
+        deed(handheld);
+        Require(Until([&] { return LogCount("session ended") > ended && handheld.state() == QProcess::NotRunning; }),
+                QStringLiteral("a broken session does not end"));
+    }
+
     static QStringList Users() { return {QStringLiteral("ANNA"), QStringLiteral("BERT")}; }
 
     /// The day's text files, and a Links table with both handhelds in place of the prepared orders.
@@ -167,6 +226,7 @@ private:
         const QString folder = around_ + QStringLiteral("/samples");
         QDir().mkpath(folder);
         QDir().mkpath(around_ + QStringLiteral("/tmp"));
+        QFile::setPermissions(around_ + QStringLiteral("/tmp"), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
         for (const char* file : {"customers.csv", "items.txt"}) {
             const QString name = QLatin1String(file);
             Require(QFile::copy(samples + QLatin1Char('/') + name, folder + QLatin1Char('/') + name), name);
@@ -174,6 +234,16 @@ private:
         Put(folder + QStringLiteral("/ZUKLINK.tsv"),
             "LK_HOTSYNC\tLK_MACH_ID\tLK_LSTONUM\nANNA\tM1\t000100\nBERT\tM2\t000200\n");
         return folder;
+    }
+    void CheckOrdersAtExport() const {
+        const QString path = office_.Path(QStringLiteral("Templates/Export/DemoOrders.xor"));
+        QFile file(path);
+        Require(file.open(QIODevice::ReadOnly), path);
+        QByteArray content = file.readAll();
+        Require(content.contains("Quality Check0"), path);
+        content.replace("Quality Check0", "Quality Check1");
+        file.close();
+        Put(path, content);
     }
     void Template(const QString& name, const QByteArray& content) const {
         const QString path = office_.Path(QStringLiteral("Templates/") + name);
@@ -364,13 +434,13 @@ private:
     QString build_, around_;
     std::function<void(const QString&)> say_;
     OfficeForDay office_;
-    DriverClient* program_ = nullptr;
+    std::unique_ptr<DriverClient> program_;
     QString said_;
 };
 
 } // namespace
 
 void RunLoopOfDay(const QString& build, const QString& office, const QString& samples,
-                  const std::function<void(const QString& line)>& say) {
-    Loop(build, office, samples, say).Hold();
+                  std::optional<unsigned> seed, const std::function<void(const QString& line)>& say) {
+    Loop(build, office, samples, say).Hold(seed);
 }
