@@ -52,7 +52,9 @@ struct Order {
 };
 using Orders = std::map<QString, Order>;
 
-qint64 CentsOf(const QString& money) { return qRound64(money.toDouble() * 100); }
+qint64 CentsOf(const QString& money) {
+    return qRound64(money.toDouble() * 100);
+}
 
 QString Totals(const Orders& orders) {
     int headers = 0, lines = 0;
@@ -78,21 +80,26 @@ public:
           office_(build, office, Samples(samples)) {
         office_.WithManager();
         Require(Run(office_.Manager(), {QStringLiteral("--register")}), said_);
-        Require(Run(office_.Registration(), {QStringLiteral("-crtreg"), QStringLiteral("ZUK2"), QStringLiteral("-condpath"),
-                                             QStringLiteral("SFrmCn40.dll"), QStringLiteral("-name"), QStringLiteral("Tramble")}),
+        Require(Run(office_.Registration(),
+                    {QStringLiteral("-crtreg"), QStringLiteral("ZUK2"), QStringLiteral("-condpath"),
+                     QStringLiteral("SFrmCn40.dll"), QStringLiteral("-name"), QStringLiteral("Tramble")}),
                 said_);
         Put(office_.Path(QStringLiteral("HotSync/HotSync.ini")), "[HotSync]\r\nPort=0\r\nLookup=False\r\n");
-        Put(office_.Path(QStringLiteral("HotSync/Users.txt")), "7\tANNA\tnever\tcomplete\r\n8\tBERT\tnever\tcomplete\r\n");
+        Put(office_.Path(QStringLiteral("HotSync/Users.txt")),
+            "7\tANNA\tnever\tcomplete\r\n8\tBERT\tnever\tcomplete\r\n");
         Template(QStringLiteral("Download/Day.dst"), "Customers=1\r\nItems=1\r\nSetup Tables=1\r\n");
-        Template(QStringLiteral("Download/Day.dct"), "Order Tables=1\r\nAudit Tables=1\r\nHandheld Totals=1\r\n");
+        Template(QStringLiteral("Download/Day.dct"),
+                 "Order Tables=1\r\nAudit Tables=1\r\nHandheld Totals=1\r\n");
         Template(QStringLiteral("Upload/Day.ust"), "Orders=1\r\nAudits=1\r\nHandheld Totals=1\r\n");
         Unattended(QStringLiteral("Morning"), "True", "False", "False");
         Unattended(QStringLiteral("Evening"), "False", "True", "False");
         Unattended(QStringLiteral("Night"), "False", "False", "True");
-        Hand(QStringLiteral("ANNA"), {QStringLiteral("new"), QStringLiteral("--user"), QStringLiteral("ANNA"),
-                                      QStringLiteral("--id"), QStringLiteral("7"), QStringLiteral("--machine"), QStringLiteral("M1")});
-        Hand(QStringLiteral("BERT"), {QStringLiteral("new"), QStringLiteral("--user"), QStringLiteral("BERT"),
-                                      QStringLiteral("--id"), QStringLiteral("8"), QStringLiteral("--machine"), QStringLiteral("M2")});
+        Hand(QStringLiteral("ANNA"),
+             {QStringLiteral("new"), QStringLiteral("--user"), QStringLiteral("ANNA"), QStringLiteral("--id"),
+              QStringLiteral("7"), QStringLiteral("--machine"), QStringLiteral("M1")});
+        Hand(QStringLiteral("BERT"),
+             {QStringLiteral("new"), QStringLiteral("--user"), QStringLiteral("BERT"), QStringLiteral("--id"),
+              QStringLiteral("8"), QStringLiteral("--machine"), QStringLiteral("M2")});
     }
     ~Loop() { StopManager(); }
 
@@ -100,10 +107,12 @@ public:
     void Hold(std::optional<unsigned> seed) {
         StartProgram();
         CheckOrdersAtExport();
-        Require(Until([&] { return !Address().isEmpty(); }), QStringLiteral("the HotSync Manager does not start"));
+        Require(Until([&] { return !Address().isEmpty(); }),
+                QStringLiteral("the HotSync Manager does not start"));
 
         say_(QStringLiteral("Import, by the activity DemoImport"));
-        Activity(QStringLiteral("lblImportBtn"), QStringLiteral("frmQBImport"), QStringLiteral("DemoImport"), {});
+        Activity(QStringLiteral("lblImportBtn"), QStringLiteral("frmQBImport"), QStringLiteral("DemoImport"),
+                 {});
 
         say_(QStringLiteral("Download to both handhelds, behind the Quality Check"));
         Arm(QStringLiteral("Morning"), true);
@@ -111,8 +120,10 @@ public:
         Disarm();
 
         say_(QStringLiteral("Orders are taken on both; ANNA deletes one"));
-        Hand(QStringLiteral("ANNA"), {QStringLiteral("take"), QStringLiteral("4"), QStringLiteral("--seed"), QStringLiteral("1")});
-        Hand(QStringLiteral("BERT"), {QStringLiteral("take"), QStringLiteral("3"), QStringLiteral("--seed"), QStringLiteral("2")});
+        Hand(QStringLiteral("ANNA"),
+             {QStringLiteral("take"), QStringLiteral("4"), QStringLiteral("--seed"), QStringLiteral("1")});
+        Hand(QStringLiteral("BERT"),
+             {QStringLiteral("take"), QStringLiteral("3"), QStringLiteral("--seed"), QStringLiteral("2")});
         const QString deleted = OnHandheld(QStringLiteral("ANNA")).begin()->first;
         Hand(QStringLiteral("ANNA"), {QStringLiteral("delete"), deleted});
         say_(QStringLiteral("    deleted: ") + deleted);
@@ -122,7 +133,8 @@ public:
             say_(QStringLiteral("    %1: %2").arg(user, Totals(orders)));
             taken.insert(orders.begin(), orders.end());
         }
-        Require(taken.size() == 6 && !taken.contains(deleted), QStringLiteral("the handhelds do not hold six orders"));
+        Require(taken.size() == 6 && !taken.contains(deleted),
+                QStringLiteral("the handhelds do not hold six orders"));
 
         say_(QStringLiteral("Upload from both, and merge"));
         Arm(QStringLiteral("Evening"), false);
@@ -135,19 +147,23 @@ public:
         Orders arrived = OnPC();
         say_(QStringLiteral("    the handhelds: %1").arg(Totals(taken)));
         say_(QStringLiteral("    the PC:        %1").arg(Totals(arrived)));
-        QList<QPair<QString, QString>> questions{{QStringLiteral("Delete Exported Tables on PC?"), QStringLiteral("Yes")}};
+        QList<QPair<QString, QString>> questions{
+            {QStringLiteral("Delete Exported Tables on PC?"), QStringLiteral("Yes")}};
         // What came before a break comes again: the order check takes it away once.
         for (auto& [code, order] : arrived) {
             if (order.Headers < 2 && order.Lines <= taken[code].Lines) continue;
             Require(seed.has_value(), code + QStringLiteral(" is there twice"));
             say_(QStringLiteral("    %1 came %2 times").arg(code).arg(order.Headers));
-            if (questions.size() == 1) questions.prepend({QStringLiteral("Duplicate orders are in the order table."), QStringLiteral("Yes")});
+            if (questions.size() == 1)
+                questions.prepend(
+                    {QStringLiteral("Duplicate orders are in the order table."), QStringLiteral("Yes")});
             order = taken[code];
         }
         Require(arrived == taken, QStringLiteral("the PC does not hold what the handhelds took"));
 
         say_(QStringLiteral("Export, with the order check, and the tables emptied behind it"));
-        Activity(QStringLiteral("lblExportBtn"), QStringLiteral("frmQBExport"), QStringLiteral("DemoExport"), questions);
+        Activity(QStringLiteral("lblExportBtn"), QStringLiteral("frmQBExport"), QStringLiteral("DemoExport"),
+                 questions);
         const Orders exported = InExport();
         say_(QStringLiteral("    the export:    %1").arg(Totals(exported)));
         say_(QStringLiteral("    the PC:        %1").arg(Totals(OnPC())));
@@ -185,21 +201,26 @@ private:
         const auto cut = 12 + random() % 60;
         // Behind the Links table and both order tables, and behind the first that is replaced: the PC has
         // orders by then, and the start has something to put back.
-        const int handheldDies = 3 + static_cast<int>(random() % 3), programDies = 2 + static_cast<int>(random() % 4);
+        const int handheldDies = 3 + static_cast<int>(random() % 3),
+                  programDies = 2 + static_cast<int>(random() % 4);
 
         say_(QStringLiteral("    ANNA: the line is cut behind packet %1").arg(cut));
         const auto ended = LogCount("session ended");
         Run(build_ + QStringLiteral("/bin/handheld"),
-            {HandheldFolder(QStringLiteral("ANNA")), QStringLiteral("hotsync"), Address(), QStringLiteral("--cut-after"), QString::number(cut)});
-        Require(Until([&] { return LogCount("session ended") > ended; }), QStringLiteral("a session that was cut does not end"));
+            {HandheldFolder(QStringLiteral("ANNA")), QStringLiteral("hotsync"), Address(),
+             QStringLiteral("--cut-after"), QString::number(cut)});
+        Require(Until([&] { return LogCount("session ended") > ended; }),
+                QStringLiteral("a session that was cut does not end"));
 
         say_(QStringLiteral("    BERT: the handheld is killed behind transfer %1").arg(handheldDies));
         PressAndAt(QStringLiteral("BERT"), handheldDies, [](QProcess& handheld) { handheld.kill(); });
 
-        say_(QStringLiteral("    ANNA: the program is killed behind transfer %1, and started again").arg(programDies));
+        say_(QStringLiteral("    ANNA: the program is killed behind transfer %1, and started again")
+                 .arg(programDies));
         PressAndAt(QStringLiteral("ANNA"), programDies, [this](QProcess&) { program_->Kill(); });
         StartProgram(QStringLiteral("What the PC held before it has now been put back"));
-        for (const auto& [code, order] : OnPC()) Require(order.Headers > 0, code + QStringLiteral(" has lines and no header"));
+        for (const auto& [code, order] : OnPC())
+            Require(order.Headers > 0, code + QStringLiteral(" has lines and no header"));
         Arm(QStringLiteral("Evening"), false);
     }
 
@@ -212,10 +233,14 @@ private:
         const auto ended = LogCount("session ended"), moved = LogCount(" from the handheld: ");
         QProcess handheld;
         handheld.start(build_ + QStringLiteral("/bin/handheld"),
-                       {HandheldFolder(user), QStringLiteral("hotsync"), Address(), QStringLiteral("--slow"), QStringLiteral("8000")});
-        Require(Until([&] { return LogCount(" from the handheld: ") >= moved + transfers; }), QStringLiteral("no session"));
+                       {HandheldFolder(user), QStringLiteral("hotsync"), Address(), QStringLiteral("--slow"),
+                        QStringLiteral("8000")});
+        Require(Until([&] { return LogCount(" from the handheld: ") >= moved + transfers; }),
+                QStringLiteral("no session"));
         deed(handheld);
-        Require(Until([&] { return LogCount("session ended") > ended && handheld.state() == QProcess::NotRunning; }),
+        Require(Until([&] {
+                    return LogCount("session ended") > ended && handheld.state() == QProcess::NotRunning;
+                }),
                 QStringLiteral("a broken session does not end"));
     }
 
@@ -226,7 +251,8 @@ private:
         const QString folder = around_ + QStringLiteral("/samples");
         QDir().mkpath(folder);
         QDir().mkpath(around_ + QStringLiteral("/tmp"));
-        QFile::setPermissions(around_ + QStringLiteral("/tmp"), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        QFile::setPermissions(around_ + QStringLiteral("/tmp"),
+                              QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
         for (const char* file : {"customers.csv", "items.txt"}) {
             const QString name = QLatin1String(file);
             Require(QFile::copy(samples + QLatin1Char('/') + name, folder + QLatin1Char('/') + name), name);
@@ -258,14 +284,17 @@ private:
 
     QMap<QString, QString> Around() const {
         const QString folder = around_ + QStringLiteral("/tmp");
-        return {{QStringLiteral("XDG_CONFIG_HOME"), folder}, {QStringLiteral("XDG_RUNTIME_DIR"), folder},
-                {QStringLiteral("TMPDIR"), folder},          {QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen")}};
+        return {{QStringLiteral("XDG_CONFIG_HOME"), folder},
+                {QStringLiteral("XDG_RUNTIME_DIR"), folder},
+                {QStringLiteral("TMPDIR"), folder},
+                {QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen")}};
     }
     bool Run(const QString& program, const QStringList& arguments) {
         QProcess process;
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         const auto around = Around();
-        for (auto each = around.begin(); each != around.end(); ++each) environment.insert(each.key(), each.value());
+        for (auto each = around.begin(); each != around.end(); ++each)
+            environment.insert(each.key(), each.value());
         process.setProcessEnvironment(environment);
         process.setProcessChannelMode(QProcess::MergedChannels);
         process.start(program, arguments);
@@ -273,7 +302,9 @@ private:
         said_ = QString::fromUtf8(process.readAll());
         return ended && process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
     }
-    QString HandheldFolder(const QString& user) const { return around_ + QStringLiteral("/handheld-") + user; }
+    QString HandheldFolder(const QString& user) const {
+        return around_ + QStringLiteral("/handheld-") + user;
+    }
     void Hand(const QString& user, const QStringList& arguments) {
         Require(Run(build_ + QStringLiteral("/bin/handheld"), QStringList{HandheldFolder(user)} + arguments),
                 user + QStringLiteral(": ") + said_);
@@ -296,7 +327,8 @@ private:
         const QString log = TextOf(office_.Path(QStringLiteral("HotSync/HotSync.log")));
         const auto at = log.lastIndexOf(QLatin1String("awaits handhelds"));
         if (at < 0) return {};
-        return QStringLiteral("127.0.0.1:") + log.mid(at).section(QStringLiteral(" port "), 1, 1).section(QLatin1Char('\n'), 0, 0).trimmed();
+        return QStringLiteral("127.0.0.1:") +
+               log.mid(at).section(QStringLiteral(" port "), 1, 1).section(QLatin1Char('\n'), 0, 0).trimmed();
     }
 
     void Activity(const QString& button, const QString& form, const QString& activity,
@@ -304,10 +336,12 @@ private:
         program_->Click(Main, button);
         program_->WaitForm(form);
         program_->Choose(form, QStringLiteral("cboMaster"), activity);
-        program_->Expect(QStringLiteral("Perform %1 - Is that correct?").arg(activity), QStringLiteral("Yes"));
+        program_->Expect(QStringLiteral("Perform %1 - Is that correct?").arg(activity),
+                         QStringLiteral("Yes"));
         for (const auto& [text, answer] : further) program_->ExpectContaining(text, answer);
         program_->Click(form, QStringLiteral("cmdOK"));
-        const QString end = program_->WaitTextContaining(form, QStringLiteral("lblProgress"), QStringLiteral("Process completed with"));
+        const QString end = program_->WaitTextContaining(form, QStringLiteral("lblProgress"),
+                                                         QStringLiteral("Process completed with"));
         say_(QStringLiteral("    ") + end);
         Require(end.contains(QLatin1String("no errors!")), activity + QStringLiteral(" had errors"));
         program_->Click(form, QStringLiteral("cmdCancel"));
@@ -337,7 +371,8 @@ private:
         Hand(user, {QStringLiteral("hotsync"), Address()});
         // The program works off the end of the session when the handheld has gone already.
         program_->WaitText(QStringLiteral("frmRemoteSync"), QStringLiteral("lblHotSyncID"), user);
-        program_->WaitTextContaining(QStringLiteral("frmRemoteSync"), QStringLiteral("lblMessage"), QStringLiteral("The last one was"));
+        program_->WaitTextContaining(QStringLiteral("frmRemoteSync"), QStringLiteral("lblMessage"),
+                                     QStringLiteral("The last one was"));
     }
 
     void SayReceipt(const QString& user) const {
@@ -345,8 +380,10 @@ private:
         const QStringList receipts = folder.entryList({QStringLiteral("*.txt")}, QDir::Files, QDir::Name);
         Require(!receipts.isEmpty(), user + QStringLiteral(" has no receipt"));
         const QString receipt = TextOf(folder.filePath(receipts.last()));
-        for (const QString& line : receipt.split(QLatin1Char('\n'))) say_(QStringLiteral("      ") + line.trimmed());
-        Require(receipt.contains(QLatin1String("BALANCED")), QStringLiteral("the receipt of %1 does not balance").arg(user));
+        for (const QString& line : receipt.split(QLatin1Char('\n')))
+            say_(QStringLiteral("      ") + line.trimmed());
+        Require(receipt.contains(QLatin1String("BALANCED")),
+                QStringLiteral("the receipt of %1 does not balance").arg(user));
     }
 
     static QString CellOf(const TableScan& scan, const char* field) {
@@ -365,8 +402,8 @@ private:
         return orders;
     }
 
-    /// Rows of a text with a heading line and values in quotes or bare, parted by commas; the handheld doubles
-    /// a quote inside a text, the export does not.
+    /// Rows of a text with a heading line and values in quotes or bare, parted by commas; the handheld
+    /// doubles a quote inside a text, the export does not.
     static QList<QMap<QString, QString>> RowsOf(const QString& csv, bool doubled) {
         QList<QMap<QString, QString>> rows;
         QStringList headings;
@@ -377,7 +414,9 @@ private:
             for (qsizetype k = 0; k < text.size(); ++k) {
                 const QChar c = text[k];
                 // A quote inside a text of the export ends it only before a comma or the end of the line.
-                const bool edge = doubled ? true : quoted ? k + 1 == text.size() || text[k + 1] == QLatin1Char(',') : cells.last().isEmpty();
+                const bool edge = doubled  ? true
+                                  : quoted ? k + 1 == text.size() || text[k + 1] == QLatin1Char(',')
+                                           : cells.last().isEmpty();
                 if (c == QLatin1Char('"') && edge)
                     quoted = !quoted;
                 else if (c == QLatin1Char(',') && !quoted)
@@ -390,7 +429,8 @@ private:
                 continue;
             }
             QMap<QString, QString> row;
-            for (qsizetype k = 0; k < headings.size() && k < cells.size(); ++k) row[headings[k].trimmed()] = cells[k].trimmed();
+            for (qsizetype k = 0; k < headings.size() && k < cells.size(); ++k)
+                row[headings[k].trimmed()] = cells[k].trimmed();
             rows << row;
         }
         return rows;
