@@ -64,8 +64,9 @@ add_library(mappingbykeys STATIC ${CMAKE_SOURCE_DIR}/tools/MappingByKeys.cpp ${C
 target_include_directories(mappingbykeys PUBLIC ${CMAKE_SOURCE_DIR}/tools)
 target_link_libraries(mappingbykeys PUBLIC driverclient PRIVATE engine)
 
-add_executable(day ${CMAKE_SOURCE_DIR}/tools/day.cpp)
-target_link_libraries(day PRIVATE mappingbykeys officeforday)
+add_executable(day ${CMAKE_SOURCE_DIR}/tools/day.cpp ${CMAKE_SOURCE_DIR}/tools/LoopOfDay.cpp
+    ${CMAKE_SOURCE_DIR}/tools/LoopOfDay.h)
+target_link_libraries(day PRIVATE mappingbykeys officeforday screens)
 
 add_executable(pictures_of_screens ${CMAKE_SOURCE_DIR}/tools/pictures.cpp)
 target_link_libraries(pictures_of_screens PRIVATE screens pictures officeforday)

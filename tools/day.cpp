@@ -1,12 +1,14 @@
 // The demonstration of a working day with the real program and no screen needed:
 //
-//   day BUILD SAMPLES
+//   day BUILD SAMPLES [--faults [SEED]]
 //
 // lays out a fresh office, imports customers and items by a QuickButton activity, checks them, exports
 // the prepared orders by another activity, and compares the export with the one that was made by other
 // programs. Then it does the same in a second office on the mapping screens, by the keyboard alone, and
-// compares. Ends in 0 only if all held.
+// compares. In a third office two handhelds go through the whole loop. With --faults only that loop is
+// run, and three of its sessions are broken. Ends in 0 only if all held.
 
+#include "LoopOfDay.h"
 #include "MappingByKeys.h"
 #include "OfficeForDay.h"
 #include "driver/DriverClient.h"
@@ -19,6 +21,7 @@
 #include <chrono>
 #include <cstdio>
 #include <functional>
+#include <random>
 
 namespace {
 
@@ -177,6 +180,10 @@ void RunDay(const QString& build, const QString& samples) {
         Require(Bytes(office.Path(name)) == Bytes(second.Path(name)), name + QStringLiteral(" differs"));
     }
     Say(QStringLiteral("Tables and export are the same, byte for byte."));
+
+    const QString loop = where + QStringLiteral("/loop");
+    Say(QStringLiteral("The whole loop with two handhelds, in ") + loop);
+    RunLoopOfDay(build, loop, samples, {}, Say);
 }
 
 } // namespace
@@ -184,11 +191,24 @@ void RunDay(const QString& build, const QString& samples) {
 int main(int argc, char** argv) {
     const QCoreApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
-    if (arguments.size() != 3) {
-        std::fputs("day BUILD SAMPLES\n", stderr);
+    const bool breaks = arguments.value(3) == QLatin1String("--faults");
+    bool isSeed = true;
+    const unsigned seed = arguments.size() == 5 ? arguments[4].toUInt(&isSeed) : std::random_device()();
+    if (!isSeed || (arguments.size() != 3 && !(breaks && arguments.size() <= 5))) {
+        std::fputs("day BUILD SAMPLES [--faults [SEED]]\n", stderr);
         return 2;
     }
     try {
+        if (breaks) {
+            const QString where = QDir(arguments[1]).absolutePath() + QStringLiteral("/faults");
+            QDir(where).removeRecursively();
+            QDir().mkpath(where);
+            Say(QStringLiteral("To repeat this run: ./run day --faults %1").arg(seed));
+            RunLoopOfDay(QDir(arguments[1]).absolutePath(), where + QStringLiteral("/office"),
+                         QDir(arguments[2]).absolutePath(), seed, Say);
+            Say(QStringLiteral("The day held."));
+            return 0;
+        }
         RunDay(QDir(arguments[1]).absolutePath(), QDir(arguments[2]).absolutePath());
     } catch (const std::exception& failure) {
         std::fprintf(stderr, "The day failed: %s\n", failure.what());
