@@ -6,6 +6,7 @@
 #include "platform/Convert.h"
 #include "platform/TitledWindow.h"
 #include "support/RefusingDisk.h"
+#include "sync/SafetyCopies.h"
 #include "sync/forms/frmMainSync.h"
 #include "sync/forms/frmUploadSelect.h"
 
@@ -600,6 +601,27 @@ TEST_F(UploadScreen, TheMergeWaitsUntilTheProgressWindowHasGone) {
     Upload(form);
 
     EXPECT_EQ(whileItStood, Names{"A2"});
+    EXPECT_EQ(OrderCodes(), (Names{"A2", "A1"}));
+}
+
+TEST_F(UploadScreen, AProgramThatEndsBeforeTheMergeKeepsTheSafetyCopiesForItsNextStart) {
+    GivenOrders();
+    QDialog progress;
+    progress.setWindowTitle(Q("Hotsync Progress"));
+    new TitledWindow(progress, PathToQt(ManagerFolder()));
+    progress.show();
+    auto& form = Open<frmUploadSelect>();
+    Tick(form, "chkOrHdr");
+    QTimer::singleShot(0, &form, [&] {
+        WhenEver([this] { return Waits() > 0 && !Global.ManualUploadActive; }, [] { Global.Ending = true; });
+    });
+
+    Upload(form);
+
+    EXPECT_EQ(OrderCodes(), Names{"A2"});
+    EXPECT_EQ(SafetyCopyFiles().size(), 9U);
+    Global.Ending = false;
+    RecoverSafetyCopies();
     EXPECT_EQ(OrderCodes(), (Names{"A2", "A1"}));
 }
 
