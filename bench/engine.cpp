@@ -43,7 +43,7 @@ void ExportOrderLines(benchmark::State& state) {
     const ExportJob job = OrderExport(Global.DataOutPath + "orders.csv");
     NoProgress silent;
     for (auto _ : state) {
-        const OrderBook book = OpenOrderBook(HeaderTable(), LineTable());
+        const PCOrders book = OpenPCOrders(HeaderTable(), LineTable());
         if (ExportOrders(job, book.Tables, silent).Exported != state.range(0))
             state.SkipWithError("lines were lost");
     }
@@ -59,7 +59,7 @@ void SortOrderHeaders(benchmark::State& state) {
         state.PauseTiming();
         CopyOver(HeaderTable() + ".uploaded", HeaderTable(), false);
         state.ResumeTiming();
-        OrderBook book = OpenOrderBook(HeaderTable(), LineTable());
+        PCOrders book = OpenPCOrders(HeaderTable(), LineTable());
         SortOrHdrFile(book);
     }
     state.SetItemsProcessed(state.iterations() * state.range(0));

@@ -51,7 +51,7 @@ void RunJob(const std::string& job, const BenchOffice& office, Arguments more) {
         const ExportResult result = ExportOrders(OrderExport(more[0]), tables, silent);
         Check(result.Exported == tables.FGLin.RecordCount(), "lines were lost");
     } else if (job == "sort" && more.empty()) {
-        OrderBook book = OpenOrderBook(HeaderTable(), LineTable());
+        PCOrders book = OpenPCOrders(HeaderTable(), LineTable());
         SortOrHdrFile(book);
     } else if (job == "scan" && more.empty()) {
         std::cout << NumberToText(SumOfLines(LineTable())) << '\n';

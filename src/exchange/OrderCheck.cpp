@@ -55,23 +55,23 @@ private:
 
 } // namespace
 
-OrderBook OpenOrderBook(std::string headerFile, std::string lineFile) {
-    OrderBook book;
+PCOrders OpenPCOrders(std::string headerFile, std::string lineFile) {
+    PCOrders book;
     book.Tables = LoadOrderTables(headerFile, lineFile);
     book.HeaderFile = std::move(headerFile);
     book.LineFile = std::move(lineFile);
     return book;
 }
 
-void SortOrHdrFile(OrderBook& book) {
+void SortOrHdrFile(PCOrders& book) {
     Refill(book.HeaderFile, book.Tables.FGHdr, SortedByKey(book.Tables.FGHdr, H_ORDCODE));
 }
 
-void SortOrLinFile(OrderBook& book) {
+void SortOrLinFile(PCOrders& book) {
     Refill(book.LineFile, book.Tables.FGLin, SortedByKey(book.Tables.FGLin, L_KEY));
 }
 
-void QualityCheckOrders(OrderBook& book, const RepeatQuestions& questions) {
+void QualityCheckOrders(PCOrders& book, const RepeatQuestions& questions) {
     if (!book.Sorted) {
         SortOrHdrFile(book);
         SortOrLinFile(book);
@@ -81,7 +81,7 @@ void QualityCheckOrders(OrderBook& book, const RepeatQuestions& questions) {
     check.RemoveRepeats(book.LineFile, book.Tables.FGLin, L_KEY);
 }
 
-void PrepareOrders(const ExportJob& job, OrderBook& book, const RepeatQuestions& questions) {
+void PrepareOrders(const ExportJob& job, PCOrders& book, const RepeatQuestions& questions) {
     if (job.SortOrders) {
         SortOrHdrFile(book);
         SortOrLinFile(book);

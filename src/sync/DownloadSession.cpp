@@ -36,7 +36,9 @@ void DownloadSession::SFDownload_HotSyncStatus(std::int32_t status) {
     if (status == OperationFinished) receipt_.NoteFinished();
     if (status == SessionEnded || PendingOps != 0) return;
 
-    if (status == SessionBegun) {
+    // One HotSync of one handheld was asked for, and the next one can be quicker than the screen: nobody
+    // wants that one cleared.
+    if (status == SessionBegun && SyncStage.empty()) {
         SyncStage = "A>B";
         receipt_.Begin(SFDownload.UserName());
     }

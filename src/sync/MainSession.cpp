@@ -289,6 +289,7 @@ void MainSession::HSEnd() {
         const WhileSet closing(SessionClosing);
         Global.LastSyncedUser = Global.HSUserName;
         MergeUpload();
+        if (Global.Ending) return;
         screen_.GetPCTotals();
     }
     PendingOps = 0;
@@ -317,9 +318,10 @@ void MainSession::MergeUpload() {
     if (Global.UploadSelect) {
         Global.SessionRun = arrived_;
         screen_.Merge();
+        if (Global.Ending) return; // the forms were cut short: the next start puts back what is not merged
         Global.UploadClosing = true;
         if (!Global.FailedMerges.empty()) receipt_.Note(msg::ReceiptCopiesStay);
-        if (copiesMade_) DeleteSafetyCopies(SafetyCopies::OfSession);
+        if (copiesMade_) DeleteCopies();
     }
     receipt_.Write(SFMain, arrived_);
     for (std::string* label : {&Label1, &Label2, &Label3}) label->clear();
@@ -327,6 +329,15 @@ void MainSession::MergeUpload() {
     if (Global.UploadClosing) screen_.RecordUpload();
     Global.UploadClosing = false;
     Global.TotalsBusy = false;
+}
+
+/// Files that cannot be deleted stop nothing: nobody may be there to answer a box.
+void MainSession::DeleteCopies() {
+    try {
+        DeleteSafetyCopies(SafetyCopies::OfSession);
+    } catch (const RunTimeFailure& failure) {
+        TraceEvent(std::string("frmMainSync:DeleteCopies ") + failure.what());
+    }
 }
 
 UploadRun MainSession::Arrived() const {

@@ -58,6 +58,7 @@ private:
 
     void UpdateLinks();
     void MergeUpload();
+    void DeleteCopies();
     std::string GetSyncStatus();
     void StoreStatus(const std::string& letter);
 

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 #include <span>
 
 namespace {
@@ -54,6 +55,16 @@ bool WasReplacedAndNotMerged(const std::string& table, const std::string& copy) 
     return !HoldTheSame(table, copy) && !EndsWithBridged(table, copy);
 }
 
+/// Takes a step, and keeps the first failure for the end.
+template <typename Step>
+void NoteFailure(std::optional<RunTimeFailure>& first, const Step& step) {
+    try {
+        step();
+    } catch (const RunTimeFailure& failure) {
+        if (!first) first.emplace(failure);
+    }
+}
+
 void Merge(const MergedTable& table) {
     NoProgress silent;
     BridgeFields fields;
@@ -71,12 +82,16 @@ void MakeSafetyCopies(SafetyCopies which) {
 }
 
 void DeleteSafetyCopies(SafetyCopies which) {
+    std::optional<RunTimeFailure> failure;
     // First of all: without it a copy that stays lying about is not taken for one that is needed.
-    if (Global.FailedMerges.empty()) Global.TheDisk->Remove(ResolvePath(Mark()));
+    if (Global.FailedMerges.empty())
+        NoteFailure(failure, [] { Global.TheDisk->Remove(ResolvePath(Mark())); });
+    // And where it stays, nothing is to lie beside it.
     for (const std::string_view table : NamesOf(which)) {
         if (!IsNeededStill(CopyOf(table))) RemoveQuietly(InTables(CopyOf(table)));
     }
     Global.FailedMerges.clear();
+    if (failure) throw *failure;
 }
 
 template <typename Step>
@@ -103,15 +118,22 @@ std::vector<RecoveredTable> RecoverSafetyCopies() {
     std::vector<RecoveredTable> recovered;
     if (!FileExists(Mark())) return recovered;
     TraceEvent("SafetyCopies:RecoverSafetyCopies");
+    std::optional<RunTimeFailure> failure;
     for (const MergedTable& table : SentByHandhelds) {
         const std::string copy = InTables(table.Source);
         if (!FileExists(copy)) continue;
-        if (WasReplacedAndNotMerged(InTables(table.Target), copy)) {
-            Merge(table);
-            recovered.push_back({table.Target, TableScan(copy).RecordCount()});
-        }
-        RemoveQuietly(InTables(table.Text));
+        NoteFailure(failure, [&] {
+            if (WasReplacedAndNotMerged(InTables(table.Target), copy)) {
+                Merge(table);
+                recovered.push_back({table.Target, TableScan(copy).RecordCount()});
+            }
+            RemoveQuietly(InTables(table.Text));
+            // At once: when another table fails, the operator goes on with this one, and what it holds by the
+            // next call says nothing of this session any more.
+            RemoveQuietly(copy);
+        });
     }
+    if (failure) throw *failure;
     Global.FailedMerges.clear();
     DeleteSafetyCopies(SafetyCopies::OfSession);
     return recovered;

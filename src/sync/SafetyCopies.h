@@ -26,7 +26,8 @@ enum class SafetyCopies { OfSession, OfUploadScreen };
 void MakeSafetyCopies(SafetyCopies which);
 
 /// Deletes the mark and the copies that are there. The copies of Global.FailedMerges stay, with the mark, and
-/// the list is emptied. RunTimeFailure as Disk::Remove.
+/// the list is emptied. RunTimeFailure as Disk::Remove when the mark stays; the copies have gone all the
+/// same.
 void DeleteSafetyCopies(SafetyCopies which);
 
 /// A table that is merged after an upload, with the names of its files in the tables directory.
@@ -78,5 +79,6 @@ struct RecoveredTable {
 /// was, or that ends with the copy's records as a merge writes them, stays as it is; so does the barcode
 /// index, which no handheld sends. To be called when no session can run: at the start, with a trace line.
 /// Returns the tables whose old records were put back. RunTimeFailure as the merge, also for a table that
-/// cannot be read; what is not done yet then stays for the next call.
+/// cannot be read: the others are done, and the copies of those that failed stay for the next call, with the
+/// mark.
 std::vector<RecoveredTable> RecoverSafetyCopies();

@@ -27,7 +27,8 @@ constexpr UploadTable UploadTables[] = {
 void UploadSession::SFUpload_HotSyncStatus(std::int32_t status) {
     TraceEvent("frmUploadSelect:SFUpload_HotSyncStatus");
     if (!Global.ManualUploadActive) return;
-    if (status == SessionBegun) Begin();
+    // The next handheld can be quicker than the screen, which has yet to merge what the first one brought.
+    if (status == SessionBegun && !SyncRunning && !SyncDone) Begin();
     if (status == OperationFinished) {
         --PendingOps;
         receipt_.NoteFinished();
@@ -58,7 +59,6 @@ void UploadSession::SFUpload_HotSyncStatus(std::int32_t status) {
 void UploadSession::Begin() {
     PendingOps = 0;
     SyncStage.clear();
-    SyncRunning = SyncDone = false;
     arrivals_.Clear();
     RefreshUser();
     if (!MakeHHUserDir(Global.HSUserName)) return;

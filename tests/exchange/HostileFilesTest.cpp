@@ -50,7 +50,7 @@ TEST_F(HostileExchangeTest, RubbishImportTemplatesNeverFailAndCanBeRun) {
 TEST_F(HostileExchangeTest, RubbishExportTemplatesNeverFailAndCanBeRun) {
     GivenTable("ZUKORHDR", {{{"H_ORDCODE", "1"}, {"H_ORDDATE", "20261115"}}, {{"H_ORDCODE", "2"}}});
     GivenTable("ZUKORLIN", {{{"L_ORDCODE", "1"}, {"L_QTY", "3"}}, {{"L_ORDCODE", "3"}}});
-    const OrderBook book = OpenOrderBook(PathOf("ZUKORHDR"), PathOf("ZUKORLIN"));
+    const PCOrders book = OpenPCOrders(PathOf("ZUKORHDR"), PathOf("ZUKORLIN"));
     NoProgress silent;
     for (const std::string& content : Rubbish(GoodExport)) {
         const std::string path = GivenFile("t.xor", content);
@@ -122,7 +122,7 @@ TEST_F(HostileExchangeTest, ATemplateThatIsTooLargeIsNotOpened) {
 TEST_F(HostileExchangeTest, ADateFormatOfAMegabyteIsWrittenAtOnce) {
     GivenTable("ZUKORHDR", {{{"H_ORDCODE", "1"}, {"H_ORDDATE", "20261115"}}});
     GivenTable("ZUKORLIN");
-    const OrderBook book = OpenOrderBook(PathOf("ZUKORHDR"), PathOf("ZUKORLIN"));
+    const PCOrders book = OpenPCOrders(PathOf("ZUKORHDR"), PathOf("ZUKORLIN"));
     ExportJob job;
     job.ExportFile = Folder() + "out.csv";
     job.Columns = {"H_ORDDATE Format:" + std::string(std::size_t{1} << 20, 'y')};

@@ -32,7 +32,7 @@ protected:
         GivenTable("ZUKORLIN", lines);
     }
 
-    OrderBook Open() { return OpenOrderBook(PathOf("ZUKORHDR"), PathOf("ZUKORLIN")); }
+    PCOrders Open() { return OpenPCOrders(PathOf("ZUKORHDR"), PathOf("ZUKORLIN")); }
 
     /// Questions answered in this order; one more fails the test.
     RepeatQuestions Answering(std::vector<bool> answers, bool backupGoesWell = true) {
@@ -67,7 +67,7 @@ TEST_F(OrderCheckTest, HeadersAreSortedByOrderCodeAndEqualOnesKeepTheirOrder) {
                  "1",
                  "", "B10"},
                 {});
-    OrderBook book = Open();
+    PCOrders book = Open();
 
     SortOrHdrFile(book);
 
@@ -82,7 +82,7 @@ TEST_F(OrderCheckTest, HeadersAreSortedByOrderCodeAndEqualOnesKeepTheirOrder) {
 TEST_F(OrderCheckTest, LinesAreSortedByTheirKeyAndNotByTheirOrder) {
     GivenTable("ZUKORLIN", {{{"L_KEY", "3"}, {"L_ORDCODE", "A"}}, {{"L_KEY", "1"}, {"L_ORDCODE", "Z"}}});
     GivenTable("ZUKORHDR");
-    OrderBook book = Open();
+    PCOrders book = Open();
 
     SortOrLinFile(book);
 
@@ -96,7 +96,7 @@ TEST_F(OrderCheckTest, SortWritesEveryFieldAnew) {
                                   .Row({"a", "", "12/31/25"}, '*')
                                   .Bytes());
     GivenTable("ZUKORLIN");
-    OrderBook book = Open();
+    PCOrders book = Open();
 
     SortOrHdrFile(book);
 
@@ -108,7 +108,7 @@ TEST_F(OrderCheckTest, SortWritesEveryFieldAnew) {
 
 TEST_F(OrderCheckTest, TableThatHasChangedItsFieldsSinceItWasReadStaysAsItIs) {
     GivenOrders({"B", "A"}, {});
-    OrderBook book = Open();
+    PCOrders book = Open();
     GivenFile("ZUKORHDR.DBF", TableMaker({{"H_ORDCODE", 'C', 4}}).Row({"Z"}).Bytes());
     const std::string before = Bytes(PathOf("ZUKORHDR"));
 
@@ -153,7 +153,7 @@ TEST_F(OrderCheckTest, SortedTableHasTheBytesOfTheSortStepByStep) {
         const std::string expected = Bytes(path);
         const Rows steps = TableTrace();
         GivenFile("ZUKORHDR.DBF", before);
-        OrderBook book = Open();
+        PCOrders book = Open();
         TableTrace();
 
         SortOrHdrFile(book);
@@ -168,7 +168,7 @@ TEST_F(OrderCheckTest, SortedTableHasTheBytesOfTheSortStepByStep) {
 
 TEST_F(OrderCheckTest, OrderUploadedTwiceIsLeftOnceAfterAYes) {
     GivenOrders({"A1", "A2", "A1"}, {"A1-1", "A1-2", "A2-1", "A1-1", "A1-2"});
-    OrderBook book = Open();
+    PCOrders book = Open();
 
     QualityCheckOrders(book, Answering({true}));
 
@@ -184,7 +184,7 @@ TEST_F(OrderCheckTest, OrderUploadedTwiceIsLeftOnceAfterAYes) {
 
 TEST_F(OrderCheckTest, NoAtEveryQuestionLeavesBothTablesAsSorted) {
     GivenOrders({"A2", "A1", "a1", "A1"}, {"2", "1", "1"});
-    OrderBook book = Open();
+    PCOrders book = Open();
 
     QualityCheckOrders(book, Answering({false, false, false}));
 
@@ -196,7 +196,7 @@ TEST_F(OrderCheckTest, NoAtEveryQuestionLeavesBothTablesAsSorted) {
 
 TEST_F(OrderCheckTest, RepeatsRefusedBeforeTheYesStay) {
     GivenOrders({"A1", "A1", "A2", "A2"}, {});
-    OrderBook book = Open();
+    PCOrders book = Open();
 
     QualityCheckOrders(book, Answering({false, true}));
 
@@ -205,7 +205,7 @@ TEST_F(OrderCheckTest, RepeatsRefusedBeforeTheYesStay) {
 
 TEST_F(OrderCheckTest, SecondAndThirdOfThreeEqualKeysAreDropped) {
     GivenOrders({"A1", "A1", "A1"}, {});
-    OrderBook book = Open();
+    PCOrders book = Open();
 
     QualityCheckOrders(book, Answering({true}));
 
@@ -214,7 +214,7 @@ TEST_F(OrderCheckTest, SecondAndThirdOfThreeEqualKeysAreDropped) {
 
 TEST_F(OrderCheckTest, OrdersThatComeInWhileTheQuestionWaitsAreNotLost) {
     GivenOrders({"A1", "A1"}, {});
-    OrderBook book = Open();
+    PCOrders book = Open();
     RepeatQuestions questions = Answering({});
     questions.DeleteRepeats = [&] {
         GivenOrders({"A1", "A1", "A2"}, {});
@@ -228,7 +228,7 @@ TEST_F(OrderCheckTest, OrdersThatComeInWhileTheQuestionWaitsAreNotLost) {
 
 TEST_F(OrderCheckTest, RepeatsOfLinesAloneRaiseTheQuestion) {
     GivenOrders({"A1", "A2"}, {"1", "1"});
-    OrderBook book = Open();
+    PCOrders book = Open();
 
     QualityCheckOrders(book, Answering({true}));
 
@@ -239,7 +239,7 @@ TEST_F(OrderCheckTest, RepeatsOfLinesAloneRaiseTheQuestion) {
 TEST_F(OrderCheckTest, OneRecordIsNotAskedAbout) {
     for (const char* key : {"A1", ""}) {
         GivenOrders({key}, {key});
-        OrderBook book = Open();
+        PCOrders book = Open();
 
         QualityCheckOrders(book, Answering({}));
 
@@ -250,7 +250,7 @@ TEST_F(OrderCheckTest, OneRecordIsNotAskedAbout) {
 
 TEST_F(OrderCheckTest, EmptyTablesAreNotAskedAbout) {
     GivenOrders({}, {});
-    OrderBook book = Open();
+    PCOrders book = Open();
 
     QualityCheckOrders(book, Answering({}));
 
@@ -259,7 +259,7 @@ TEST_F(OrderCheckTest, EmptyTablesAreNotAskedAbout) {
 
 TEST_F(OrderCheckTest, CheckWithoutTheSortStillSortsBothTables) {
     GivenOrders({"B", "A"}, {"2", "1"});
-    OrderBook book = Open();
+    PCOrders book = Open();
     ExportJob job;
     job.QualityCheck = true;
 
@@ -272,7 +272,7 @@ TEST_F(OrderCheckTest, CheckWithoutTheSortStillSortsBothTables) {
 
 TEST_F(OrderCheckTest, SortAndCheckSortOnce) {
     GivenOrders({"B", "A"}, {"2", "1"});
-    OrderBook book = Open();
+    PCOrders book = Open();
     ExportJob job;
     job.SortOrders = true;
     job.QualityCheck = true;
@@ -288,7 +288,7 @@ TEST_F(OrderCheckTest, SortAndCheckSortOnce) {
 TEST_F(OrderCheckTest, NeitherSortNorCheckLeavesTheTables) {
     GivenOrders({"B", "A", "A"}, {"2", "1"});
     const std::string before = Bytes(PathOf("ZUKORHDR"));
-    OrderBook book = Open();
+    PCOrders book = Open();
 
     PrepareOrders(ExportJob{}, book, Answering({}));
 
@@ -297,7 +297,7 @@ TEST_F(OrderCheckTest, NeitherSortNorCheckLeavesTheTables) {
 
 TEST_F(OrderCheckTest, FailedBackupIsToldAndTheDeletionGoesOn) {
     GivenOrders({"A1", "A1"}, {});
-    OrderBook book = Open();
+    PCOrders book = Open();
 
     QualityCheckOrders(book, Answering({true}, false));
 
@@ -307,7 +307,7 @@ TEST_F(OrderCheckTest, FailedBackupIsToldAndTheDeletionGoesOn) {
 
 TEST_F(OrderCheckTest, OrderWhoseCodeIsAnAsteriskIsKept) {
     GivenOrders({"*", "A1", "A1"}, {});
-    OrderBook book = Open();
+    PCOrders book = Open();
 
     QualityCheckOrders(book, Answering({true}));
 
@@ -316,7 +316,7 @@ TEST_F(OrderCheckTest, OrderWhoseCodeIsAnAsteriskIsKept) {
 
 TEST_F(OrderCheckTest, FullDiskLeavesTheTableAsItWas) {
     GivenOrders({"B", "A"}, {});
-    OrderBook book = Open();
+    PCOrders book = Open();
     const std::string before = Bytes(PathOf("ZUKORHDR"));
     FaultyDisk disk(2);
     Global.TheDisk = &disk;
@@ -330,7 +330,7 @@ TEST_F(OrderCheckTest, FullDiskLeavesTheTableAsItWas) {
 
 TEST_F(OrderCheckTest, ExportAfterARefusedCheckWritesTheRepeats) {
     GivenOrders({"A1", "A1"}, {"A1-1", "A1-1"});
-    OrderBook book = Open();
+    PCOrders book = Open();
     ExportJob job;
     job.ExportFile = Folder() + "out.csv";
     job.Columns = {"H_CUST_PO", "L_KEY"};

@@ -352,7 +352,7 @@ protected:
 
     /// What an export does first: an order that came twice is taken away once.
     static void CheckOrders() {
-        OrderBook book = OpenOrderBook(Global.DBFPath + "ZUKORHDR.DBF", Global.DBFPath + "ZUKORLIN.DBF");
+        PCOrders book = OpenPCOrders(Global.DBFPath + "ZUKORHDR.DBF", Global.DBFPath + "ZUKORLIN.DBF");
         QualityCheckOrders(book, {[] { return true; }, [] { return true; }, [] {}, [] {}});
     }
 

@@ -97,8 +97,8 @@ void FillTotals(int events) {
     });
 }
 
-OrderBook Book() {
-    return OpenOrderBook(Table("ZUKOrHdr.dbf"), Table("ZUKOrLin.dbf"));
+PCOrders Book() {
+    return OpenPCOrders(Table("ZUKOrHdr.dbf"), Table("ZUKOrLin.dbf"));
 }
 
 // ---- the jobs ----
@@ -133,13 +133,13 @@ std::string ImportCustomers(int linesLost) {
 }
 
 std::string SortHeaders() {
-    OrderBook book = Book();
+    PCOrders book = Book();
     SortOrHdrFile(book);
     return {};
 }
 
 std::string SortLines() {
-    OrderBook book = Book();
+    PCOrders book = Book();
     SortOrLinFile(book);
     return {};
 }
@@ -202,7 +202,7 @@ void PrepareCheck() {
 }
 
 std::string Check() {
-    OrderBook book = Book();
+    PCOrders book = Book();
     std::string told;
     RepeatQuestions questions;
     questions.DeleteRepeats = [] { return true; };

@@ -87,6 +87,20 @@ TEST_F(DownloadSessionTest, AClearSendsTheEmptyTwinsAndLeavesThePC) {
     EXPECT_EQ(ReceiptLine("anna", "Clearing"), "Clearing of the handheld");
 }
 
+TEST_F(DownloadSessionTest, AHandheldThatComesBeforeTheScreenHasGoneIsNotCleared) {
+    GivenHandheld("Bea", {{"B1", {"7"}}});
+    DownloadSession session(Control, SessionKind::Clear);
+    session.Tables = TablesOf(ClearChoice{true, true, true});
+    Begin(session);
+    Control.Raise(SessionEnded);
+
+    Control.Session("Bea");
+
+    EXPECT_TRUE(Control.Queued.empty());
+    EXPECT_EQ(Handhelds["Bea"]["ZUKORHDR"].size(), 1U);
+    EXPECT_EQ(Global.LastSyncedUser, "anna");
+}
+
 TEST_F(DownloadSessionTest, TheReceiptTellsHowEachTransferEnded) {
     Fails = {"ZUKITEM"};
     DownloadSession session(Control);

@@ -3,6 +3,7 @@
 #include "core/Failure.h"
 #include "core/SafeFile.h"
 #include "support/Fails.h"
+#include "support/RefusingDisk.h"
 #include "sync/SafetyCopies.h"
 #include "sync/SessionTest.h"
 
@@ -32,6 +33,7 @@ public:
     void Merge() override {
         Seen.push_back("merge");
         if (DuringMerge) DuringMerge();
+        if (Global.Ending) return; // the forms go before they have done anything
         const UploadRun run = Global.SessionRun;
         if (MergeFails && run.OrderHeaders) {
             Global.FailedMerges.emplace_back(MergedOrderHeaders.Source);
@@ -788,6 +790,33 @@ TEST_F(MainSessionTest, AMergeThatFailedKeepsTheOldRecordsForTheNextSession) {
     Control.Session("Bea");
 
     EXPECT_EQ(OrdersOnPC(), (Strings{"B1", "A1", "A2", "P1", "P2"}));
+}
+
+TEST_F(MainSessionTest, AProgramThatEndsInTheMergePutsTheOldRecordsBackAtItsNextStart) {
+    GivenUpload();
+    Screen.DuringMerge = [] { Global.Ending = true; };
+    Control.Session("Anna");
+    EXPECT_EQ(OrdersOnPC(), (Strings{"A1", "A2"}));
+    EXPECT_FALSE(Screen.Saw("record"));
+
+    Global.Ending = false;
+    EXPECT_EQ(RecoverSafetyCopies().size(), 2U);
+
+    EXPECT_EQ(OrdersOnPC(), (Strings{"A1", "A2", "P1", "P2"}));
+}
+
+TEST_F(MainSessionTest, AMarkThatCannotBeRemovedEndsNeitherTheSessionNorTheProgram) {
+    GivenUpload();
+    KeepingDisk disk("SafetyCopies.txt");
+    Global.TheDisk = &disk;
+
+    Control.Session("Anna");
+
+    Global.TheDisk = &NativeDisk();
+    EXPECT_TRUE(Screen.Saw("record"));
+    EXPECT_TRUE(Screen.Saw("ended"));
+    EXPECT_EQ(OrdersOnPC(), (Strings{"A1", "A2", "P1", "P2"}));
+    EXPECT_EQ(Copies(), Strings{});
 }
 
 TEST_F(MainSessionTest, AMergeThatThrowsLeavesTheFormReadyForTheNextSession) {

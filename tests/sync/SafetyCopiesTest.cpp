@@ -222,7 +222,7 @@ TEST_F(SafetyCopiesTest, ACopyThatCannotBeDeletedAfterASessionMeansNothing) {
     EXPECT_EQ(Orders(), Strings{"H1"});
 }
 
-TEST_F(SafetyCopiesTest, AMarkThatCannotBeRemovedIsAFailure) {
+TEST_F(SafetyCopiesTest, AMarkThatCannotBeRemovedIsAFailureAndNoCopyStaysWithIt) {
     MakeSafetyCopies(SafetyCopies::OfSession);
     KeepingDisk disk("SafetyCopies.txt");
     Global.TheDisk = &disk;
@@ -230,7 +230,10 @@ TEST_F(SafetyCopiesTest, AMarkThatCannotBeRemovedIsAFailure) {
     EXPECT_EQ(FailureNumber([] { DeleteSafetyCopies(SafetyCopies::OfSession); }), 75);
 
     Global.TheDisk = &NativeDisk();
-    EXPECT_EQ(Copies().size(), 6u);
+    EXPECT_EQ(Copies(), Strings{});
+    GivenOrders({});
+    EXPECT_EQ(RecoverSafetyCopies(), None);
+    EXPECT_EQ(Orders(), Strings{});
 }
 
 TEST_F(SafetyCopiesTest, AllFiveTablesThatAHandheldSendsArePutBack) {
@@ -333,10 +336,28 @@ TEST_F(SafetyCopiesTest, ATableThatCannotBeReadIsToldByNameAndNothingThatIsNeede
     EXPECT_EQ(seen.Number, 321);
     EXPECT_NE(seen.Words.find("ZUKOrLin.dbf"), std::string::npos) << seen.Words;
     EXPECT_EQ(Orders(), (Strings{"H1", "P1", "P2"}));
-    EXPECT_EQ(Copies().size(), 6u);
+    EXPECT_EQ(Copies(), (Strings{"ZUKBARIN", "ZUKORLIN"}));
+    EXPECT_TRUE(MarkStands());
     GivenLines({"H1-1"});
     EXPECT_EQ(RecoverSafetyCopies(), (std::vector<RecoveredTable>{{"ZUKORLIN.DBF", 3}}));
     EXPECT_EQ(Orders(), (Strings{"H1", "P1", "P2"}));
+}
+
+TEST_F(SafetyCopiesTest, OrdersThatWereExportedBetweenTwoTriesOfARecoveryAreNotPutBackAgain) {
+    MakeSafetyCopies(SafetyCopies::OfSession);
+    GivenOrders({"H1"});
+    WriteWholeFile(Path("ZUKAudtH.dbf"), "no table");
+    EXPECT_EQ(FailureNumber([] { RecoverSafetyCopies(); }), 321);
+    EXPECT_EQ(Orders(), (Strings{"H1", "P1", "P2"}));
+    GivenOrders({});
+    GivenLines({});
+    GivenTable(Global.DBFPath, "ZUKAudtH");
+
+    EXPECT_EQ(RecoverSafetyCopies(), (std::vector<RecoveredTable>{{"ZUKAUDTH.DBF", 1}}));
+
+    EXPECT_EQ(Orders(), Strings{});
+    EXPECT_EQ(OrderLines(), Strings{});
+    ExpectNothingLeft();
 }
 
 TEST_F(SafetyCopiesTest, OnTheUploadScreenMastersThatWereReplacedStaySoAndTheirCopiesStayToo) {

@@ -21,6 +21,7 @@ protected:
     void Upload(int transfers = 1000) {
         MakeBackup("UPLOAD-ADD");
         MakeSafetyCopies(SafetyCopies::OfUploadScreen);
+        Session.SyncDone = false;
         Global.ManualUploadActive = true;
         Control.Session("Anna", transfers);
         Global.ManualUploadActive = false;
@@ -184,12 +185,34 @@ TEST_F(UploadSessionTest, ASessionThatIsCutBeforeTheLinksTableCameHasNothingRunn
     EXPECT_EQ(OrdersOnPC(), (Strings{"P1", "P2"}));
 }
 
-TEST_F(UploadSessionTest, WhatASessionLeftRunningIsForgottenByTheNext) {
+TEST_F(UploadSessionTest, AHandheldThatComesBeforeTheMergeTouchesNothingOfTheFirst) {
+    GivenHandheld("Bea", {{"B1", {"7"}}});
     Session.Chosen.Orders = true;
-    Upload(2);
-    Upload();
-    EXPECT_FALSE(Session.SyncRunning);
+    MakeSafetyCopies(SafetyCopies::OfUploadScreen);
+    Global.ManualUploadActive = true;
+    Control.Session("Anna");
+
+    Control.Session("Bea");
+
+    EXPECT_TRUE(Control.Queued.empty());
     EXPECT_TRUE(Session.SyncDone);
+    EXPECT_EQ(Global.HSUserName, "Anna");
+    Session.TakeArrived();
+    Merge(Global.UploadScreenRun);
+    EXPECT_EQ(OrdersOnPC(), (Strings{"A1", "A2", "P1", "P2"}));
+}
+
+TEST_F(UploadSessionTest, AHandheldThatComesBehindOneThatWasCutDoesNotHideTheCut) {
+    GivenHandheld("Bea", {{"B1", {"7"}}});
+    Session.Chosen.Orders = true;
+    Global.ManualUploadActive = true;
+    Control.Session("Anna", 2);
+
+    Control.Session("Bea");
+
+    EXPECT_TRUE(Control.Queued.empty());
+    EXPECT_TRUE(Session.SyncRunning);
+    EXPECT_FALSE(Session.SyncDone);
 }
 
 TEST_F(UploadSessionTest, AUserWhoseNameIsNoFolderNameMovesNothing) {

@@ -27,7 +27,7 @@ std::string ExportPath(std::string_view fileName, Delimiter delimiter) {
     return Global.DataOutPath + NameToPath(ExportFileName(fileName, delimiter));
 }
 
-std::optional<ExportResult> RunExport(const ExportJob& job, OrderBook& book, FormBehaviour& form,
+std::optional<ExportResult> RunExport(const ExportJob& job, PCOrders& book, FormBehaviour& form,
                                       QLabel& label, QProgressBar& bar) {
     PrepareOrders(job, book, OrderQuestions());
     const bool byLine = HasLineFields(job.Columns);

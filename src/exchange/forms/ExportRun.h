@@ -18,7 +18,7 @@ std::string ExportPath(std::string_view fileName, Delimiter delimiter);
 /// Sorts and checks as the job says, asking the operator about repeats, and exports with the form's
 /// bar running. Tells when the export file cannot be opened. Nothing when the form has gone
 /// meanwhile. RunTimeFailure as OrderCheck and ExportOrders.
-std::optional<ExportResult> RunExport(const ExportJob& job, OrderBook& book, FormBehaviour& form,
+std::optional<ExportResult> RunExport(const ExportJob& job, PCOrders& book, FormBehaviour& form,
                                       QLabel& label, QProgressBar& bar);
 
 /// Tells of order lines that were left out of an export; nothing when there is none.

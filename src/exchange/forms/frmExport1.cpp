@@ -37,7 +37,7 @@ void frmExport1::Form_Load() {
     }
     cboSettings->setCurrentIndex(-1);
     try {
-        book_ = OpenOrderBook(Global.DBFPath + "ZUKORHDR.DBF", Global.DBFPath + "ZUKORLIN.DBF");
+        book_ = OpenPCOrders(Global.DBFPath + "ZUKORHDR.DBF", Global.DBFPath + "ZUKORLIN.DBF");
         const std::vector<std::string> headers = AvailableFieldsOf(book_.HeaderFile);
         const std::vector<std::string> lines = AvailableFieldsOf(book_.LineFile);
         available_.assign(headers.begin() + 1, headers.end());
@@ -370,7 +370,7 @@ bool frmExport1::Export() {
         lblProgress->show();
         pgbProgress->show();
         // Orders may have come in since the screen was opened: a sort of old copies would lose them.
-        book_ = OpenOrderBook(book_.HeaderFile, book_.LineFile);
+        book_ = OpenPCOrders(book_.HeaderFile, book_.LineFile);
         const auto result = RunExport(job, book_, *this, *lblProgress, *pgbProgress);
         if (!result || result->CouldNotOpen) return false;
         Tell(

@@ -69,7 +69,7 @@ private:
     void OfferBackup();
 
     std::string repair_; ///< the file name of the template that the report has named
-    OrderBook book_;
+    PCOrders book_;
     std::vector<std::string> available_; ///< the fields of the headers, then those of the lines
     ExportColumns columns_;
 };

@@ -43,7 +43,7 @@ QuickButtonForm::RowResult frmQBExport::RunRow(std::size_t row, const std::strin
     std::optional<ExportResult> result;
     try {
         job.ExportFile = ExportPath(read.Template.FileName, job.Delimiter);
-        OrderBook book = OpenOrderBook(Global.DBFPath + "ZUKORHDR.DBF", Global.DBFPath + "ZUKORLIN.DBF");
+        PCOrders book = OpenPCOrders(Global.DBFPath + "ZUKORHDR.DBF", Global.DBFPath + "ZUKORLIN.DBF");
         result = RunExport(job, book, *this, *lblProgress, *pgbProgress);
     } catch (const RunTimeFailure& failure) {
         Tell(Lines(msg::ExportStopped, Text::Path(std::string_view(failure.what()))), Icon::Stop);

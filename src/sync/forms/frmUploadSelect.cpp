@@ -117,6 +117,7 @@ void frmUploadSelect::AddData() {
         AwaitProgressWindow();
         session_->SyncDone = false;
         if (OrdersChosen) MergeOrders();
+        if (Global.Ending) return;
     }
     Global.UploadClosing = false;
     ZeroTotalsBlock();
@@ -149,6 +150,7 @@ void frmUploadSelect::MergeOrders() {
     session_->TakeArrived();
     The<frmAppend>().Show(ShowMode::Modal);
     The<frmAppendAudit>().Show(ShowMode::Modal);
+    if (Global.Ending) return; // they were cut short
     Global.UploadClosing = true;
     try {
         RecordTotals(ProgressFlag::UploadAdd);
