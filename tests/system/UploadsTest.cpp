@@ -220,7 +220,7 @@ TEST_F(Uploads, UnattendedTheyComeFromOneHandheldAfterTheOtherUntilOneIsUnknownA
     DriverClient program(InOffice());
     Open(program);
     const std::map<QString, std::pair<int, QString>> orders{
-        {"ANNA", {2, "M1"}}, {"BERT", {1, "M2"}}, {"CARL", {3, "M3"}}};
+        {"ANNA", {2, "A1"}}, {"BERT", {1, "B1"}}, {"CARL", {3, "C1"}}};
     int id = 7;
     Codes headers = oldHeaders_, lines = oldLines_;
     for (const auto& [user, taken] : orders) {
@@ -245,14 +245,14 @@ TEST_F(Uploads, UnattendedTheyComeFromOneHandheldAfterTheOtherUntilOneIsUnknownA
 
     // The manager knows no such handheld: the PC hears nothing of it.
     const Files office = OfficeFiles();
-    GivenHandheld("ZOE", "99", "M9");
+    GivenHandheld("ZOE", "99", "Z1");
     EXPECT_NE(Hand("ZOE", {"hotsync", Address()}), 0);
     EXPECT_TRUE(ManagerLog().contains("no user of this manager is called \"ZOE\""));
     EXPECT_EQ(program.Text(Remote, "lblHotSyncID"), "CARL");
     EXPECT_EQ(OfficeFiles(), office);
 
     // The manager knows this one and the Links table does not: that the box comes shows the mode on still.
-    GivenHandheld("DORA", "10", "M4");
+    GivenHandheld("DORA", "10", "D1");
     TakeOrders("DORA", 1);
     const Files doras = HandheldFiles("DORA");
     program.Expect("Hotsync ID for handheld currently being synchronized cannot be found in the Links table! "
@@ -275,14 +275,14 @@ TEST_F(Uploads, UnattendedTheyComeFromOneHandheldAfterTheOtherUntilOneIsUnknownA
     Arm(program);
     HotSync(program, "ANNA");
     EXPECT_EQ(OnPC("ZUKOrHdr", "H_ORDCODE"), headers);
-    EXPECT_EQ(Link("ANNA"), "M1000103");
+    EXPECT_EQ(Link("ANNA"), "A1000103");
     EXPECT_TRUE(Headers("ANNA").empty());
     Disarm(program);
     EXPECT_EQ(program.Quit(), 0);
 }
 
 TEST_F(Uploads, UnattendedFromAHandheldThatDiesKeepTheOldOrdersBehindWhatCameWhole) {
-    GivenHandheld("ANNA", "7", "M1");
+    GivenHandheld("ANNA", "7", "A1");
     TakeOrders("ANNA", 3);
     const Codes headers = Headers("ANNA"), lines = Lines("ANNA");
     DriverClient program(InOffice());
@@ -303,7 +303,7 @@ TEST_F(Uploads, UnattendedFromAHandheldThatDiesKeepTheOldOrdersBehindWhatCameWho
 }
 
 TEST_F(Uploads, ByTheScreenFromAHandheldThatDiesMergeNothingAndLeaveTheOldOrdersInTheBackup) {
-    GivenHandheld("ANNA", "7", "M1");
+    GivenHandheld("ANNA", "7", "A1");
     TakeOrders("ANNA", 3);
     const Codes headers = Headers("ANNA"), lines = Lines("ANNA");
     const QByteArray oldHeaders = Bytes(office_.Path("DBFFiles/ZUKOrHdr.dbf")),
