@@ -105,6 +105,7 @@ public:
 
     /// Without a seed nothing is broken.
     void Hold(std::optional<unsigned> seed) {
+        if (seed) StartManager(); // one that can be killed
         StartProgram();
         CheckOrdersAtExport();
         Require(Until([&] { return !Address().isEmpty(); }),
@@ -193,8 +194,18 @@ private:
         program_->WaitForm(Main);
     }
 
-    /// Three sessions end at places that go by the seed: the line is cut, the handheld is killed, and the
-    /// program is.
+    /// The manager as this process's own; the program finds it there.
+    void StartManager() {
+        const auto before = LogCount("awaits handhelds");
+        manager_.setProcessEnvironment(Environment());
+        manager_.setStandardOutputFile(QProcess::nullDevice());
+        manager_.start(office_.Manager(), {QStringLiteral("--minimised")});
+        Require(Until([&] { return LogCount("awaits handhelds") > before; }),
+                QStringLiteral("the HotSync Manager does not start"));
+    }
+
+    /// Three sessions end at places that go by the seed: the line is cut, the handheld or the manager is
+    /// killed, and the program is.
     void BreakThree(unsigned seed) {
         std::mt19937 random(seed);
         say_(QStringLiteral("Three sessions break, by the seed %1").arg(seed));
@@ -203,6 +214,7 @@ private:
         // orders by then, and the start has something to put back.
         const int handheldDies = 3 + static_cast<int>(random() % 3),
                   programDies = 2 + static_cast<int>(random() % 4);
+        const bool managerDies = random() % 2 == 0;
 
         say_(QStringLiteral("    ANNA: the line is cut behind packet %1").arg(cut));
         const auto ended = LogCount("session ended");
@@ -212,8 +224,12 @@ private:
         Require(Until([&] { return LogCount("session ended") > ended; }),
                 QStringLiteral("a session that was cut does not end"));
 
-        say_(QStringLiteral("    BERT: the handheld is killed behind transfer %1").arg(handheldDies));
-        PressAndAt(QStringLiteral("BERT"), handheldDies, [](QProcess& handheld) { handheld.kill(); });
+        if (managerDies) {
+            KillManagerWith(QStringLiteral("BERT"), handheldDies);
+        } else {
+            say_(QStringLiteral("    BERT: the handheld is killed behind transfer %1").arg(handheldDies));
+            PressAndAt(QStringLiteral("BERT"), handheldDies, [](QProcess& handheld) { handheld.kill(); });
+        }
 
         say_(QStringLiteral("    ANNA: the program is killed behind transfer %1, and started again")
                  .arg(programDies));
@@ -224,22 +240,50 @@ private:
         Arm(QStringLiteral("Evening"), false);
     }
 
+    /// The program ends the session by itself, finds the manager when it is started again, and serves the
+    /// handheld, which presses HotSync until then.
+    void KillManagerWith(const QString& user, int transfers) {
+        say_(QStringLiteral("    %1: the HotSync Manager is killed behind transfer %2, and started again")
+                 .arg(user)
+                 .arg(transfers));
+        const QString armed = QStringLiteral("frmRemoteSync");
+        PressAndAt(user, transfers, [&](QProcess& handheld) {
+            manager_.kill();
+            Require(manager_.waitForFinished(Patience) && handheld.waitForFinished(Patience),
+                    QStringLiteral("a handheld does not notice that the manager has gone"));
+            Require(handheld.exitCode() != 0,
+                    user + QStringLiteral(" takes a broken session for a whole one"));
+        });
+        program_->WaitTextContaining(armed, QStringLiteral("lblMessage"), QStringLiteral("The last one was"));
+        StartManager();
+        const auto moved = LogCount(Moved);
+        Require(Until([&] {
+                    Hand(user, {QStringLiteral("hotsync"), Address()});
+                    return LogCount(Moved) > moved;
+                }),
+                QStringLiteral("the program does not come back to the manager"));
+        program_->WaitTextContaining(armed, QStringLiteral("lblMessage"), QStringLiteral("The last one was"));
+    }
+
+    static constexpr const char* Moved = " from the handheld: ";
+
     qsizetype LogCount(const char* words) const {
         return TextOf(office_.Path(QStringLiteral("HotSync/HotSync.log"))).count(QLatin1String(words));
     }
 
     /// The handheld presses HotSync on a slow line, and behind so many transfers something happens.
     void PressAndAt(const QString& user, int transfers, const std::function<void(QProcess& handheld)>& deed) {
-        const auto ended = LogCount("session ended"), moved = LogCount(" from the handheld: ");
+        const auto ended = LogCount("session ended"), moved = LogCount(Moved);
         QProcess handheld;
         handheld.start(build_ + QStringLiteral("/bin/handheld"),
                        {HandheldFolder(user), QStringLiteral("hotsync"), Address(), QStringLiteral("--slow"),
                         QStringLiteral("8000")});
-        Require(Until([&] { return LogCount(" from the handheld: ") >= moved + transfers; }),
-                QStringLiteral("no session"));
+        Require(Until([&] { return LogCount(Moved) >= moved + transfers; }), QStringLiteral("no session"));
         deed(handheld);
         Require(Until([&] {
-                    return LogCount("session ended") > ended && handheld.state() == QProcess::NotRunning;
+                    // A manager that was killed writes no end.
+                    return handheld.state() == QProcess::NotRunning &&
+                           (ended < LogCount("session ended") || manager_.state() == QProcess::NotRunning);
                 }),
                 QStringLiteral("a broken session does not end"));
     }
@@ -289,13 +333,16 @@ private:
                 {QStringLiteral("TMPDIR"), folder},
                 {QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen")}};
     }
-    bool Run(const QString& program, const QStringList& arguments) {
-        QProcess process;
+    QProcessEnvironment Environment() const {
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         const auto around = Around();
         for (auto each = around.begin(); each != around.end(); ++each)
             environment.insert(each.key(), each.value());
-        process.setProcessEnvironment(environment);
+        return environment;
+    }
+    bool Run(const QString& program, const QStringList& arguments) {
+        QProcess process;
+        process.setProcessEnvironment(Environment());
         process.setProcessChannelMode(QProcess::MergedChannels);
         process.start(program, arguments);
         const bool ended = process.waitForFinished(Patience);
@@ -474,6 +521,7 @@ private:
     QString build_, around_;
     std::function<void(const QString&)> say_;
     OfficeForDay office_;
+    QProcess manager_; ///< started only where it may be killed
     std::unique_ptr<DriverClient> program_;
     QString said_;
 };

@@ -159,6 +159,13 @@ protected:
     BreakSweep() {
         Global.TheDisk = &disk_;
         LayOutOffice(TRAMBLE_INSTALLED, Folder() + "app/");
+        Global.AppPath = Folder() + "app/";
+        SetTablesAndInstall();
+        SetImagesAndTotals();
+        MakeEmptyTwins();
+        SetDataOutBackupTemplates();
+        TemplatePass([] {});
+        for (const auto path : Paths) paths_.push_back(Global.*path);
         Arm();
         WriteWholeFile(Global.UploadTemplates + "All.ust", "Orders=1\r\nAudits=1\r\nHandheld Totals=1\r\n");
         WriteWholeFile(Global.DownloadTemplates + "All.dct",
@@ -171,9 +178,7 @@ protected:
         HotSyncUsers users(Folder() + "HotSync/");
         user_ = users.New("ANNA").Id;
         GiveHandheld();
-        Keep("app/");
-        Keep("handheld/");
-        Keep("HotSync/");
+        for (const char* folder : Changing) Keep(folder);
     }
 
     static std::vector<std::string> LinkRow() {
@@ -197,15 +202,11 @@ protected:
     }
 
     /// The program's state as after a start.
+    /// What a start does anew but for the office's folders, which are laid out once; and nothing is traced.
     void Arm() {
         Global = Globals{};
         Global.TheDisk = &disk_;
-        Global.AppPath = Folder() + "app/";
-        SetTablesAndInstall();
-        SetImagesAndTotals();
-        MakeEmptyTwins();
-        SetDataOutBackupTemplates();
-        TemplatePass([] {});
+        for (std::size_t place = 0; place < paths_.size(); ++place) Global.*Paths[place] = paths_[place];
         Global.UnattendedActive = true;
         Global.UploadSelect = Selection(true);
         Global.UploadSelSettings = "All";
@@ -232,17 +233,21 @@ protected:
     }
 
     void Keep(const std::string& folder) {
-        fs::create_directories(Folder() + "kept/");
+        fs::create_directories(Folder() + folder);
+        fs::create_directories(Folder() + "kept/" + folder);
         fs::copy(Folder() + folder, Folder() + "kept/" + folder, fs::copy_options::recursive);
     }
     /// Everything as before the session, and a program that has just been started.
     void Reset() {
-        for (const char* folder : {"app/", "handheld/", "HotSync/"}) {
+        for (const char* folder : Changing) {
             fs::remove_all(Folder() + folder);
             fs::copy(Folder() + "kept/" + folder, Folder() + folder, fs::copy_options::recursive);
         }
         Start();
     }
+    /// What a session writes to, of an office and beside it.
+    static constexpr const char* Changing[] = {"app/DBFFiles/", "app/Backup/", "handheld/", "HotSync/"};
+
     /// The program is started, again perhaps.
     void Start() {
         program_.reset();
@@ -269,13 +274,16 @@ protected:
         for (const std::string& line : log.Last(30)) said_ += line + "\n";
         return handheld.Packets;
     }
-    /// Every so manieth packet; TRAMBLE_BREAK_STRIDE=1 takes a few minutes and leaves none out.
-    static int Stride() {
-        const char* const told = std::getenv("TRAMBLE_BREAK_STRIDE");
-        return told ? std::max(1, std::atoi(told)) : 11;
-    }
+    /// Every so manieth packet, with the sanitizers; each one without them.
+#ifdef __SANITIZE_ADDRESS__
+    static constexpr int Stride = 11;
+#else
+    static constexpr int Stride = 1;
+#endif
     /// The tests of a sample begin at different packets.
-    static int First(int test) { return Stride() / 3 * test; }
+    static int First(int test) {
+        return Stride / 3 * test;
+    }
     static constexpr int Never = std::numeric_limits<int>::max();
 
     static Keys KeysOf(const std::string& table, int field) {
@@ -286,7 +294,9 @@ protected:
         }
         return keys;
     }
-    static Side OnPC() { return {KeysOf("ZUKORHDR.DBF", OrderCode), KeysOf("ZUKORLIN.DBF", LineKey)}; }
+    static Side OnPC() {
+        return {KeysOf("ZUKORHDR.DBF", OrderCode), KeysOf("ZUKORLIN.DBF", LineKey)};
+    }
 
     Keys KeysOnHandheld(const std::string& table, const std::string& field) const {
         const Handheld handheld(Folder() + "handheld/");
@@ -359,7 +369,13 @@ protected:
         ExpectNoFilesOfASession();
     }
 
+    static constexpr std::string Globals::*Paths[] = {
+        &Globals::InstallPath,  &Globals::DBFPath,    &Globals::ImagesPath,      &Globals::HHTotalsPath,
+        &Globals::DBFEmptyPath, &Globals::BackupPath, &Globals::UploadTemplates, &Globals::DownloadTemplates,
+    };
+
     UnflushedDisk disk_;
+    std::vector<std::string> paths_;
     ManagerSettings settings_;
     std::unique_ptr<UnattendedProgram> program_;
     std::uint32_t user_ = 0;
@@ -398,7 +414,7 @@ TEST_F(BreakSweep, WhereverTheLineBreaksEachOrderIsOnTheHandheldOrOnThePC) {
     Reset();
     const int packets = HotSync(Never, Never);
     ASSERT_GT(packets, 100);
-    for (int cut = First(1); cut < packets; cut += Stride()) {
+    for (int cut = First(1); cut < packets; cut += Stride) {
         SCOPED_TRACE("the line breaks behind packet " + std::to_string(cut) + " of " +
                      std::to_string(packets));
         Reset();
@@ -415,7 +431,7 @@ TEST_F(BreakSweep, WhereverTheLineBreaksEachOrderIsOnTheHandheldOrOnThePC) {
 TEST_F(BreakSweep, WhereverTheProgramIsKilledItsNextStartLosesNoOrder) {
     Reset();
     const int packets = HotSync(Never, Never);
-    for (int killed = First(2); killed < packets; killed += Stride()) {
+    for (int killed = First(2); killed < packets; killed += Stride) {
         SCOPED_TRACE("the program ends at packet " + std::to_string(killed) + " of " +
                      std::to_string(packets));
         Reset();
