@@ -111,18 +111,21 @@ UnattendedSettings SelectionsInForce() {
             Global.UploadSelSettings,         Global.RemoteClearSelect, Global.RemoteClearSettings};
 }
 
+void PutInForce(const UnattendedSettings& settings) {
+    Global.RemoteSelect = settings.Download;
+    Global.RemoteSelSettings = settings.DownloadTemplate;
+    Global.UploadSelect = settings.Upload;
+    Global.UploadSelSettings = settings.UploadTemplate;
+    Global.RemoteClearSelect = settings.Clear;
+    Global.RemoteClearSettings = settings.ClearTemplate;
+}
+
 void TakeUnattendedSettings() {
     const std::string& name = Global.RemoteSyncSettings;
     CheckTemplate(name);
-    const UnattendedSettings read = ReadUnattendedSettings(Global.UnattendedTemplates + NameToPath(name) +
-                                                               std::string(UnattendedExtension),
-                                                           SelectionsInForce());
-    Global.RemoteSelect = read.Download;
-    Global.RemoteSelSettings = read.DownloadTemplate;
-    Global.UploadSelect = read.Upload;
-    Global.UploadSelSettings = read.UploadTemplate;
-    Global.RemoteClearSelect = read.Clear;
-    Global.RemoteClearSettings = read.ClearTemplate;
+    PutInForce(ReadUnattendedSettings(Global.UnattendedTemplates + NameToPath(name) +
+                                          std::string(UnattendedExtension),
+                                      SelectionsInForce()));
 }
 
 void FindUnattendedTemplates() {

@@ -35,6 +35,9 @@ void SaveUA(std::string_view path, const UnattendedSettings& settings);
 /// What sessions do, as Global has it in RemoteSelect and its neighbours.
 UnattendedSettings SelectionsInForce();
 
+/// Makes them those that the next sessions go by.
+void PutInForce(const UnattendedSettings& settings);
+
 /// Reads the file that Global.RemoteSyncSettings names over the selections in force. RunTimeFailure as
 /// ReadUnattendedSettings; they are then as they were.
 void TakeUnattendedSettings();

@@ -428,14 +428,8 @@ bool frmOptions::NameIsKept(QComboBox& box, const std::string& name, std::string
 }
 
 void frmOptions::TakeOptions() const {
-    const UnattendedSettings unattended = Unattended();
     Global.RemoteSyncSettings = PathToName(unattended_.Name());
-    Global.RemoteSelect = unattended.Download;
-    Global.RemoteSelSettings = unattended.DownloadTemplate;
-    Global.UploadSelect = unattended.Upload;
-    Global.UploadSelSettings = unattended.UploadTemplate;
-    Global.RemoteClearSelect = unattended.Clear;
-    Global.RemoteClearSettings = unattended.ClearTemplate;
+    PutInForce(Unattended());
     // To delete backups now says nothing about those to come.
     if (!optDelBackup->isChecked()) Global.PurgeBackup = optPurge->isChecked();
     if (optPurge->isChecked()) Global.PurgeDays = static_cast<std::int16_t>(cboPurge->currentData().toInt());
