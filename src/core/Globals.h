@@ -52,9 +52,10 @@ enum ViewFlag {
     ViewSTax,
     ViewPay,
     ViewLink,
-    ViewPRN
+    ViewPRN,
+    ViewRestore ///< no table: the backups from which tables can be had back
 };
-inline constexpr std::size_t ViewFlags = 16;
+inline constexpr std::size_t ViewFlags = 17;
 
 /// What a session is to do with tables: nothing, or what a template says. A session also knows what it does
 /// with any other number, which no screen and no settings file gives it.
@@ -176,13 +177,22 @@ struct Globals {
     std::string TemplateEditKind;  ///< in that mode: only templates of this extension; empty for all
     std::array<bool, ProgressFlags> Progress{};
     std::array<bool, ViewFlags> View{}; ///< the table that is shown; see views/TableViews.h
-    std::int32_t SelectedRow = 0;       ///< number of the record that is chosen in it; 0 none
-    bool FromConfigurator = false;      ///< a screen is open on behalf of the Configurator, and returns there
-    std::int32_t LinkRecordToShow = 0;  ///< record of the Links table that its editor opens at; 0 the first
-    std::string NewHSUser;              ///< HotSync user that the operator chose to add
-    bool ManualUploadActive = false;    ///< a screen waits for the handheld in the cradle
-    bool HSUsersUpdated = false;        ///< the conduit was registered for all HotSync users in this run
-    bool HSDisplayHeld = false;         ///< the main screen leaves the HotSync Manager's window where it is
+    std::string ViewFolder; ///< of tables that are shown and cannot be changed, as a backup's; empty: the
+                            ///< tables directory
+    std::int32_t SelectedRow = 0;  ///< number of the record that is chosen in it; 0 none
+    bool SetupOnly = false;        ///< `frmChSetup` reads its table into the two below, and shows nothing
+    std::string SearchCustomers;   ///< field from which a customer's search value comes, as SU_SRCHCUS has it
+    std::string SearchItems;       ///< and an item's, as SU_SRCHITM
+    std::int16_t LinesPerPage = 0; ///< of printed text reports, as LINEMAX of the print settings has it
+    std::string OldTable, NewTable;    ///< paths of the transfer between two structures of a table
+    bool CopySingleTable = false;      ///< `frmCopyDBF` makes that one transfer, and no version update
+    bool UpdateCancelled = false;      ///< the operator does not want the update of which `frmUpdateMsg` told
+    bool FromConfigurator = false;     ///< a screen is open on behalf of the Configurator, and returns there
+    std::int32_t LinkRecordToShow = 0; ///< record of the Links table that its editor opens at; 0 the first
+    std::string NewHSUser;             ///< HotSync user that the operator chose to add
+    bool ManualUploadActive = false;   ///< a screen waits for the handheld in the cradle
+    bool HSUsersUpdated = false;       ///< the conduit was registered for all HotSync users in this run
+    bool HSDisplayHeld = false;        ///< the main screen leaves the HotSync Manager's window where it is
     bool UnloadingForms = false;
     bool TemporaryDirectory = false; ///< "ZUKTemp" was made and is removed by UnloadForms
 };

@@ -1,9 +1,8 @@
 #pragma once
 
-#include "store/DBFEdit.h"
+#include "store/TableRecords.h"
 
 #include <cstdint>
-#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -17,24 +16,17 @@ struct LinkFields {
 
 /// The Links table in the hands of its editor: open from Open to Close, one record current.
 ///
-/// A change is in the file when its routine returns. After a RunTimeFailure (as DBFEdit and
-/// TableRewrite) the record that was current is so again, as it stands in the file by then; where even
-/// that cannot be had the table is closed, and the next routine opens it first.
+/// Changes and failures as TableRecords.
 class LinkTable {
 public:
-    LinkTable() = default;
-    LinkTable(const LinkTable&) = delete;
-    LinkTable& operator=(const LinkTable&) = delete;
-    ~LinkTable() { Close(); }
-
     /// Opens the table of the tables directory at a record, or at the nearest that there is.
     /// RunTimeFailure 321 when it has no field for the id.
     void Open(std::int32_t record);
-    void Close();
-    bool IsOpen() const { return open_; }
+    void Close() { links_.Close(); }
+    bool IsOpen() const { return links_.IsOpen(); }
 
-    std::int32_t RecordCount() const { return links_.RecordCount; }
-    std::int32_t RecordNumber() const { return record_; } ///< 0 in an empty table
+    std::int32_t RecordCount() const { return links_.RecordCount(); }
+    std::int32_t RecordNumber() const { return links_.RecordNumber(); } ///< 0 in an empty table
 
     /// The ids of all records in their order, trimmed. They stay when the table is closed.
     const std::vector<std::string>& IDs() const { return ids_; }
@@ -44,7 +36,7 @@ public:
     LinkFields Trimmed() const;
 
     /// A record's number or a target of DBFEdit.
-    void Go(std::int32_t target);
+    void Go(std::int32_t target) { links_.Go(target); }
 
     /// Changes the current record; the values are trimmed.
     void Write(const LinkFields& fields);
@@ -53,7 +45,7 @@ public:
     void Append();
 
     /// The current record was added and has never been written.
-    bool IsNew() const { return new_; }
+    bool IsNew() const { return links_.IsNew(); }
 
     /// Removes the current record. The next one takes its number, or else the last one is current.
     void Delete();
@@ -62,12 +54,6 @@ public:
     std::int32_t OtherWith(std::string_view id) const;
 
 private:
-    void Attempt(const std::function<void()>& step);
-    std::vector<std::string> ReadIDs();
-
-    DBFEdit links_;
-    std::int32_t record_ = 0;
+    TableRecords links_;
     std::vector<std::string> ids_;
-    bool open_ = false;
-    bool new_ = false;
 };

@@ -39,6 +39,8 @@ const TableView Views[] = {
     {ViewLink, "ZUKLINK.DBF", msg::GridLink, msg::RecordsLink, "UpDtHSUsers32x32-16M.ico",
      DisplayRoutine::Data, msg::EmptyLinks},
     {ViewPRN, "ZUKPRN.DBF", msg::GridPRN, msg::RecordsPRN, "", DisplayRoutine::Data, msg::EmptyAudit},
+    {ViewRestore, "", msg::GridRestore, msg::GridRestore, "Restore.ico", DisplayRoutine::RestoreData,
+     msg::EmptyRestore},
 };
 static_assert(std::size(Views) == ViewFlags);
 
@@ -82,6 +84,7 @@ std::span<const TableView> AllTableViews() {
 void ClearViewFlags() {
     Global.View.fill(false);
     Global.SelectedRow = 0;
+    Global.ViewFolder.clear();
 }
 
 const TableView* ChosenView() {

@@ -10,26 +10,29 @@
 #include <string>
 
 /// Which routine of the grid shows a table.
-enum class DisplayRoutine { Data, CustData, ItemData, STaxData, TotalsData };
+enum class DisplayRoutine { Data, CustData, ItemData, STaxData, TotalsData, RestoreData };
 
-/// One table that the browser shows.
+/// One table that the browser shows, or the list of backups, which is none.
 struct TableView {
     ViewFlag Flag;
-    const char* File; ///< name in the tables directory, any case
+    const char* File; ///< name in the tables directory, any case; empty for none
     MessageId GridTitle;
     MessageId RecordTitle;
     const char* Icon; ///< a picture's name; empty for the program's own
     DisplayRoutine Display;
     MessageId WhenEmpty; ///< says what fills the table
 
-    std::string Path() const { return Global.DBFPath + File; }
+    std::string Path() const {
+        return (Global.ViewFolder.empty() ? Global.DBFPath : Global.ViewFolder) + File;
+    }
     const TableEntry& Table() const;
 };
 
 /// All of them, in the order of ViewFlag.
 std::span<const TableView> AllTableViews();
 
-/// Sets every flag to no, and no row as selected. Who opens the browser does so and sets one flag.
+/// Sets every flag to no, no row as selected, and the tables directory as the one that is viewed. Who opens
+/// the browser does so and sets one flag.
 void ClearViewFlags();
 
 /// The view of the first flag that is set; nullptr when none is.

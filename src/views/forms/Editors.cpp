@@ -4,15 +4,47 @@
 #include "sync/forms/frmChgLink.h"
 #include "views/TableViews.h"
 
-bool HasEditor() {
+#include <algorithm>
+#include <iterator>
+
+namespace {
+
+template <class F>
+bool OpenForm() {
+    auto& editor = The<F>();
+    editor.Show();
+    return !editor.IsGone();
+}
+
+bool OpenLinks() {
+    Global.LinkRecordToShow = Global.SelectedRow;
+    return OpenForm<frmChgLink>();
+}
+
+struct Editor {
+    ViewFlag Flag;
+    bool (*Open)();
+};
+
+constexpr Editor AllEditors[] = {
+    {ViewLink, OpenLinks},
+};
+
+const Editor* ChosenEditor() {
+    if (!Global.ViewFolder.empty()) return nullptr;
     const TableView* view = ChosenView();
-    return view && view->Flag == ViewLink;
+    const auto chosen = std::find_if(std::begin(AllEditors), std::end(AllEditors),
+                                     [&](const Editor& editor) { return view && editor.Flag == view->Flag; });
+    return chosen == std::end(AllEditors) ? nullptr : chosen;
+}
+
+} // namespace
+
+bool HasEditor() {
+    return ChosenEditor() != nullptr;
 }
 
 bool OpenEditor() {
-    if (!HasEditor()) return false;
-    Global.LinkRecordToShow = Global.SelectedRow;
-    auto& editor = The<frmChgLink>();
-    editor.Show();
-    return !editor.IsGone();
+    const Editor* editor = ChosenEditor();
+    return editor && editor->Open();
 }

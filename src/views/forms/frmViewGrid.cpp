@@ -74,6 +74,8 @@ void frmViewGrid::Display(const TableView& view) {
         return DisplaySTaxData(view.Path());
     case DisplayRoutine::Data:
         return DisplayData(view.Path());
+    case DisplayRoutine::RestoreData:
+        return DisplayRestoreData();
     }
 }
 
@@ -113,6 +115,10 @@ void frmViewGrid::DisplayTotalsData() {
     TraceEvent("frmViewGrid:DisplayTotalsData");
     Fill(ChosenView()->Path(), TotalsColumns);
     FG1_SelChange();
+}
+
+void frmViewGrid::DisplayRestoreData() {
+    TraceEvent("frmViewGrid:DisplayRestoreData");
 }
 
 void frmViewGrid::Form_GotFocus() {

@@ -48,5 +48,6 @@ private:
     void DisplayItemData(const std::string& path);
     void DisplaySTaxData(const std::string& path);
     void DisplayTotalsData();
+    void DisplayRestoreData();
     void Fill(const std::string& path, ColumnsOf columnsOf);
 };

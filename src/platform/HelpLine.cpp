@@ -1,0 +1,47 @@
+#include "platform/HelpLine.h"
+
+#include "platform/Convert.h"
+
+#include <QFocusEvent>
+#include <QLabel>
+#include <QVariant>
+#include <QWidget>
+
+namespace {
+
+constexpr const char* HelpText = "HelpText";
+
+/// Where a dialog that opens puts the focus nobody has pressed a key.
+bool CameByAKey(const QEvent& event) {
+    const Qt::FocusReason reason = static_cast<const QFocusEvent&>(event).reason();
+    return reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason ||
+           reason == Qt::ShortcutFocusReason;
+}
+
+} // namespace
+
+HelpLine::HelpLine(QLabel& label, const Text& idle) : QObject(&label), label_(label), idle_(ToQt(idle)) {
+    Rest();
+}
+
+void HelpLine::Add(QWidget& control, const Text& text) {
+    control.setProperty(HelpText, ToQt(text));
+    control.setAccessibleDescription(ToQt(text));
+    control.installEventFilter(this);
+}
+
+void HelpLine::Rest() {
+    label_.setText(idle_);
+}
+
+void HelpLine::ShowFor(const QObject& control) {
+    label_.setText(control.property(HelpText).toString());
+}
+
+bool HelpLine::eventFilter(QObject* object, QEvent* event) {
+    if (event->type() == QEvent::Enter) ShowFor(*object);
+    if (event->type() == QEvent::Leave) Rest();
+    if (event->type() == QEvent::FocusIn && CameByAKey(*event) && label_.window()->isVisible())
+        ShowFor(*object);
+    return QObject::eventFilter(object, event);
+}

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "core/Text.h"
+
+#include <QObject>
+
+class QLabel;
+class QWidget;
+
+/// A label that says what the control under the mouse is for, and the one that a key has come to.
+class HelpLine final : public QObject {
+    Q_OBJECT
+
+public:
+    /// `idle` is shown while no control has anything to say. The line belongs to the label.
+    HelpLine(QLabel& label, const Text& idle);
+
+    void Add(QWidget& control, const Text& text);
+
+    /// Shows the idle text again.
+    void Rest();
+
+protected:
+    bool eventFilter(QObject* object, QEvent* event) override;
+
+private:
+    void ShowFor(const QObject& control);
+
+    QLabel& label_;
+    QString idle_;
+};
