@@ -78,11 +78,11 @@ struct View {
 };
 
 constexpr View Views[] = {
-    {"Alt+V S C", "company", true}, {"Alt+V S L", "links"},       {"Alt+V S P", "payments"},
-    {"Alt+V S R", "printer", true}, {"Alt+V S T", "salestax"},    {"Alt+V S S", "setup", true},
-    {"Alt+V M C", "customers"},     {"Alt+V M I", "items"},       {"Alt+V O H", "headers"},
-    {"Alt+V O L", "lines"},         {"Alt+V A H", "headeraudit"}, {"Alt+V A L", "lineaudit"},
-    {"Alt+V A T", "handheldtotals"}, {"Alt+V B", "barcodes"},     {"Alt+V R", "spooler"},
+    {"Alt+V S C", "company", true},  {"Alt+V S L", "links"},       {"Alt+V S P", "payments"},
+    {"Alt+V S R", "printer", true},  {"Alt+V S T", "salestax"},    {"Alt+V S S", "setup", true},
+    {"Alt+V M C", "customers"},      {"Alt+V M I", "items"},       {"Alt+V O H", "headers"},
+    {"Alt+V O L", "lines"},          {"Alt+V A H", "headeraudit"}, {"Alt+V A L", "lineaudit"},
+    {"Alt+V A T", "handheldtotals"}, {"Alt+V B", "barcodes"},      {"Alt+V R", "spooler"},
 };
 
 /// The grid of a table from end to end, and the same record by record.
