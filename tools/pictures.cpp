@@ -48,6 +48,7 @@ public:
     }
     std::optional<std::string> InputBox(const Text&, const std::string&) override { return std::nullopt; }
     bool Ask(const Question&) override { return false; }
+    std::unique_ptr<Printer> PrinterDialog(const Text&) override { return nullptr; }
     void Beep() override {}
 
     bool RunsActivities = false;
