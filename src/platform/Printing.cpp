@@ -43,7 +43,8 @@ bool IsFixedName(const QString& name) {
 /// The family that stands for a fixed font: as wide as Courier New where possible, and of fixed pitch in
 /// any case, or the boxes would not stand below each other.
 QString FixedFamily() {
-    for (const char* name : {"Courier New", "Liberation Mono", "Cousine", "Nimbus Mono PS", "DejaVu Sans Mono"}) {
+    for (const char* name :
+         {"Courier New", "Liberation Mono", "Cousine", "Nimbus Mono PS", "DejaVu Sans Mono"}) {
         const QString family = QString::fromLatin1(name);
         if (QFontDatabase::hasFamily(family) && QFontInfo(QFont(family)).fixedPitch()) return family;
     }

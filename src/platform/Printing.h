@@ -76,6 +76,6 @@ private:
 std::unique_ptr<Printer> NewPdfPrinter(std::string_view path, const QPageLayout& paper, const QString& title,
                                        Printer::Range pages = {});
 
-/// The printer dialog of the platform; see Operator::PrinterDialog. It remembers paper and file no longer than
-/// it is open.
+/// The printer dialog of the platform; see Operator::PrinterDialog. It remembers paper and file no longer
+/// than it is open.
 std::unique_ptr<Printer> AskForPrinter(const QString& document);

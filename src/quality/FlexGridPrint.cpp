@@ -13,10 +13,10 @@ constexpr PrintFont TitleFont{"Arial", 14, true};
 constexpr PrintFont HeadingFont{"Arial", 8, true};
 constexpr PrintFont CellFont{"Arial", 8};
 
-constexpr int CellMargin = 60;     ///< between a box and its text, in twips
-constexpr int BelowTitle = 200;    ///< from the moment of printing to the headings
-constexpr int TopOfPage = 300;     ///< of a page without a title
-constexpr int MostExtraLines = 2;  ///< by which a row's height on the screen may exceed its need on paper
+constexpr int CellMargin = 60;    ///< between a box and its text, in twips
+constexpr int BelowTitle = 200;   ///< from the moment of printing to the headings
+constexpr int TopOfPage = 300;    ///< of a page without a title
+constexpr int MostExtraLines = 2; ///< by which a row's height on the screen may exceed its need on paper
 
 /// How far down rows may reach.
 int PrintableHeight(const Printer& printer) {
@@ -101,8 +101,7 @@ void FlexGridPrint::Begin(Printer& printer) {
     const int sum = std::accumulate(grid_.Widths.begin(), grid_.Widths.end(), 0);
     widths_ = grid_.Widths;
     if (sum > printer.PageWidth()) {
-        for (int& width : widths_)
-            width = static_cast<int>(std::int64_t{width} * printer.PageWidth() / sum);
+        for (int& width : widths_) width = static_cast<int>(std::int64_t{width} * printer.PageWidth() / sum);
     }
     printer.SetFont(TitleFont);
     const int titleHeight = printer.TextHeight();

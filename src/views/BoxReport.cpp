@@ -57,13 +57,20 @@ const BoxForm& OrHdrAudtForm() {
 }
 
 const BoxForm& OrLinAudtForm() {
-    static const BoxForm form{msg::PrintDataOrLinAudtTitle, 28, 75, 7, 30, {msg::PrintDataOrLinAudtHead}, 1, 2};
+    static const BoxForm form{msg::PrintDataOrLinAudtTitle,  28, 75, 7, 30,
+                              {msg::PrintDataOrLinAudtHead}, 1,  2};
     return form;
 }
 
 const BoxForm& AudtHHForm() {
-    static const BoxForm form{
-        msg::PrintDataAudtHHTitle, 36, 88, 14, 30, {msg::PrintDataAudtHHHead1, msg::PrintDataAudtHHHead2}, 1, 3};
+    static const BoxForm form{msg::PrintDataAudtHHTitle,
+                              36,
+                              88,
+                              14,
+                              30,
+                              {msg::PrintDataAudtHHHead1, msg::PrintDataAudtHHHead2},
+                              1,
+                              3};
     return form;
 }
 
