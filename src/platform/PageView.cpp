@@ -97,7 +97,8 @@ QPixmap PageView::Draw(QSize pixels, double ratio) {
     const double toThePoint = pixels.width() / paper_.fullRect(QPageLayout::Point).width();
     const QRectF inside = paper_.paintRect(QPageLayout::Point);
     painter.translate(inside.left() * toThePoint, inside.top() * toThePoint);
-    painter.scale(toThePoint * PointsToTheInch / TwipsToTheInch, toThePoint * PointsToTheInch / TwipsToTheInch);
+    painter.scale(toThePoint * PointsToTheInch / TwipsToTheInch,
+                  toThePoint * PointsToTheInch / TwipsToTheInch);
     ShownPage page(painter, paper_);
     draw_(page_, page);
     page.EndDoc();

@@ -12,8 +12,8 @@ class Printer;
 /// Shows one page of a document at a time, on paper that is white in either look.
 ///
 /// The arrow keys and Page Up and Down move over the page and on to the next one, Home and End go
-/// to the first and last, + and - and the wheel with Ctrl make it larger and smaller. A page is drawn once for
-/// each size in which it is shown.
+/// to the first and last, + and - and the wheel with Ctrl make it larger and smaller. A page is drawn once
+/// for each size in which it is shown.
 class PageView final : public QAbstractScrollArea {
     Q_OBJECT
 

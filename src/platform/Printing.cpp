@@ -18,6 +18,7 @@
 #include <QPointer>
 #include <QPrintDialog>
 #include <QPrinter>
+#include <QPrinterInfo>
 #include <QPushButton>
 
 #include <algorithm>
@@ -304,11 +305,18 @@ std::unique_ptr<Printer> AskForPrinter(const QString& document) {
     printer->setDocName(document);
     printer->setCreator(ToQt(Text(msg::Title)));
     printer->setPageMargins(UsualMargins(), QPageLayout::Point);
+    // Without a printer only a file is left, and it needs a name.
+    if (QPrinterInfo::availablePrinterNames().isEmpty())
+        printer->setOutputFileName(PathToQt(Global.DataOutPath) + document + QStringLiteral(".pdf"));
     const QPointer<QPrintDialog> dialog = new QPrintDialog(printer.get(), QApplication::activeWindow());
     dialog->setObjectName(QStringLiteral("PrintDialog"));
     dialog->setOptions(QAbstractPrintDialog::PrintToFile | QAbstractPrintDialog::PrintPageRange |
                        QAbstractPrintDialog::PrintShowPageSize | QAbstractPrintDialog::PrintCollateCopies);
-    // The dialog is the platform's; where it is made of Qt's own parts its buttons get names.
+    // The dialog is the platform's; where it is made of Qt's own parts its buttons get names, and a list of
+    // pages, which a file would not have, goes.
+    for (const char* name : {"pagesRadioButton", "pagesLineEdit"}) {
+        if (auto* list = dialog->findChild<QWidget*>(QString::fromLatin1(name))) list->hide();
+    }
     if (auto* buttons = dialog->findChild<QDialogButtonBox*>()) {
         if (auto* ok = buttons->button(QDialogButtonBox::Ok)) ok->setObjectName(QStringLiteral("Ok"));
         if (auto* cancel = buttons->button(QDialogButtonBox::Cancel))

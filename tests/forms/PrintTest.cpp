@@ -123,10 +123,11 @@ TEST_F(Printing, EachReportIsReadBackFromItsPdfAsItsPagesHaveIt) {
         const char* Row;
         int Pages;
     } reports[] = {
-        {ViewTotals, TotalsForm(), "|UPLOAD-ADD |2026-11-15 10:02:00| 12| 15| 110.50| 2| 5| 10.50|Anna Berg |A001 "
-                                   "|A00100000128|", 1},
-        {ViewOrHdrAudt, OrHdrAudtForm(),
-         "|A1060 |CUST0 | 431.50|Y | |SINGLE |20261115 |10:02:00 |A001 |", 2},
+        {ViewTotals, TotalsForm(),
+         "|UPLOAD-ADD |2026-11-15 10:02:00| 12| 15| 110.50| 2| 5| 10.50|Anna Berg |A001 "
+         "|A00100000128|",
+         1},
+        {ViewOrHdrAudt, OrHdrAudtForm(), "|A1060 |CUST0 | 431.50|Y | |SINGLE |20261115 |10:02:00 |A001 |", 2},
         {ViewOrLinAudt, OrLinAudtForm(), "|A100101 |H1 | |20261115 |10:02:00 |A001 |", 1},
         {ViewAudHH, AudtHHForm(),
          "| 3| 12| 431.5000| |A001 |A00100000128|20261115 |10:02:00 |UPLOAD-REPLACE|", 1},
@@ -282,8 +283,9 @@ TEST_F(Printing, TheQualityCheckPrintsItsRowsWithTitleCompanyAndMomentAndSaysWhe
     Click(form, "cmdPrint");
 
     const QString all = ReadPdf(Pdf()).join(QLatin1Char('\n'));
-    for (const char* words : {"Quality Check", "Acme Hardware", "Printed on 2026-11-15 at 02:05 PM", "Severity",
-                              "Configurator Group", "Code field is blank.", "Records: 1, 2", "Fill it."})
+    for (const char* words :
+         {"Quality Check", "Acme Hardware", "Printed on 2026-11-15 at 02:05 PM", "Severity",
+          "Configurator Group", "Code field is blank.", "Records: 1, 2", "Fill it."})
         EXPECT_TRUE(all.contains(QString::fromLatin1(words))) << words << "\n" << all.toStdString();
 }
 
@@ -294,15 +296,18 @@ TEST_F(Printing, AReportOf116CharactersFitsTheWidthOfA4AndLetterAndNothingOfAWid
               QFontMetricsF(font).horizontalAdvance(QLatin1Char('W')));
     for (const auto size : {QPageSize::A4, QPageSize::Letter, QPageSize::A6}) {
         for (const int width : {116, 300}) {
-            const QPageLayout paper(QPageSize(size), QPageLayout::Portrait, UsualMargins(), QPageLayout::Point);
+            const QPageLayout paper(QPageSize(size), QPageLayout::Portrait, UsualMargins(),
+                                    QPageLayout::Point);
             auto printer = NewPdfPrinter(Pdf(), paper, QStringLiteral("Report"));
             printer->SetFont({"Courier New", 8});
             for (int line = 0; line < printer->LinesPerPage() + 20; ++line)
-                printer->Print(Text::Value(std::string_view("<" + std::string(static_cast<std::size_t>(width) - 2, 'x') + ">")));
+                printer->Print(Text::Value(
+                    std::string_view("<" + std::string(static_cast<std::size_t>(width) - 2, 'x') + ">")));
             const int lines = printer->LinesPerPage() + 20;
             printer->EndDoc();
             const QStringList read = ReadPdf(Pdf());
-            EXPECT_EQ(read.filter(QRegularExpression(QStringLiteral("^<x{%1}>$").arg(width - 2))).size(), lines);
+            EXPECT_EQ(read.filter(QRegularExpression(QStringLiteral("^<x{%1}>$").arg(width - 2))).size(),
+                      lines);
         }
     }
 }

@@ -111,8 +111,9 @@ TEST_F(FlexGridPrintTest, TheHeadingsAreBoldAndStandInBoxesOfTheToldWidths) {
 
 TEST_F(FlexGridPrintTest, LongCellsWrapAtBlanksAndLineFeedsAndInsideAWordThatFitsNoLine) {
     // 28 characters fit 2850 twips less the margins: 27.
-    Print(Grid({{"Fatal", "", "",
-                 "Customer code field in table\nRecords: 1, 2\n\nABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789 end", ""}}));
+    Print(Grid(
+        {{"Fatal", "", "",
+          "Customer code field in table\nRecords: 1, 2\n\nABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789 end", ""}}));
 
     EXPECT_EQ(Column(5475), (Words{"Customer code field in", "table", "Records: 1, 2", "",
                                    "ABCDEFGHIJKLMNOPQRSTUVWXYZ0", "123456789 end"}));
@@ -149,7 +150,8 @@ TEST_F(FlexGridPrintTest, RowsThatDoNotFitGoToTheNextPageBelowTheHeadings) {
 TEST_F(FlexGridPrintTest, ARowHigherThanAPageGoesOnOverSeveralAndLosesNoLine) {
     std::string issue = "1";
     for (int k = 2; k <= 200; ++k) issue += "\n" + std::to_string(k);
-    Print(Grid({{"Fatal", "before", "", "", ""}, {"Fatal", "long", "", issue, ""}, {"Warn", "behind", "", "", ""}}));
+    Print(Grid(
+        {{"Fatal", "before", "", "", ""}, {"Fatal", "long", "", issue, ""}, {"Warn", "behind", "", "", ""}}));
 
     const Words printed = Column(5475);
     ASSERT_GE(printed.size(), 200U);

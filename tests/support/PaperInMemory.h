@@ -30,8 +30,8 @@ public:
         std::vector<Box> Boxes;
     };
 
-    int Capacity = 1000;                  ///< lines to the page
-    int Width = 12000, Height = 15000;    ///< of the page
+    int Capacity = 1000;               ///< lines to the page
+    int Width = 12000, Height = 15000; ///< of the page
     Range Wanted;
     std::int32_t FailsAtPage = 0; ///< that is begun with a failure; 0 none
 
@@ -52,9 +52,7 @@ public:
         FontName = font.Name;
         FontPoints = font.Points;
     }
-    void Print(const Text& line) override {
-        Printed.back().Lines.push_back({line.CodePage(), font_.Bold});
-    }
+    void Print(const Text& line) override { Printed.back().Lines.push_back({line.CodePage(), font_.Bold}); }
     int LinesPerPage() override { return Capacity; }
     int PageWidth() const override { return Width; }
     int PageHeight() const override { return Height; }

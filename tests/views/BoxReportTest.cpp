@@ -167,24 +167,26 @@ TEST_F(BoxReportTest, TheTotalsStandInElevenBoxes) {
                               {"0", "0", "0", "0", "0", "0", "", "CLEAR", "2026-11-14 9:00", "", ""}},
                              "ZUKTOTALPC.DBF"));
 
-    EXPECT_EQ(paper_.TextOf(0),
-              TotalsHead +
-                  "|UPLOAD-ADD     |2026-11-15 10:02  |   12|   15|  1110.50|    2|    5|      10.50|Anna Berg   "
-                  "    |M1    |M1000002 |\n"
-                  "|CLEAR          |2026-11-14 9:00   |    0|    0|     0.00|    0|    0|       0.00|            "
-                  "    |      |         |\n" +
-                  TotalsEnd);
+    EXPECT_EQ(
+        paper_.TextOf(0),
+        TotalsHead +
+            "|UPLOAD-ADD     |2026-11-15 10:02  |   12|   15|  1110.50|    2|    5|      10.50|Anna Berg   "
+            "    |M1    |M1000002 |\n"
+            "|CLEAR          |2026-11-14 9:00   |    0|    0|     0.00|    0|    0|       0.00|            "
+            "    |      |         |\n" +
+            TotalsEnd);
 }
 
 TEST_F(BoxReportTest, TheHeaderAuditLeavesTheUsersBoxEmptyForATableWithoutOne) {
     Print(OrHdrAudtForm(),
           AuditGrid({{"A0000001", "CUST-1", "431.50", "Y", "SINGLE", "20261115", "10:02:00", "A001"}}));
 
-    EXPECT_EQ(paper_.TextOf(0),
-              OrHdrAudtHead +
-                  "|A0000001|CUST-1              |    431.50|Y           |         |SINGLE   |20261115   |10:02:00 "
-                  "   |A001       |\n" +
-                  OrHdrAudtEnd);
+    EXPECT_EQ(
+        paper_.TextOf(0),
+        OrHdrAudtHead +
+            "|A0000001|CUST-1              |    431.50|Y           |         |SINGLE   |20261115   |10:02:00 "
+            "   |A001       |\n" +
+            OrHdrAudtEnd);
 }
 
 TEST_F(BoxReportTest, ATableWithAColumnForEachBoxFillsThemAll) {
@@ -195,11 +197,12 @@ TEST_F(BoxReportTest, ATableWithAColumnForEachBoxFillsThemAll) {
                       {"A_TIME", 'C', 8},
                       {"A_MACH_ID", 'C', 4},
                       {"A_MORE", 'C', 4}});
-    Print(OrLinAudtForm(), Grid(maker, {{"K1", "I1", "anna", "20261115", "10:02:00", "A001", "more"}},
-                                "ZUKAUDTL.DBF"));
+    Print(OrLinAudtForm(),
+          Grid(maker, {{"K1", "I1", "anna", "20261115", "10:02:00", "A001", "more"}}, "ZUKAUDTL.DBF"));
 
     EXPECT_EQ(paper_.TextOf(0),
-              OrLinAudtHead + "|K1        |I1             |anna     |20261115   |10:02:00    |A001       |\n" +
+              OrLinAudtHead +
+                  "|K1        |I1             |anna     |20261115   |10:02:00    |A001       |\n" +
                   NarrowEnd);
 }
 
@@ -208,18 +211,21 @@ TEST_F(BoxReportTest, TheLineAuditStandsInSixBoxes) {
           Grid(OrLinAudt(), {{"A000000101", "H1", "20261115", "10:02:00", "A001"}}, "ZUKAUDTL.DBF"));
 
     EXPECT_EQ(paper_.TextOf(0),
-              OrLinAudtHead + "|A000000101|H1             |         |20261115   |10:02:00    |A001       |\n" +
+              OrLinAudtHead +
+                  "|A000000101|H1             |         |20261115   |10:02:00    |A001       |\n" +
                   NarrowEnd);
 }
 
 TEST_F(BoxReportTest, TheHandheldTotalsStandInNineBoxes) {
-    Print(AudtHHForm(), Grid(AudtHH(), {{"3", "12", "431.5", "A001", "A001000003", "20261115", "10:02:00", "UPLOAD"}},
-                             "ZUKAUDHH.DBF"));
+    Print(AudtHHForm(),
+          Grid(AudtHH(), {{"3", "12", "431.5", "A001", "A001000003", "20261115", "10:02:00", "UPLOAD"}},
+               "ZUKAUDHH.DBF"));
 
-    EXPECT_EQ(paper_.TextOf(0),
-              AudtHHHead +
-                  "|      3|     12|     431.5|      |A001    |A001000003 |20261115  |10:02:00    |UPLOAD |\n" +
-                  NarrowEnd);
+    EXPECT_EQ(
+        paper_.TextOf(0),
+        AudtHHHead +
+            "|      3|     12|     431.5|      |A001    |A001000003 |20261115  |10:02:00    |UPLOAD |\n" +
+            NarrowEnd);
 }
 
 TEST_F(BoxReportTest, TitleAndItsDashesAreBoldAndNothingElseIs) {
@@ -251,21 +257,26 @@ TEST_F(BoxReportTest, AValueLongerThanItsBoxIsNotCutAndTheLineFindsItsPlaceAgain
                                       {"", "", "12345678901.25", "", "EVERYTHING"}}));
 
     const auto rows = RowsOf(0);
-    EXPECT_EQ(rows[0], "|A00100000128|C1              |1234567890.25|Y        |         |         |           |"
-                       "            |A001       |");
-    EXPECT_EQ(rows[1], "|        |                    |12345678901.25|        |         |EVERYTHING|          |"
-                       "            |           |");
+    EXPECT_EQ(rows[0],
+              "|A00100000128|C1              |1234567890.25|Y        |         |         |           |"
+              "            |A001       |");
+    EXPECT_EQ(rows[1],
+              "|        |                    |12345678901.25|        |         |EVERYTHING|          |"
+              "            |           |");
 }
 
 TEST_F(BoxReportTest, TheMomentOfATotalsEventIsACharacterLongerThanItsBoxAndStandsWhole) {
-    Print(TotalsForm(), Grid(Totals(), {{"2", "5", "1", "3", "4", "2", "M1", "EXPORT", "2026-11-15 10:02:00"}},
-                             "ZUKTOTALPC.DBF"));
+    Print(TotalsForm(),
+          Grid(Totals(), {{"2", "5", "1", "3", "4", "2", "M1", "EXPORT", "2026-11-15 10:02:00"}},
+               "ZUKTOTALPC.DBF"));
 
     EXPECT_TRUE(RowsOf(0, 11)[0].starts_with("|EXPORT         |2026-11-15 10:02:00|   3|    4|"));
 }
 
 TEST_F(BoxReportTest, AControlCharacterInACellDoesNotBreakTheLine) {
-    Print(OrHdrAudtForm(), AuditGrid({{"A\n1\t", "C\x7F\x01" "2"}, {"\xE9"}}));
+    Print(OrHdrAudtForm(), AuditGrid({{"A\n1\t", "C\x7F\x01"
+                                                 "2"},
+                                      {"\xE9"}}));
     EXPECT_TRUE(RowsOf(0)[0].starts_with("|A 1     |C  2                |"));
     EXPECT_TRUE(RowsOf(0)[1].starts_with("|\xE9       |"));
 }
@@ -285,7 +296,8 @@ TEST_F(BoxReportTest, OneRowMoreMakesASecondPageWhichTheContinuationLineNames) {
     Print(OrHdrAudtForm(), AuditGrid(21), 30);
 
     ASSERT_EQ(paper_.Printed.size(), 2U);
-    EXPECT_EQ(LastLine(0), "                             -----------------  Continued on Page 2  ----------------");
+    EXPECT_EQ(LastLine(0),
+              "                             -----------------  Continued on Page 2  ----------------");
     EXPECT_EQ(RowsOf(0).size(), 20U);
     ASSERT_EQ(RowsOf(1).size(), 1U);
     EXPECT_TRUE(RowsOf(1)[0].starts_with("|A21     |"));
@@ -307,7 +319,8 @@ TEST_F(BoxReportTest, ThreePagesHoldEveryRowOnceInItsOrder) {
         }
     }
     EXPECT_EQ(expected, 0);
-    EXPECT_EQ(LastLine(1), "                             -----------------  Continued on Page 3  ----------------");
+    EXPECT_EQ(LastLine(1),
+              "                             -----------------  Continued on Page 3  ----------------");
     EXPECT_EQ(LastLine(2) + "\n", OrHdrAudtEnd);
 }
 

@@ -29,5 +29,6 @@ void PrintReport(FormBehaviour& form, Report& report) {
     } catch (const RunTimeFailure& failure) {
         return Tell(Lines(msg::ReportFailed, Text::Path(std::string_view(failure.what()))), Icon::Stop);
     }
-    if (const Text done = report.WhenPrinted(); !done.IsEmpty() && !form.IsOver()) Tell(done, Icon::Information);
+    if (const Text done = report.WhenPrinted(); !done.IsEmpty() && !form.IsOver())
+        Tell(done, Icon::Information);
 }

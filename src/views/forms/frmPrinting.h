@@ -30,6 +30,6 @@ protected:
 private:
     void ShowPlace();
 
-    ReportRun* run_ = nullptr;                ///< while it is under way
+    ReportRun* run_ = nullptr;                         ///< while it is under way
     std::optional<RunTimeFailure>* failure_ = nullptr; ///< where it is told
 };
