@@ -43,13 +43,16 @@ bool IsFixedName(const QString& name) {
 
 /// The family that stands for a fixed font: as wide as Courier New where possible, and of fixed pitch in
 /// any case, or the boxes would not stand below each other.
-QString FixedFamily() {
-    for (const char* name :
-         {"Courier New", "Liberation Mono", "Cousine", "Nimbus Mono PS", "DejaVu Sans Mono"}) {
-        const QString family = QString::fromLatin1(name);
-        if (QFontDatabase::hasFamily(family) && QFontInfo(QFont(family)).fixedPitch()) return family;
-    }
-    return QFontDatabase::systemFont(QFontDatabase::FixedFont).family();
+const QString& FixedFamily() {
+    static const QString found = [] {
+        for (const char* name :
+             {"Courier New", "Liberation Mono", "Cousine", "Nimbus Mono PS", "DejaVu Sans Mono"}) {
+            const QString family = QString::fromLatin1(name);
+            if (QFontDatabase::hasFamily(family) && QFontInfo(QFont(family)).fixedPitch()) return family;
+        }
+        return QFontDatabase::systemFont(QFontDatabase::FixedFont).family();
+    }();
+    return found;
 }
 
 /// Brings what a PDF consists of into a SafeFile. A failure of the disk is kept until it is asked for, since
@@ -268,21 +271,22 @@ void PaintedPages::PrintBox(int left, int top, int width, int height) {
 void PaintedPages::FinishPage() {
     QPainter& painter = Painter();
     if (lines_.empty()) return;
-    double widest = 1, height = 0;
-    for (const Line& line : lines_) {
-        widest = std::max(widest, QFontMetricsF(line.Font).horizontalAdvance(line.Words));
-        height += QFontMetricsF(line.Font).lineSpacing();
-    }
-    const double scale = std::min({1.0, width_ / widest, height_ / height});
+    // Of lines in a font of fixed pitch the longest is the widest.
+    const auto longest = std::max_element(lines_.begin(), lines_.end(), [](const Line& a, const Line& b) {
+        return a.Words.size() < b.Words.size();
+    });
+    const double widest = QFontMetricsF(longest->Font).horizontalAdvance(longest->Words);
+    const QFontMetricsF metrics(lines_.back().Font);
+    const double height = metrics.lineSpacing() * static_cast<double>(lines_.size());
+    const double scale = std::min({1.0, width_ / std::max(1.0, widest), height_ / height});
     painter.save();
     painter.scale(scale, scale);
     painter.setPen(Qt::black);
-    double top = 0;
+    double base = metrics.ascent();
     for (const Line& line : lines_) {
-        const QFontMetricsF metrics(line.Font);
         painter.setFont(line.Font);
-        painter.drawText(QPointF(0, top + metrics.ascent()), line.Words);
-        top += metrics.lineSpacing();
+        painter.drawText(QPointF(0, base), line.Words);
+        base += metrics.lineSpacing();
     }
     painter.restore();
     lines_.clear();

@@ -235,6 +235,20 @@ TEST_F(Printing, ThePreviewTurnsPagesGrowsShrinksPrintsAndIsClosedByEsc) {
     EXPECT_TRUE(lines.contains(QStringLiteral("Page 2")));
 }
 
+TEST_F(Printing, APreviewOfATableThatChangesSaysSoAndGoes) {
+    GivenAudit(3);
+    auto& form = OpenGrid(ViewOrHdrAudt);
+    Meanwhile([&] {
+        GivenAudit(5);
+        Operator_.Expect(msg::ReportOutdated).With(Icon::Warning);
+        The<frmPreview>().findChild<QTimer*>(QStringLiteral("TimerLook"))->start(0); // it looks once a second
+    });
+
+    Click(form, "cmdPreview");
+
+    EXPECT_EQ(IfLoaded<frmPreview>(), nullptr);
+}
+
 TEST_F(Printing, ALongReportShowsHowFarItIsAndCanBeStopped) {
     auto& form = OpenGrid(ViewOrHdrAudt);
     NumberedPages report(100);

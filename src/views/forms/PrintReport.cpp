@@ -17,18 +17,23 @@ constexpr std::int32_t ShortReport = 20;
 
 } // namespace
 
-void PrintReport(FormBehaviour& form, Report& report) {
+bool PrintReport(FormBehaviour& form, Report& report) {
     try {
         const std::unique_ptr<Printer> printer = Global.TheOperator->PrinterDialog(report.Title());
-        if (!printer || form.IsOver()) return;
+        if (!printer || form.IsOver()) return true;
         ReportRun run(report, *printer);
         run.Step(ShortReport);
         if (!run.IsOver()) The<frmPrinting>().Finish(run);
-        if (!run.IsOver()) return; // stopped
-        if (run.WasOutdated()) return Tell(msg::ReportOutdated, Icon::Warning);
+        if (!run.IsOver()) return true; // stopped
+        if (run.WasOutdated()) {
+            Tell(msg::ReportOutdated, Icon::Warning);
+            return false;
+        }
     } catch (const RunTimeFailure& failure) {
-        return Tell(Lines(msg::ReportFailed, Text::Path(std::string_view(failure.what()))), Icon::Stop);
+        Tell(Lines(msg::ReportFailed, Text::Path(std::string_view(failure.what()))), Icon::Stop);
+        return true;
     }
     if (const Text done = report.WhenPrinted(); !done.IsEmpty() && !form.IsOver())
         Tell(done, Icon::Information);
+    return true;
 }

@@ -9,8 +9,24 @@
 
 #include <QPainter>
 #include <QPixmap>
+#include <QTimer>
 
+#include <chrono>
 #include <utility>
+
+namespace {
+
+/// How often it looks whether the pages are still those of the table.
+constexpr std::chrono::seconds BetweenLooks{1};
+
+} // namespace
+
+frmPreview::frmPreview() {
+    setupUi(this);
+    auto* look = new QTimer(this);
+    look->setObjectName(QStringLiteral("TimerLook"));
+    look->start(BetweenLooks);
+}
 
 void frmPreview::Form_Load() {
     TraceEvent("frmPreview:Form_Load");
@@ -31,8 +47,10 @@ void frmPreview::DividePages() {
     QPainter painter(&nothing);
     ShownPage measure(painter, paper);
     report_->Begin(measure);
-    Page->SetPages(paper, report_->PageCount(),
-                   [this](std::int32_t page, Printer& printer) { report_->PrintPage(page, printer); });
+    Page->SetPages(paper, report_->PageCount(), [this](std::int32_t page, Printer& printer) {
+        // While it is printed its pages are those of the printer.
+        if (!isBusy_) report_->PrintPage(page, printer);
+    });
 }
 
 void frmPreview::ShowPlace() {
@@ -48,12 +66,10 @@ void frmPreview::ShowPlace() {
     cmdLast->setEnabled(isBehind);
 }
 
-void frmPreview::Form_GotFocus() {
-    LookForChange();
-}
-
-void frmPreview::LookForChange() {
-    if (!report_ || !report_->HasChanged()) return;
+void frmPreview::TimerLook_Timer() {
+    // While it is printed it is looked at by who prints it.
+    if (!report_ || isBusy_ || !report_->HasChanged()) return;
+    isBusy_ = true; // this is told once
     Tell(msg::ReportOutdated, Icon::Warning);
     if (!IsOver()) Unload();
 }
@@ -93,8 +109,11 @@ void frmPreview::cmdWholePage_Click() {
 void frmPreview::cmdPrint_Click() {
     TraceEvent("frmPreview:cmdPrint_Click");
     if (!report_) return;
-    PrintReport(*this, *report_);
+    isBusy_ = true;
+    const bool isOfUse = PrintReport(*this, *report_);
+    isBusy_ = false;
     if (IsOver()) return;
+    if (!isOfUse) return Unload();
     // The pages of the printer may have been others.
     const std::int32_t page = Page->Page();
     DividePages();

@@ -11,7 +11,7 @@ class frmPreview final : public Form, private Ui::frmPreview {
     Q_OBJECT
 
 public:
-    frmPreview() { setupUi(this); }
+    frmPreview();
 
     void ShowReport(std::unique_ptr<Report> report);
 
@@ -26,15 +26,15 @@ private slots:
     void cmdWholePage_Click();
     void cmdPrint_Click();
     void cmdOK_Click();
+    void TimerLook_Timer();
 
 protected:
     void Form_Load() override;
-    void Form_GotFocus() override;
 
 private:
     void DividePages();
     void ShowPlace();
-    void LookForChange();
 
     std::unique_ptr<Report> report_;
+    bool isBusy_ = false;
 };
