@@ -1,11 +1,11 @@
 #include "core/Failure.h"
 #include "core/Messages.h"
 #include "forms/FormTest.h"
+#include "platform/Convert.h"
 #include "platform/GridView.h"
 #include "platform/PageView.h"
 #include "platform/Printing.h"
 #include "quality/forms/frmConfigMsg.h"
-#include "support/PaperInMemory.h"
 #include "support/RefusingDisk.h"
 #include "views/BoxReport.h"
 #include "views/forms/PrintReport.h"
@@ -71,19 +71,6 @@ protected:
         return lines;
     }
 
-    /// The same of pages that were printed in memory.
-    static QStringList LinesOf(const PaperInMemory& paper) {
-        QStringList lines;
-        for (std::size_t page = 0; page < paper.Printed.size(); ++page) {
-            for (const auto& line : paper.Printed[page].Lines) {
-                const QString words = QString::fromLatin1(line.Words.c_str()).simplified();
-                if (!words.isEmpty()) lines << words;
-            }
-            lines << QStringLiteral("\\f");
-        }
-        return lines;
-    }
-
     static void Meanwhile(std::function<void()> deed) { QTimer::singleShot(0, qApp, std::move(deed)); }
 
     static PageView& Pages() { return dynamic_cast<PageView&>(Control(The<frmPreview>(), "Page")); }
@@ -138,7 +125,6 @@ TEST_F(Printing, EachReportIsReadBackFromItsPdfAsItsPagesHaveIt) {
         // By customer: the last record comes first.
         if (each.Flag == ViewOrHdrAudt) dynamic_cast<GridView&>(Control(form, "FG1")).SortOn(2);
         ASSERT_TRUE(Enabled(form, "cmdPrint"));
-        auto paper = std::make_shared<PaperInMemory>();
         Operator_.ExpectPrinterDialog(each.Form.Title, ToPdf());
 
         Click(form, "cmdPrint");
