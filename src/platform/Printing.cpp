@@ -215,6 +215,8 @@ QFont FontFor(const PrintFont& font) {
     found.setPixelSize(Twips(font.Points));
     found.setBold(font.Bold);
     found.setHintingPreference(QFont::PreferNoHinting);
+    // No joined letters: what is looked for in a PDF is found.
+    found.setStyleStrategy(QFont::PreferNoShaping);
     return found;
 }
 
