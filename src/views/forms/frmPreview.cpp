@@ -30,6 +30,7 @@ frmPreview::frmPreview() {
 
 void frmPreview::Form_Load() {
     TraceEvent("frmPreview:Form_Load");
+    Page->setToolTip({}); // its name is for those who have it read aloud
     connect(Page, &PageView::Turned, this, &frmPreview::ShowPlace);
 }
 
