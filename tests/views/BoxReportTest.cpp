@@ -343,6 +343,7 @@ TEST_F(BoxReportTest, ThePageLengthIsThatOfThePrintSettings) {
     EXPECT_EQ(ReadLineMax(settings({"66"})), 66);
     EXPECT_EQ(ReadLineMax(settings({""})), 0);
     EXPECT_EQ(ReadLineMax(settings({"many"})), 0);
+    EXPECT_EQ(ReadLineMax(settings({"99999"})), 0); // more than the global of it holds
     EXPECT_EQ(ReadLineMax(GivenFile("P.DBF", TableMaker({{"LINEMAX", 'N', 8}}).Bytes())), 0);
     EXPECT_EQ(ReadLineMax(GivenFile("P.DBF", TableMaker({{"OTHER", 'N', 8}}).Row({"66"}).Bytes())), 0);
     EXPECT_EQ(ReadLineMax(GivenFile("P.DBF", "no table")), 0);
