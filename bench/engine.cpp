@@ -15,6 +15,7 @@
 #include "store/TableScan.h"
 #include "sync/ReceiptCount.h"
 #include "sync/SafetyCopies.h"
+#include "views/BoxReport.h"
 #include "views/TableViews.h"
 
 #include <benchmark/benchmark.h>
@@ -317,6 +318,45 @@ void OpenATableAndShowItsEnd(benchmark::State& state) {
     }
 }
 BENCHMARK(OpenATableAndShowItsEnd)->Arg(10'000)->Arg(1'000'000)->Unit(benchmark::kMicrosecond);
+
+/// Paper that counts its lines and forgets them.
+class Shredder final : public Printer {
+public:
+    void SetFont(const PrintFont&) override {}
+    void Print(const Text&) override { ++Lines; }
+    int LinesPerPage() override { return 80; }
+    int PageWidth() const override { return 11000; }
+    int PageHeight() const override { return 15000; }
+    int TextWidth(const Text&) override { return 0; }
+    int TextHeight() override { return 180; }
+    void PrintAt(int, int, const Text&) override {}
+    void PrintBox(int, int, int, int) override {}
+    void NewPage() override {}
+    void EndDoc() override {}
+
+    std::int64_t Lines = 0;
+};
+
+/// The pages of the order header audit: as the records stand, or by customer.
+void PrintTheAudit(benchmark::State& state, int sortColumn) {
+    const BenchOffice office;
+    office.GivenAudit(state.range(0));
+    for (auto _ : state) {
+        auto rows =
+            std::make_unique<TableGrid>(Global.DBFPath + "ZUKAUDTH.DBF", [](const TableLayout& layout) {
+                return DataColumns(*FindTable("ZUKAUDTH.DBF"), layout);
+            });
+        if (sortColumn > 0) rows->Sort(sortColumn, false);
+        BoxReport report(OrHdrAudtForm(), std::move(rows), UsualPageLength);
+        Shredder paper;
+        ReportRun run(report, paper);
+        while (!run.IsOver()) run.Step(5);
+        if (paper.Lines < state.range(0)) state.SkipWithError("rows were lost");
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK_CAPTURE(PrintTheAudit, unsorted, 0)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(PrintTheAudit, byCustomer, 2)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
 
 } // namespace
 

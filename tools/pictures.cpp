@@ -33,6 +33,7 @@
 #include <QTabWidget>
 #include <QTemporaryDir>
 #include <QThread>
+#include <QTimer>
 
 #include <cstdio>
 #include <utility>
@@ -48,6 +49,7 @@ public:
     }
     std::optional<std::string> InputBox(const Text&, const std::string&) override { return std::nullopt; }
     bool Ask(const Question&) override { return false; }
+    std::unique_ptr<Printer> PrinterDialog(const Text&) override { return nullptr; }
     void Beep() override {}
 
     bool RunsActivities = false;
@@ -327,6 +329,18 @@ void OptionsFaces(const QString& folder) {
     options.Unload();
 }
 
+/// A preview, which the program waits for.
+void PreviewFace(FormBehaviour& form, const QString& folder, const char* name) {
+    QTimer::singleShot(0, qApp, [&] {
+        auto& preview = The<frmPreview>();
+        Save(preview, folder, QString::fromLatin1(name));
+        Press(preview, "cmdWholePage");
+        Save(preview, folder, QString::fromLatin1(name) + QStringLiteral("-whole"));
+        preview.Unload();
+    });
+    Press(form, "cmdPreview");
+}
+
 /// The browser with each kind of table in it.
 void BrowserFaces(const QString& folder) {
     const std::pair<ViewFlag, const char*> faces[] = {{ViewCust, "customers"},
@@ -346,6 +360,9 @@ void BrowserFaces(const QString& folder) {
         Save(records, folder, QStringLiteral("frmViewData-") + QString::fromLatin1(name));
         records.Unload();
     }
+    ShowTable(ViewTotals);
+    PreviewFace(The<frmViewGrid>(), folder, "frmPreview-totals");
+    The<frmViewGrid>().Unload();
 }
 
 /// The report of a check of the imported tables, the Configurator behind it, and what the report's
@@ -357,6 +374,7 @@ void CheckFaces(const QString& build, const OfficeForDay& office, const QString&
     auto& report = The<frmConfigMsg>();
     Save(config, folder, QStringLiteral("frmConfig-checked"));
     Save(report, folder, QStringLiteral("frmConfigMsg-report"));
+    PreviewFace(report, folder, "frmPreview-check");
     auto* rows = report.findChild<GridView*>(QStringLiteral("FG1"));
     for (int row = 0; row < rows->model()->rowCount(); ++row) {
         rows->SelectRecord(row + 1);

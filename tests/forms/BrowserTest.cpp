@@ -243,7 +243,8 @@ TEST_F(Browser, WhatHasNoScreenYetIsDisabled) {
     auto& form = OpenGrid(ViewCust);
 
     EXPECT_FALSE(Enabled(form, "cmdEdit"));
-    EXPECT_FALSE(Enabled(form, "cmdPrint"));
+    EXPECT_FALSE(Enabled(form, "cmdPrint")); // there is no report of it
+    EXPECT_FALSE(Visible(form, "cmdPreview"));
     EXPECT_TRUE(Enabled(form, "cmdDataView"));
     EXPECT_EQ(TextOf(form, "cmdDataView"), QStringLiteral("View Records"));
     EXPECT_EQ(TextOf(form, "cmdEdit"), QStringLiteral("Edit"));
@@ -532,17 +533,20 @@ TEST_F(Browser, TheHeadingRowsOfTheTotalsCanNotBePrintedOrViewedSingly) {
     GridView& grid = Grid(form);
     EXPECT_EQ(grid.currentIndex().row(), 2);
     EXPECT_TRUE(Enabled(form, "cmdDataView"));
+    EXPECT_TRUE(Enabled(form, "cmdPrint"));
 
     for (const int row : {0, 1}) {
         grid.setCurrentIndex(grid.model()->index(row, 0));
         EXPECT_FALSE(Enabled(form, "cmdDataView"));
         EXPECT_FALSE(Enabled(form, "cmdPrint"));
+        EXPECT_FALSE(Enabled(form, "cmdPreview"));
         emit grid.doubleClicked(grid.currentIndex());
         Settle();
         EXPECT_EQ(IfLoaded<frmViewData>(), nullptr);
     }
     grid.setCurrentIndex(grid.model()->index(3, 0));
     EXPECT_TRUE(Enabled(form, "cmdDataView"));
+    EXPECT_TRUE(Enabled(form, "cmdPrint"));
 }
 
 TEST_F(Browser, CopyingAHeadingRowAloneLeavesTheClipboard) {

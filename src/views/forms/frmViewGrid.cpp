@@ -5,7 +5,10 @@
 #include "core/Operator.h"
 #include "platform/Convert.h"
 #include "platform/Look.h"
+#include "views/BoxReport.h"
 #include "views/forms/Editors.h"
+#include "views/forms/PrintReport.h"
+#include "views/forms/frmPreview.h"
 #include "views/forms/frmViewData.h"
 
 namespace {
@@ -14,6 +17,11 @@ constexpr double PauseBeforeReading = 0.2;
 
 /// The row of the column titles, where the grid has heading rows.
 constexpr int TitleRow = 1;
+
+bool IsPrinted() {
+    return Global.View[ViewTotals] || Global.View[ViewOrHdrAudt] || Global.View[ViewOrLinAudt] ||
+           Global.View[ViewAudHH];
+}
 
 void ShowGrid(ViewFlag flag, ShowMode mode, std::int32_t record = 0) {
     if (auto* records = IfLoaded<frmViewData>()) records->Unload();
@@ -51,6 +59,8 @@ void frmViewGrid::Form_Load() {
     if (*view->Icon) setWindowIcon(Picture(view->Icon));
     FG1->SetEmptyText(view->WhenEmpty);
     cmdEdit->setEnabled(HasEditor());
+    cmdPreview->setVisible(IsPrinted());
+    cmdPreview->setToolTip(ToQt(Text(msg::TipPreviewReport)));
     const std::int32_t selected = Global.SelectedRow;
     try {
         Display(*view);
@@ -59,6 +69,7 @@ void frmViewGrid::Form_Load() {
         return Unload();
     }
     if (!Global.View[ViewTotals] && selected > 0) FG1->SelectRecord(selected);
+    EnablePrinting();
     FG1->setFocus();
 }
 
@@ -81,7 +92,9 @@ void frmViewGrid::Display(const TableView& view) {
 
 void frmViewGrid::Fill(const std::string& path, ColumnsOf columnsOf) {
     const QString table = PathToQt(path).section(QLatin1Char('/'), -1).toUpper();
-    auto grid = std::make_unique<TableGrid>(path, std::move(columnsOf));
+    path_ = path;
+    columnsOf_ = std::move(columnsOf);
+    auto grid = std::make_unique<TableGrid>(path_, columnsOf_);
     const auto faulty = ReportedCells();
     if (faulty) grid->MarkFaulty(*faulty);
     FG1->SetContent(std::move(grid), objectName() + QLatin1Char(' ') + table);
@@ -141,6 +154,14 @@ void frmViewGrid::FG1_SelChange() {
     const int row = FG1->currentIndex().row();
     if (row < 0) FG1->SelectRecord(1);
     cmdDataView->setEnabled(FG1->currentIndex().row() >= FG1->HeadingRows());
+    EnablePrinting();
+}
+
+void frmViewGrid::EnablePrinting() {
+    const int row = FG1->currentIndex().row();
+    const bool isHeading = row >= 0 && row < FG1->HeadingRows();
+    cmdPrint->setEnabled(IsPrinted() && !isHeading);
+    cmdPreview->setEnabled(cmdPrint->isEnabled());
 }
 
 void frmViewGrid::FG1_DblClick() {
@@ -168,6 +189,61 @@ void frmViewGrid::cmdDataView_Click() {
     records.Show();
     // Where the table could not be opened the operator has been told, and the grid stays.
     if (!records.IsGone()) Unload();
+}
+
+void frmViewGrid::DisplayPrint() {
+    TraceEvent("frmViewGrid:DisplayPrint");
+    Global.LinesPerPage = ReadLineMax(Global.DBFPath + "ZUKPRINT.DBF");
+}
+
+std::unique_ptr<Report> frmViewGrid::ReportOf(const BoxForm& form) {
+    // Rows of its own: the grid takes a new content whenever the table gets one.
+    auto rows = std::make_unique<TableGrid>(path_, columnsOf_);
+    if (FG1->SortColumn() >= 0) rows->Sort(FG1->SortColumn(), FG1->IsDescending());
+    return std::make_unique<BoxReport>(form, std::move(rows), PageLengthFrom(Global.LinesPerPage));
+}
+
+std::unique_ptr<Report> frmViewGrid::PrintData() {
+    TraceEvent("frmViewGrid:PrintData");
+    return ReportOf(TotalsForm());
+}
+
+std::unique_ptr<Report> frmViewGrid::PrintDataOrHdrAudt() {
+    TraceEvent("frmViewGrid:PrintDataOrHdrAudt");
+    return ReportOf(OrHdrAudtForm());
+}
+
+std::unique_ptr<Report> frmViewGrid::PrintDataOrLinAudt() {
+    TraceEvent("frmViewGrid:PrintDataOrLinAudt");
+    return ReportOf(OrLinAudtForm());
+}
+
+std::unique_ptr<Report> frmViewGrid::PrintDataAudtHH() {
+    TraceEvent("frmViewGrid:PrintDataAudtHH");
+    return ReportOf(AudtHHForm());
+}
+
+std::unique_ptr<Report> frmViewGrid::ChosenReport() {
+    DisplayPrint();
+    try {
+        if (Global.View[ViewTotals]) return PrintData();
+        if (Global.View[ViewOrHdrAudt]) return PrintDataOrHdrAudt();
+        if (Global.View[ViewOrLinAudt]) return PrintDataOrLinAudt();
+        if (Global.View[ViewAudHH]) return PrintDataAudtHH();
+    } catch (const RunTimeFailure& failure) {
+        Tell(Lines(msg::FileError, Text::Path(std::string_view(failure.what()))), Icon::Stop);
+    }
+    return nullptr;
+}
+
+void frmViewGrid::cmdPrint_Click() {
+    TraceEvent("frmViewGrid:cmdPrint_Click");
+    if (const auto report = ChosenReport()) PrintReport(*this, *report);
+}
+
+void frmViewGrid::cmdPreview_Click() {
+    TraceEvent("frmViewGrid:cmdPreview_Click");
+    if (auto report = ChosenReport()) The<frmPreview>().ShowReport(std::move(report));
 }
 
 void frmViewGrid::cmdOK_Click() {

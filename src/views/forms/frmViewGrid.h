@@ -5,7 +5,11 @@
 #include "ui_frmViewGrid.h"
 #include "views/TableViews.h"
 
+class Report;
+struct BoxForm;
+
 #include <cstdint>
+#include <memory>
 #include <string>
 
 /// Opens the grid of a table: the one way into the browser. Clears the flags, sets the table's own,
@@ -30,6 +34,8 @@ public:
 private slots:
     void cmdDataView_Click();
     void cmdEdit_Click();
+    void cmdPrint_Click();
+    void cmdPreview_Click();
     void cmdOK_Click();
     void FG1_Click();
     void FG1_DblClick();
@@ -49,5 +55,20 @@ private:
     void DisplaySTaxData(const std::string& path);
     void DisplayTotalsData();
     void DisplayRestoreData();
+    void DisplayPrint();
     void Fill(const std::string& path, ColumnsOf columnsOf);
+    void EnablePrinting();
+
+    // The reports, of the rows as they are shown.
+    std::unique_ptr<Report> PrintData();
+    std::unique_ptr<Report> PrintDataOrHdrAudt();
+    std::unique_ptr<Report> PrintDataOrLinAudt();
+    std::unique_ptr<Report> PrintDataAudtHH();
+    std::unique_ptr<Report> ReportOf(const BoxForm& form);
+    /// That of the table which is shown; nothing for a table that is not printed, and where the operator has
+    /// been told that it cannot be read.
+    std::unique_ptr<Report> ChosenReport();
+
+    std::string path_; ///< of the table that is shown
+    ColumnsOf columnsOf_;
 };
