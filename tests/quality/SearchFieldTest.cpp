@@ -160,10 +160,13 @@ TEST_F(SearchFieldTest, ASetupWithoutARecordGetsOneAndOneThatHoldsTheChoiceIsNot
     EXPECT_EQ(ReadSearchChoice(CustomerSearch), "Code");
     EXPECT_EQ(TableAt(Global.DBFPath + "ZUKSetup.dbf").Count, 1);
 
-    FaultyDisk disk;
-    Global.TheDisk = &disk;
+    const std::string path = Global.DBFPath + "ZUKSetup.dbf";
+    const std::filesystem::file_time_type longAgo{};
+    std::filesystem::last_write_time(path, longAgo);
     WriteSearchChoice(CustomerSearch, "Code");
-    EXPECT_EQ(disk.Calls(), 0);
+    EXPECT_EQ(std::filesystem::last_write_time(path), longAgo);
+    WriteSearchChoice(CustomerSearch, "Phone");
+    EXPECT_NE(std::filesystem::last_write_time(path), longAgo);
 }
 
 } // namespace
