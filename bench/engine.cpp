@@ -9,6 +9,7 @@
 #include "exchange/OrderCheck.h"
 #include "maintenance/Totals.h"
 #include "quality/Checks.h"
+#include "quality/SearchField.h"
 #include "store/OfficeTables.h"
 #include "store/SortTables.h"
 #include "store/TableRewrite.h"
@@ -16,6 +17,7 @@
 #include "sync/ReceiptCount.h"
 #include "sync/SafetyCopies.h"
 #include "views/BoxReport.h"
+#include "views/MasterTable.h"
 #include "views/TableViews.h"
 
 #include <benchmark/benchmark.h>
@@ -357,6 +359,47 @@ void PrintTheAudit(benchmark::State& state, int sortColumn) {
 }
 BENCHMARK_CAPTURE(PrintTheAudit, unsorted, 0)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(PrintTheAudit, byCustomer, 2)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
+
+/// Each time from another field, since a table that holds its new content already is not written.
+void UpdateSearchFields(benchmark::State& state) {
+    const BenchOffice office;
+    office.GivenCustomers(state.range(0), Order::None);
+    bool byCode = false;
+    for (auto _ : state) {
+        byCode = !byCode;
+        if (UpdateSearchField(CustomerSearch, byCode ? "Code" : "Company") != state.range(0))
+            state.SkipWithError("customers were lost");
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK(UpdateSearchFields)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
+
+void OpenAMasterEditor(benchmark::State& state) {
+    const BenchOffice office;
+    office.GivenCustomers(state.range(0), Order::None);
+    for (auto _ : state) {
+        MasterTable customers(CustomerMaster);
+        customers.Open(1);
+        benchmark::DoNotOptimize(customers.Lookup().size());
+    }
+}
+BENCHMARK(OpenAMasterEditor)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
+
+/// A change, the move to the next record, and what there is to warn of there.
+void SaveAndMoveInAMaster(benchmark::State& state) {
+    const BenchOffice office;
+    office.GivenCustomers(state.range(0), Order::None);
+    constexpr int C_CITY = 8;
+    MasterTable customers(CustomerMaster);
+    customers.Open(1);
+    int turn = 0;
+    for (auto _ : state) {
+        customers.Write({{C_CITY, std::to_string(++turn)}});
+        customers.Go(customers.RecordNumber() == customers.RecordCount() ? DBFEdit::First : DBFEdit::Next);
+        benchmark::DoNotOptimize(customers.Warning({}));
+    }
+}
+BENCHMARK(SaveAndMoveInAMaster)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMicrosecond);
 
 } // namespace
 

@@ -138,8 +138,18 @@ void FillOffice(const QString& build, const OfficeForDay& office) {
                   QByteArray::number(431.5 * (i + 1)) + "\tUPLOAD-ADD\t2999-11-1" + number + " 17:4" +
                   number + ":05\t" + names[i] + '\n';
     }
-    FillTables(build, office.Path(QString()),
-               {{QStringLiteral("ZUKLINK"), links}, {QStringLiteral("ZUKTOTALPC"), totals}});
+    FillTables(
+        build, office.Path(QString()),
+        {{QStringLiteral("ZUKLINK"), links},
+         {QStringLiteral("ZUKTOTALPC"), totals},
+         {QStringLiteral("ZUKCUST"),
+          "C_SEARCH\tC_CODE\tC_NAME\tC_CONTACT\tC_PHONE\tC_ADDRESS1\tC_CITY\tC_STATE\tC_ZIP\tC_PAYTERMS\tC_"
+          "STCODE\n"
+          "A100\tA100\tAcme Hardware\tChloé Martin\t212-555-0142\t14 Mill Lane\tAlbany\tNew York\t12207\t"
+          "30 days net\tNJ\nB200\tB200\tBolt & Sons\t\t\t\t\t\t\t\tNY\n"},
+         {QStringLiteral("ZUKITEM"), "I_SEARCH\tI_ITEMCODE\tI_DESC1\tI_UM\tI_PRICE\tI_BARCODE\n"
+                                     "HAMMER\tH1\tClaw hammer\tEach\t12.50\t4006381333931\n"},
+         {QStringLiteral("ZUKSTAX"), "ST_CODE\tST_DESC\tST_RATE\nNY\tNew York State\t8.25\n"}});
 }
 
 /// Customers and items with faults in them.

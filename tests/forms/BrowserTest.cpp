@@ -52,6 +52,12 @@ protected:
         GivenRows("ZUKCUST", rows);
     }
 
+    void GivenOrders(int count) {
+        std::vector<std::string> rows{"H_ORDCODE"};
+        for (int k = 1; k <= count; ++k) rows.push_back("M1" + std::to_string(1000 + k));
+        GivenRows("ZUKORHDR", rows);
+    }
+
     void GivenTotals() {
         GivenRows("ZUKTOTALPC",
                   {"TP_NUMHEAD|TP_NUMLINE|TP_DOL_LIN|TP_CURHEAD|TP_CURLINE|TP_CURDOL|TP_MACHINE|TP_EVENT|"
@@ -240,7 +246,7 @@ TEST_F(Browser, TheGridHoldsTheRecordsInTheirOrderWithTheirNumbers) {
 }
 
 TEST_F(Browser, WhatHasNoScreenYetIsDisabled) {
-    auto& form = OpenGrid(ViewCust);
+    auto& form = OpenGrid(ViewOrHdr);
 
     EXPECT_FALSE(Enabled(form, "cmdEdit"));
     EXPECT_FALSE(Enabled(form, "cmdPrint")); // there is no report of it
@@ -323,9 +329,9 @@ TEST_F(Browser, ATableThatIsMissingOrBrokenIsToldAndNothingOpens) {
     }
 }
 
-TEST_F(Browser, TheKeysGoToBothEndsAndEnterOpensTheRecord) {
-    GivenCustomers(60);
-    auto& form = OpenGrid(ViewCust);
+TEST_F(Browser, TheKeysGoToBothEndsAndEnterOpensTheRecordOfATableWithoutAnEditor) {
+    GivenOrders(60);
+    auto& form = OpenGrid(ViewOrHdr);
     GridView& grid = Grid(form);
 
     SendKey(grid, Qt::Key_End);
@@ -344,9 +350,9 @@ TEST_F(Browser, TheKeysGoToBothEndsAndEnterOpensTheRecord) {
     EXPECT_EQ(IfLoaded<frmViewGrid>(), nullptr);
 }
 
-TEST_F(Browser, ADoubleClickOpensTheRecord) {
-    GivenCustomers(3);
-    auto& form = OpenGrid(ViewCust);
+TEST_F(Browser, ADoubleClickOpensTheRecordOfATableWithoutAnEditor) {
+    GivenOrders(3);
+    auto& form = OpenGrid(ViewOrHdr);
     Grid(form).SelectRecord(3);
 
     emit Grid(form).doubleClicked(Grid(form).currentIndex());

@@ -20,6 +20,7 @@
 #include "maintenance/Backup.h"
 #include "maintenance/Office.h"
 #include "maintenance/Totals.h"
+#include "quality/SearchField.h"
 #include "store/DBFEdit.h"
 #include "store/OfficeTables.h"
 #include "store/SortTables.h"
@@ -30,6 +31,7 @@
 #include "sync/SafetyCopies.h"
 #include "sync/Status.h"
 #include "sync/UnattendedSettings.h"
+#include "views/MasterTable.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -168,6 +170,23 @@ std::string Sort(const char* table, void (*sort)(std::string_view, const SortOpt
     NoProgress silent;
     sort(Table(table), {.RemoveSpecial = true}, silent);
     return {};
+}
+
+void PrepareSearch() {
+    Fill("ZUKCust.dbf", Customers, [](int k) {
+        return Cells{{"C_SEARCH", "OLD" + std::to_string(k)}, {"C_CODE", "C" + std::to_string(k)}};
+    });
+}
+
+std::string ChangeSearchField() {
+    UpdateSearchField(CustomerSearch, "Code");
+    return {};
+}
+
+std::string DeleteCustomer() {
+    MasterTable customers(CustomerMaster);
+    customers.Open(Customers / 2);
+    return customers.Delete() ? "" : "the record is not there";
 }
 
 std::string SortLinks() {
@@ -590,6 +609,8 @@ std::vector<SweepJob> MakeJobs() {
          PrepareLateCustomer,
          [] { return Sort("ZUKCust.dbf", SortCustFile); },
          ""},
+        {"search field of the customers", {customers}, PrepareSearch, ChangeSearchField, ""},
+        {"deletion of a customer", {customers}, PrepareSearch, DeleteCustomer, ""},
         {"sort of the items",
          {"DBFFiles/ZUKItem.dbf"},
          [] { FillKeys("ZUKItem.dbf", "I_SEARCH", Items); },

@@ -16,6 +16,9 @@ const QString RemoteButton = "frmQBRemote", Remote = "frmRemoteSync";
 const QString DownloadButton = "frmQBDownload", UploadButton = "frmQBUpload";
 const QString DownloadTables = "frmTableSelectDL", ClearTables = "frmTableSelectCL";
 const QString UploadTables = "frmUploadSelect";
+const QString EditCust = "frmEditCust", EditItem = "frmEditItem", EditSTax = "frmEditSTax";
+const QString ConfigCust = "frmConfigCust", ConfigItem = "frmConfigItem";
+const QString ConfigSTax = "frmConfigSTax", ConfigPrint = "frmConfigPrint";
 
 const QString NoProblems = "No problems found!";
 const QString NoFatalProblems = "No fatal problems found in data tables!";
@@ -26,7 +29,9 @@ const QString Fatal = "#ff0000";
 class Presses {
 public:
     void See(DriverClient& program, const QString& form) {
-        static const QStringList whole{Config, Report, Options, Links, RemoteButton, Remote};
+        static const QStringList whole{Config,     Report,     Options,    Links,    RemoteButton,
+                                       Remote,     EditCust,   EditItem,   EditSTax, ConfigCust,
+                                       ConfigItem, ConfigSTax, ConfigPrint};
         static const QStringList kinds{"QPushButton", "QToolButton", "QRadioButton", "QCheckBox"};
         static const QStringList buttons{ImportButton, ExportButton, DownloadButton, UploadButton};
         const bool onlySetup = buttons.contains(form);
@@ -172,9 +177,11 @@ protected:
         program_->Click(form, "cmdAdd1");
     }
 
-    void CheckAndFindNothing(const QString& button) {
+    void CheckAndFindNothing(const QString& button) { CheckAndFindNothing(Config, button); }
+
+    void CheckAndFindNothing(const QString& form, const QString& button) {
         program_->Expect(NoProblems);
-        Press(Config, button);
+        Press(form, button);
         BoxesCame();
         EXPECT_FALSE(program_->IsShown(Report));
     }
@@ -197,11 +204,46 @@ protected:
         presses_.See(*program_, Config);
     }
 
-    void OpenGridAndClose(const QString& button, const QString& title) {
-        PressAndWait(Config, button, Grid);
+    void OpenGridAndClose(const QString& form, const QString& button, const QString& title) {
+        PressAndWait(form, button, Grid);
         EXPECT_EQ(program_->Title(Grid).toStdString(), title.toStdString());
         program_->Click(Grid, "cmdOK");
         program_->WaitGone(Grid);
+    }
+
+    /// Opens a table, and its editor from there.
+    void OpenEditor(const QString& topic, const QString& button, const QString& editor) {
+        PressAndWait(topic, button, Grid);
+        program_->Click(Grid, "cmdEdit");
+        program_->WaitForm(editor);
+        presses_.See(*program_, editor);
+    }
+
+    /// Goes through a master table on all buttons of its editor, and leaves it as it was.
+    void WalkThrough(const QString& editor, int records) {
+        const auto shows = [&](int record) {
+            ExpectText(editor, "lblCount", QString("%1 of %2").arg(record).arg(records));
+        };
+        Press(editor, "cmdLast");
+        shows(records);
+        Press(editor, "cmdPrevious");
+        shows(records - 1);
+        PressAndWait(editor, "cmdView", Grid);
+        EXPECT_FALSE(program_->IsShown(editor));
+        program_->Click(Grid, "cmdEdit");
+        program_->WaitForm(editor);
+        shows(records - 1);
+        Press(editor, "cmdNext");
+        shows(records);
+        Press(editor, "cmdFirst");
+        shows(1);
+        Press(editor, "cmdAdd");
+        ExpectText(editor, "lblCount", QString("%1 of %1").arg(records + 1));
+        program_->Expect("Delete current record?", "Yes");
+        Press(editor, "cmdDelete");
+        BoxesCame();
+        shows(records);
+        PressToClose(editor, "cmdOK");
     }
 
     std::optional<DriverClient> program_;
@@ -223,6 +265,8 @@ protected:
     void RepairAnUnattendedSettingWithoutAnAction();
     void SetUpBackups();
     void AddTwoHandhelds();
+    void SetUpCustomersAndItems();
+    void SetUpSalesTaxAndPrinting();
     void CheckWhatIsLeft();
     void CheckAllAndFindNothing();
     void FindTheResultsAfterARestart();
@@ -686,11 +730,78 @@ void FirstCheck::AddTwoHandhelds() {
     PressToClose(Report, "cmdOK");
 }
 
+void FirstCheck::SetUpCustomersAndItems() {
+    PressAndWait(Config, "cmdCust1", ConfigCust);
+    program_->Expect("Update customers with this Search field?", "Yes");
+    program_->Choose(ConfigCust, "cboSrchCus", "Code");
+    BoxesCame();
+    ExpectText(ConfigCust, "lblHelp", "5 records have this search field now.");
+    CheckAndFindNothing(ConfigCust, "cmdQC");
+    PressAndWait(ConfigCust, "cmdImport", Convert);
+    EXPECT_TRUE(program_->IsChecked(Convert, "optCustomer"));
+    Leave(Convert);
+    OpenEditor(ConfigCust, "cmdEdit", EditCust);
+    ExpectText(EditCust, "lblWarning", "");
+    program_->Set(EditCust, "txtField_2", "C-1");
+    ExpectText(EditCust, "lblWarning",
+               "Customer Code (C_CODE) in customer table contains invalid characters.");
+    PressToClose(EditCust, "cmdCancel");
+    OpenEditor(ConfigCust, "cmdEdit", EditCust);
+    WalkThrough(EditCust, 5);
+    PressToClose(ConfigCust, "cmdCancel");
+
+    PressAndWait(Config, "cmdItems1", ConfigItem);
+    ExpectText(ConfigItem, "cboSrchItm", "");
+    program_->Expect("Update items with this Search field?", "Yes");
+    program_->Choose(ConfigItem, "cboSrchItm", "Code");
+    BoxesCame();
+    CheckAndFindNothing(ConfigItem, "cmdQC");
+    PressAndWait(ConfigItem, "cmdImport", Convert);
+    EXPECT_TRUE(program_->IsChecked(Convert, "optItem"));
+    Leave(Convert);
+    OpenEditor(ConfigItem, "cmdEdit", EditItem);
+    PressToClose(EditItem, "cmdCancel");
+    OpenEditor(ConfigItem, "cmdEdit", EditItem);
+    WalkThrough(EditItem, 4);
+    PressToClose(ConfigItem, "cmdCancel");
+
+    // The choices are there to stay.
+    PressAndWait(Config, "cmdItems1", ConfigItem);
+    ExpectText(ConfigItem, "cboSrchItm", "Code");
+    PressToClose(ConfigItem, "cmdCancel");
+}
+
+void FirstCheck::SetUpSalesTaxAndPrinting() {
+    PressAndWait(Config, "lblSTax", ConfigSTax);
+    OpenEditor(ConfigSTax, "cmdSTax", EditSTax);
+    ExpectText(EditSTax, "lblCount", "No records to display!");
+    for (const char* code : {"NY", "CA"}) {
+        Press(EditSTax, "cmdAdd");
+        program_->Set(EditSTax, "txtField_1", code);
+        program_->Set(EditSTax, "txtField_4", "8.25");
+    }
+    WalkThrough(EditSTax, 2);
+    CheckAndFindNothing(ConfigSTax, "cmdQC"); // and puts them in order
+    OpenEditor(ConfigSTax, "cmdSTax", EditSTax);
+    ExpectText(EditSTax, "txtField_1", "CA");
+    PressToClose(EditSTax, "cmdCancel");
+    OpenEditor(ConfigSTax, "cmdCust", EditCust);
+    program_->Choose(EditCust, "cboC_STCode", "NY");
+    PressToClose(EditCust, "cmdOK");
+    PressToClose(ConfigSTax, "cmdCancel");
+
+    PressAndWait(Config, "lblPrinter", ConfigPrint);
+    OpenGridAndClose(ConfigPrint, "cmdComp", "View Company Details");
+    OpenGridAndClose(ConfigPrint, "cmdPrinter", "View Printer Settings");
+    CheckAndFindNothing(ConfigPrint, "cmdQC");
+    PressToClose(ConfigPrint, "cmdCancel");
+}
+
 void FirstCheck::CheckWhatIsLeft() {
-    OpenGridAndClose("cmdBarcode1", "View Items");
-    OpenGridAndClose("cmdSTax1", "View Sales Tax");
-    OpenGridAndClose("cmdPay1", "View Payments");
-    OpenGridAndClose("cmdPrinter1", "View Printer Settings");
+    OpenGridAndClose(Config, "cmdBarcode1", "View Items");
+    OpenGridAndClose(Config, "cmdSTax1", "View Sales Tax");
+    OpenGridAndClose(Config, "cmdPay1", "View Payments");
+    OpenGridAndClose(Config, "cmdPrinter1", "View Printer Settings");
     for (const char* button : {"cmdBarcode2", "cmdSTax2", "cmdPrinter2", "cmdDownload2", "cmdUpload2",
                                "cmdCust2", "cmdItems2", "cmdImport2", "cmdExport2", "cmdQB2", "cmdUA2"})
         CheckAndFindNothing(button);
@@ -785,6 +896,8 @@ TEST_F(FirstCheck, LeadsFromAnEmptyOfficeToACleanCheckOnTheScreensAlone) {
     RepairAnUnattendedSettingWithoutAnAction();
     SetUpBackups();
     AddTwoHandhelds();
+    SetUpCustomersAndItems();
+    SetUpSalesTaxAndPrinting();
     CheckWhatIsLeft();
     CheckAllAndFindNothing();
     FindTheResultsAfterARestart();
@@ -792,7 +905,8 @@ TEST_F(FirstCheck, LeadsFromAnEmptyOfficeToACleanCheckOnTheScreensAlone) {
     WaitForHandheldsUnattended();
 
     for (const QString& form : {Config, Report, Options, Links, ImportButton, ExportButton, DownloadButton,
-                                UploadButton, RemoteButton, Remote})
+                                UploadButton, RemoteButton, Remote, EditCust, EditItem, EditSTax, ConfigCust,
+                                ConfigItem, ConfigSTax, ConfigPrint})
         EXPECT_FALSE(presses_.Seen(form).isEmpty()) << form.toStdString() << " was never looked at";
     ExpectLines(presses_.Forgotten(), {});
 }

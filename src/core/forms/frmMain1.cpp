@@ -829,10 +829,26 @@ void frmMain1::View(const char* handler, ViewFlag flag, ShowMode mode) {
     ShowTable(flag, mode);
 }
 
-void frmMain1::mnuChgLinks_Click() {
-    TraceEvent("frmMain1:mnuChgLinks_Click");
+void frmMain1::Edit(const char* handler, ViewFlag flag) {
+    TraceEvent(std::string("frmMain1:") + handler);
     UnloadForms();
-    EditTable(ViewLink);
+    EditTable(flag);
+}
+
+void frmMain1::mnuChgLinks_Click() {
+    Edit("mnuChgLinks_Click", ViewLink);
+}
+
+void frmMain1::mnuChgSTax_Click() {
+    Edit("mnuChgSTax_Click", ViewSTax);
+}
+
+void frmMain1::mnuChgCust_Click() {
+    Edit("mnuChgCust_Click", ViewCust);
+}
+
+void frmMain1::mnuChgItems_Click() {
+    Edit("mnuChgItems_Click", ViewItem);
 }
 
 void frmMain1::cmdPCTotals_Click() {

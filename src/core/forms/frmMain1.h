@@ -74,6 +74,9 @@ private slots:
     void mnuMainAbout_Click();
     void mnuDarkLook_Click();
     void mnuChgLinks_Click();
+    void mnuChgSTax_Click();
+    void mnuChgCust_Click();
+    void mnuChgItems_Click();
     void mnuTblCompany_Click();
     void mnuTblLinks_Click();
     void mnuTblPayments_Click();
@@ -138,6 +141,7 @@ private:
     void Disable();
     void ShowNotice(const Text& message);
     void ShowPage(int page);
+    void Edit(const char* handler, ViewFlag flag);
     void View(const char* handler, ViewFlag flag, ShowMode mode = ShowMode::Modeless);
 
     /// What a brick shows.

@@ -3,6 +3,9 @@
 #include "core/Globals.h"
 #include "sync/forms/frmChgLink.h"
 #include "views/TableViews.h"
+#include "views/forms/frmEditCust.h"
+#include "views/forms/frmEditItem.h"
+#include "views/forms/frmEditSTax.h"
 
 #include <algorithm>
 #include <iterator>
@@ -21,12 +24,22 @@ bool OpenLinks() {
     return OpenForm<frmChgLink>();
 }
 
+/// One that is open saves first, and stays where it is when it cannot.
+template <class F>
+bool OpenMaster() {
+    if (auto* open = IfLoaded<F>()) open->GoTo(Global.SelectedRow);
+    return OpenForm<F>();
+}
+
 struct Editor {
     ViewFlag Flag;
     bool (*Open)();
 };
 
 constexpr Editor AllEditors[] = {
+    {ViewCust, OpenMaster<frmEditCust>},
+    {ViewItem, OpenMaster<frmEditItem>},
+    {ViewSTax, OpenMaster<frmEditSTax>},
     {ViewLink, OpenLinks},
 };
 
