@@ -16,6 +16,8 @@ const QString RemoteButton = "frmQBRemote", Remote = "frmRemoteSync";
 const QString DownloadButton = "frmQBDownload", UploadButton = "frmQBUpload";
 const QString DownloadTables = "frmTableSelectDL", ClearTables = "frmTableSelectCL";
 const QString UploadTables = "frmUploadSelect";
+const QString Company = "frmCompany", Payments = "frmPay", Printing = "frmPrinter", Setup = "frmChSetup";
+const QString Signatures = "frmViewSign";
 
 const QString NoProblems = "No problems found!";
 const QString NoFatalProblems = "No fatal problems found in data tables!";
@@ -26,7 +28,8 @@ const QString Fatal = "#ff0000";
 class Presses {
 public:
     void See(DriverClient& program, const QString& form) {
-        static const QStringList whole{Config, Report, Options, Links, RemoteButton, Remote};
+        static const QStringList whole{Config,  Report,   Options,  Links, RemoteButton, Remote,
+                                       Company, Payments, Printing, Setup, Signatures};
         static const QStringList kinds{"QPushButton", "QToolButton", "QRadioButton", "QCheckBox"};
         static const QStringList buttons{ImportButton, ExportButton, DownloadButton, UploadButton};
         const bool onlySetup = buttons.contains(form);
@@ -197,6 +200,28 @@ protected:
         presses_.See(*program_, Config);
     }
 
+    /// From an entry of the Edit menu over the grid to the editor.
+    void OpenEditor(const QString& entry, const QString& form) {
+        program_->Click(Main, entry);
+        program_->WaitForm(Grid);
+        EditFromGrid(form);
+    }
+
+    void EditFromGrid(const QString& form) {
+        program_->Click(Grid, "cmdEdit");
+        program_->WaitForm(form);
+        EXPECT_FALSE(program_->IsShown(Grid));
+        presses_.See(*program_, form);
+    }
+
+    /// To the table and back, and out without saving.
+    void ViewAndCancel(const QString& form) {
+        PressAndWait(form, "cmdView", Grid);
+        EXPECT_FALSE(program_->IsShown(form));
+        EditFromGrid(form);
+        PressToClose(form, "cmdCancel");
+    }
+
     void OpenGridAndClose(const QString& button, const QString& title) {
         PressAndWait(Config, button, Grid);
         EXPECT_EQ(program_->Title(Grid).toStdString(), title.toStdString());
@@ -226,6 +251,8 @@ protected:
     void CheckWhatIsLeft();
     void CheckAllAndFindNothing();
     void FindTheResultsAfterARestart();
+    void EditWhatTheHandheldIsToldOnce();
+    void KeepPayments();
     void RunTheRepairedActivity();
     void WaitForHandheldsUnattended();
 };
@@ -726,6 +753,83 @@ void FirstCheck::FindTheResultsAfterARestart() {
     PressToClose(Config, "cmdCancel");
 }
 
+void FirstCheck::EditWhatTheHandheldIsToldOnce() {
+    OpenEditor("mnuChgComp", Company);
+    program_->Set(Company, "txtField_1", "First Day Ltd");
+    PressToClose(Company, "cmdOK");
+    OpenEditor("mnuChgComp", Company);
+    ExpectText(Company, "txtField_1", "First Day Ltd");
+    ViewAndCancel(Company);
+
+    OpenEditor("mnuChgSetup", Setup);
+    program_->Choose(Setup, "cboSrchCus", "Company");
+    PressToClose(Setup, "cmdOK");
+    OpenEditor("mnuChgSetup", Setup);
+    ExpectText(Setup, "cboSrchCus", "Company");
+    ViewAndCancel(Setup);
+
+    OpenEditor("mnuChgPrinter", Printing);
+    program_->Choose(Printing, "cboContForm", "NO");
+    program_->Set(Printing, "txtLineMax", "60");
+    program_->Choose(Printing, "cboPrinter", "Datecs");
+    program_->Choose(Printing, "cboStdStyle", "Fixed Length");
+    program_->ExpectContaining("the program has changed the Print Format to 'Continuous Form'");
+    program_->ExpectContaining("Would you like the program to change this option?", "Yes");
+    PressToClose(Printing, "cmdOK");
+    BoxesCame();
+    OpenEditor("mnuChgPrinter", Printing);
+    ExpectText(Printing, "cboStdStyle", "Continuous Form");
+    ExpectText(Printing, "cboContForm", "YES");
+    ExpectText(Printing, "txtLineMax", "60");
+    EXPECT_FALSE(program_->IsEnabled(Printing, "txtLineMax"));
+    ViewAndCancel(Printing);
+
+    program_->Click(Main, "mnuViewSign");
+    program_->WaitForm(Signatures);
+    ExpectText(Signatures, "lblCount", "No records to display!");
+    PressToClose(Signatures, "cmdOK");
+}
+
+void FirstCheck::KeepPayments() {
+    const QString update = "Update database with changed information?";
+    OpenEditor("mnuChgPayments", Payments);
+    ExpectText(Payments, "lblCount", "No records to display!");
+    Press(Payments, "cmdAdd");
+    program_->Expect("Please select a Payment Type to continue.");
+    Press(Payments, "cmdAdd");
+    BoxesCame();
+    Press(Payments, "optCash");
+    Press(Payments, "cmdUpdate");
+    Press(Payments, "cmdAdd");
+    Press(Payments, "optCheck");
+    program_->Expect(update, "Yes");
+    Press(Payments, "cmdAdd");
+    BoxesCame();
+    Press(Payments, "optCard");
+    program_->Set(Payments, "txtPayCDesc", "Visa");
+    program_->Expect(update, "Yes");
+    const char* moves[][2] = {
+        {"cmdFirst", "1 of 3"}, {"cmdNext", "2 of 3"}, {"cmdLast", "3 of 3"}, {"cmdPrevious", "2 of 3"}};
+    for (const auto& [button, count] : moves) {
+        Press(Payments, button);
+        ExpectText(Payments, "lblCount", count);
+    }
+    BoxesCame();
+    program_->Expect("Delete current record?", "Yes");
+    Press(Payments, "cmdDelete");
+    BoxesCame();
+    ExpectText(Payments, "lblCount", "1 of 2");
+    ViewAndCancel(Payments);
+
+    OpenEditor("mnuChgPayments", Payments);
+    Press(Payments, "cmdLast");
+    ExpectText(Payments, "txtPayCDesc", "Visa");
+    PressToClose(Payments, "cmdOK");
+    OpenConfigurator();
+    CheckAndFindNothing("cmdPay2");
+    PressToClose(Config, "cmdCancel");
+}
+
 void FirstCheck::RunTheRepairedActivity() {
     EXPECT_EQ(RunActivity(*program_, "lblImportBtn", ImportButton, "DemoImport"), "5 of 6");
 }
@@ -788,11 +892,14 @@ TEST_F(FirstCheck, LeadsFromAnEmptyOfficeToACleanCheckOnTheScreensAlone) {
     CheckWhatIsLeft();
     CheckAllAndFindNothing();
     FindTheResultsAfterARestart();
+    EditWhatTheHandheldIsToldOnce();
+    KeepPayments();
     RunTheRepairedActivity();
     WaitForHandheldsUnattended();
 
-    for (const QString& form : {Config, Report, Options, Links, ImportButton, ExportButton, DownloadButton,
-                                UploadButton, RemoteButton, Remote})
+    for (const QString& form :
+         {Config, Report, Options, Links, ImportButton, ExportButton, DownloadButton, UploadButton,
+          RemoteButton, Remote, Company, Payments, Printing, Setup, Signatures})
         EXPECT_FALSE(presses_.Seen(form).isEmpty()) << form.toStdString() << " was never looked at";
     ExpectLines(presses_.Forgotten(), {});
 }

@@ -73,7 +73,11 @@ private slots:
     void mnuExit_Click();
     void mnuMainAbout_Click();
     void mnuDarkLook_Click();
+    void mnuChgComp_Click();
     void mnuChgLinks_Click();
+    void mnuChgPayments_Click();
+    void mnuChgPrinter_Click();
+    void mnuChgSetup_Click();
     void mnuTblCompany_Click();
     void mnuTblLinks_Click();
     void mnuTblPayments_Click();
@@ -84,6 +88,7 @@ private slots:
     void mnuTblItem_Click();
     void mnuTblOrHdr_Click();
     void mnuTblOrLin_Click();
+    void mnuViewSign_Click();
     void mnuTblOrHdrAudt_Click();
     void mnuTblOrLinAudt_Click();
     void mnuTblHHTotals_Click();
@@ -139,6 +144,8 @@ private:
     void ShowNotice(const Text& message);
     void ShowPage(int page);
     void View(const char* handler, ViewFlag flag, ShowMode mode = ShowMode::Modeless);
+    void Edit(const char* handler, ViewFlag flag);
+    static void LoadSetup();
 
     /// What a brick shows.
     struct Face {

@@ -3,6 +3,10 @@
 #include "core/Globals.h"
 #include "sync/forms/frmChgLink.h"
 #include "views/TableViews.h"
+#include "views/forms/frmChSetup.h"
+#include "views/forms/frmCompany.h"
+#include "views/forms/frmPay.h"
+#include "views/forms/frmPrinter.h"
 
 #include <algorithm>
 #include <iterator>
@@ -21,13 +25,22 @@ bool OpenLinks() {
     return OpenForm<frmChgLink>();
 }
 
+bool OpenPayments() {
+    if (auto* open = IfLoaded<frmPay>()) open->ShowRecord(Global.SelectedRow);
+    return OpenForm<frmPay>();
+}
+
 struct Editor {
     ViewFlag Flag;
     bool (*Open)();
 };
 
 constexpr Editor AllEditors[] = {
+    {ViewCompany, OpenForm<frmCompany>},
     {ViewLink, OpenLinks},
+    {ViewPay, OpenPayments},
+    {ViewPrinter, OpenForm<frmPrinter>},
+    {ViewSetup, OpenForm<frmChSetup>},
 };
 
 const Editor* ChosenEditor() {
