@@ -20,8 +20,9 @@ std::string SignTablePath() {
 
 void MakeSignTable() {
     std::unordered_set<std::string> signedOrders;
-    for (const std::string& name : NamesWithExtension(Global.ImagesPath, Bitmap))
-        signedOrders.insert(FoldCase(PathToName(name)));
+    for (const std::string& name : NamesWithExtension(Global.ImagesPath, Bitmap)) {
+        if (IsPlainFileName(name)) signedOrders.insert(FoldCase(PathToName(name)));
+    }
     TableScan headers(Global.DBFPath + "ZUKORHDR.DBF");
     TableRewrite copy(SignTablePath(), headers.Layout());
     const int code = headers.Layout().Find(FieldKey("H_ORDCODE"));
