@@ -16,7 +16,8 @@ const QString RemoteButton = "frmQBRemote", Remote = "frmRemoteSync";
 const QString DownloadButton = "frmQBDownload", UploadButton = "frmQBUpload";
 const QString DownloadTables = "frmTableSelectDL", ClearTables = "frmTableSelectCL";
 const QString UploadTables = "frmUploadSelect";
-const QString Company = "frmCompany", Payments = "frmPay", Printing = "frmPrinter", Setup = "frmChSetup";
+const QString Company = "frmCompany", Payments = "frmPay", Printing = "frmPrinter",
+              HandheldSetup = "frmChSetup";
 const QString Signatures = "frmViewSign";
 
 const QString NoProblems = "No problems found!";
@@ -28,8 +29,8 @@ const QString Fatal = "#ff0000";
 class Presses {
 public:
     void See(DriverClient& program, const QString& form) {
-        static const QStringList whole{Config,  Report,   Options,  Links, RemoteButton, Remote,
-                                       Company, Payments, Printing, Setup, Signatures};
+        static const QStringList whole{Config,  Report,   Options,  Links,         RemoteButton, Remote,
+                                       Company, Payments, Printing, HandheldSetup, Signatures};
         static const QStringList kinds{"QPushButton", "QToolButton", "QRadioButton", "QCheckBox"};
         static const QStringList buttons{ImportButton, ExportButton, DownloadButton, UploadButton};
         const bool onlySetup = buttons.contains(form);
@@ -761,12 +762,12 @@ void FirstCheck::EditWhatTheHandheldIsToldOnce() {
     ExpectText(Company, "txtField_1", "First Day Ltd");
     ViewAndCancel(Company);
 
-    OpenEditor("mnuChgSetup", Setup);
-    program_->Choose(Setup, "cboSrchCus", "Company");
-    PressToClose(Setup, "cmdOK");
-    OpenEditor("mnuChgSetup", Setup);
-    ExpectText(Setup, "cboSrchCus", "Company");
-    ViewAndCancel(Setup);
+    OpenEditor("mnuChgSetup", HandheldSetup);
+    program_->Choose(HandheldSetup, "cboSrchCus", "Company");
+    PressToClose(HandheldSetup, "cmdOK");
+    OpenEditor("mnuChgSetup", HandheldSetup);
+    ExpectText(HandheldSetup, "cboSrchCus", "Company");
+    ViewAndCancel(HandheldSetup);
 
     OpenEditor("mnuChgPrinter", Printing);
     program_->Choose(Printing, "cboContForm", "NO");
@@ -899,7 +900,7 @@ TEST_F(FirstCheck, LeadsFromAnEmptyOfficeToACleanCheckOnTheScreensAlone) {
 
     for (const QString& form :
          {Config, Report, Options, Links, ImportButton, ExportButton, DownloadButton, UploadButton,
-          RemoteButton, Remote, Company, Payments, Printing, Setup, Signatures})
+          RemoteButton, Remote, Company, Payments, Printing, HandheldSetup, Signatures})
         EXPECT_FALSE(presses_.Seen(form).isEmpty()) << form.toStdString() << " was never looked at";
     ExpectLines(presses_.Forgotten(), {});
 }

@@ -35,6 +35,7 @@ void frmViewSign::Form_Load() {
     }
     DisplayFields();
     DisplayData();
+    (cmdNext->isEnabled() ? cmdNext : cmdOK)->setFocus();
 }
 
 void frmViewSign::DisplayFields() {
