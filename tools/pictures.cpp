@@ -29,6 +29,8 @@
 #include <QDir>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QPainter>
+#include <QPainterPath>
 #include <QProcess>
 #include <QTabWidget>
 #include <QTemporaryDir>
@@ -150,6 +152,40 @@ void FillOffice(const QString& build, const OfficeForDay& office) {
          {QStringLiteral("ZUKITEM"), "I_SEARCH\tI_ITEMCODE\tI_DESC1\tI_UM\tI_PRICE\tI_BARCODE\n"
                                      "HAMMER\tH1\tClaw hammer\tEach\t12.50\t4006381333931\n"},
          {QStringLiteral("ZUKSTAX"), "ST_CODE\tST_DESC\tST_RATE\nNY\tNew York State\t8.25\n"}});
+}
+
+/// What the handheld is told once, and an order with a signature.
+void FillSettings(const QString& build, const OfficeForDay& office) {
+    FillTables(
+        build, office.Path(QString()),
+        {{QStringLiteral("ZUKCOMP"), "COMPANY\tLINE2\tLINE3\tLINE4\tFOOTNOTE1\nNorth Star Supply Co.\t"
+                                     "12 Harbour Road\tPortland, ME 04101\tTel. 207-555-0188\t"
+                                     "Goods remain our property until they are paid for in full.\n"},
+         {QStringLiteral("ZUKPRINT"),
+          "LINEMAX\tPRINTER\tCONTFORM\tLINEFEED\tBAUDRATE\tSTDLINE2\tLOGO\tSTDSTYLE\t"
+          "COMPRESCHR\tRESETCHR\n66\tBPM\tNO\t4\t9600\tBarcode\tNO\tFixed\t15\t18\n"},
+         {QStringLiteral("ZUKSETUP"), "SU_HHBAKUP\tSU_SRCHCUS\tSU_SRCHITM\nREPLACE\tCompany\tDescription\n"},
+         {QStringLiteral("ZUKPAY"),
+          "PAY_CODE\tPAY_REF\tPAY_CDESC\tPAY_CDET\nCARD\tYES\tVisa, Mastercard\tYES\n"
+          "CASH\tNO\t\tNO\n"},
+         {QStringLiteral("ZUKORHDR"), "H_ORDCODE\tH_CUSTCODE\tH_BILLNAME\tH_CUSTFONE\tH_ORDDATE\n"
+                                      "A001000124\tA100\tAcme Hardware\t212-555-0142\t20261121\n"
+                                      "A001000125\tB200\tBolt & Sons\t\t20261121\n"}});
+    QImage ink(160, 48, QImage::Format_RGB32);
+    ink.fill(Qt::white);
+    QPainterPath stroke(QPointF(8, 34));
+    for (int letter = 0; letter < 9; ++letter) {
+        const double x = 8 + letter * 16;
+        stroke.cubicTo(x + 4, 2, x + 12, letter % 3 == 0 ? 2 : 20, x + 6, 36);
+        stroke.quadTo(x + 10, 44, x + 16, 34);
+    }
+    QPainter painter(&ink);
+    painter.drawPath(stroke);
+    painter.end();
+    const QString images = office.Path(QStringLiteral("DBFFiles/Images/"));
+    QDir().mkpath(images);
+    const QImage dots = ink.convertToFormat(QImage::Format_Mono, Qt::ThresholdDither);
+    if (!dots.save(images + QStringLiteral("A001000124.bmp"))) throw OfficeFailure("no picture of ink");
 }
 
 /// Customers and items with faults in them.
@@ -440,6 +476,7 @@ int main(int argc, char** argv) {
         const OfficeForDay office(arguments[1], work.filePath(QStringLiteral("office")),
                                   QStringLiteral("samples/day"));
         FillOffice(arguments[1], office);
+        FillSettings(arguments[1], office);
         if (arguments.size() == 4 &&
             !QFile::copy(arguments[3], office.Path(QStringLiteral("Messages.tsv")))) {
             throw OfficeFailure("cannot copy " + arguments[3].toStdString());

@@ -19,6 +19,9 @@ const QString UploadTables = "frmUploadSelect";
 const QString EditCust = "frmEditCust", EditItem = "frmEditItem", EditSTax = "frmEditSTax";
 const QString ConfigCust = "frmConfigCust", ConfigItem = "frmConfigItem";
 const QString ConfigSTax = "frmConfigSTax", ConfigPrint = "frmConfigPrint";
+const QString Company = "frmCompany", Payments = "frmPay", Printing = "frmPrinter",
+              HandheldSetup = "frmChSetup";
+const QString Signatures = "frmViewSign";
 
 const QString NoProblems = "No problems found!";
 const QString NoFatalProblems = "No fatal problems found in data tables!";
@@ -28,14 +31,25 @@ const QString Fatal = "#ff0000";
 /// What could be pressed on the screens under watch, and what was.
 class Presses {
 public:
+    /// Screens on which everything is pressed.
+    static const QStringList& Whole() {
+        static const QStringList forms{Config,     Report,        Options,     Links,    RemoteButton,
+                                       Remote,     EditCust,      EditItem,    EditSTax, ConfigCust,
+                                       ConfigItem, ConfigSTax,    ConfigPrint, Company,  Payments,
+                                       Printing,   HandheldSetup, Signatures};
+        return forms;
+    }
+
+    /// Screens whose ways to the options are pressed.
+    static const QStringList& WithSetup() {
+        static const QStringList forms{ImportButton, ExportButton, DownloadButton, UploadButton};
+        return forms;
+    }
+
     void See(DriverClient& program, const QString& form) {
-        static const QStringList whole{Config,     Report,     Options,    Links,    RemoteButton,
-                                       Remote,     EditCust,   EditItem,   EditSTax, ConfigCust,
-                                       ConfigItem, ConfigSTax, ConfigPrint};
         static const QStringList kinds{"QPushButton", "QToolButton", "QRadioButton", "QCheckBox"};
-        static const QStringList buttons{ImportButton, ExportButton, DownloadButton, UploadButton};
-        const bool onlySetup = buttons.contains(form);
-        if (!onlySetup && !whole.contains(form)) return;
+        const bool onlySetup = WithSetup().contains(form);
+        if (!onlySetup && !Whole().contains(form)) return;
         for (const DrivenControl& control : program.Controls(form)) {
             if (!control.Enabled || !control.Visible) continue;
             if (onlySetup && !control.Name.startsWith("cmdSetup")) continue;
@@ -204,6 +218,28 @@ protected:
         presses_.See(*program_, Config);
     }
 
+    /// From an entry of the Edit menu over the grid to the editor.
+    void OpenEditor(const QString& entry, const QString& form) {
+        program_->Click(Main, entry);
+        program_->WaitForm(Grid);
+        EditFromGrid(form);
+    }
+
+    void EditFromGrid(const QString& form) {
+        program_->Click(Grid, "cmdEdit");
+        program_->WaitForm(form);
+        EXPECT_FALSE(program_->IsShown(Grid));
+        presses_.See(*program_, form);
+    }
+
+    /// To the table and back, and out without saving.
+    void ViewAndCancel(const QString& form) {
+        PressAndWait(form, "cmdView", Grid);
+        EXPECT_FALSE(program_->IsShown(form));
+        EditFromGrid(form);
+        PressToClose(form, "cmdCancel");
+    }
+
     void OpenGridAndClose(const QString& form, const QString& button, const QString& title) {
         PressAndWait(form, button, Grid);
         EXPECT_EQ(program_->Title(Grid).toStdString(), title.toStdString());
@@ -270,6 +306,8 @@ protected:
     void CheckWhatIsLeft();
     void CheckAllAndFindNothing();
     void FindTheResultsAfterARestart();
+    void EditWhatTheHandheldIsToldOnce();
+    void KeepPayments();
     void RunTheRepairedActivity();
     void WaitForHandheldsUnattended();
 };
@@ -837,6 +875,83 @@ void FirstCheck::FindTheResultsAfterARestart() {
     PressToClose(Config, "cmdCancel");
 }
 
+void FirstCheck::EditWhatTheHandheldIsToldOnce() {
+    OpenEditor("mnuChgComp", Company);
+    program_->Set(Company, "txtField_1", "First Day Ltd");
+    PressToClose(Company, "cmdOK");
+    OpenEditor("mnuChgComp", Company);
+    ExpectText(Company, "txtField_1", "First Day Ltd");
+    ViewAndCancel(Company);
+
+    OpenEditor("mnuChgSetup", HandheldSetup);
+    program_->Choose(HandheldSetup, "cboSrchCus", "Company");
+    PressToClose(HandheldSetup, "cmdOK");
+    OpenEditor("mnuChgSetup", HandheldSetup);
+    ExpectText(HandheldSetup, "cboSrchCus", "Company");
+    ViewAndCancel(HandheldSetup);
+
+    OpenEditor("mnuChgPrinter", Printing);
+    program_->Choose(Printing, "cboContForm", "NO");
+    program_->Set(Printing, "txtLineMax", "60");
+    program_->Choose(Printing, "cboPrinter", "Datecs");
+    program_->Choose(Printing, "cboStdStyle", "Fixed Length");
+    program_->ExpectContaining("the program has changed the Print Format to 'Continuous Form'");
+    program_->ExpectContaining("Would you like the program to change this option?", "Yes");
+    PressToClose(Printing, "cmdOK");
+    BoxesCame();
+    OpenEditor("mnuChgPrinter", Printing);
+    ExpectText(Printing, "cboStdStyle", "Continuous Form");
+    ExpectText(Printing, "cboContForm", "YES");
+    ExpectText(Printing, "txtLineMax", "60");
+    EXPECT_FALSE(program_->IsEnabled(Printing, "txtLineMax"));
+    ViewAndCancel(Printing);
+
+    program_->Click(Main, "mnuViewSign");
+    program_->WaitForm(Signatures);
+    ExpectText(Signatures, "lblCount", "No records to display!");
+    PressToClose(Signatures, "cmdOK");
+}
+
+void FirstCheck::KeepPayments() {
+    const QString update = "Update database with changed information?";
+    OpenEditor("mnuChgPayments", Payments);
+    ExpectText(Payments, "lblCount", "No records to display!");
+    Press(Payments, "cmdAdd");
+    program_->Expect("Please select a Payment Type to continue.");
+    Press(Payments, "cmdAdd");
+    BoxesCame();
+    Press(Payments, "optCash");
+    Press(Payments, "cmdUpdate");
+    Press(Payments, "cmdAdd");
+    Press(Payments, "optCheck");
+    program_->Expect(update, "Yes");
+    Press(Payments, "cmdAdd");
+    BoxesCame();
+    Press(Payments, "optCard");
+    program_->Set(Payments, "txtPayCDesc", "Visa");
+    program_->Expect(update, "Yes");
+    const char* moves[][2] = {
+        {"cmdFirst", "1 of 3"}, {"cmdNext", "2 of 3"}, {"cmdLast", "3 of 3"}, {"cmdPrevious", "2 of 3"}};
+    for (const auto& [button, count] : moves) {
+        Press(Payments, button);
+        ExpectText(Payments, "lblCount", count);
+    }
+    BoxesCame();
+    program_->Expect("Delete current record?", "Yes");
+    Press(Payments, "cmdDelete");
+    BoxesCame();
+    ExpectText(Payments, "lblCount", "1 of 2");
+    ViewAndCancel(Payments);
+
+    OpenEditor("mnuChgPayments", Payments);
+    Press(Payments, "cmdLast");
+    ExpectText(Payments, "txtPayCDesc", "Visa");
+    PressToClose(Payments, "cmdOK");
+    OpenConfigurator();
+    CheckAndFindNothing("cmdPay2");
+    PressToClose(Config, "cmdCancel");
+}
+
 void FirstCheck::RunTheRepairedActivity() {
     EXPECT_EQ(RunActivity(*program_, "lblImportBtn", ImportButton, "DemoImport"), "5 of 6");
 }
@@ -901,12 +1016,12 @@ TEST_F(FirstCheck, LeadsFromAnEmptyOfficeToACleanCheckOnTheScreensAlone) {
     CheckWhatIsLeft();
     CheckAllAndFindNothing();
     FindTheResultsAfterARestart();
+    EditWhatTheHandheldIsToldOnce();
+    KeepPayments();
     RunTheRepairedActivity();
     WaitForHandheldsUnattended();
 
-    for (const QString& form : {Config, Report, Options, Links, ImportButton, ExportButton, DownloadButton,
-                                UploadButton, RemoteButton, Remote, EditCust, EditItem, EditSTax, ConfigCust,
-                                ConfigItem, ConfigSTax, ConfigPrint})
+    for (const QString& form : Presses::Whole() + Presses::WithSetup())
         EXPECT_FALSE(presses_.Seen(form).isEmpty()) << form.toStdString() << " was never looked at";
     ExpectLines(presses_.Forgotten(), {});
 }

@@ -46,8 +46,12 @@
 #include "sync/forms/frmUploadSelect.h"
 #include "tools/forms/frmAbout.h"
 #include "tools/forms/frmOptions.h"
+#include "views/SetupTables.h"
+#include "views/TableViews.h"
+#include "views/forms/frmChSetup.h"
 #include "views/forms/frmView.h"
 #include "views/forms/frmViewGrid.h"
+#include "views/forms/frmViewSign.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -174,6 +178,7 @@ void frmMain1::StartUp() {
     GetPCTotals();
     GetHHBricksStd();
     if (Global.Ending) return;
+    LoadSetup();
     if (Global.PurgeBackup) {
         DeleteBackupTables([](std::string_view file) {
             Tell(Words(msg::CannotDelete, Text::Path(file)), Icon::Information);
@@ -202,6 +207,14 @@ void frmMain1::PutBackSafetyCopies() {
     } catch (const RunTimeFailure& failure) {
         Tell(Lines(msg::SessionNotRecovered, Text::Path(std::string_view(failure.what()))), Icon::Warning);
     }
+}
+
+/// What the handheld's and the print settings tell the PC.
+void frmMain1::LoadSetup() {
+    Global.SetupOnly = true;
+    The<frmChSetup>().Unload();
+    Global.SetupOnly = false;
+    ReadLinesPerPage();
 }
 
 void frmMain1::LoadIcons() {
@@ -835,6 +848,10 @@ void frmMain1::Edit(const char* handler, ViewFlag flag) {
     EditTable(flag);
 }
 
+void frmMain1::mnuChgComp_Click() {
+    Edit("mnuChgComp_Click", ViewCompany);
+}
+
 void frmMain1::mnuChgLinks_Click() {
     Edit("mnuChgLinks_Click", ViewLink);
 }
@@ -849,6 +866,18 @@ void frmMain1::mnuChgCust_Click() {
 
 void frmMain1::mnuChgItems_Click() {
     Edit("mnuChgItems_Click", ViewItem);
+}
+
+void frmMain1::mnuChgPayments_Click() {
+    Edit("mnuChgPayments_Click", ViewPay);
+}
+
+void frmMain1::mnuChgPrinter_Click() {
+    Edit("mnuChgPrinter_Click", ViewPrinter);
+}
+
+void frmMain1::mnuChgSetup_Click() {
+    Edit("mnuChgSetup_Click", ViewSetup);
 }
 
 void frmMain1::cmdPCTotals_Click() {
@@ -893,6 +922,14 @@ void frmMain1::mnuTblOrHdr_Click() {
 
 void frmMain1::mnuTblOrLin_Click() {
     View("mnuTblOrLin_Click", ViewOrLin);
+}
+
+void frmMain1::mnuViewSign_Click() {
+    TraceEvent("frmMain1:mnuViewSign_Click");
+    UnloadForms();
+    ClearViewFlags();
+    Global.View[ViewOrHdr] = true;
+    The<frmViewSign>().Show();
 }
 
 void frmMain1::mnuTblOrHdrAudt_Click() {

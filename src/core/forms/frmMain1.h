@@ -73,10 +73,14 @@ private slots:
     void mnuExit_Click();
     void mnuMainAbout_Click();
     void mnuDarkLook_Click();
+    void mnuChgComp_Click();
     void mnuChgLinks_Click();
     void mnuChgSTax_Click();
     void mnuChgCust_Click();
     void mnuChgItems_Click();
+    void mnuChgPayments_Click();
+    void mnuChgPrinter_Click();
+    void mnuChgSetup_Click();
     void mnuTblCompany_Click();
     void mnuTblLinks_Click();
     void mnuTblPayments_Click();
@@ -87,6 +91,7 @@ private slots:
     void mnuTblItem_Click();
     void mnuTblOrHdr_Click();
     void mnuTblOrLin_Click();
+    void mnuViewSign_Click();
     void mnuTblOrHdrAudt_Click();
     void mnuTblOrLinAudt_Click();
     void mnuTblHHTotals_Click();
@@ -141,8 +146,9 @@ private:
     void Disable();
     void ShowNotice(const Text& message);
     void ShowPage(int page);
-    void Edit(const char* handler, ViewFlag flag);
     void View(const char* handler, ViewFlag flag, ShowMode mode = ShowMode::Modeless);
+    void Edit(const char* handler, ViewFlag flag);
+    static void LoadSetup();
 
     /// What a brick shows.
     struct Face {

@@ -3,9 +3,13 @@
 #include "core/Globals.h"
 #include "sync/forms/frmChgLink.h"
 #include "views/TableViews.h"
+#include "views/forms/frmChSetup.h"
+#include "views/forms/frmCompany.h"
 #include "views/forms/frmEditCust.h"
 #include "views/forms/frmEditItem.h"
 #include "views/forms/frmEditSTax.h"
+#include "views/forms/frmPay.h"
+#include "views/forms/frmPrinter.h"
 
 #include <algorithm>
 #include <iterator>
@@ -26,7 +30,7 @@ bool OpenLinks() {
 
 /// One that is open saves first, and stays where it is when it cannot.
 template <class F>
-bool OpenMaster() {
+bool OpenAtRecord() {
     if (auto* open = IfLoaded<F>()) open->GoTo(Global.SelectedRow);
     return OpenForm<F>();
 }
@@ -37,10 +41,14 @@ struct Editor {
 };
 
 constexpr Editor AllEditors[] = {
-    {ViewCust, OpenMaster<frmEditCust>},
-    {ViewItem, OpenMaster<frmEditItem>},
-    {ViewSTax, OpenMaster<frmEditSTax>},
+    {ViewCust, OpenAtRecord<frmEditCust>},
+    {ViewItem, OpenAtRecord<frmEditItem>},
+    {ViewSTax, OpenAtRecord<frmEditSTax>},
+    {ViewCompany, OpenForm<frmCompany>},
     {ViewLink, OpenLinks},
+    {ViewPay, OpenAtRecord<frmPay>},
+    {ViewPrinter, OpenForm<frmPrinter>},
+    {ViewSetup, OpenForm<frmChSetup>},
 };
 
 const Editor* ChosenEditor() {
