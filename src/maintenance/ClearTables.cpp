@@ -11,9 +11,9 @@ namespace {
 
 constexpr std::string_view Orders[] = {"ZUKORHDR", "ZUKORLIN"};
 constexpr std::string_view Audits[] = {"ZUKAUDTH", "ZUKAUDTL"};
-constexpr std::string_view SingleTables[] = {"ZUKAUDHH", "ZUKBARIN", "ZUKCOMP", "ZUKCUST",
+constexpr std::string_view SingleTables[] = {"ZUKAUDHH", "ZUKBARIN", "ZUKCOMP",  "ZUKCUST",
                                              "ZUKHELP",  "ZUKITEM",  "ZUKPRINT", "ZUKSETUP",
-                                             "ZUKSTAX",  "ZUKPAY",   "ZUKLINK", "ZUKTOTALPC"};
+                                             "ZUKSTAX",  "ZUKPAY",   "ZUKLINK",  "ZUKTOTALPC"};
 
 std::string FileOf(std::string_view table) {
     return std::string(table) + ".DBF";
