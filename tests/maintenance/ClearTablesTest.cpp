@@ -153,16 +153,15 @@ TEST_F(ClearTablesTest, WhatWasClearedIsToldWithItsRecordsInItsOrder) {
 
     const ClearedTables cleared = Clear(PlanOf({ClearGroup::AudtH, ClearGroup::OrHdr, ClearGroup::TotalPC}));
 
-    EXPECT_EQ(cleared.Tables, (std::vector<ClearedTables::Table>{{"ZUKTOTALPC", 1},
-                                                                 {"ZUKORHDR", 1},
-                                                                 {"ZUKORLIN", 2},
-                                                                 {"ZUKAUDTH", 1},
-                                                                 {"ZUKAUDTL", -1}}));
+    EXPECT_EQ(cleared.Tables,
+              (std::vector<ClearedTables::Table>{
+                  {"ZUKTOTALPC", 1}, {"ZUKORHDR", 1}, {"ZUKORLIN", 2}, {"ZUKAUDTH", 1}, {"ZUKAUDTL", -1}}));
     EXPECT_EQ(Records("ZUKAUDTL"), 0) << "what is no table can be cleared too";
 }
 
 TEST_F(ClearTablesTest, TheOrdersGoWithEveryFileOfTheImagesFolderAndOtherGroupsLeaveThem) {
-    for (const char* name : {"A1.bmp", "A2", "notes.txt"}) GivenFile(std::string("app/DBFFiles/Images/") + name, "x");
+    for (const char* name : {"A1.bmp", "A2", "notes.txt"})
+        GivenFile(std::string("app/DBFFiles/Images/") + name, "x");
     ASSERT_EQ(CountImages(), 3);
 
     ClearedTables cleared;

@@ -11,11 +11,11 @@ namespace {
 const QString Config = "frmConfig", Report = "frmConfigMsg", Options = "frmOptions", Links = "frmChgLink";
 const QString Convert = "frmConvert", Mapping = "frmImport1", Export = "frmExport1";
 const QString Grid = "frmViewGrid", Question = "frmMessage";
-const QString ImportButton = "frmQBImport", ExportButton = "frmQBExport";
+const QString ImportButton = "frmQBImport", ExportButton = "frmQBExport", ClearButton = "frmQBClearPC";
 const QString RemoteButton = "frmQBRemote", Remote = "frmRemoteSync";
 const QString DownloadButton = "frmQBDownload", UploadButton = "frmQBUpload";
 const QString DownloadTables = "frmTableSelectDL", ClearTables = "frmTableSelectCL";
-const QString UploadTables = "frmUploadSelect";
+const QString UploadTables = "frmUploadSelect", PCTables = "frmTableSelectPC";
 
 const QString NoProblems = "No problems found!";
 const QString NoFatalProblems = "No fatal problems found in data tables!";
@@ -28,7 +28,8 @@ public:
     void See(DriverClient& program, const QString& form) {
         static const QStringList whole{Config, Report, Options, Links, RemoteButton, Remote};
         static const QStringList kinds{"QPushButton", "QToolButton", "QRadioButton", "QCheckBox"};
-        static const QStringList buttons{ImportButton, ExportButton, DownloadButton, UploadButton};
+        static const QStringList buttons{ImportButton, ExportButton, ClearButton, DownloadButton,
+                                         UploadButton};
         const bool onlySetup = buttons.contains(form);
         if (!onlySetup && !whole.contains(form)) return;
         for (const DrivenControl& control : program.Controls(form)) {
@@ -467,6 +468,32 @@ void FirstCheck::SetUpActivitiesFromTheQuickButtons() {
     ExpectLines(program_->Items(ExportButton, "cboMaster"), {"DemoExport"});
     program_->Click(ExportButton, "cmdCancel");
     program_->WaitGone(ExportButton);
+
+    program_->Click(Main, "lblClearPC");
+    program_->WaitForm(ClearButton);
+    PressAndWait(ClearButton, "cmdSetup", Options);
+    EXPECT_TRUE(program_->HasFocus(Options, "cboPCAct"));
+    PressAndWait(Options, "cmdEdtPC", PCTables);
+    program_->Click(PCTables, "cmdSelectAll");
+    program_->Click(PCTables, "cmdInvert");
+    program_->Click(PCTables, "chkOrHdr");
+    program_->Set(PCTables, "cboSettings", "Orders");
+    program_->Expect("Would you like to perform the clear operation now?", "No");
+    program_->Click(PCTables, "cmdOK");
+    program_->WaitGone(PCTables);
+    BoxesCame();
+    ExpectLines(program_->Items(Options, "cboPCSS1"), {"", "Orders.pct"});
+    program_->Set(Options, "cboPCAct", "Evening");
+    program_->Choose(Options, "cboPCSS1", "Orders.pct");
+    PressToClose(Options, "cmdOK");
+    program_->Choose(ClearButton, "cboMaster", "Evening");
+    ExpectText(ClearButton, "lblSST_1", "Orders.pct");
+    program_->Expect("Perform Evening - Is that correct?", "Yes");
+    program_->Click(ClearButton, "cmdOK");
+    program_->WaitText(ClearButton, "lblProgress", "Process completed with no errors!");
+    ExpectText(ClearButton, "lblSST_1", "2 of 2");
+    program_->Click(ClearButton, "cmdCancel");
+    program_->WaitGone(ClearButton);
 }
 
 void FirstCheck::RepairABlankDownloadAndDeleteABlankUpload() {
@@ -791,8 +818,8 @@ TEST_F(FirstCheck, LeadsFromAnEmptyOfficeToACleanCheckOnTheScreensAlone) {
     RunTheRepairedActivity();
     WaitForHandheldsUnattended();
 
-    for (const QString& form : {Config, Report, Options, Links, ImportButton, ExportButton, DownloadButton,
-                                UploadButton, RemoteButton, Remote})
+    for (const QString& form : {Config, Report, Options, Links, ImportButton, ExportButton, ClearButton,
+                                DownloadButton, UploadButton, RemoteButton, Remote})
         EXPECT_FALSE(presses_.Seen(form).isEmpty()) << form.toStdString() << " was never looked at";
     ExpectLines(presses_.Forgotten(), {});
 }
