@@ -189,6 +189,7 @@ private:
         const QString screen = QStringLiteral("frmTableSelectPC");
         say_(QStringLiteral("Clear the order, audit and totals tables on the PC"));
         const Orders held = OnPC();
+        const TableBytes tables = TablesIn(QStringLiteral("DBFFiles"));
         const QStringList backups = Backups();
         program_->Click(Main, QStringLiteral("mnuClearPCTables"));
         program_->WaitForm(screen);
@@ -209,13 +210,26 @@ private:
         QStringList made = Backups();
         made.removeIf([&](const QString& name) { return backups.contains(name); });
         Require(made.size() == 1, QStringLiteral("the clearing made no backup"));
-        Require(OrdersIn(QStringLiteral("Backup/") + made.first()) == held,
+        Require(TablesIn(QStringLiteral("Backup/") + made.first()) == tables,
                 QStringLiteral("the backup does not hold what was cleared"));
         say_(QStringLiteral("    the backup %1: %2").arg(made.first(), Totals(held)));
     }
 
     static constexpr const char* ClearedTables[] = {"ZUKOrHdr", "ZUKOrLin", "ZUKAudTH", "ZUKAudTL",
                                                     "ZUKAudHH"};
+
+    /// The bytes of these tables, in their order.
+    using TableBytes = QList<QByteArray>;
+    TableBytes TablesIn(const QString& folder) const {
+        TableBytes tables;
+        for (const char* table : ClearedTables) {
+            QFile file(
+                office_.Path(folder + QLatin1Char('/') + QLatin1String(table) + QStringLiteral(".dbf")));
+            Require(file.open(QIODevice::ReadOnly), file.fileName());
+            tables << file.readAll();
+        }
+        return tables;
+    }
 
     int RecordsOf(const char* table) const {
         const QString name = QStringLiteral("DBFFiles/") + QLatin1String(table) + QStringLiteral(".dbf");
@@ -478,12 +492,11 @@ private:
     static QString CellOf(const TableScan& scan, const char* field) {
         return ToQt(std::string(scan.Trimmed(scan.Layout().Find(field))));
     }
-    Orders OnPC() const { return OrdersIn(QStringLiteral("DBFFiles")); }
-    Orders OrdersIn(const QString& folder) const {
+    Orders OnPC() const {
         Orders orders;
-        TableScan headers(PathFromQt(office_.Path(folder + QStringLiteral("/ZUKOrHdr.dbf"))));
+        TableScan headers(PathFromQt(office_.Path(QStringLiteral("DBFFiles/ZUKOrHdr.dbf"))));
         while (headers.Next()) ++orders[CellOf(headers, "H_ORDCODE")].Headers;
-        TableScan lines(PathFromQt(office_.Path(folder + QStringLiteral("/ZUKOrLin.dbf"))));
+        TableScan lines(PathFromQt(office_.Path(QStringLiteral("DBFFiles/ZUKOrLin.dbf"))));
         while (lines.Next()) {
             Order& order = orders[CellOf(lines, "L_ORDCODE")];
             ++order.Lines;

@@ -19,8 +19,8 @@ namespace {
 
 using Names = std::vector<std::string>;
 
-constexpr const char* Boxes[] = {"chkOrHdr", "chkAudtH", "chkAudHH", "chkBarIn", "chkComp",
-                                 "chkCust",  "chkHelp",  "chkItem",  "chkPrint", "chkSetup",
+constexpr const char* Boxes[] = {"chkOrHdr", "chkAudtH", "chkAudHH", "chkBarIn",  "chkComp",
+                                 "chkCust",  "chkHelp",  "chkItem",  "chkPrint",  "chkSetup",
                                  "chkSTax",  "chkPay",   "chkLinks", "chkTotalPC"};
 
 Text T(std::string_view words) {
@@ -101,8 +101,7 @@ TEST_F(ClearPC, NothingIsTickedAtFirstAndSelectionsAreSavedShownAndDeleted) {
     EXPECT_EQ(form.windowTitle(), QStringLiteral("Clear Tables on PC"));
     EXPECT_EQ(AllTicked(form), Names{});
     EXPECT_EQ(TextOf(form, "lblNothing"), QStringLiteral("No table is ticked: none will be cleared."));
-    EXPECT_EQ(TextOf(form, "lblOrHdr"),
-              QStringLiteral("Order Headers (2), Order Lines (3), Signatures (1)"));
+    EXPECT_EQ(TextOf(form, "lblOrHdr"), QStringLiteral("Order Headers (2), Order Lines (3), Signatures (1)"));
     EXPECT_EQ(TextOf(form, "lblCust"), QStringLiteral("Customers (2)"));
 
     Operator_.Expect(msg::TypeTemplateName);

@@ -288,7 +288,7 @@ std::string Clear() {
     CalcPCTotals("CLEAR", silent);
     ClearTables(plan, cleared);
     CalcPCTotals("CLEAR2", silent);
-    return {};
+    return cleared.Images == 2 ? "" : "not all images were deleted"; // the screen says how many were
 }
 
 std::string WriteSettings() {

@@ -18,9 +18,9 @@
 frmTableSelectPC::frmTableSelectPC() : TableSelectForm({&Global.ClearPCTemplates, ".pct"}) {
     setupUi(this);
     const std::pair<QCheckBox*, QLabel*> rows[ClearGroups] = {
-        {chkOrHdr, lblOrHdr}, {chkAudtH, lblAudtH}, {chkAudHH, lblAudHH}, {chkBarIn, lblBarIn},
-        {chkComp, lblComp},   {chkCust, lblCust},   {chkHelp, lblHelp},   {chkItem, lblItem},
-        {chkPrint, lblPrint}, {chkSetup, lblSetup}, {chkSTax, lblSTax},   {chkPay, lblPay},
+        {chkOrHdr, lblOrHdr}, {chkAudtH, lblAudtH},    {chkAudHH, lblAudHH}, {chkBarIn, lblBarIn},
+        {chkComp, lblComp},   {chkCust, lblCust},      {chkHelp, lblHelp},   {chkItem, lblItem},
+        {chkPrint, lblPrint}, {chkSetup, lblSetup},    {chkSTax, lblSTax},   {chkPay, lblPay},
         {chkLinks, lblLinks}, {chkTotalPC, lblTotalPC}};
     std::vector<Group> groups;
     for (std::size_t k = 0; k < ClearGroups; ++k) {

@@ -10,8 +10,8 @@
 
 class GridView;
 
-/// What the screens that start one HotSync for the tables that are chosen share: the handhelds that there are,
-/// and the HotSync itself. The unattended mode's own control gives way as long as such a screen stands.
+/// What the screens that start one HotSync for the tables that are chosen share: the handhelds that there
+/// are, and the HotSync itself. The unattended mode's own control gives way as long as such a screen stands.
 class TransferForm : public TableSelectForm {
 protected:
     using TableSelectForm::TableSelectForm;
