@@ -157,6 +157,9 @@ TEST_F(ClearTablesTest, WhatWasClearedIsToldWithItsRecordsInItsOrder) {
               (std::vector<ClearedTables::Table>{
                   {"ZUKTOTALPC", 1}, {"ZUKORHDR", 1}, {"ZUKORLIN", 2}, {"ZUKAUDTH", 1}, {"ZUKAUDTL", -1}}));
     EXPECT_EQ(Records("ZUKAUDTL"), 0) << "what is no table can be cleared too";
+    EXPECT_EQ(TellCleared(cleared).Utf8(), "PC Totals (1), Order Headers (1), Order Lines (2), Order Header "
+                                           "Audit (1), Order Line Audit");
+    EXPECT_TRUE(TellCleared({}).IsEmpty());
 }
 
 TEST_F(ClearTablesTest, TheOrdersGoWithEveryFileOfTheImagesFolderAndOtherGroupsLeaveThem) {
