@@ -14,6 +14,7 @@
 #include "core/Operator.h"
 #include "core/Paths.h"
 #include "core/SafeFile.h"
+#include "exchange/Activity.h"
 #include "exchange/forms/QuickButtonForm.h"
 #include "platform/Convert.h"
 #include "platform/GridView.h"
@@ -278,6 +279,17 @@ void GivenUnattended() {
     WriteWholeFile(Global.HHTotalsPath + "Anna Berg/Receipt 2026-11-21 174005.txt", receipt);
 }
 
+/// An activity that clears tables.
+void GivenClearing() {
+    ClearPlan plan;
+    for (const ClearGroup group : {ClearGroup::OrHdr, ClearGroup::AudtH, ClearGroup::AudHH})
+        plan.Choose(group);
+    WriteTemplate(Global.ClearPCTemplates + "Orders and audits.pct", plan);
+    Activity activity;
+    activity.Rows[0].Template = "Orders and audits.pct";
+    WriteActivity(Global.QuickButtonTemplates + "Evening.ctm", activity);
+}
+
 /// An upload has just added three orders.
 void GivenTotals() {
     Global.CurHeaders = 128;
@@ -492,6 +504,7 @@ int main(int argc, char** argv) {
             ApplyLook(application, dark);
             The<frmMain1>();
             GivenUnattended();
+            GivenClearing();
             Global.View[ViewOrLinAudt] = true;
             GivenTotals();
 #define PICTURE(form) Picture<form>(folder, #form);

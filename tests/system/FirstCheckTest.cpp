@@ -11,11 +11,11 @@ namespace {
 const QString Config = "frmConfig", Report = "frmConfigMsg", Options = "frmOptions", Links = "frmChgLink";
 const QString Convert = "frmConvert", Mapping = "frmImport1", Export = "frmExport1";
 const QString Grid = "frmViewGrid", Question = "frmMessage";
-const QString ImportButton = "frmQBImport", ExportButton = "frmQBExport";
+const QString ImportButton = "frmQBImport", ExportButton = "frmQBExport", ClearButton = "frmQBClearPC";
 const QString RemoteButton = "frmQBRemote", Remote = "frmRemoteSync";
 const QString DownloadButton = "frmQBDownload", UploadButton = "frmQBUpload";
 const QString DownloadTables = "frmTableSelectDL", ClearTables = "frmTableSelectCL";
-const QString UploadTables = "frmUploadSelect";
+const QString UploadTables = "frmUploadSelect", PCTables = "frmTableSelectPC";
 const QString EditCust = "frmEditCust", EditItem = "frmEditItem", EditSTax = "frmEditSTax";
 const QString ConfigCust = "frmConfigCust", ConfigItem = "frmConfigItem";
 const QString ConfigSTax = "frmConfigSTax", ConfigPrint = "frmConfigPrint";
@@ -42,7 +42,7 @@ public:
 
     /// Screens whose ways to the options are pressed.
     static const QStringList& WithSetup() {
-        static const QStringList forms{ImportButton, ExportButton, DownloadButton, UploadButton};
+        static const QStringList forms{ImportButton, ExportButton, ClearButton, DownloadButton, UploadButton};
         return forms;
     }
 
@@ -549,6 +549,32 @@ void FirstCheck::SetUpActivitiesFromTheQuickButtons() {
     ExpectLines(program_->Items(ExportButton, "cboMaster"), {"DemoExport"});
     program_->Click(ExportButton, "cmdCancel");
     program_->WaitGone(ExportButton);
+
+    program_->Click(Main, "lblClearPC");
+    program_->WaitForm(ClearButton);
+    PressAndWait(ClearButton, "cmdSetup", Options);
+    EXPECT_TRUE(program_->HasFocus(Options, "cboPCAct"));
+    PressAndWait(Options, "cmdEdtPC", PCTables);
+    program_->Click(PCTables, "cmdSelectAll");
+    program_->Click(PCTables, "cmdInvert");
+    program_->Click(PCTables, "chkOrHdr");
+    program_->Set(PCTables, "cboSettings", "Orders");
+    program_->Expect("Would you like to perform the clear operation now?", "No");
+    program_->Click(PCTables, "cmdOK");
+    program_->WaitGone(PCTables);
+    BoxesCame();
+    ExpectLines(program_->Items(Options, "cboPCSS1"), {"", "Orders.pct"});
+    program_->Set(Options, "cboPCAct", "Evening");
+    program_->Choose(Options, "cboPCSS1", "Orders.pct");
+    PressToClose(Options, "cmdOK");
+    program_->Choose(ClearButton, "cboMaster", "Evening");
+    ExpectText(ClearButton, "lblSST_1", "Orders.pct");
+    program_->Expect("Perform Evening - Is that correct?", "Yes");
+    program_->Click(ClearButton, "cmdOK");
+    program_->WaitText(ClearButton, "lblProgress", "Process completed with no errors!");
+    ExpectText(ClearButton, "lblSST_1", "2 of 2");
+    program_->Click(ClearButton, "cmdCancel");
+    program_->WaitGone(ClearButton);
 }
 
 void FirstCheck::RepairABlankDownloadAndDeleteABlankUpload() {

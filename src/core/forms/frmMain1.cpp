@@ -10,6 +10,7 @@
 #include "core/Settings.h"
 #include "exchange/forms/frmConvert.h"
 #include "exchange/forms/frmExport1.h"
+#include "exchange/forms/frmQBClearPC.h"
 #include "exchange/forms/frmQBDownload.h"
 #include "exchange/forms/frmQBExport.h"
 #include "exchange/forms/frmQBImport.h"
@@ -17,6 +18,7 @@
 #include "maintenance/Backup.h"
 #include "maintenance/Office.h"
 #include "maintenance/Totals.h"
+#include "maintenance/forms/frmTableSelectPC.h"
 #include "platform/Convert.h"
 #include "platform/HotSyncManager.h"
 #include "platform/Look.h"
@@ -311,11 +313,18 @@ void frmMain1::CloseInSession() {
 
 void frmMain1::UnloadForms() {
     TraceEvent("frmMain1:UnloadForms");
+    sbrOutcome->hide();
     Global.UnloadingForms = true;
     if (Global.TemporaryDirectory) RemoveTemporaryDirectory();
     Global.TemporaryDirectory = false;
     FormRegistry::Instance().UnloadSecondary();
     Global.UnloadingForms = false;
+}
+
+void frmMain1::ShowOutcome(const Text& outcome) {
+    sbrOutcome->showMessage(ToQt(outcome));
+    sbrOutcome->setToolTip(PlainTip(ToQt(outcome))); // a long one is cut at the edge
+    sbrOutcome->show();
 }
 
 // ---- the window's place ----
@@ -779,6 +788,22 @@ void frmMain1::lblPCTables_Click() {
     TraceEvent("frmMain1:lblPCTables_Click");
     UnloadForms();
     The<frmView>().Show();
+}
+
+void frmMain1::lblClearPC_Click() {
+    TraceEvent("frmMain1:lblClearPC_Click");
+    UnloadForms();
+    The<frmQBClearPC>().Show();
+}
+
+void frmMain1::lblPurgeBU_Click() {
+    mnuClearPCTables_Click();
+}
+
+void frmMain1::mnuClearPCTables_Click() {
+    TraceEvent("frmMain1:mnuClearPCTables_Click");
+    UnloadForms();
+    The<frmTableSelectPC>().Show(ShowMode::Modal);
 }
 
 void frmMain1::lblConfigurator_Click() {

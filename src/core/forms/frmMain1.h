@@ -40,6 +40,9 @@ public:
     void GetHHBricksStd();
     void GetHHBricksInst();
 
+    /// Says at the foot of the screen what was done, until another screen is opened.
+    void ShowOutcome(const Text& outcome);
+
     /// Closes every secondary form.
     void UnloadForms();
 
@@ -71,6 +74,7 @@ private slots:
     void mnuMainUpload_Click();
     void mnuMainExport_Click();
     void mnuExit_Click();
+    void mnuClearPCTables_Click();
     void mnuMainAbout_Click();
     void mnuDarkLook_Click();
     void mnuChgComp_Click();
@@ -107,6 +111,8 @@ private slots:
     void lblDownloadBtn_Click();
     void lblUploadBtn_Click();
     void lblPCTables_Click();
+    void lblClearPC_Click();
+    void lblPurgeBU_Click();
     void lblConfigurator_Click();
     void lblQC_Click();
     void mnuConfig_Click();
