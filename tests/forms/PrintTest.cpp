@@ -116,8 +116,8 @@ TEST_F(Printing, EachReportIsReadBackFromItsPdfAsItsPagesHaveIt) {
          1},
         {ViewOrHdrAudt, OrHdrAudtForm(), "|A1060 |CUST0 | 431.5|Y | |SINGLE |20261115 |10:02:00 |A001 |", 2},
         {ViewOrLinAudt, OrLinAudtForm(), "|A100101 |H1 | |20261115 |10:02:00 |A001 |", 1},
-        {ViewAudHH, AudtHHForm(),
-         "| 3| 12| 431.5| |A001 |A00100000128|20261115 |10:02:00 |UPLOAD-REPLACE|", 1},
+        {ViewAudHH, AudtHHForm(), "| 3| 12| 431.5| |A001 |A00100000128|20261115 |10:02:00 |UPLOAD-REPLACE|",
+         1},
     };
     for (const auto& each : reports) {
         SCOPED_TRACE(each.Row);
