@@ -387,16 +387,22 @@ void OptionsFaces(const QString& folder) {
     options.Unload();
 }
 
-/// A preview, which the program waits for.
+/// A preview, which the program waits for, unless a round before this one has ended it.
 void PreviewFace(FormBehaviour& form, const QString& folder, const char* name) {
-    QTimer::singleShot(0, qApp, [&] {
+    bool isSaved = false;
+    const auto save = [&] {
+        if (std::exchange(isSaved, true)) return;
         auto& preview = The<frmPreview>();
         Save(preview, folder, QString::fromLatin1(name));
         Press(preview, "cmdWholePage");
         Save(preview, folder, QString::fromLatin1(name) + QStringLiteral("-whole"));
         preview.Unload();
-    });
+    };
+    QTimer meanwhile;
+    meanwhile.callOnTimeout(save);
+    meanwhile.start(0);
     Press(form, "cmdPreview");
+    save();
 }
 
 /// The browser with each kind of table in it.
