@@ -11,7 +11,6 @@ namespace {
 
 constexpr const char* HelpText = "HelpText";
 
-/// Where a dialog that opens puts the focus nobody has pressed a key.
 bool CameByAKey(const QEvent& event) {
     const Qt::FocusReason reason = static_cast<const QFocusEvent&>(event).reason();
     return reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason ||
@@ -48,7 +47,8 @@ bool HelpLine::eventFilter(QObject* object, QEvent* event) {
     if (held_) return QObject::eventFilter(object, event);
     if (event->type() == QEvent::Enter) ShowFor(*object);
     if (event->type() == QEvent::Leave) Rest();
-    if (event->type() == QEvent::FocusIn && CameByAKey(*event) && label_.window()->isVisible())
+    // A dialog that opens says the same of a control that has no focus yet, and nobody has pressed a key.
+    if (event->type() == QEvent::FocusIn && CameByAKey(*event) && qobject_cast<QWidget*>(object)->hasFocus())
         ShowFor(*object);
     return QObject::eventFilter(object, event);
 }
