@@ -917,8 +917,8 @@ void FirstCheck::EditWhatTheHandheldIsToldOnce() {
     ViewAndCancel(HandheldSetup);
 
     OpenEditor("mnuChgPrinter", Printing);
-    program_->Choose(Printing, "cboContForm", "NO");
     program_->Set(Printing, "txtLineMax", "60");
+    program_->Choose(Printing, "cboContForm", "NO");
     program_->Choose(Printing, "cboPrinter", "Datecs");
     program_->Choose(Printing, "cboStdStyle", "Fixed Length");
     program_->ExpectContaining("the program has changed the Print Format to 'Continuous Form'");
