@@ -11,7 +11,10 @@ namespace {
 
 constexpr const char* HelpText = "HelpText";
 
-bool CameByAKey(const QEvent& event) {
+/// A dialog that opens tells the same to its first control, which has no focus by then: nobody has pressed a
+/// key.
+bool CameByAKey(const QEvent& event, const QObject& control) {
+    if (!static_cast<const QWidget&>(control).hasFocus()) return false;
     const Qt::FocusReason reason = static_cast<const QFocusEvent&>(event).reason();
     return reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason ||
            reason == Qt::ShortcutFocusReason;
@@ -47,8 +50,6 @@ bool HelpLine::eventFilter(QObject* object, QEvent* event) {
     if (held_) return QObject::eventFilter(object, event);
     if (event->type() == QEvent::Enter) ShowFor(*object);
     if (event->type() == QEvent::Leave) Rest();
-    // A dialog that opens says the same of a control that has no focus yet, and nobody has pressed a key.
-    if (event->type() == QEvent::FocusIn && CameByAKey(*event) && qobject_cast<QWidget*>(object)->hasFocus())
-        ShowFor(*object);
+    if (event->type() == QEvent::FocusIn && CameByAKey(*event, *object)) ShowFor(*object);
     return QObject::eventFilter(object, event);
 }
