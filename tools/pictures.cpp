@@ -47,6 +47,7 @@ public:
         return buttons == Buttons::Ok ? Answer::Ok : RunsActivities ? Answer::Yes : Answer::No;
     }
     std::optional<std::string> InputBox(const Text&, const std::string&) override { return std::nullopt; }
+    std::optional<std::string> OpenFile(const FileQuestion&) override { return std::nullopt; }
     bool Ask(const Question&) override { return false; }
     void Beep() override {}
 

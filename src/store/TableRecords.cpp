@@ -17,8 +17,7 @@ void TableRecords::Reopen(std::int32_t record) {
     table_.FileOpen(path_);
     open_ = true;
     try {
-        if (table_.GetData(key_).empty())
-            throw RunTimeFailure(321, path_ + ": there is no field " + key_);
+        if (table_.GetData(key_).empty()) throw RunTimeFailure(321, path_ + ": there is no field " + key_);
         const std::int32_t nearest = std::clamp(record, std::min(1, table_.RecordCount), table_.RecordCount);
         table_.Go(nearest > 0 ? nearest : DBFEdit::Last);
         record_ = nearest;

@@ -29,6 +29,10 @@ public:
     /// and SafeFile.
     TableRewrite(std::string_view path, std::span<const FieldDef> fields);
 
+    /// A table of this structure, as another table has it, in the place of whatever stands there.
+    /// RunTimeFailure as SafeFile.
+    TableRewrite(std::string_view path, TableLayout layout);
+
     const TableLayout& Layout() const { return layout_; }
 
     /// Records begun so far.
@@ -62,7 +66,6 @@ public:
     void Commit(bool flush = true);
 
 private:
-    TableRewrite(std::string_view path, TableLayout layout);
     void BeginRecord();
     void Drain();
 

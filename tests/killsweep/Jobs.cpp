@@ -19,7 +19,9 @@
 #include "hotsync/ManagerSettings.h"
 #include "maintenance/Backup.h"
 #include "maintenance/Office.h"
+#include "maintenance/Restore.h"
 #include "maintenance/Totals.h"
+#include "maintenance/VersionUpdate.h"
 #include "store/DBFEdit.h"
 #include "store/OfficeTables.h"
 #include "store/SortTables.h"
@@ -704,9 +706,13 @@ void OpenOffice(const std::string& folder) {
 }
 
 void StartOffice(const std::string& folder) {
+    const auto updateSilently = [] {
+        NoProgress silent;
+        UpdateTables(silent);
+    };
     BeginOffice(folder);
     GetIniFile();
-    if (!PrepareOffice([] {})) throw RunTimeFailure(53, "tables");
+    if (!PrepareOffice([] {}, updateSilently)) throw RunTimeFailure(53, "tables");
     RecoverSafetyCopies();
     GetPCTotals();
     GetHHStatus();
