@@ -123,9 +123,8 @@ std::vector<BackupPoint> ReadBackups(Progress& progress) {
         Compare(point, HasSize);
         points.push_back(std::move(point));
     }
-    std::stable_sort(points.begin(), points.end(), [](const BackupPoint& a, const BackupPoint& b) {
-        return MomentOf(b) < MomentOf(a);
-    });
+    std::stable_sort(points.begin(), points.end(),
+                     [](const BackupPoint& a, const BackupPoint& b) { return MomentOf(b) < MomentOf(a); });
     return points;
 }
 
@@ -172,7 +171,8 @@ RestoreResult RestoreTables(
         } catch (const std::exception& failure) {
             result.How = End::Stopped;
             result.Why = failure.what();
-            result.Left.assign(tables.begin() + static_cast<std::ptrdiff_t>(result.Done.size()), tables.end());
+            result.Left.assign(tables.begin() + static_cast<std::ptrdiff_t>(result.Done.size()),
+                               tables.end());
             break;
         }
     }

@@ -63,6 +63,6 @@ struct RestoreResult {
 /// over the other as CopySingleTable does, and may show it. All of them are looked at first, and the present
 /// tables are backed up under "RESTORE": a restore that ends before `copyTable` is called has changed no
 /// table. Whatever happens, each table is the old one or the restored one, and the restore can be run again.
-RestoreResult RestoreTables(
-    const std::string& folder,
-    const std::function<void(const std::string& oldTable, const std::string& newTable)>& copyTable);
+RestoreResult
+RestoreTables(const std::string& folder,
+              const std::function<void(const std::string& oldTable, const std::string& newTable)>& copyTable);

@@ -14,9 +14,9 @@ constexpr int MostDigits = 9;
 
 /// Groups that hold no words of the text.
 constexpr std::array<std::string_view, 22> Hidden = {
-    "colortbl", "datastore", "filetbl",  "fldinst", "fonttbl",   "footer", "footerf",    "footerl",
-    "footerr",  "generator", "header",   "headerf", "headerl",   "headerr", "info",      "listtable",
-    "object",   "pict",      "rsidtbl",  "private", "stylesheet", "themedata"};
+    "colortbl", "datastore", "filetbl", "fldinst", "fonttbl",    "footer",   "footerf", "footerl",
+    "footerr",  "generator", "header",  "headerf", "headerl",    "headerr",  "info",    "listtable",
+    "object",   "pict",      "rsidtbl", "private", "stylesheet", "themedata"};
 
 /// Words that stand for characters, in UTF-8.
 constexpr std::array<std::pair<std::string_view, std::string_view>, 14> Characters = {{
@@ -231,7 +231,8 @@ private:
 std::vector<RtfRun> ReadRtf(std::string_view bytes) {
     if (bytes.starts_with("{\\rtf")) return RtfReader(bytes).Read();
     std::string text(bytes);
-    std::erase_if(text, [](char c) { return static_cast<unsigned char>(c) < 0x20 && c != '\n' && c != '\t'; });
+    std::erase_if(text,
+                  [](char c) { return static_cast<unsigned char>(c) < 0x20 && c != '\n' && c != '\t'; });
     if (text.empty()) return {};
     return {{IsValidUtf8(text) ? text : CodePageToUtf8(text)}};
 }

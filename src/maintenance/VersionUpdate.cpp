@@ -80,7 +80,6 @@ void UpdateTables(Progress& progress) {
     const std::vector<std::string> tables = NewTables();
     for (const std::string& table : tables) Look(from + table, Global.DBFPath + table);
 
-    bool twinsAreOld = false;
     for (const std::string& table : tables) {
         TraceEvent("frmCopyDBF:UpdateTables " + table);
         const TableLayout structure = StructureOf(from + table);
@@ -88,8 +87,9 @@ void UpdateTables(Progress& progress) {
             Restructure(Global.DBFPath + table, structure, progress);
         else
             CopyOver(from + table, Global.DBFPath + table);
-        twinsAreOld |= Restructure(Global.InstallPath + table, structure, progress);
+        if (Restructure(Global.InstallPath + table, structure, progress) &&
+            FileExists(Global.DBFEmptyPath + table))
+            MakeEmptyTwin(table);
         Global.TheDisk->Remove(ResolvePath(from + table));
     }
-    if (twinsAreOld) MakeEmptyTwins();
 }

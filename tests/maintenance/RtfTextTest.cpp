@@ -23,9 +23,13 @@ TEST_F(RtfTextTest, ParagraphsLinesAndTabsAreTheTextsOwn) {
 }
 
 TEST_F(RtfTextTest, BoldAndItalicReachToTheEndOfTheirGroup) {
-    EXPECT_EQ(ReadRtf("{\\rtf1 a{\\b b{\\i c}}\\i d\\i0 e\\b f\\plain g}"),
-              (Runs{{"a", false, false}, {"b", true, false}, {"c", true, true}, {"d", false, true},
-                    {"e", false, false}, {"f", true, false}, {"g", false, false}}));
+    EXPECT_EQ(ReadRtf("{\\rtf1 a{\\b b{\\i c}}\\i d\\i0 e\\b f\\plain g}"), (Runs{{"a", false, false},
+                                                                                  {"b", true, false},
+                                                                                  {"c", true, true},
+                                                                                  {"d", false, true},
+                                                                                  {"e", false, false},
+                                                                                  {"f", true, false},
+                                                                                  {"g", false, false}}));
 }
 
 TEST_F(RtfTextTest, FontsColoursPicturesAndUnknownDestinationsAreLeftOut) {
@@ -46,7 +50,8 @@ TEST_F(RtfTextTest, BinaryBytesArePassedByAndWhatFollowsTheEndIsNotRead) {
 }
 
 TEST_F(RtfTextTest, AFileThatIsNoRichTextIsShownAsItStands) {
-    EXPECT_EQ(ReadRtf("Plain \\b text\r\nM\xFCller\x01"), (Runs{{"Plain \\b text\nM\u00FCller", false, false}}));
+    EXPECT_EQ(ReadRtf("Plain \\b text\r\nM\xFCller\x01"),
+              (Runs{{"Plain \\b text\nM\u00FCller", false, false}}));
     EXPECT_EQ(ReadRtf(""), Runs{});
 }
 
