@@ -66,7 +66,9 @@ protected:
 
     static GridView& Grid(FormBehaviour& form) { return dynamic_cast<GridView&>(Control(form, "FG1")); }
 
-    static std::string Folder(int minute) { return Global.BackupPath + BackupName({2026, 11, 15, 2, minute, 7}) + "/"; }
+    static std::string Folder(int minute) {
+        return Global.BackupPath + BackupName({2026, 11, 15, 2, minute, 7}) + "/";
+    }
 };
 
 using Row = std::vector<std::string>;
@@ -89,8 +91,10 @@ TEST_F(RestoreScreen, ABackupIsListedLookedAtAndRestoredAndWhatWasThereBeforeIsL
     EXPECT_EQ(TextOf(form, "cmdEdit"), QStringLiteral("Restore"));
     EXPECT_EQ(TextOf(form, "cmdDataView"), QStringLiteral("Preview"));
     ASSERT_EQ(GridRows(form, "FG1").size(), 2U);
-    EXPECT_EQ(Cells(form, 0), (Row{"CLEAR", "2026-11-15 02:20:07", "1", "1", "10.50", "", "", "", "complete"}));
-    EXPECT_EQ(Cells(form, 1), (Row{"EXPORT", "2026-11-15 02:10:07", "2", "2", "21.00", "", "", "", "complete"}));
+    EXPECT_EQ(Cells(form, 0),
+              (Row{"CLEAR", "2026-11-15 02:20:07", "1", "1", "10.50", "", "", "", "complete"}));
+    EXPECT_EQ(Cells(form, 1),
+              (Row{"EXPORT", "2026-11-15 02:10:07", "2", "2", "21.00", "", "", "", "complete"}));
 
     // Looked at: no dialog gives a table that cannot be changed, and back it goes to the same row.
     Grid(form).SelectRecord(2);
@@ -167,8 +171,9 @@ TEST_F(RestoreScreen, WhatHasBecomeOfABackupIsMarkedAndTold) {
 
     Operator_.Expect(msg::RestoreQuestion).Answer(Answer::Yes);
     Operator_
-        .Expect(Lines(Lines(msg::FilesNoLongerMatch, Text::Path(std::string_view(std::string("ZUKAudTH.dbf")))),
-                      msg::RestoreAnyway))
+        .Expect(
+            Lines(Lines(msg::FilesNoLongerMatch, Text::Path(std::string_view(std::string("ZUKAudTH.dbf")))),
+                  msg::RestoreAnyway))
         .With(Icon::Warning)
         .Answer(Answer::No);
     Click(form, "cmdEdit");

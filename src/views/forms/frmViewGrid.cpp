@@ -62,7 +62,7 @@ Text NamesOf(const std::vector<std::string>& names, const std::vector<std::strin
     for (const auto* list : {&names, &more}) {
         for (const std::string& name : *list) all += (all.empty() ? "" : ", ") + name;
     }
-    return Text::Path(std::string_view(all));
+    return Text::Value(std::string_view(all));
 }
 
 Text WordsOf(const BackupPoint& point) {
