@@ -11,6 +11,7 @@
 #include "maintenance/Totals.h"
 #include "maintenance/VersionUpdate.h"
 #include "quality/Checks.h"
+#include "quality/SearchField.h"
 #include "store/CreateTable.h"
 #include "store/OfficeTables.h"
 #include "store/SortTables.h"
@@ -18,6 +19,8 @@
 #include "store/TableScan.h"
 #include "sync/ReceiptCount.h"
 #include "sync/SafetyCopies.h"
+#include "views/BoxReport.h"
+#include "views/MasterTable.h"
 #include "views/TableViews.h"
 
 #include <benchmark/benchmark.h>
@@ -383,6 +386,86 @@ void OpenATableAndShowItsEnd(benchmark::State& state) {
     }
 }
 BENCHMARK(OpenATableAndShowItsEnd)->Arg(10'000)->Arg(1'000'000)->Unit(benchmark::kMicrosecond);
+
+/// Paper that counts its lines and forgets them.
+class Shredder final : public Printer {
+public:
+    void SetFont(const PrintFont&) override {}
+    void Print(const Text&) override { ++Lines; }
+    int LinesPerPage() override { return 80; }
+    int PageWidth() const override { return 11000; }
+    int PageHeight() const override { return 15000; }
+    int TextWidth(const Text&) override { return 0; }
+    int TextHeight() override { return 180; }
+    void PrintAt(int, int, const Text&) override {}
+    void PrintBox(int, int, int, int) override {}
+    void NewPage() override {}
+    void EndDoc() override {}
+
+    std::int64_t Lines = 0;
+};
+
+/// The pages of the order header audit: as the records stand, or by customer.
+void PrintTheAudit(benchmark::State& state, int sortColumn) {
+    const BenchOffice office;
+    office.GivenAudit(state.range(0));
+    for (auto _ : state) {
+        auto rows =
+            std::make_unique<TableGrid>(Global.DBFPath + "ZUKAUDTH.DBF", [](const TableLayout& layout) {
+                return DataColumns(*FindTable("ZUKAUDTH.DBF"), layout);
+            });
+        if (sortColumn > 0) rows->Sort(sortColumn, false);
+        BoxReport report(OrHdrAudtForm(), std::move(rows), UsualPageLength);
+        Shredder paper;
+        ReportRun run(report, paper);
+        while (!run.IsOver()) run.Step(5);
+        if (paper.Lines < state.range(0)) state.SkipWithError("rows were lost");
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK_CAPTURE(PrintTheAudit, unsorted, 0)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(PrintTheAudit, byCustomer, 2)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
+
+/// Each time from another field, since a table that holds its new content already is not written.
+void UpdateSearchFields(benchmark::State& state) {
+    const BenchOffice office;
+    office.GivenCustomers(state.range(0), Order::None);
+    bool byCode = false;
+    for (auto _ : state) {
+        byCode = !byCode;
+        if (UpdateSearchField(CustomerSearch, byCode ? "Code" : "Company") != state.range(0))
+            state.SkipWithError("customers were lost");
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK(UpdateSearchFields)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
+
+void OpenAMasterEditor(benchmark::State& state) {
+    const BenchOffice office;
+    office.GivenCustomers(state.range(0), Order::None);
+    for (auto _ : state) {
+        MasterTable customers(CustomerMaster);
+        customers.Open(1);
+        benchmark::DoNotOptimize(customers.Lookup().size());
+    }
+}
+BENCHMARK(OpenAMasterEditor)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
+
+/// A change, the move to the next record, and what there is to warn of there.
+void SaveAndMoveInAMaster(benchmark::State& state) {
+    const BenchOffice office;
+    office.GivenCustomers(state.range(0), Order::None);
+    constexpr int C_CITY = 8;
+    MasterTable customers(CustomerMaster);
+    customers.Open(1);
+    int turn = 0;
+    for (auto _ : state) {
+        customers.Write({{C_CITY, std::to_string(++turn)}});
+        customers.Go(customers.RecordNumber() == customers.RecordCount() ? DBFEdit::First : DBFEdit::Next);
+        benchmark::DoNotOptimize(customers.Warning({}));
+    }
+}
+BENCHMARK(SaveAndMoveInAMaster)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMicrosecond);
 
 } // namespace
 

@@ -6,7 +6,7 @@
 #include <optional>
 
 /// The whole loop of a day with two handhelds over the real programs, in a fresh office at `office`: import,
-/// check, download, orders, upload, merge, export with the tables emptied behind it, clearing. Says each step
+/// check, download, orders, upload, merge, export, clearing of the handhelds and of the PC. Says each step
 /// and the totals on both sides. Fails with an exception at the first thing that does not hold.
 /// With a seed three sessions of the upload break, by the line, the handheld or the HotSync Manager, and the
 /// program, and each order must be on the PC once all the same.

@@ -178,6 +178,8 @@ void RemoveStrays() {
         const std::string table = Global.DBFPath + name.substr(0, name.size() - 3) + "dbf";
         if (FileExists(table)) RemoveQuietly(Global.DBFPath + name);
     }
+    // The signature viewer's, which stands only while that is open.
+    RemoveQuietly(Global.DBFPath + "SIGN.DBF");
 }
 
 std::string TemporaryDirectory() {

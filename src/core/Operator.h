@@ -1,7 +1,9 @@
 #pragma once
 
+#include "core/Printer.h"
 #include "core/Text.h"
 
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -43,6 +45,10 @@ public:
 
     /// Shows the shared question form; true when it left MessageAnswer true.
     virtual bool Ask(const Question& question) = 0;
+
+    /// The common printer dialog: where a document of this name is to go, to a printer or a file. Nothing
+    /// when the operator gives up. RunTimeFailure when the printer or the file is not to be had.
+    virtual std::unique_ptr<Printer> PrinterDialog(const Text& document) = 0;
 
     /// A short sound.
     virtual void Beep() = 0;

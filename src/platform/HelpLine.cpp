@@ -31,7 +31,13 @@ void HelpLine::Add(QWidget& control, const Text& text) {
 }
 
 void HelpLine::Rest() {
+    held_ = false;
     label_.setText(idle_);
+}
+
+void HelpLine::Hold(const Text& text) {
+    held_ = true;
+    label_.setText(ToQt(text));
 }
 
 void HelpLine::ShowFor(const QObject& control) {
@@ -39,6 +45,7 @@ void HelpLine::ShowFor(const QObject& control) {
 }
 
 bool HelpLine::eventFilter(QObject* object, QEvent* event) {
+    if (held_) return QObject::eventFilter(object, event);
     if (event->type() == QEvent::Enter) ShowFor(*object);
     if (event->type() == QEvent::Leave) Rest();
     if (event->type() == QEvent::FocusIn && CameByAKey(*event) && label_.window()->isVisible())

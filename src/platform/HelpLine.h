@@ -20,6 +20,9 @@ public:
     /// Shows the idle text again.
     void Rest();
 
+    /// Shows a text, whatever the mouse and the keys come to, until Rest.
+    void Hold(const Text& text);
+
 protected:
     bool eventFilter(QObject* object, QEvent* event) override;
 
@@ -28,4 +31,5 @@ private:
 
     QLabel& label_;
     QString idle_;
+    bool held_ = false;
 };

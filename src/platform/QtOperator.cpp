@@ -6,6 +6,7 @@
 #include "core/forms/frmMessage.h"
 #include "platform/Convert.h"
 #include "platform/Look.h"
+#include "platform/Printing.h"
 
 #include <QApplication>
 #include <QDialogButtonBox>
@@ -137,6 +138,10 @@ bool QtOperator::Ask(const Question& question) {
     form.Fill(question);
     form.Show(ShowMode::Modal);
     return Global.MessageAnswer;
+}
+
+std::unique_ptr<Printer> QtOperator::PrinterDialog(const Text& document) {
+    return AskForPrinter(ToQt(document));
 }
 
 void QtOperator::Beep() {

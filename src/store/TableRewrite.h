@@ -29,9 +29,8 @@ public:
     /// and SafeFile.
     TableRewrite(std::string_view path, std::span<const FieldDef> fields);
 
-    /// A table of this structure, as another table has it, in the place of whatever stands there.
-    /// RunTimeFailure as SafeFile.
-    TableRewrite(std::string_view path, TableLayout layout);
+    /// A table built like another, in the place of whatever stands there. RunTimeFailure as SafeFile.
+    TableRewrite(std::string_view path, TableLayout like);
 
     const TableLayout& Layout() const { return layout_; }
 

@@ -14,3 +14,9 @@ std::optional<bool> TurnsOn(std::string_view line, MessageId group) {
     if (!SameText(TrimRight(line.substr(0, end)), Text(group).CodePage())) return std::nullopt;
     return TrimRight(line).back() == '1';
 }
+
+std::optional<bool> TurnsOnByBeginning(std::string_view line, MessageId group) {
+    line = TrimRight(line);
+    if (line.empty() || !BeginsWith(line, Text(group).CodePage())) return std::nullopt;
+    return line.back() == '1';
+}

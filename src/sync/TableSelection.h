@@ -5,7 +5,7 @@
 #include <optional>
 #include <string_view>
 
-/// Lines of a table selection: a template of an upload, a download or a clearing of handhelds.
+/// Lines of a table selection: a template of an upload, a download or a clearing.
 
 /// What a line says of a group of tables when it is looked at by its beginning alone: the digit at its end
 /// when it begins with the group's name. 0 for a line that speaks of something else.
@@ -15,3 +15,7 @@ int SelectionValue(std::string_view line, MessageId group);
 /// its first "=", blanks behind it cut, is the group's name without regard to case. On is a line whose last
 /// character, blanks cut, is a 1. Blanks before the name are part of it.
 std::optional<bool> TurnsOn(std::string_view line, MessageId group);
+
+/// The same for a clearing on the PC: a line is the group's when it begins with the name, without regard to
+/// case. On is a line whose last character, blanks cut, is a 1.
+std::optional<bool> TurnsOnByBeginning(std::string_view line, MessageId group);

@@ -5,7 +5,6 @@
 #include "core/TextFile.h"
 #include "sync/TableSelection.h"
 
-#include <span>
 #include <string>
 
 namespace {
@@ -27,6 +26,12 @@ constexpr TemplateLine<DownloadChoice> DownloadLines[] = {{msg::TablesCustomers,
 constexpr TemplateLine<ClearChoice> ClearLines[] = {{msg::TablesOrders, &ClearChoice::Orders},
                                                     {msg::TablesAudits, &ClearChoice::Audits},
                                                     {msg::TablesHHTotals, &ClearChoice::HHTotals}};
+
+/// Of the template of a clearing on the PC, in the order of the groups.
+constexpr MessageId ClearPCLines[ClearGroups] = {
+    msg::TablesOrders,      msg::TablesAudits, msg::TablesHHTotals, msg::TablesBarIn,  msg::TablesComp,
+    msg::TablesCustomersPC, msg::TablesHelp,   msg::TablesItems,    msg::TablesPrint,  msg::TablesSetupPC,
+    msg::TablesSTax,        msg::TablesPay,    msg::TablesLinks,    msg::TablesTotalPC};
 
 template <typename Choice, std::size_t Count>
 void Read(std::string_view path, Choice& choice, const TemplateLine<Choice> (&lines)[Count]) {
@@ -62,6 +67,17 @@ void ReadTemplate(std::string_view path, ClearChoice& choice) {
     Read(path, choice, ClearLines);
 }
 
+void ReadTemplate(std::string_view path, ClearPlan& plan) {
+    TextReader file(path, TextReader::OwnFile);
+    ClearPlan read = plan;
+    for (std::string line; file.ReadLine(line);) {
+        for (std::size_t group = 0; group < ClearGroups; ++group) {
+            if (const auto on = TurnsOnByBeginning(line, ClearPCLines[group])) read.Chosen[group] = *on;
+        }
+    }
+    plan = read;
+}
+
 void WriteTemplate(std::string_view path, const UploadChoice& choice) {
     Write(path, choice, UploadLines);
 }
@@ -72,4 +88,11 @@ void WriteTemplate(std::string_view path, const DownloadChoice& choice) {
 
 void WriteTemplate(std::string_view path, const ClearChoice& choice) {
     Write(path, choice, ClearLines);
+}
+
+void WriteTemplate(std::string_view path, const ClearPlan& plan) {
+    SafeFile file(path);
+    for (std::size_t group = 0; group < ClearGroups; ++group)
+        file.WriteLine(Text(ClearPCLines[group]).CodePage() + (plan.Chosen[group] ? "1" : "0"));
+    file.Commit();
 }

@@ -1,8 +1,10 @@
 #include "core/SafeFile.h"
 #include "core/forms/frmMain1.h"
+#include "exchange/forms/frmQBClearPC.h"
 #include "exchange/forms/frmQBDownload.h"
 #include "exchange/forms/frmQBUpload.h"
 #include "forms/TableScreensTest.h"
+#include "maintenance/forms/frmTableSelectPC.h"
 #include "quality/forms/frmConfig.h"
 #include "quality/forms/frmConfigMsg.h"
 #include "support/RefusingDisk.h"
@@ -455,7 +457,7 @@ TEST_F(TableButtons, SetupTurnsToTheTemplatesOfItsKindAndTheListsAreNew) {
     EXPECT_EQ(dynamic_cast<QComboBox&>(FormTest::Control(form, "cboClear")).count(), 1);
 }
 
-TEST_F(TableButtons, TheMainScreenOpensAllFive) {
+TEST_F(TableButtons, TheMainScreenOpensThemAll) {
     auto& main = Open<frmMain1>();
     WhenStands<frmTableSelectDL>([](auto& form) { Click(form, "cmdCancel"); });
     ClickMenu(main, "mnuDownloadSelect");
@@ -463,6 +465,13 @@ TEST_F(TableButtons, TheMainScreenOpensAllFive) {
     ClickMenu(main, "mnuClearSelect");
     WhenStands<frmUploadSelect>([](auto& form) { Click(form, "cmdCancel"); });
     ClickMenu(main, "mnuMainUpload");
+
+    for (const char* way : {"mnuClearPCTables", "lblPurgeBU"}) {
+        WhenStands<frmTableSelectPC>([](auto& form) { Click(form, "cmdCancel"); });
+        way[0] == 'm' ? ClickMenu(main, way) : Click(main, way);
+    }
+    Click(main, "lblClearPC");
+    EXPECT_NE(IfLoaded<frmQBClearPC>(), nullptr);
 
     Click(main, "lblDownloadBtn");
     EXPECT_NE(IfLoaded<frmQBDownload>(), nullptr);
@@ -488,9 +497,17 @@ TEST_F(TableTemplateKeepers, TheOptionsOpenTheScreensAndListWhatWasSavedThere) {
     WhenStands<frmTableSelectCL>([&](auto& form) { save(form, "Old orders"); });
     Click(options, "cmdSUClear");
 
+    WhenStands<frmTableSelectPC>([&](auto& form) {
+        Operator_.Expect(msg::ClearNow).Answer(Answer::No);
+        save(form, "Everything");
+    });
+    Click(options, "cmdEdtPC");
+
     for (const auto& [list, name] : {std::pair{"cboSettings", "Prices"},
                                      {"cboULSettings", "Orders"},
-                                     {"cboClearSettings", "Old orders"}})
+                                     {"cboClearSettings", "Old orders"},
+                                     {"cboPCSS1", "Everything.pct"},
+                                     {"cboPCSS2", "Everything.pct"}})
         EXPECT_EQ(dynamic_cast<QComboBox&>(FormTest::Control(options, list)).itemText(1), Q(name));
     EXPECT_EQ(Lines(Template("Old orders.dct")).at(0), "Order Tables=1");
     EXPECT_FALSE(Global.TemplateEditMode);

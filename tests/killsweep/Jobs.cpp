@@ -18,10 +18,12 @@
 #include "hotsync/HotSyncUsers.h"
 #include "hotsync/ManagerSettings.h"
 #include "maintenance/Backup.h"
+#include "maintenance/ClearTables.h"
 #include "maintenance/Office.h"
 #include "maintenance/Restore.h"
 #include "maintenance/Totals.h"
 #include "maintenance/VersionUpdate.h"
+#include "quality/SearchField.h"
 #include "store/CreateTable.h"
 #include "store/DBFEdit.h"
 #include "store/OfficeTables.h"
@@ -33,6 +35,7 @@
 #include "sync/SafetyCopies.h"
 #include "sync/Status.h"
 #include "sync/UnattendedSettings.h"
+#include "views/MasterTable.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -174,6 +177,23 @@ std::string Sort(const char* table, void (*sort)(std::string_view, const SortOpt
     return {};
 }
 
+void PrepareSearch() {
+    Fill("ZUKCust.dbf", Customers, [](int k) {
+        return Cells{{"C_SEARCH", "OLD" + std::to_string(k)}, {"C_CODE", "C" + std::to_string(k)}};
+    });
+}
+
+std::string ChangeSearchField() {
+    UpdateSearchField(CustomerSearch, "Code");
+    return {};
+}
+
+std::string DeleteCustomer() {
+    MasterTable customers(CustomerMaster);
+    customers.Open(Customers / 2);
+    return customers.Delete() ? "" : "the record is not there";
+}
+
 std::string SortLinks() {
     SortLinkFile(Table("ZUKLINK.dbf"));
     return {};
@@ -267,6 +287,31 @@ std::string Event(std::string_view event) {
 
 std::string Backup() {
     return MakeBackup("CLEAR") ? "" : "the tables cannot be backed up";
+}
+
+/// Few records, for the sake of the totals event, which shifts them; the images lie where an upload puts
+/// them.
+void PrepareClear() {
+    Fill("ZUKOrHdr.dbf", 40, [](int k) { return Cells{{"H_ORDCODE", OrderCode(k)}}; });
+    Fill("ZUKOrLin.dbf", 90, [](int k) { return Cells{{"L_KEY", LineKey(k)}, {"L_TOTPRICE", "12.5"}}; });
+    Fill("ZUKCust.dbf", 40, [](int k) { return Cells{{"C_CODE", "C" + std::to_string(k)}}; });
+    FillTotals(12);
+    for (const char* image : {"a.bmp", "b.bmp"}) WriteWholeFile(Global.ImagesPath + image, "BM");
+}
+
+/// The steps of the screen.
+std::string Clear() {
+    ClearPlan plan;
+    for (const ClearGroup group : {ClearGroup::OrHdr, ClearGroup::Cust, ClearGroup::TotalPC})
+        plan.Choose(group);
+    if (!MakeBackup("CLEAR")) return "the tables cannot be backed up";
+    NoProgress silent;
+    ClearedTables cleared;
+    ClearPCTotals(plan, cleared);
+    CalcPCTotals("CLEAR", silent);
+    ClearTables(plan, cleared);
+    CalcPCTotals("CLEAR2", silent);
+    return cleared.Images == 2 ? "" : "not all images were deleted"; // the screen says how many were
 }
 
 std::string WriteSettings() {
@@ -637,6 +682,11 @@ std::vector<SweepJob> MakeJobs() {
     check.insert(check.end(), backup.begin(), backup.end());
     check.insert(check.end(), {totals, headers, lines});
 
+    // Nothing is cleared before the backup stands; images that cannot go stop nothing.
+    std::vector<std::string> clear = backup;
+    clear.insert(clear.end(), {totals, totals, headers, "DBFFiles/Images/a.bmp", "DBFFiles/Images/b.bmp",
+                               lines, customers, totals});
+
     // The copies, the mark, what the handheld sends, the merge, and all of it away.
     std::vector<std::string> copies;
     for (const char* name : {"OrHdr", "OrLin", "AudtH", "AudtL", "AudHH", "BarIn"})
@@ -677,6 +727,8 @@ std::vector<SweepJob> MakeJobs() {
          PrepareLateCustomer,
          [] { return Sort("ZUKCust.dbf", SortCustFile); },
          ""},
+        {"search field of the customers", {customers}, PrepareSearch, ChangeSearchField, ""},
+        {"deletion of a customer", {customers}, PrepareSearch, DeleteCustomer, ""},
         {"sort of the items",
          {"DBFFiles/ZUKItem.dbf"},
          [] { FillKeys("ZUKItem.dbf", "I_SEARCH", Items); },
@@ -701,6 +753,7 @@ std::vector<SweepJob> MakeJobs() {
         {"totals event", {totals}, ordersAndTotals, [] { return Event("EXPORT"); }, ""},
         {"totals event, second half", {totals}, ordersAndTotals, [] { return Event("CLEAR2"); }, ""},
         {"backup", backup, FillOrders, Backup, ""},
+        {"clear", clear, PrepareClear, Clear, ""},
         {"export", {"DataOut/orders.csv"}, FillOrders, Export, ""},
         {"export over a file",
          {"DataOut/orders.csv"},

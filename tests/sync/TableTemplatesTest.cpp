@@ -72,6 +72,64 @@ TEST_F(TableTemplatesTest, NamesAreThoseOfTheCatalogueInForce) {
     EXPECT_TRUE(choice.Orders);
 }
 
+// ---- clearing tables of the PC ----
+
+ClearPlan PlanOf(std::initializer_list<ClearGroup> groups) {
+    ClearPlan plan;
+    for (const ClearGroup group : groups) plan.Choose(group);
+    return plan;
+}
+
+TEST_F(TableTemplatesTest, AClearTemplateHasALineAGroupWithTheDigitDirectlyBehindTheName) {
+    const std::string path = Folder() + "x.pct";
+
+    WriteTemplate(path, PlanOf({ClearGroup::OrHdr, ClearGroup::AudHH, ClearGroup::TotalPC}));
+
+    EXPECT_EQ(Bytes(path), "Order Tables1\r\nAudit Tables0\r\nHandheld Totals1\r\nBarcode Index0\r\n"
+                           "Company Info0\r\nCustomers0\r\nHelp0\r\nItems0\r\nPrint Settings0\r\n"
+                           "Setup Tables0\r\nSales Tax0\r\nPayments0\r\nLinks0\r\nPC Totals1\r\n");
+}
+
+TEST_F(TableTemplatesTest, EachGroupOfAClearTemplateIsReadBackAlone) {
+    const std::string path = Folder() + "x.pct";
+    for (std::size_t group = 0; group < ClearGroups; ++group) {
+        const ClearPlan plan = PlanOf({static_cast<ClearGroup>(group)});
+        WriteTemplate(path, plan);
+        ClearPlan read;
+        for (std::size_t other = 0; other < ClearGroups; ++other) read.Chosen[other] = other != group;
+        ReadTemplate(path, read);
+        EXPECT_EQ(read, plan) << group;
+    }
+}
+
+TEST_F(TableTemplatesTest, ALineOfAClearTemplateGoesByItsBeginningAndItsLastCharacter) {
+    const std::tuple<const char*, std::optional<bool>> lines[] = {
+        {"Order Tables1", true},        {"ORDER TABLES1", true},
+        {"Order Tables=1  ", true},     {"Order Tables and more1", true},
+        {"Order Tables0", false},       {"Order Tables", false},
+        {"Order Tables2", false},       {"Order Tables10", false},
+        {"Order Tables1x", false},      {" Order Tables1", std::nullopt},
+        {"Order Table1", std::nullopt}, {"1", std::nullopt},
+        {"   ", std::nullopt},          {"", std::nullopt}};
+    for (const auto& [line, on] : lines) EXPECT_EQ(TurnsOnByBeginning(line, msg::TablesOrders), on) << line;
+}
+
+TEST_F(TableTemplatesTest, OtherLinesOfAClearTemplateAreIgnoredAndMissingOnesLeaveTheirBox) {
+    ClearPlan plan = PlanOf({ClearGroup::Help, ClearGroup::Pay});
+    ReadTemplate(Template("\r\nOrders1\r\nwhatever1\r\nPAYMENTS0\r\nLinks1"), plan);
+    EXPECT_EQ(plan, PlanOf({ClearGroup::Help, ClearGroup::Links}));
+}
+
+TEST_F(TableTemplatesTest, AClearTemplateThatCannotBeReadChangesNoBox) {
+    ClearPlan plan = PlanOf({ClearGroup::Help});
+    EXPECT_EQ(FailureOf([&] { ReadTemplate(Folder() + "none.pct", plan); }).Number, 53);
+    const std::string tooLong = Template("Order Tables1\r\n" + std::string(5 << 20, 'x'));
+    EXPECT_NE(FailureNumber([&] { ReadTemplate(tooLong, plan); }), 0);
+    EXPECT_EQ(plan, PlanOf({ClearGroup::Help}));
+}
+
+// ---- all of them ----
+
 TEST_F(TableTemplatesTest, ATemplateThatIsNotThereChangesNoBox) {
     ClearChoice choice{true, true, false};
     EXPECT_EQ(FailureOf([&] { ReadTemplate(Folder() + "none.dct", choice); }).Number, 53);
@@ -92,8 +150,10 @@ TEST_F(TableTemplatesTest, AFailedWriteLeavesTheOldTemplate) {
 TEST_F(TableTemplatesTest, RubbishDoesNoHarm) {
     for (const std::string& content : Rubbish("Orders=1\r\nAudits=1\r\n")) {
         UploadChoice choice;
+        ClearPlan plan;
         const std::string path = Template(content);
         OnlyRunTimeFailures([&] { ReadTemplate(path, choice); });
+        OnlyRunTimeFailures([&] { ReadTemplate(path, plan); });
     }
 }
 

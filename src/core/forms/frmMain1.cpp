@@ -10,6 +10,7 @@
 #include "core/Settings.h"
 #include "exchange/forms/frmConvert.h"
 #include "exchange/forms/frmExport1.h"
+#include "exchange/forms/frmQBClearPC.h"
 #include "exchange/forms/frmQBDownload.h"
 #include "exchange/forms/frmQBExport.h"
 #include "exchange/forms/frmQBImport.h"
@@ -17,6 +18,7 @@
 #include "maintenance/Backup.h"
 #include "maintenance/Office.h"
 #include "maintenance/Totals.h"
+#include "maintenance/forms/frmTableSelectPC.h"
 #include "platform/Convert.h"
 #include "platform/HotSyncManager.h"
 #include "platform/Look.h"
@@ -47,8 +49,12 @@
 #include "sync/forms/frmUploadSelect.h"
 #include "tools/forms/frmAbout.h"
 #include "tools/forms/frmOptions.h"
+#include "views/SetupTables.h"
+#include "views/TableViews.h"
+#include "views/forms/frmChSetup.h"
 #include "views/forms/frmView.h"
 #include "views/forms/frmViewGrid.h"
+#include "views/forms/frmViewSign.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -175,6 +181,7 @@ void frmMain1::StartUp() {
     GetPCTotals();
     GetHHBricksStd();
     if (Global.Ending) return;
+    LoadSetup();
     if (Global.PurgeBackup) {
         DeleteBackupTables([](std::string_view file) {
             Tell(Words(msg::CannotDelete, Text::Path(file)), Icon::Information);
@@ -203,6 +210,14 @@ void frmMain1::PutBackSafetyCopies() {
     } catch (const RunTimeFailure& failure) {
         Tell(Lines(msg::SessionNotRecovered, Text::Path(std::string_view(failure.what()))), Icon::Warning);
     }
+}
+
+/// What the handheld's and the print settings tell the PC.
+void frmMain1::LoadSetup() {
+    Global.SetupOnly = true;
+    The<frmChSetup>().Unload();
+    Global.SetupOnly = false;
+    ReadLinesPerPage();
 }
 
 void frmMain1::LoadIcons() {
@@ -299,11 +314,18 @@ void frmMain1::CloseInSession() {
 
 void frmMain1::UnloadForms() {
     TraceEvent("frmMain1:UnloadForms");
+    sbrOutcome->hide();
     Global.UnloadingForms = true;
     if (Global.TemporaryDirectory) RemoveTemporaryDirectory();
     Global.TemporaryDirectory = false;
     FormRegistry::Instance().UnloadSecondary();
     Global.UnloadingForms = false;
+}
+
+void frmMain1::ShowOutcome(const Text& outcome) {
+    sbrOutcome->showMessage(ToQt(outcome));
+    sbrOutcome->setToolTip(PlainTip(ToQt(outcome))); // a long one is cut at the edge
+    sbrOutcome->show();
 }
 
 // ---- the window's place ----
@@ -769,6 +791,22 @@ void frmMain1::lblPCTables_Click() {
     The<frmView>().Show();
 }
 
+void frmMain1::lblClearPC_Click() {
+    TraceEvent("frmMain1:lblClearPC_Click");
+    UnloadForms();
+    The<frmQBClearPC>().Show();
+}
+
+void frmMain1::lblPurgeBU_Click() {
+    mnuClearPCTables_Click();
+}
+
+void frmMain1::mnuClearPCTables_Click() {
+    TraceEvent("frmMain1:mnuClearPCTables_Click");
+    UnloadForms();
+    The<frmTableSelectPC>().Show(ShowMode::Modal);
+}
+
 void frmMain1::lblConfigurator_Click() {
     mnuConfig_Click();
 }
@@ -830,10 +868,42 @@ void frmMain1::View(const char* handler, ViewFlag flag, ShowMode mode) {
     ShowTable(flag, mode);
 }
 
-void frmMain1::mnuChgLinks_Click() {
-    TraceEvent("frmMain1:mnuChgLinks_Click");
+void frmMain1::Edit(const char* handler, ViewFlag flag) {
+    TraceEvent(std::string("frmMain1:") + handler);
     UnloadForms();
-    EditTable(ViewLink);
+    EditTable(flag);
+}
+
+void frmMain1::mnuChgComp_Click() {
+    Edit("mnuChgComp_Click", ViewCompany);
+}
+
+void frmMain1::mnuChgLinks_Click() {
+    Edit("mnuChgLinks_Click", ViewLink);
+}
+
+void frmMain1::mnuChgSTax_Click() {
+    Edit("mnuChgSTax_Click", ViewSTax);
+}
+
+void frmMain1::mnuChgCust_Click() {
+    Edit("mnuChgCust_Click", ViewCust);
+}
+
+void frmMain1::mnuChgItems_Click() {
+    Edit("mnuChgItems_Click", ViewItem);
+}
+
+void frmMain1::mnuChgPayments_Click() {
+    Edit("mnuChgPayments_Click", ViewPay);
+}
+
+void frmMain1::mnuChgPrinter_Click() {
+    Edit("mnuChgPrinter_Click", ViewPrinter);
+}
+
+void frmMain1::mnuChgSetup_Click() {
+    Edit("mnuChgSetup_Click", ViewSetup);
 }
 
 void frmMain1::cmdPCTotals_Click() {
@@ -878,6 +948,14 @@ void frmMain1::mnuTblOrHdr_Click() {
 
 void frmMain1::mnuTblOrLin_Click() {
     View("mnuTblOrLin_Click", ViewOrLin);
+}
+
+void frmMain1::mnuViewSign_Click() {
+    TraceEvent("frmMain1:mnuViewSign_Click");
+    UnloadForms();
+    ClearViewFlags();
+    Global.View[ViewOrHdr] = true;
+    The<frmViewSign>().Show();
 }
 
 void frmMain1::mnuTblOrHdrAudt_Click() {

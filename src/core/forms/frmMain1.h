@@ -40,6 +40,9 @@ public:
     void GetHHBricksStd();
     void GetHHBricksInst();
 
+    /// Says at the foot of the screen what was done, until another screen is opened.
+    void ShowOutcome(const Text& outcome);
+
     /// Closes every secondary form.
     void UnloadForms();
 
@@ -71,9 +74,17 @@ private slots:
     void mnuMainUpload_Click();
     void mnuMainExport_Click();
     void mnuExit_Click();
+    void mnuClearPCTables_Click();
     void mnuMainAbout_Click();
     void mnuDarkLook_Click();
+    void mnuChgComp_Click();
     void mnuChgLinks_Click();
+    void mnuChgSTax_Click();
+    void mnuChgCust_Click();
+    void mnuChgItems_Click();
+    void mnuChgPayments_Click();
+    void mnuChgPrinter_Click();
+    void mnuChgSetup_Click();
     void mnuTblCompany_Click();
     void mnuTblLinks_Click();
     void mnuTblPayments_Click();
@@ -84,6 +95,7 @@ private slots:
     void mnuTblItem_Click();
     void mnuTblOrHdr_Click();
     void mnuTblOrLin_Click();
+    void mnuViewSign_Click();
     void mnuTblOrHdrAudt_Click();
     void mnuTblOrLinAudt_Click();
     void mnuTblHHTotals_Click();
@@ -101,6 +113,8 @@ private slots:
     void lblDownloadBtn_Click();
     void lblUploadBtn_Click();
     void lblPCTables_Click();
+    void lblClearPC_Click();
+    void lblPurgeBU_Click();
     void lblConfigurator_Click();
     void lblQC_Click();
     void mnuConfig_Click();
@@ -141,6 +155,8 @@ private:
     void ShowNotice(const Text& message);
     void ShowPage(int page);
     void View(const char* handler, ViewFlag flag, ShowMode mode = ShowMode::Modeless);
+    void Edit(const char* handler, ViewFlag flag);
+    static void LoadSetup();
 
     /// What a brick shows.
     struct Face {

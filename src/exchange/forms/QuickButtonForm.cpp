@@ -11,32 +11,13 @@
 #include "platform/Look.h"
 #include "tools/forms/frmOptions.h"
 
-#include <QComboBox>
-#include <QLabel>
-#include <QProgressBar>
-#include <QPushButton>
-
-void QuickButtonForm::Bind() {
-    const auto bind = [this](auto*& control, const char* name) {
-        control = findChild<std::remove_pointer_t<std::remove_reference_t<decltype(control)>>*>(
-            QLatin1String(name));
-    };
-    bind(cboMaster, "cboMaster");
-    bind(lblNoActivity, "lblNoActivity");
-    bind(lblSSHeading, "lblSSHeading");
-    bind(lblHeading1, "lblHeading1");
-    bind(lblHeading2, "lblHeading2");
-    bind(imgSuccess[0], "imgSuccess_1");
-    bind(imgSuccess[1], "imgSuccess_2");
-    bind(lblSS[0], "lblSS_1");
-    bind(lblSS[1], "lblSS_2");
-    bind(lblSST[0], "lblSST_1");
-    bind(lblSST[1], "lblSST_2");
-    bind(lblProgress, "lblProgress");
-    bind(pgbProgress, "pgbProgress");
-    bind(cmdOK, "cmdOK");
-    bind(cmdCancel, "cmdCancel");
-    bind(cmdSetup, "cmdSetup");
+void QuickButtonForm::SetUp(MessageId caption) {
+    setObjectName(QLatin1String(metaObject()->className()));
+    setProperty("Tag", QString::number(caption.Number));
+    setupUi(this);
+    imgSuccess = {imgSuccess_1, imgSuccess_2};
+    lblSS = {lblSS_1, lblSS_2};
+    lblSST = {lblSST_1, lblSST_2};
 }
 
 void QuickButtonForm::Trace(std::string_view routine) const {
@@ -108,6 +89,11 @@ void QuickButtonForm::MarkRow(std::size_t row, const RowResult& result) {
     imgSuccess[row]->setAccessibleName(ToQt(Text(state)));
     if (result.Report) lblSST[row]->setText(ToQt(*result.Report));
     for (QWidget* cell : {imgSuccess[row], lblSST[row]}) cell->setToolTip(PlainTip(ToQt(result.Note)));
+}
+
+QuickButtonForm::RowResult QuickButtonForm::TellCannotOpen(const Text& templateName) {
+    Tell(Words(msg::ErrorOpening, templateName) + msg::MakeSureFileExists, Icon::Warning);
+    return {};
 }
 
 void QuickButtonForm::cmdOK_Click() {

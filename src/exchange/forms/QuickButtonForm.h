@@ -2,20 +2,16 @@
 
 #include "core/Text.h"
 #include "platform/Form.h"
+#include "ui_QuickButtonForm.h"
 
 #include <array>
 #include <optional>
 #include <string>
 #include <string_view>
 
-class QComboBox;
-class QLabel;
-class QProgressBar;
-class QPushButton;
-
 /// What the QuickButton screens share: the droplist of activities, the report of two rows, and the
 /// run that goes on from a failed row to the next.
-class QuickButtonForm : public Form {
+class QuickButtonForm : public Form, protected Ui::QuickButtonForm {
     Q_OBJECT
 
 private slots:
@@ -36,8 +32,8 @@ protected:
     /// `extension`: that of the screen's activities, as ".ipm".
     explicit QuickButtonForm(std::string_view extension) : extension_(extension) {}
 
-    /// Binds the controls that every such screen has under the same names. After setupUi.
-    void Bind();
+    /// Lays the screen out under its caption. In the constructor of the screen.
+    void SetUp(MessageId caption);
 
     void Form_Load() override;
 
@@ -53,19 +49,10 @@ protected:
     /// Trace text "form:routine".
     void Trace(std::string_view routine) const;
 
-    QComboBox* cboMaster = nullptr;
-    QLabel* lblNoActivity = nullptr;
-    QLabel* lblSSHeading = nullptr;
-    QLabel* lblHeading1 = nullptr;
-    QLabel* lblHeading2 = nullptr;
-    std::array<QLabel*, 2> imgSuccess{};
-    std::array<QLabel*, 2> lblSS{};
-    std::array<QLabel*, 2> lblSST{};
-    QLabel* lblProgress = nullptr;
-    QProgressBar* pgbProgress = nullptr;
-    QPushButton* cmdOK = nullptr;
-    QPushButton* cmdCancel = nullptr;
-    QPushButton* cmdSetup = nullptr;
+    /// A template that a row names cannot be opened: tells so.
+    static RowResult TellCannotOpen(const Text& templateName);
+
+    std::array<QLabel*, 2> imgSuccess{}, lblSS{}, lblSST{}; ///< of the report's rows
 
 private:
     void PopMaster();

@@ -9,13 +9,9 @@
 #include "exchange/ExportTemplate.h"
 #include "exchange/forms/ExportRun.h"
 #include "platform/Convert.h"
-#include "ui_frmQBExport.h"
-
-#include <QLabel>
 
 frmQBExport::frmQBExport() : QuickButtonForm(ExportActivities) {
-    Ui::frmQBExport().setupUi(this);
-    Bind();
+    SetUp(msg::frmQBExport);
 }
 
 void frmQBExport::ShowHeadings() {

@@ -14,13 +14,9 @@
 #include "exchange/forms/ExportRun.h"
 #include "platform/BarProgress.h"
 #include "platform/Convert.h"
-#include "ui_frmQBImport.h"
-
-#include <QLabel>
 
 frmQBImport::frmQBImport() : QuickButtonForm(ImportActivities) {
-    Ui::frmQBImport().setupUi(this);
-    Bind();
+    SetUp(msg::frmQBImport);
 }
 
 void frmQBImport::ShowHeadings() {
@@ -45,10 +41,7 @@ bool HasDrifted(const ImportJob& job, const std::string& templateName) {
 QuickButtonForm::RowResult frmQBImport::RunRow(std::size_t row, const std::string& templateName) {
     const Text name = Text::Value(templateName);
     const ImportTemplateRead read = ReadImportTemplate(Global.ImportTemplates + NameToPath(templateName));
-    if (!read.Complete) {
-        Tell(Words(msg::ErrorOpening, name) + msg::MakeSureFileExists, Icon::Warning);
-        return {};
-    }
+    if (!read.Complete) return TellCannotOpen(name);
     const auto kind = TemplateKindOf(templateName);
     // Run all the same, a template that maps nothing would leave a table of blank records.
     const bool mapsNothing = read.Template.Fields.empty() && read.Template.Literals.empty();

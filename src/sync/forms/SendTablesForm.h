@@ -1,14 +1,14 @@
 #pragma once
 
 #include "sync/DownloadSession.h"
-#include "sync/forms/TableSelectForm.h"
+#include "sync/forms/TransferForm.h"
 
 #include <optional>
 
 /// What the two screens that send tables to the handheld share: the session.
-class SendTablesForm : public TableSelectForm {
+class SendTablesForm : public TransferForm {
 protected:
-    SendTablesForm(Kind kind, SessionKind session) : TableSelectForm(kind), sessionKind_(session) {}
+    SendTablesForm(Kind kind, SessionKind session) : TransferForm(kind), sessionKind_(session) {}
 
     void HotSyncStatus(std::int32_t status) final;
 

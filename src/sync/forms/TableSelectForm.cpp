@@ -7,20 +7,15 @@
 #include "core/Paths.h"
 #include "exchange/TemplateToRepair.h"
 #include "exchange/forms/Lists.h"
+#include "maintenance/ClearTables.h"
 #include "platform/Convert.h"
-#include "platform/GridView.h"
-#include "platform/HotSyncControl.h"
-#include "platform/TitledWindow.h"
+#include "platform/HelpLine.h"
 #include "store/TableCatalogue.h"
 #include "store/TableLock.h"
 #include "store/TableScan.h"
-#include "sync/forms/frmMainSync.h"
-#include "views/GridData.h"
 
 #include <QCheckBox>
 #include <QComboBox>
-#include <QEvent>
-#include <QFocusEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -29,9 +24,6 @@
 #include <utility>
 
 namespace {
-
-constexpr const char* ProgressWindow = "Hotsync Progress";
-constexpr std::string_view LinkColumns[] = {"LK_HOTSYNC", "LK_MACH_ID", "LK_LSTONUM"};
 
 Text PathText(std::string_view path) {
     return Text::Path(path);
@@ -43,8 +35,7 @@ Text NameOf(std::string_view table, bool counted) {
     const Text name = entry ? Text(MessageId{entry->FirstLabel}) : Text::Value(table);
     if (!counted) return name;
     try {
-        const std::int64_t records = TableScan(Global.DBFPath + std::string(table) + ".DBF").RecordCount();
-        return Words(name, PathText("(" + std::to_string(records) + ")"));
+        return Counted(name, TableScan(Global.DBFPath + std::string(table) + ".DBF").RecordCount());
     } catch (const RunTimeFailure&) {
         return name; // the step that needs the table tells what is wrong with it
     }
@@ -73,14 +64,10 @@ void TableSelectForm::Bind(std::vector<Group> groups, const Hints& hints, bool c
     bind(lblNothing, "lblNothing");
     bind(lblInfo, "lblInfo");
     bind(pnlSelection, "pnlSelection");
-    bind(FG1, "FG1");
     groups_ = std::move(groups);
     hints_ = hints;
     counted_ = counted;
 
-    std::vector<QWidget*> hinted{cboSettings, cmdSave, cmdDelete, cmdSelectAll, cmdClear, cmdOK, cmdCancel};
-    for (const Group& group : groups_) hinted.push_back(group.Box);
-    for (QWidget* control : hinted) control->installEventFilter(this);
     for (const Group& group : groups_)
         connect(group.Box, &QCheckBox::toggled, this, [this] { ShowChoice(); });
     // A button that deletes what is named has nothing to do without a name.
@@ -94,21 +81,15 @@ void TableSelectForm::Form_Load() {
     repair_ = TemplateToRepair({kind_.Extension});
     keeps_ = Global.TemplateEditMode || !repair_.empty();
     fromConfigurator_ = Global.FromConfigurator;
-    control_ = NewSFrmAX40();
-    control_->HotSyncStatus = [this](std::int32_t status) {
-        if (!IsOver()) Run([this, status] { OnStatus(status); });
-    };
     for (const std::string& name : NamesWithExtension(*kind_.Folder, kind_.Extension))
         cboSettings->addItem(PathToQt(name));
     cboSettings->setCurrentIndex(-1);
     cboSettings->lineEdit()->setPlaceholderText(ToQt(Text(msg::NameHint)));
-    DisplayLinkData();
-    DisplayData();
     ShowTables();
     ShowChoice();
     // Room for the longest hint from the first, so that nothing moves.
     lblInfo->setMinimumHeight(3 * lblInfo->fontMetrics().lineSpacing());
-    ShowHint(nullptr);
+    AddHints();
     groups_.front().Box->setFocus();
     if (repair_.empty()) return;
     cboSettings->setCurrentIndex(cboSettings->findText(
@@ -116,57 +97,29 @@ void TableSelectForm::Form_Load() {
     LoadSettings();
 }
 
-void TableSelectForm::Drive(const std::string& settings, bool& held) {
+void TableSelectForm::Drive(const std::string& settings, bool& performed) {
     drive_ = settings;
-    held_ = &held;
+    performed_ = &performed;
+}
+
+void TableSelectForm::SetPerformed() {
+    if (performed_) *performed_ = true;
 }
 
 void TableSelectForm::Form_GotFocus() {
-    standing_ = true;
     if (drive_.empty() || busy_) return;
     cboSettings->setEditText(PathToQt(std::exchange(drive_, {})));
-    if (!LoadSettings()) return;
-    driven_ = true;
-    cmdOK_Click();
-    driven_ = false;
+    if (LoadSettings()) {
+        driven_ = true;
+        cmdOK_Click();
+        driven_ = false;
+    }
+    if (!IsGone()) EndDrive();
 }
 
 void TableSelectForm::Form_Unload() {
     Trace("Form_Unload");
     if (!repair_.empty()) EndRepair();
-    if (control_) control_->SetEnabled(false); // the object lives on until its handlers have returned
-    LoadMainSync();
-}
-
-/// What the Links table says of the handhelds.
-void TableSelectForm::DisplayLinkData() {
-    Trace("DisplayLinkData");
-    FGLink.clear();
-    try {
-        TableScan links(Global.DBFPath + "ZUKLINK.DBF");
-        while (links.Next()) {
-            if (links.Deleted()) continue;
-            std::vector<Text> row;
-            for (const std::string_view field : LinkColumns) {
-                const int column = links.Layout().Find(FieldKey(field));
-                row.push_back(column > 0 ? Text::Value(links.Trimmed(column)) : Text());
-            }
-            FGLink.push_back(std::move(row));
-        }
-    } catch (const RunTimeFailure& failure) {
-        FGLink.clear();
-        FG1->SetEmptyText(Lines(msg::FileError, PathText(failure.what())));
-        return;
-    }
-    FG1->SetEmptyText(msg::lblNoHandhelds);
-}
-
-void TableSelectForm::DisplayData() {
-    Trace("DisplayData");
-    std::vector<GridHeading> headings;
-    for (const std::string_view field : LinkColumns)
-        headings.push_back({GetFriendlyFieldName(*FindTable("ZUKLINK"), field)});
-    FG1->SetContent(std::make_unique<ListGrid>(std::move(headings), FGLink));
 }
 
 void TableSelectForm::ShowTables() {
@@ -188,7 +141,7 @@ bool TableSelectForm::NothingChosen() const {
 }
 
 void TableSelectForm::ShowChoice() {
-    lblNothing->setText(NothingChosen() ? ToQt(Text(msg::NothingTicked)) : QString());
+    lblNothing->setText(NothingChosen() ? ToQt(Text(hints_.Nothing)) : QString());
 }
 
 void TableSelectForm::cmdSelectAll_Click() {
@@ -267,37 +220,18 @@ void TableSelectForm::cmdDelete_Click() {
 
 // ---- hints ----
 
-Text TableSelectForm::HintFor(const QObject* control) const {
-    const std::pair<const QObject*, MessageId> hints[] = {
+void TableSelectForm::AddHints() {
+    help_ = new HelpLine(*lblInfo, msg::HintRest);
+    const std::pair<QWidget*, MessageId> hints[] = {
         {cboSettings, msg::HintSettings},
         {cmdSave, msg::HintSave},
         {cmdDelete, msg::HintDelete},
         {cmdSelectAll, msg::HintSelectAll},
         {cmdClear, msg::HintClear},
-        {cmdOK, keeps_ ? msg::HintSaveOnly : hints_.OK},
+        {cmdOK, OnlySaves() ? msg::HintSaveOnly : hints_.OK},
         {cmdCancel, keeps_ ? msg::HintCancelKeep : hints_.Cancel}};
-    for (const auto& [each, hint] : hints) {
-        if (each == control) return hint;
-    }
-    return control ? hints_.Boxes : msg::HintRest;
-}
-
-void TableSelectForm::ShowHint(const QObject* control) {
-    if (!busy_) lblInfo->setText(ToQt(HintFor(control)));
-}
-
-bool TableSelectForm::eventFilter(QObject* object, QEvent* event) {
-    if (event->type() == QEvent::Enter) ShowHint(object);
-    if (event->type() == QEvent::Leave) ShowHint(nullptr);
-    // Whoever comes by a key reads what the cursor would show. A dialog that opens says the same of its first
-    // control, where nobody has pressed a key.
-    if (standing_ && event->type() == QEvent::FocusIn) {
-        const Qt::FocusReason reason = static_cast<QFocusEvent*>(event)->reason();
-        if (reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason ||
-            reason == Qt::ShortcutFocusReason)
-            ShowHint(object);
-    }
-    return Form::eventFilter(object, event);
+    for (const auto& [control, hint] : hints) help_->Add(*control, hint);
+    for (const Group& group : groups_) help_->Add(*group.Box, group.Hint.value_or(hints_.Boxes));
 }
 
 void TableSelectForm::SetBusy(const Text& why, WayOut way) {
@@ -306,9 +240,9 @@ void TableSelectForm::SetBusy(const Text& why, WayOut way) {
     cmdOK->setEnabled(!busy_);
     cmdCancel->setEnabled(way == WayOut::Open);
     if (busy_)
-        lblInfo->setText(ToQt(why));
+        help_->Hold(why);
     else
-        ShowHint(nullptr);
+        help_->Rest();
 }
 
 // ---- Ok ----
@@ -316,9 +250,9 @@ void TableSelectForm::SetBusy(const Text& why, WayOut way) {
 void TableSelectForm::cmdOK_Click() {
     Trace("cmdOK_Click");
     // What was ticked without a name would be lost with a screen that only saves.
-    const bool toSave = !SettingsName().empty() || (keeps_ && !NothingChosen());
+    const bool toSave = !SettingsName().empty() || (OnlySaves() && !NothingChosen());
     if (toSave && !Save()) return;
-    if (keeps_) return Unload();
+    if (OnlySaves()) return Unload();
     Perform();
 }
 
@@ -333,37 +267,4 @@ bool TableSelectForm::TablesAreFree(const std::vector<std::string>& paths) {
     if (locked == paths.end()) return true;
     Tell(Lines(Lines(msg::FileError, msg::TransferAborted), PathText(*locked)), Icon::Stop);
     return false;
-}
-
-FlushEnd TableSelectForm::FlushCommandQueue() {
-    const Busy busy(*this, msg::WaitForHandheld, WayOut::Open);
-    Global.ManualUploadActive = true;
-    control_->SetEnabled(true);
-    const FlushEnd end = SF_FlushCommandQueue(Text(msg::SynchronizingData) + msg::SynchronizingDots,
-                                              [this] { return !IsGone(); });
-    Global.ManualUploadActive = false;
-    control_->SetEnabled(false);
-    return end;
-}
-
-void TableSelectForm::OnStatus(std::int32_t status) {
-    // From its beginning on a session cannot be given up here: tables would stay half sent.
-    if (Global.ManualUploadActive && status == SessionBegun) SetBusy(msg::SessionRuns, WayOut::Shut);
-    HotSyncStatus(status);
-}
-
-void TableSelectForm::AwaitProgressWindow() {
-    const Busy busy(*this, msg::SessionRuns, WayOut::Shut);
-    LookUntil(*this, [] { return !FindWindow(QString::fromLatin1(ProgressWindow)); });
-}
-
-void TableSelectForm::TellEnd(FlushEnd end) {
-    if (end == FlushEnd::Refused) Tell(msg::HotSyncRefused, Icon::Warning);
-    if (end == FlushEnd::NoManager) Tell(msg::HotSyncNotReached, Icon::Warning);
-    if (end == FlushEnd::Lost) Tell(msg::HotSyncLost, Icon::Warning);
-}
-
-void TableSelectForm::Finish(bool held) {
-    if (held_ && held) *held_ = true;
-    if (held || driven_) Unload();
 }

@@ -2,32 +2,28 @@
 
 #include "core/Text.h"
 #include "platform/Form.h"
-#include "platform/SFrmUt40.h"
-#include "sync/SFrmAX40.h"
 
-#include <cstdint>
-#include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
-class GridView;
+class HelpLine;
 class QCheckBox;
 class QComboBox;
 class QLabel;
 class QPushButton;
 
-/// What the screens that choose tables and start one HotSync for them share: boxes for groups of tables,
-/// saved selections of them, a hint for the control at hand, the handhelds that there are, and the HotSync
-/// itself. Opened to keep saved selections (`Global.TemplateEditMode`, or by the report of the Quality Check
-/// for one that is named there), such a screen saves and closes, and starts nothing.
+/// What the screens that choose tables share: boxes for groups of tables, saved selections of them, and a
+/// hint for the control at hand. Opened to keep saved selections (`Global.TemplateEditMode`, or by the report
+/// of the Quality Check for one that is named there), such a screen saves and closes.
 class TableSelectForm : public Form {
     Q_OBJECT
 
 public:
     /// Before the form is shown: chooses a saved selection, and performs it without a question as soon as
-    /// the form stands. `held` becomes true when a session was held.
-    void Drive(const std::string& settings, bool& held);
+    /// the form stands. `performed` becomes true when that was done.
+    void Drive(const std::string& settings, bool& performed);
 
 private slots:
     void cboSettings_Click();
@@ -50,11 +46,12 @@ protected:
         QCheckBox* Box;
         QLabel* Tables;
         std::vector<std::string_view> Names; ///< of the tables, without extension
+        std::optional<MessageId> Hint = {};  ///< in place of the one for all boxes
     };
 
-    /// What the screen says of its own controls.
+    /// What the screen says of its own controls, and when nothing is chosen.
     struct Hints {
-        MessageId Boxes, OK, Cancel;
+        MessageId Boxes, OK, Cancel, Nothing;
     };
 
     explicit TableSelectForm(Kind kind) : kind_(kind) {}
@@ -66,26 +63,38 @@ protected:
     void Form_Load() override;
     void Form_GotFocus() override;
     void Form_Unload() override;
-    bool eventFilter(QObject* object, QEvent* event) override;
 
     /// Shows a saved selection, and saves the one that is shown. RunTimeFailure as TableTemplates.
     virtual void ReadSettings(const std::string& path) = 0;
     virtual void WriteSettings(const std::string& path) = 0;
 
-    /// What Ok does once the selection is saved: asks, checks and transfers, to the end.
+    /// What Ok does once the selection is saved: asks, checks and does its work, to the end.
     virtual void Perform() = 0;
 
-    /// The control's event.
-    virtual void HotSyncStatus(std::int32_t status) = 0;
+    /// Whether Ok ends with the selection saved.
+    virtual bool OnlySaves() const { return keeps_; }
+
+    /// A QuickButton's run has come to its end, and the screen still stands.
+    virtual void EndDrive() {}
 
     /// Trace text "form:routine".
     void Trace(std::string_view routine) const;
 
-    SFrmAX40& Control() const { return *control_; }
-
     /// A QuickButton performs a selection: nothing is asked.
     bool IsDriven() const { return driven_; }
+    /// That has been done.
+    void SetPerformed();
+
+    /// The screen is open to keep saved selections.
+    bool Keeps() const { return keeps_; }
     bool IsFromConfigurator() const { return fromConfigurator_; }
+    bool HasSettingsName() const { return !SettingsName().empty(); }
+
+    const std::vector<Group>& Groups() const { return groups_; }
+    HelpLine& Help() const { return *help_; }
+
+    /// Writes beside each box what its tables are called.
+    virtual void ShowTables();
 
     /// Whether the screen can be left while it is busy.
     enum class WayOut { Open, Shut };
@@ -106,31 +115,14 @@ protected:
     /// False when another program holds one of the tables: the operator has been told.
     static bool TablesAreFree(const std::vector<std::string>& paths);
 
-    /// Holds one HotSync. Its events go to HotSyncStatus.
-    FlushEnd FlushCommandQueue();
-
-    /// Waits until the HotSync Manager has closed the window of the transfer.
-    void AwaitProgressWindow();
-
-    /// Tells why there was no session; nothing to an operator who did not want one any more.
-    static void TellEnd(FlushEnd end);
-
-    /// Closes the screen when a session was held, or when nobody chose on it. Else it stays for another try.
-    void Finish(bool held);
-
 private:
     std::string SettingsName() const;
     std::string SettingsPath() const;
     bool LoadSettings();
     bool Save();
     bool NothingChosen() const;
-    void DisplayLinkData();
-    void DisplayData();
-    void ShowTables();
     void ShowChoice();
-    void ShowHint(const QObject* control);
-    Text HintFor(const QObject* control) const;
-    void OnStatus(std::int32_t status);
+    void AddHints();
 
     Kind kind_;
     Hints hints_{};
@@ -138,16 +130,13 @@ private:
     bool counted_ = false;
 
     std::string repair_; ///< the file that the report of the Quality Check has sent the operator to
-    bool keeps_ = false; ///< open to keep saved selections only
+    bool keeps_ = false;
     bool fromConfigurator_ = false;
-    bool standing_ = false; ///< has been shown
     bool busy_ = false;
     bool driven_ = false;
     std::string drive_; ///< the selection that is to be performed
-    bool* held_ = nullptr;
-
-    std::unique_ptr<SFrmAX40> control_;
-    std::vector<std::vector<Text>> FGLink; ///< what the Links table says of the handhelds
+    bool* performed_ = nullptr;
+    HelpLine* help_ = nullptr;
 
     QComboBox* cboSettings = nullptr;
     QPushButton* cmdSave = nullptr;
@@ -159,5 +148,4 @@ private:
     QLabel* lblNothing = nullptr;
     QLabel* lblInfo = nullptr;
     QWidget* pnlSelection = nullptr;
-    GridView* FG1 = nullptr;
 };

@@ -13,7 +13,7 @@ frmTableSelectCL::frmTableSelectCL()
     Bind({{chkOrHdr, lblOrHdr, {"ZUKORHDR", "ZUKORLIN"}},
           {chkAudtH, lblAudtH, {"ZUKAUDTH", "ZUKAUDTL"}},
           {chkAudHH, lblAudHH, {"ZUKAUDHH"}}},
-         {msg::HintTablesCL, msg::HintOKCL, msg::HintCancelCL}, false);
+         {msg::HintTablesCL, msg::HintOKCL, msg::HintCancelCL, msg::NothingTicked}, false);
 }
 
 ClearChoice frmTableSelectCL::Choice() const {

@@ -16,7 +16,7 @@ frmTableSelectDL::frmTableSelectDL()
           {chkSetup,
            lblSetup,
            {"ZUKSETUP", "ZUKCOMP", "ZUKHELP", "ZUKPRINT", "ZUKSTAX", "ZUKPAY", "ZUKLINK"}}},
-         {msg::HintTablesDL, msg::HintOKDL, msg::HintCancelDL}, true);
+         {msg::HintTablesDL, msg::HintOKDL, msg::HintCancelDL, msg::NothingTicked}, true);
 }
 
 DownloadChoice frmTableSelectDL::Choice() const {

@@ -20,7 +20,7 @@
 #include <tuple>
 #include <utility>
 
-frmUploadSelect::frmUploadSelect() : TableSelectForm({&Global.UploadTemplates, ".ust"}) {
+frmUploadSelect::frmUploadSelect() : TransferForm({&Global.UploadTemplates, ".ust"}) {
     setupUi(this);
     Bind({{chkOrHdr, lblOrHdr, {"ZUKORHDR", "ZUKORLIN"}},
           {chkAudtH, lblAudtH, {"ZUKAUDTH", "ZUKAUDTL"}},
@@ -28,7 +28,7 @@ frmUploadSelect::frmUploadSelect() : TableSelectForm({&Global.UploadTemplates, "
           {chkPrn, lblPrn, {"ZUKPRN"}},
           {chkCust, lblCust, {"ZUKCUST"}},
           {chkItem, lblItem, {"ZUKITEM"}}},
-         {msg::HintTablesUL, msg::HintOKUL, msg::HintCancelUL}, false);
+         {msg::HintTablesUL, msg::HintOKUL, msg::HintCancelUL, msg::NothingTicked}, false);
 }
 
 UploadChoice frmUploadSelect::Choice() const {

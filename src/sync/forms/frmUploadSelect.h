@@ -1,7 +1,7 @@
 #pragma once
 
 #include "sync/UploadSession.h"
-#include "sync/forms/TableSelectForm.h"
+#include "sync/forms/TransferForm.h"
 #include "ui_frmUploadSelect.h"
 
 #include <optional>
@@ -10,7 +10,7 @@
 
 /// Brings tables of the handheld in the cradle to the PC. What comes replaces the PC's tables; the orders and
 /// audits that the PC held are put back behind those that came.
-class frmUploadSelect final : public TableSelectForm, private Ui::frmUploadSelect {
+class frmUploadSelect final : public TransferForm, private Ui::frmUploadSelect {
     Q_OBJECT
 
 public:

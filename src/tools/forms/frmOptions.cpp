@@ -14,6 +14,7 @@
 #include "exchange/forms/frmExport1.h"
 #include "exchange/forms/frmImport1.h"
 #include "maintenance/Backup.h"
+#include "maintenance/forms/frmTableSelectPC.h"
 #include "platform/Convert.h"
 #include "sync/forms/frmTableSelectCL.h"
 #include "sync/forms/frmTableSelectDL.h"
@@ -282,6 +283,11 @@ void frmOptions::cmdEdtImp_Click() {
 void frmOptions::cmdEdtExp_Click() {
     TraceEvent("frmOptions:cmdEdtExp_Click");
     if (EditTemplates<frmExport1>()) PopExport();
+}
+
+void frmOptions::cmdEdtPC_Click() {
+    TraceEvent("frmOptions:cmdEdtPC_Click");
+    if (EditTemplates<frmTableSelectPC>()) PopPCCLear();
 }
 
 // ---- unattended mode ----

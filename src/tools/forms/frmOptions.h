@@ -28,6 +28,7 @@ private slots:
     void cboPCAct_Click();
     void cmdEdtImp_Click();
     void cmdEdtExp_Click();
+    void cmdEdtPC_Click();
     void cmdDelImpAct_Click();
     void cmdDelExpAct_Click();
     void cmdDelPCAct_Click();

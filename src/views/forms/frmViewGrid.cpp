@@ -13,7 +13,10 @@
 #include "platform/Convert.h"
 #include "platform/Look.h"
 #include "store/forms/frmCopyDBF.h"
+#include "views/BoxReport.h"
 #include "views/forms/Editors.h"
+#include "views/forms/PrintReport.h"
+#include "views/forms/frmPreview.h"
 #include "views/forms/frmViewData.h"
 
 #include <QTimer>
@@ -32,6 +35,11 @@ constexpr int FilesColumn = BackupPoint::Lines;
 
 /// The row of the column titles, where the grid has heading rows.
 constexpr int TitleRow = 1;
+
+bool IsPrinted() {
+    return Global.View[ViewTotals] || Global.View[ViewOrHdrAudt] || Global.View[ViewOrLinAudt] ||
+           Global.View[ViewAudHH];
+}
 
 void ShowGrid(ViewFlag flag, ShowMode mode, std::int32_t record = 0) {
     if (auto* records = IfLoaded<frmViewData>()) records->Unload();
@@ -165,8 +173,11 @@ void frmViewGrid::ShowView() {
     Caption(*cmdOK, IsPreview() ? msg::cmdBackToList : msg::Ok);
     cmdEdit->setEnabled(HasEditor());
     cmdDataView->setEnabled(true);
+    cmdPreview->setVisible(IsPrinted());
+    cmdPreview->setToolTip(ToQt(Text(msg::TipPreviewReport)));
     list_ = nullptr;
     Display(view);
+    EnablePrinting();
 }
 
 void frmViewGrid::Caption(QPushButton& button, MessageId text) {
@@ -193,7 +204,9 @@ void frmViewGrid::Display(const TableView& view) {
 
 void frmViewGrid::Fill(const std::string& path, ColumnsOf columnsOf) {
     const QString table = PathToQt(path).section(QLatin1Char('/'), -1).toUpper();
-    auto grid = std::make_unique<TableGrid>(path, std::move(columnsOf));
+    path_ = path;
+    columnsOf_ = std::move(columnsOf);
+    auto grid = std::make_unique<TableGrid>(path_, columnsOf_);
     const auto faulty = ReportedCells();
     if (faulty) grid->MarkFaulty(*faulty);
     FG1->SetContent(std::move(grid), objectName() + QLatin1Char(' ') + table);
@@ -390,6 +403,14 @@ void frmViewGrid::FG1_SelChange() {
     const int row = FG1->currentIndex().row();
     if (row < 0) FG1->SelectRecord(1);
     cmdDataView->setEnabled(FG1->currentIndex().row() >= FG1->HeadingRows());
+    EnablePrinting();
+}
+
+void frmViewGrid::EnablePrinting() {
+    const int row = FG1->currentIndex().row();
+    const bool isHeading = row >= 0 && row < FG1->HeadingRows();
+    cmdPrint->setEnabled(IsPrinted() && !isHeading);
+    cmdPreview->setEnabled(cmdPrint->isEnabled());
 }
 
 void frmViewGrid::FG1_DblClick() {
@@ -419,6 +440,61 @@ void frmViewGrid::cmdDataView_Click() {
     records.Show();
     // Where the table could not be opened the operator has been told, and the grid stays.
     if (!records.IsGone()) Unload();
+}
+
+void frmViewGrid::DisplayPrint() {
+    TraceEvent("frmViewGrid:DisplayPrint");
+    Global.LinesPerPage = ReadLineMax(Global.DBFPath + "ZUKPRINT.DBF");
+}
+
+std::unique_ptr<Report> frmViewGrid::ReportOf(const BoxForm& form) {
+    // Rows of its own: the grid takes a new content whenever the table gets one.
+    auto rows = std::make_unique<TableGrid>(path_, columnsOf_);
+    if (FG1->SortColumn() >= 0) rows->Sort(FG1->SortColumn(), FG1->IsDescending());
+    return std::make_unique<BoxReport>(form, std::move(rows), PageLengthFrom(Global.LinesPerPage));
+}
+
+std::unique_ptr<Report> frmViewGrid::PrintData() {
+    TraceEvent("frmViewGrid:PrintData");
+    return ReportOf(TotalsForm());
+}
+
+std::unique_ptr<Report> frmViewGrid::PrintDataOrHdrAudt() {
+    TraceEvent("frmViewGrid:PrintDataOrHdrAudt");
+    return ReportOf(OrHdrAudtForm());
+}
+
+std::unique_ptr<Report> frmViewGrid::PrintDataOrLinAudt() {
+    TraceEvent("frmViewGrid:PrintDataOrLinAudt");
+    return ReportOf(OrLinAudtForm());
+}
+
+std::unique_ptr<Report> frmViewGrid::PrintDataAudtHH() {
+    TraceEvent("frmViewGrid:PrintDataAudtHH");
+    return ReportOf(AudtHHForm());
+}
+
+std::unique_ptr<Report> frmViewGrid::ChosenReport() {
+    DisplayPrint();
+    try {
+        if (Global.View[ViewTotals]) return PrintData();
+        if (Global.View[ViewOrHdrAudt]) return PrintDataOrHdrAudt();
+        if (Global.View[ViewOrLinAudt]) return PrintDataOrLinAudt();
+        if (Global.View[ViewAudHH]) return PrintDataAudtHH();
+    } catch (const RunTimeFailure& failure) {
+        Tell(Lines(msg::FileError, Text::Path(std::string_view(failure.what()))), Icon::Stop);
+    }
+    return nullptr;
+}
+
+void frmViewGrid::cmdPrint_Click() {
+    TraceEvent("frmViewGrid:cmdPrint_Click");
+    if (const auto report = ChosenReport()) PrintReport(*this, *report);
+}
+
+void frmViewGrid::cmdPreview_Click() {
+    TraceEvent("frmViewGrid:cmdPreview_Click");
+    if (auto report = ChosenReport()) The<frmPreview>().ShowReport(std::move(report));
 }
 
 void frmViewGrid::cmdOK_Click() {

@@ -7,7 +7,11 @@
 #include "views/GridData.h"
 #include "views/TableViews.h"
 
+class Report;
+struct BoxForm;
+
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -36,6 +40,8 @@ public:
 private slots:
     void cmdDataView_Click();
     void cmdEdit_Click();
+    void cmdPrint_Click();
+    void cmdPreview_Click();
     void cmdOK_Click();
     void FG1_Click();
     void FG1_DblClick();
@@ -66,8 +72,22 @@ private:
     bool RecordRestore();
     void BackToList();
     void ShowBackups(const std::string& folder);
+    void DisplayPrint();
     void Fill(const std::string& path, ColumnsOf columnsOf);
+    void EnablePrinting();
 
+    // The reports, of the rows as they are shown.
+    std::unique_ptr<Report> PrintData();
+    std::unique_ptr<Report> PrintDataOrHdrAudt();
+    std::unique_ptr<Report> PrintDataOrLinAudt();
+    std::unique_ptr<Report> PrintDataAudtHH();
+    std::unique_ptr<Report> ReportOf(const BoxForm& form);
+    /// That of the table which is shown; nothing for a table that is not printed, and where the operator has
+    /// been told that it cannot be read.
+    std::unique_ptr<Report> ChosenReport();
+
+    std::string path_; ///< of the table that is shown
+    ColumnsOf columnsOf_;
     QTimer* Timer1;
     std::vector<BackupPoint> backups_; ///< in the order of their records
     ListGrid* list_ = nullptr;         ///< their grid while it is shown
