@@ -7,9 +7,12 @@
 #include "core/Paths.h"
 #include "core/Trace.h"
 #include "exchange/OrderCheck.h"
+#include "maintenance/Restore.h"
 #include "maintenance/Totals.h"
+#include "maintenance/VersionUpdate.h"
 #include "quality/Checks.h"
 #include "quality/SearchField.h"
+#include "store/CreateTable.h"
 #include "store/OfficeTables.h"
 #include "store/SortTables.h"
 #include "store/TableRewrite.h"
@@ -266,6 +269,69 @@ void RecoverAnUpload(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 BENCHMARK(RecoverAnUpload)->Arg(10'000)->Arg(50'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
+
+std::string BackupAt(int minute) {
+    static DateTime moment;
+    moment = {2026, 11, 1 + minute / 1440 % 28, minute / 60 % 24, minute % 60, 0};
+    Global.Clock = [] { return moment; };
+    if (!MakeBackup("CLEAR")) return {};
+    const std::string folder = Global.BackupPath + BackupName(moment) + "/";
+    moment = {2026, 12, 1, 0, 0, minute % 60};
+    return folder;
+}
+
+void BackUp(benchmark::State& state) {
+    const BenchOffice office;
+    office.GivenOrders(state.range(0) / 5, state.range(0));
+    for (auto _ : state) {
+        if (BackupAt(0).empty()) state.SkipWithError("no backup was made");
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK(BackUp)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
+
+void ListBackups(benchmark::State& state) {
+    const BenchOffice office;
+    office.GivenOrders(20, 100);
+    for (int k = 0; k < state.range(0); ++k) BackupAt(k);
+    NoProgress silent;
+    for (auto _ : state) {
+        const auto points = ReadBackups(silent);
+        if (points.size() != static_cast<std::size_t>(state.range(0)) ||
+            points.front().Files != BackupFiles::Complete)
+            state.SkipWithError("a backup is missing or has changed");
+    }
+}
+BENCHMARK(ListBackups)->Arg(1000)->Unit(benchmark::kMillisecond);
+
+/// Byte by byte, or out of the fields of another release.
+void RestoreOrders(benchmark::State& state, bool otherFields) {
+    const BenchOffice office;
+    office.GivenOrders(state.range(0) / 5, state.range(0));
+    const std::string folder = BackupAt(0);
+    if (otherFields) {
+        const FieldDef fields[] = {{"L_KEY", 'C', 40},
+                                   {"L_ORDCODE", 'C', 20},
+                                   {"L_QTY", 'N', 10},
+                                   {"L_TOTPRICE", 'N', 12, 2},
+                                   {"L_OLDFIELD", 'C', 30}};
+        CreateTable(folder + "ZUKOrOld.dbf", fields);
+        NoProgress silent;
+        CopySingleTable(folder + "ZUKOrLin.dbf", folder + "ZUKOrOld.dbf", silent);
+        Global.TheDisk->Rename(folder + "ZUKOrOld.dbf", folder + "ZUKOrLin.dbf");
+    }
+    NoProgress silent;
+    for (auto _ : state) {
+        const RestoreResult result =
+            RestoreTables(folder, [&](const std::string& from, const std::string& to) {
+                CopySingleTable(from, to, silent);
+            });
+        if (result.How != RestoreResult::End::Restored) state.SkipWithError("the restore failed");
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK_CAPTURE(RestoreOrders, same_fields, false)->Arg(100'000)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(RestoreOrders, other_fields, true)->Arg(100'000)->Unit(benchmark::kMillisecond);
 
 void TraceEvents(benchmark::State& state) {
     const BenchOffice office;

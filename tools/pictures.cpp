@@ -51,6 +51,7 @@ public:
         return buttons == Buttons::Ok ? Answer::Ok : RunsActivities ? Answer::Yes : Answer::No;
     }
     std::optional<std::string> InputBox(const Text&, const std::string&) override { return std::nullopt; }
+    std::optional<std::string> OpenFile(const FileQuestion&) override { return std::nullopt; }
     bool Ask(const Question&) override { return false; }
     std::unique_ptr<Printer> PrinterDialog(const Text&) override { return nullptr; }
     void Beep() override {}

@@ -21,6 +21,14 @@ struct Question {
     std::optional<MessageId> Title = std::nullopt; ///< of the window, in place of the program's
 };
 
+/// A file of a folder that is to be chosen.
+struct FileQuestion {
+    Text Title;
+    Text Kind;             ///< what files with this extension are called
+    std::string Extension; ///< with its point, in any case: no other files are offered
+    std::string Folder;    ///< where the choice begins, a full path
+};
+
 /// The one way to the operator. All boxes bear the program's title.
 class Operator {
 public:
@@ -31,6 +39,9 @@ public:
 
     /// Asks for a line of text, in code page 1252. Nothing when the operator gives up.
     virtual std::optional<std::string> InputBox(const Text& prompt, const std::string& preset) = 0;
+
+    /// Asks for a file that is there: its full path, of any folder. Nothing when the operator gives up.
+    virtual std::optional<std::string> OpenFile(const FileQuestion& question) = 0;
 
     /// Shows the shared question form; true when it left MessageAnswer true.
     virtual bool Ask(const Question& question) = 0;

@@ -72,6 +72,10 @@ std::optional<std::string> ScriptedOperator::InputBox(const Text& prompt, const 
     return expected->Typed;
 }
 
+std::optional<std::string> ScriptedOperator::OpenFile(const FileQuestion& question) {
+    return InputBox(question.Title, {});
+}
+
 bool ScriptedOperator::Ask(const Question& question) {
     const Expected* expected = Take(question.Message);
     return expected && expected->Reply != Answer::No;

@@ -41,6 +41,8 @@ public:
 
     Answer MsgBox(const Text& message, Icon icon, Buttons buttons) override;
     std::optional<std::string> InputBox(const Text& prompt, const std::string& preset) override;
+    /// Expected by its title; the path is what is typed, and typing nothing gives up.
+    std::optional<std::string> OpenFile(const FileQuestion& question) override;
     bool Ask(const Question& question) override;
     std::unique_ptr<Printer> PrinterDialog(const Text& document) override;
     void Beep() override { ++beeps_; }

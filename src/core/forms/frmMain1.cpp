@@ -30,6 +30,7 @@
 #include "store/OfficeTables.h"
 #include "store/TableCatalogue.h"
 #include "store/TableScan.h"
+#include "store/forms/frmCopyDBF.h"
 #include "sync/Images.h"
 #include "sync/SafetyCopies.h"
 #include "sync/Status.h"
@@ -172,7 +173,7 @@ void frmMain1::StartUp() {
         if (failure.Number() == 13 || failure.Number() == 6) throw;
         return StopStart(Lines(msg::ConfigurationError, Text::Path(std::string_view(failure.what()))));
     }
-    if (!PrepareOffice([] { Tell(msg::DownloadSelectionMissing, Icon::Information); }))
+    if (!PrepareOffice([] { Tell(msg::DownloadSelectionMissing, Icon::Information); }, CopyTables))
         return StopStart(msg::TablesMissing);
     PutBackSafetyCopies();
     LoadIcons();
@@ -975,6 +976,14 @@ void frmMain1::mnuTblBarIn_Click() {
 
 void frmMain1::mnuTblPRN_Click() {
     View("mnuTblPRN_Click", ViewPRN);
+}
+
+void frmMain1::mnuRestore_Click() {
+    View("mnuRestore_Click", ViewRestore);
+}
+
+void frmMain1::lblRestore_Click() {
+    View("lblRestore_Click", ViewRestore);
 }
 
 void frmMain1::mnuViewTotals_Click() {

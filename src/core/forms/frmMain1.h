@@ -102,6 +102,8 @@ private slots:
     void mnuTblBarIn_Click();
     void mnuTblPRN_Click();
     void mnuViewTotals_Click();
+    void mnuRestore_Click();
+    void lblRestore_Click();
     void cmdPCTotals_Click();
     void cmdReset_Click();
     void cmdHHHSID_Click(int index);

@@ -1,8 +1,10 @@
 #pragma once
 
 #include "core/Globals.h"
+#include "maintenance/Restore.h"
 #include "platform/Form.h"
 #include "ui_frmViewGrid.h"
+#include "views/GridData.h"
 #include "views/TableViews.h"
 
 class Report;
@@ -11,6 +13,9 @@ struct BoxForm;
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
+
+class QTimer;
 
 /// Opens the grid of a table: the one way into the browser. Clears the flags, sets the table's own,
 /// and takes the place of a grid or a record viewer that is open. A record may be selected at once.
@@ -22,12 +27,13 @@ void EditTable(ViewFlag flag);
 /// The same for a row of the Quality Check's report: marks the cells that `ReportedCells` tells of.
 void ShowReported(ViewFlag flag);
 
-/// A table as a grid: the one whose flag is set.
+/// A table as a grid: the one whose flag is set. With ViewRestore it is the list of backups, from which
+/// tables are looked at, in the same grid, and had back.
 class frmViewGrid final : public Form, private Ui::frmViewGrid {
     Q_OBJECT
 
 public:
-    frmViewGrid() { setupUi(this); }
+    frmViewGrid();
 
     void MakeEditDefault();
 
@@ -41,6 +47,7 @@ private slots:
     void FG1_DblClick();
     void FG1_ColumnClick(int column);
     void FG1_SelChange();
+    void Timer1_Timer();
 
 protected:
     void Form_Load() override;
@@ -55,6 +62,16 @@ private:
     void DisplaySTaxData(const std::string& path);
     void DisplayTotalsData();
     void DisplayRestoreData();
+    void ReloadBUData(ViewFlag flag, const std::string& folder);
+    void ShowView();
+    void Caption(QPushButton& button, MessageId text);
+    BackupPoint* SelectedBackup();
+    void ShowFiles(const BackupPoint& point);
+    void Preview();
+    void Restore();
+    bool RecordRestore();
+    void BackToList();
+    void ShowBackups(const std::string& folder);
     void DisplayPrint();
     void Fill(const std::string& path, ColumnsOf columnsOf);
     void EnablePrinting();
@@ -71,4 +88,7 @@ private:
 
     std::string path_; ///< of the table that is shown
     ColumnsOf columnsOf_;
+    QTimer* Timer1;
+    std::vector<BackupPoint> backups_; ///< in the order of their records
+    ListGrid* list_ = nullptr;         ///< their grid while it is shown
 };
