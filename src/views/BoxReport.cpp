@@ -1,9 +1,6 @@
 #include "views/BoxReport.h"
 
-#include "core/Failure.h"
 #include "core/Messages.h"
-#include "core/Numbers.h"
-#include "store/TableReader.h"
 
 #include <algorithm>
 #include <utility>
@@ -76,17 +73,6 @@ const BoxForm& AudtHHForm() {
 
 int PageLengthFrom(std::int16_t lineMax) {
     return lineMax < ShortestPage ? UsualPageLength : lineMax;
-}
-
-std::int16_t ReadLineMax(std::string_view path) {
-    try {
-        TableReader table(path);
-        const int field = table.Layout().Find(FieldKey("LINEMAX"));
-        if (field == 0 || table.RecordCount() == 0) return 0;
-        return ToInteger(table.Trimmed(1, field));
-    } catch (const RunTimeFailure&) {
-        return 0; // no settings, or none that can be read: a report is printed all the same
-    }
 }
 
 BoxReport::BoxReport(const BoxForm& form, std::unique_ptr<GridData> rows, int pageLength)

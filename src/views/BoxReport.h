@@ -34,9 +34,6 @@ inline constexpr int UsualPageLength = 60;
 /// than the page's head.
 int PageLengthFrom(std::int16_t lineMax);
 
-/// LINEMAX of the first record of a table of print settings; 0 when there is none, or no such table.
-std::int16_t ReadLineMax(std::string_view path);
-
 /// The rows of a grid, in the order in which it holds them, as lines of boxes.
 ///
 /// A page has as many lines as the print settings say, or as many less as the paper has, and below them the

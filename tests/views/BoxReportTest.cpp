@@ -337,17 +337,6 @@ TEST_F(BoxReportTest, TheContinuationLineStandsWhereEachReportHasIt) {
 }
 
 TEST_F(BoxReportTest, ThePageLengthIsThatOfThePrintSettings) {
-    const auto settings = [&](const Row& row) {
-        return GivenFile("P.DBF", TableMaker({{"LINEMAX", 'N', 8}, {"PRINTER", 'C', 4}}).Row(row).Bytes());
-    };
-    EXPECT_EQ(ReadLineMax(settings({"66"})), 66);
-    EXPECT_EQ(ReadLineMax(settings({""})), 0);
-    EXPECT_EQ(ReadLineMax(settings({"many"})), 0);
-    EXPECT_EQ(ReadLineMax(settings({"99999"})), 0); // more than the global of it holds
-    EXPECT_EQ(ReadLineMax(GivenFile("P.DBF", TableMaker({{"LINEMAX", 'N', 8}}).Bytes())), 0);
-    EXPECT_EQ(ReadLineMax(GivenFile("P.DBF", TableMaker({{"OTHER", 'N', 8}}).Row({"66"}).Bytes())), 0);
-    EXPECT_EQ(ReadLineMax(GivenFile("P.DBF", "no table")), 0);
-    EXPECT_EQ(ReadLineMax(Folder() + "none.dbf"), 0);
     EXPECT_EQ(PageLengthFrom(66), 66);
     EXPECT_EQ(PageLengthFrom(20), 20);
 }

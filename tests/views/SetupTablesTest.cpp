@@ -195,7 +195,7 @@ TEST_F(SetupTablesTest, ARollPrinterChangesTheFormatAndAsksForContinuousForms) {
 
 TEST_F(SetupTablesTest, APagesLengthIsAWholeNumberThatIsNeverBelowZero) {
     for (const auto& [stored, lines] : std::initializer_list<std::pair<const char*, int>>{
-             {"66", 66}, {"", 0}, {"x", 0}, {"-4", 0}, {"65.6", 66}, {"99999", 32767}})
+             {"66", 66}, {"", 0}, {"x", 0}, {"-4", 0}, {"65.6", 66}, {"many", 0}, {"99999", 32767}})
         EXPECT_EQ(PageLength(stored), lines) << stored;
 }
 

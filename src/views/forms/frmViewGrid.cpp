@@ -14,6 +14,7 @@
 #include "platform/Look.h"
 #include "store/forms/frmCopyDBF.h"
 #include "views/BoxReport.h"
+#include "views/SetupTables.h"
 #include "views/forms/Editors.h"
 #include "views/forms/PrintReport.h"
 #include "views/forms/frmPreview.h"
@@ -444,7 +445,11 @@ void frmViewGrid::cmdDataView_Click() {
 
 void frmViewGrid::DisplayPrint() {
     TraceEvent("frmViewGrid:DisplayPrint");
-    Global.LinesPerPage = ReadLineMax(Global.DBFPath + "ZUKPRINT.DBF");
+    try {
+        ReadLinesPerPage();
+    } catch (const RunTimeFailure&) {
+        Global.LinesPerPage = 0; // settings that cannot be read: a report is printed all the same
+    }
 }
 
 std::unique_ptr<Report> frmViewGrid::ReportOf(const BoxForm& form) {
