@@ -190,6 +190,23 @@ void BenchOffice::GivenOrders(std::int64_t headers, std::int64_t lines) const {
     lin.Commit(false);
 }
 
+void BenchOffice::GivenAudit(std::int64_t headers) const {
+    TableRewrite audit(Global.DBFPath + "ZUKAUDTH.DBF");
+    for (std::int64_t i = 0; i < headers; ++i) {
+        const std::int64_t n = Shuffled(i, headers);
+        audit.Append();
+        audit.Write("A_ORDCODE", Code('A', n));
+        audit.Write("A_CUSTCODE", Code('C', n % 5000));
+        audit.Write("A_TOTTOTAL", std::to_string(n % 900 + 12) + ".45");
+        audit.Write("A_PRT_STAT", "Y");
+        audit.Write("A_DELTYPE", "SINGLE");
+        audit.Write("A_DATE", "2026" + Two(n % 12 + 1) + Two(n % 28 + 1));
+        audit.Write("A_TIME", Two(n % 24) + ":" + Two(n % 60) + ":00");
+        audit.Write("A_MACH_ID", "A001");
+    }
+    audit.Commit(false);
+}
+
 void BenchOffice::GivenEvents(std::int64_t events) const {
     TableRewrite totals(Global.DBFPath + "ZUKTOTALPC.DBF");
     for (std::int64_t i = 0; i < events; ++i) {

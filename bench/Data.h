@@ -32,6 +32,9 @@ public:
     /// Order headers in no order, and lines spread over them, those of an order together.
     void GivenOrders(std::int64_t headers, std::int64_t lines) const;
 
+    /// Headers of deleted orders in the audit.
+    void GivenAudit(std::int64_t headers) const;
+
     /// Events in the totals table.
     void GivenEvents(std::int64_t events) const;
 

@@ -7,14 +7,20 @@
 #include "core/Paths.h"
 #include "core/Trace.h"
 #include "exchange/OrderCheck.h"
+#include "maintenance/Restore.h"
 #include "maintenance/Totals.h"
+#include "maintenance/VersionUpdate.h"
 #include "quality/Checks.h"
+#include "quality/SearchField.h"
+#include "store/CreateTable.h"
 #include "store/OfficeTables.h"
 #include "store/SortTables.h"
 #include "store/TableRewrite.h"
 #include "store/TableScan.h"
 #include "sync/ReceiptCount.h"
 #include "sync/SafetyCopies.h"
+#include "views/BoxReport.h"
+#include "views/MasterTable.h"
 #include "views/TableViews.h"
 
 #include <benchmark/benchmark.h>
@@ -264,6 +270,69 @@ void RecoverAnUpload(benchmark::State& state) {
 }
 BENCHMARK(RecoverAnUpload)->Arg(10'000)->Arg(50'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
 
+std::string BackupAt(int minute) {
+    static DateTime moment;
+    moment = {2026, 11, 1 + minute / 1440 % 28, minute / 60 % 24, minute % 60, 0};
+    Global.Clock = [] { return moment; };
+    if (!MakeBackup("CLEAR")) return {};
+    const std::string folder = Global.BackupPath + BackupName(moment) + "/";
+    moment = {2026, 12, 1, 0, 0, minute % 60};
+    return folder;
+}
+
+void BackUp(benchmark::State& state) {
+    const BenchOffice office;
+    office.GivenOrders(state.range(0) / 5, state.range(0));
+    for (auto _ : state) {
+        if (BackupAt(0).empty()) state.SkipWithError("no backup was made");
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK(BackUp)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
+
+void ListBackups(benchmark::State& state) {
+    const BenchOffice office;
+    office.GivenOrders(20, 100);
+    for (int k = 0; k < state.range(0); ++k) BackupAt(k);
+    NoProgress silent;
+    for (auto _ : state) {
+        const auto points = ReadBackups(silent);
+        if (points.size() != static_cast<std::size_t>(state.range(0)) ||
+            points.front().Files != BackupFiles::Complete)
+            state.SkipWithError("a backup is missing or has changed");
+    }
+}
+BENCHMARK(ListBackups)->Arg(1000)->Unit(benchmark::kMillisecond);
+
+/// Byte by byte, or out of the fields of another release.
+void RestoreOrders(benchmark::State& state, bool otherFields) {
+    const BenchOffice office;
+    office.GivenOrders(state.range(0) / 5, state.range(0));
+    const std::string folder = BackupAt(0);
+    if (otherFields) {
+        const FieldDef fields[] = {{"L_KEY", 'C', 40},
+                                   {"L_ORDCODE", 'C', 20},
+                                   {"L_QTY", 'N', 10},
+                                   {"L_TOTPRICE", 'N', 12, 2},
+                                   {"L_OLDFIELD", 'C', 30}};
+        CreateTable(folder + "ZUKOrOld.dbf", fields);
+        NoProgress silent;
+        CopySingleTable(folder + "ZUKOrLin.dbf", folder + "ZUKOrOld.dbf", silent);
+        Global.TheDisk->Rename(folder + "ZUKOrOld.dbf", folder + "ZUKOrLin.dbf");
+    }
+    NoProgress silent;
+    for (auto _ : state) {
+        const RestoreResult result =
+            RestoreTables(folder, [&](const std::string& from, const std::string& to) {
+                CopySingleTable(from, to, silent);
+            });
+        if (result.How != RestoreResult::End::Restored) state.SkipWithError("the restore failed");
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK_CAPTURE(RestoreOrders, same_fields, false)->Arg(100'000)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(RestoreOrders, other_fields, true)->Arg(100'000)->Unit(benchmark::kMillisecond);
+
 void TraceEvents(benchmark::State& state) {
     const BenchOffice office;
     for (auto _ : state) TraceEvent("frmMain1:Form_Load");
@@ -317,6 +386,86 @@ void OpenATableAndShowItsEnd(benchmark::State& state) {
     }
 }
 BENCHMARK(OpenATableAndShowItsEnd)->Arg(10'000)->Arg(1'000'000)->Unit(benchmark::kMicrosecond);
+
+/// Paper that counts its lines and forgets them.
+class Shredder final : public Printer {
+public:
+    void SetFont(const PrintFont&) override {}
+    void Print(const Text&) override { ++Lines; }
+    int LinesPerPage() override { return 80; }
+    int PageWidth() const override { return 11000; }
+    int PageHeight() const override { return 15000; }
+    int TextWidth(const Text&) override { return 0; }
+    int TextHeight() override { return 180; }
+    void PrintAt(int, int, const Text&) override {}
+    void PrintBox(int, int, int, int) override {}
+    void NewPage() override {}
+    void EndDoc() override {}
+
+    std::int64_t Lines = 0;
+};
+
+/// The pages of the order header audit: as the records stand, or by customer.
+void PrintTheAudit(benchmark::State& state, int sortColumn) {
+    const BenchOffice office;
+    office.GivenAudit(state.range(0));
+    for (auto _ : state) {
+        auto rows =
+            std::make_unique<TableGrid>(Global.DBFPath + "ZUKAUDTH.DBF", [](const TableLayout& layout) {
+                return DataColumns(*FindTable("ZUKAUDTH.DBF"), layout);
+            });
+        if (sortColumn > 0) rows->Sort(sortColumn, false);
+        BoxReport report(OrHdrAudtForm(), std::move(rows), UsualPageLength);
+        Shredder paper;
+        ReportRun run(report, paper);
+        while (!run.IsOver()) run.Step(5);
+        if (paper.Lines < state.range(0)) state.SkipWithError("rows were lost");
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK_CAPTURE(PrintTheAudit, unsorted, 0)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(PrintTheAudit, byCustomer, 2)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
+
+/// Each time from another field, since a table that holds its new content already is not written.
+void UpdateSearchFields(benchmark::State& state) {
+    const BenchOffice office;
+    office.GivenCustomers(state.range(0), Order::None);
+    bool byCode = false;
+    for (auto _ : state) {
+        byCode = !byCode;
+        if (UpdateSearchField(CustomerSearch, byCode ? "Code" : "Company") != state.range(0))
+            state.SkipWithError("customers were lost");
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK(UpdateSearchFields)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
+
+void OpenAMasterEditor(benchmark::State& state) {
+    const BenchOffice office;
+    office.GivenCustomers(state.range(0), Order::None);
+    for (auto _ : state) {
+        MasterTable customers(CustomerMaster);
+        customers.Open(1);
+        benchmark::DoNotOptimize(customers.Lookup().size());
+    }
+}
+BENCHMARK(OpenAMasterEditor)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
+
+/// A change, the move to the next record, and what there is to warn of there.
+void SaveAndMoveInAMaster(benchmark::State& state) {
+    const BenchOffice office;
+    office.GivenCustomers(state.range(0), Order::None);
+    constexpr int C_CITY = 8;
+    MasterTable customers(CustomerMaster);
+    customers.Open(1);
+    int turn = 0;
+    for (auto _ : state) {
+        customers.Write({{C_CITY, std::to_string(++turn)}});
+        customers.Go(customers.RecordNumber() == customers.RecordCount() ? DBFEdit::First : DBFEdit::Next);
+        benchmark::DoNotOptimize(customers.Warning({}));
+    }
+}
+BENCHMARK(SaveAndMoveInAMaster)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMicrosecond);
 
 } // namespace
 

@@ -16,7 +16,7 @@ foreach(line IN LISTS lines)
     if(line MATCHES "^([^ ]+)\\.( |$)")
         set(suite "${CMAKE_MATCH_1}")
         string(APPEND tests "add_test([==[${suite}]==] [==[${PROGRAM}]==] [==[--gtest_filter=${suite}.*]==])\n"
-            "set_tests_properties([==[${suite}]==] PROPERTIES TIMEOUT 300")
+            "set_tests_properties([==[${suite}]==] PROPERTIES TIMEOUT 600")
         if(SUITE_ENVIRONMENT)
             string(APPEND tests " ENVIRONMENT [==[${SUITE_ENVIRONMENT}]==]")
         endif()

@@ -30,10 +30,13 @@
 #include <QDir>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QPainter>
+#include <QPainterPath>
 #include <QProcess>
 #include <QTabWidget>
 #include <QTemporaryDir>
 #include <QThread>
+#include <QTimer>
 
 #include <cstdio>
 #include <utility>
@@ -48,7 +51,9 @@ public:
         return buttons == Buttons::Ok ? Answer::Ok : RunsActivities ? Answer::Yes : Answer::No;
     }
     std::optional<std::string> InputBox(const Text&, const std::string&) override { return std::nullopt; }
+    std::optional<std::string> OpenFile(const FileQuestion&) override { return std::nullopt; }
     bool Ask(const Question&) override { return false; }
+    std::unique_ptr<Printer> PrinterDialog(const Text&) override { return nullptr; }
     void Beep() override {}
 
     bool RunsActivities = false;
@@ -137,8 +142,52 @@ void FillOffice(const QString& build, const OfficeForDay& office) {
                   QByteArray::number(431.5 * (i + 1)) + "\tUPLOAD-ADD\t2999-11-1" + number + " 17:4" +
                   number + ":05\t" + names[i] + '\n';
     }
-    FillTables(build, office.Path(QString()),
-               {{QStringLiteral("ZUKLINK"), links}, {QStringLiteral("ZUKTOTALPC"), totals}});
+    FillTables(
+        build, office.Path(QString()),
+        {{QStringLiteral("ZUKLINK"), links},
+         {QStringLiteral("ZUKTOTALPC"), totals},
+         {QStringLiteral("ZUKCUST"),
+          "C_SEARCH\tC_CODE\tC_NAME\tC_CONTACT\tC_PHONE\tC_ADDRESS1\tC_CITY\tC_STATE\tC_ZIP\tC_PAYTERMS\tC_"
+          "STCODE\n"
+          "A100\tA100\tAcme Hardware\tChloé Martin\t212-555-0142\t14 Mill Lane\tAlbany\tNew York\t12207\t"
+          "30 days net\tNJ\nB200\tB200\tBolt & Sons\t\t\t\t\t\t\t\tNY\n"},
+         {QStringLiteral("ZUKITEM"), "I_SEARCH\tI_ITEMCODE\tI_DESC1\tI_UM\tI_PRICE\tI_BARCODE\n"
+                                     "HAMMER\tH1\tClaw hammer\tEach\t12.50\t4006381333931\n"},
+         {QStringLiteral("ZUKSTAX"), "ST_CODE\tST_DESC\tST_RATE\nNY\tNew York State\t8.25\n"}});
+}
+
+/// What the handheld is told once, and an order with a signature.
+void FillSettings(const QString& build, const OfficeForDay& office) {
+    FillTables(
+        build, office.Path(QString()),
+        {{QStringLiteral("ZUKCOMP"), "COMPANY\tLINE2\tLINE3\tLINE4\tFOOTNOTE1\nNorth Star Supply Co.\t"
+                                     "12 Harbour Road\tPortland, ME 04101\tTel. 207-555-0188\t"
+                                     "Goods remain our property until they are paid for in full.\n"},
+         {QStringLiteral("ZUKPRINT"),
+          "LINEMAX\tPRINTER\tCONTFORM\tLINEFEED\tBAUDRATE\tSTDLINE2\tLOGO\tSTDSTYLE\t"
+          "COMPRESCHR\tRESETCHR\n66\tBPM\tNO\t4\t9600\tBarcode\tNO\tFixed\t15\t18\n"},
+         {QStringLiteral("ZUKSETUP"), "SU_HHBAKUP\tSU_SRCHCUS\tSU_SRCHITM\nREPLACE\tCompany\tDescription\n"},
+         {QStringLiteral("ZUKPAY"),
+          "PAY_CODE\tPAY_REF\tPAY_CDESC\tPAY_CDET\nCARD\tYES\tVisa, Mastercard\tYES\n"
+          "CASH\tNO\t\tNO\n"},
+         {QStringLiteral("ZUKORHDR"), "H_ORDCODE\tH_CUSTCODE\tH_BILLNAME\tH_CUSTFONE\tH_ORDDATE\n"
+                                      "A001000124\tA100\tAcme Hardware\t212-555-0142\t20261121\n"
+                                      "A001000125\tB200\tBolt & Sons\t\t20261121\n"}});
+    QImage ink(160, 48, QImage::Format_RGB32);
+    ink.fill(Qt::white);
+    QPainterPath stroke(QPointF(8, 34));
+    for (int letter = 0; letter < 9; ++letter) {
+        const double x = 8 + letter * 16;
+        stroke.cubicTo(x + 4, 2, x + 12, letter % 3 == 0 ? 2 : 20, x + 6, 36);
+        stroke.quadTo(x + 10, 44, x + 16, 34);
+    }
+    QPainter painter(&ink);
+    painter.drawPath(stroke);
+    painter.end();
+    const QString images = office.Path(QStringLiteral("DBFFiles/Images/"));
+    QDir().mkpath(images);
+    const QImage dots = ink.convertToFormat(QImage::Format_Mono, Qt::ThresholdDither);
+    if (!dots.save(images + QStringLiteral("A001000124.bmp"))) throw OfficeFailure("no picture of ink");
 }
 
 /// Customers and items with faults in them.
@@ -339,6 +388,24 @@ void OptionsFaces(const QString& folder) {
     options.Unload();
 }
 
+/// A preview, which the program waits for, unless a round before this one has ended it.
+void PreviewFace(FormBehaviour& form, const QString& folder, const char* name) {
+    bool isSaved = false;
+    const auto save = [&] {
+        if (std::exchange(isSaved, true)) return;
+        auto& preview = The<frmPreview>();
+        Save(preview, folder, QString::fromLatin1(name));
+        Press(preview, "cmdWholePage");
+        Save(preview, folder, QString::fromLatin1(name) + QStringLiteral("-whole"));
+        preview.Unload();
+    };
+    QTimer meanwhile;
+    meanwhile.callOnTimeout(save);
+    meanwhile.start(0);
+    Press(form, "cmdPreview");
+    save();
+}
+
 /// The browser with each kind of table in it.
 void BrowserFaces(const QString& folder) {
     const std::pair<ViewFlag, const char*> faces[] = {{ViewCust, "customers"},
@@ -358,6 +425,9 @@ void BrowserFaces(const QString& folder) {
         Save(records, folder, QStringLiteral("frmViewData-") + QString::fromLatin1(name));
         records.Unload();
     }
+    ShowTable(ViewTotals);
+    PreviewFace(The<frmViewGrid>(), folder, "frmPreview-totals");
+    The<frmViewGrid>().Unload();
 }
 
 /// The report of a check of the imported tables, the Configurator behind it, and what the report's
@@ -369,6 +439,7 @@ void CheckFaces(const QString& build, const OfficeForDay& office, const QString&
     auto& report = The<frmConfigMsg>();
     Save(config, folder, QStringLiteral("frmConfig-checked"));
     Save(report, folder, QStringLiteral("frmConfigMsg-report"));
+    PreviewFace(report, folder, "frmPreview-check");
     auto* rows = report.findChild<GridView*>(QStringLiteral("FG1"));
     for (int row = 0; row < rows->model()->rowCount(); ++row) {
         rows->SelectRecord(row + 1);
@@ -424,6 +495,7 @@ int main(int argc, char** argv) {
         const OfficeForDay office(arguments[1], work.filePath(QStringLiteral("office")),
                                   QStringLiteral("samples/day"));
         FillOffice(arguments[1], office);
+        FillSettings(arguments[1], office);
         if (arguments.size() == 4 &&
             !QFile::copy(arguments[3], office.Path(QStringLiteral("Messages.tsv")))) {
             throw OfficeFailure("cannot copy " + arguments[3].toStdString());

@@ -172,11 +172,14 @@ void RemoveStrays() {
     RemoveStraysIn(Global.DBFPath, 2);       // with images and each handheld's totals
     RemoveStraysIn(Global.BackupPath, 1);    // with each backup
     RemoveStraysIn(Global.TemplatesPath, 2); // with both sets
+    if (const std::string text = Global.DBFPath + "DBFCOPY.TXT"; FileExists(text)) RemoveQuietly(text);
     // The compaction of a table works in a file of the table's name and this extension.
     for (const std::string& name : FilesWithExtension(Global.DBFPath, ".idx")) {
         const std::string table = Global.DBFPath + name.substr(0, name.size() - 3) + "dbf";
         if (FileExists(table)) RemoveQuietly(Global.DBFPath + name);
     }
+    // The signature viewer's, which stands only while that is open.
+    RemoveQuietly(Global.DBFPath + "SIGN.DBF");
 }
 
 std::string TemporaryDirectory() {

@@ -35,7 +35,8 @@ void SetUpdates();
 /// and the one in `DBFNew` deleted.
 void MoveNewBitmaps();
 
-/// Removes work files that a killed run has left in the application directory's folders. One that
+/// Removes work files that a killed run has left in the application directory's folders, the text of a
+/// table on its way into another structure among them: the table itself still stands. One that
 /// cannot be removed stays.
 void RemoveStrays();
 

@@ -1,7 +1,9 @@
 #pragma once
 
+#include "core/Printer.h"
 #include "core/Text.h"
 
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -19,6 +21,14 @@ struct Question {
     std::optional<MessageId> Title = std::nullopt; ///< of the window, in place of the program's
 };
 
+/// A file of a folder that is to be chosen.
+struct FileQuestion {
+    Text Title;
+    Text Kind;             ///< what files with this extension are called
+    std::string Extension; ///< with its point, in any case: no other files are offered
+    std::string Folder;    ///< where the choice begins, a full path
+};
+
 /// The one way to the operator. All boxes bear the program's title.
 class Operator {
 public:
@@ -30,8 +40,15 @@ public:
     /// Asks for a line of text, in code page 1252. Nothing when the operator gives up.
     virtual std::optional<std::string> InputBox(const Text& prompt, const std::string& preset) = 0;
 
+    /// Asks for a file that is there: its full path, of any folder. Nothing when the operator gives up.
+    virtual std::optional<std::string> OpenFile(const FileQuestion& question) = 0;
+
     /// Shows the shared question form; true when it left MessageAnswer true.
     virtual bool Ask(const Question& question) = 0;
+
+    /// The common printer dialog: where a document of this name is to go, to a printer or a file. Nothing
+    /// when the operator gives up. RunTimeFailure when the printer or the file is not to be had.
+    virtual std::unique_ptr<Printer> PrinterDialog(const Text& document) = 0;
 
     /// A short sound.
     virtual void Beep() = 0;

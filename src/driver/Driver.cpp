@@ -35,8 +35,11 @@ constexpr int KeptBoxMilliseconds = 100;
 /// A button that a mnemonic presses is shown down for a tenth of a second, and clicks then.
 constexpr int PressedMilliseconds = 1000;
 
+const QStringList BoxNames = {QStringLiteral("MsgBox"), QStringLiteral("InputBox"),
+                              QStringLiteral("FileDialog")};
+
 bool IsBox(const QWidget& window) {
-    return window.objectName() == QLatin1String("MsgBox") || window.objectName() == QLatin1String("InputBox");
+    return BoxNames.contains(window.objectName());
 }
 
 bool Has(const QJsonObject& request, const char* key) {
@@ -503,9 +506,8 @@ void Driver::Expect(const QJsonObject& request) {
                       : expected.Input       ? QStringLiteral("Ok")
                                              : QString();
     if (expected.Button.isEmpty()) throw Refused(QStringLiteral("an expected box needs an \"answer\""));
-    if (expected.Box != QLatin1String("MsgBox") && expected.Box != QLatin1String("InputBox")) {
-        throw Refused(QStringLiteral("\"box\" is MsgBox or InputBox"));
-    }
+    if (!BoxNames.contains(expected.Box))
+        throw Refused(QStringLiteral("\"box\" is %1").arg(BoxNames.join(QLatin1String(" or "))));
     expected_.push_back(expected);
 }
 
@@ -559,7 +561,8 @@ void Driver::FillBox(const QPointer<QWidget>& guard, const Expectation& expected
     }
     try {
         if (expected.Input) {
-            auto* edit = box.findChild<QLineEdit*>();
+            auto* edit = box.findChild<QLineEdit*>(QStringLiteral("txtAnswer"));
+            if (!edit) edit = box.findChild<QLineEdit*>();
             if (!edit) throw Refused(QStringLiteral("the box has no line to type into"));
             SetControl(*edit, *expected.Input);
         }

@@ -20,9 +20,9 @@
 /// Drives the program that it is loaded into for one client on a local socket: one JSON object a
 /// line, both ways (docs/driver.md). Lives in the thread of the screen and works inside modal loops.
 ///
-/// It is as strict as a scripted operator. A window named `MsgBox` or `InputBox` must be the next
-/// expected one and is answered; any other is a failure, with which every request is answered until
-/// the client has read the failures.
+/// It is as strict as a scripted operator. A window named `MsgBox`, `InputBox` or `FileDialog` must be the
+/// next expected one and is answered; any other is a failure, with which every request is answered until the
+/// client has read the failures.
 class Driver final : public QObject {
 public:
     /// Listens at `socketPath` as soon as the event loop runs.

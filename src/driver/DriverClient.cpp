@@ -364,6 +364,12 @@ void DriverClient::ExpectInputContaining(const QString& piece, const QString& in
     Register({{QStringLiteral("contains"), piece}, {QStringLiteral("input"), input}});
 }
 
+void DriverClient::ExpectFile(const QString& title, const QString& path) {
+    Register({{QStringLiteral("box"), QStringLiteral("FileDialog")},
+              {QStringLiteral("text"), title},
+              {QStringLiteral("input"), path}});
+}
+
 void DriverClient::ExpectInputCancelled(const QString& text) {
     Register({{QStringLiteral("box"), QStringLiteral("InputBox")},
               {QStringLiteral("text"), text},

@@ -99,6 +99,9 @@ public:
     void ExpectInput(const QString& text, const QString& input);
     void ExpectInputContaining(const QString& piece, const QString& input);
 
+    /// As Expect, for a `FileDialog` with this title, in which a file is chosen by its path.
+    void ExpectFile(const QString& title, const QString& path);
+
     /// As Expect, for an `InputBox` that is given up.
     void ExpectInputCancelled(const QString& text);
 

@@ -8,6 +8,7 @@
 #include <QApplication>
 #include <QBrush>
 #include <QComboBox>
+#include <QFileDialog>
 #include <QGroupBox>
 #include <QHeaderView>
 #include <QItemSelectionModel>
@@ -101,6 +102,7 @@ QString ShownText(const QObject& object) {
 
 QString BoxText(const QWidget& box) {
     if (const auto* message = qobject_cast<const QMessageBox*>(&box)) return message->text();
+    if (qobject_cast<const QFileDialog*>(&box)) return box.windowTitle();
     for (const QLabel* label : box.findChildren<QLabel*>()) {
         if (label->window() == &box && !label->isHidden() && !label->text().isEmpty())
             return PlainLabel(*label);

@@ -10,8 +10,8 @@
 /// as plain text; a window's title. Throws Refused for an object that shows no text.
 QString ShownText(const QObject& object);
 
-/// The text of a box: of a message box its message, of any other window its first label that
-/// shows one.
+/// The text of a box: of a message box its message, of a file dialog its title, of any other window its
+/// first label that shows one.
 QString BoxText(const QWidget& box);
 
 /// `enabled`, `visible`, `checked`, `focus`, `text`, `row` (the current entry, counted from 0, -1

@@ -1,8 +1,11 @@
 #pragma once
 
+#include "core/Checksum.h"
 #include "core/Dates.h"
 
+#include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -10,9 +13,24 @@
 /// BackupItems say so, into a new directory under `Backup`, with a `Backup.txt` that says what
 /// happened. Keeps the moment and the event in Global for the totals event of the same operation,
 /// and when it succeeds leaves CurHeaders, CurLines and CurDollars at 0.
+/// Each copy is read again before `Backup.txt` is written: it must have the bytes of the table and be one
+/// that can be opened, and the order tables must hold the counts and the total that stand in the text.
 /// Events: "EXPORT", "QUALCHECK", "RESTORE", "UPLOAD-ADD", "CLEAR". False when a table is locked or
-/// missing, before anything was made, or for any failure after that.
+/// missing, before anything was made, or for any failure after that, a copy that differs among them; a
+/// directory that was made then has no `Backup.txt`.
 bool MakeBackup(std::string_view event);
+
+/// A table of a backup as a line behind the eighth of `Backup.txt` tells it: name, bytes, records and
+/// checksum, parted by tabs.
+struct SavedTable {
+    std::string Name; ///< a plain file name
+    FileSum Content;
+    std::int32_t Records = 0;
+
+    std::string Line() const;
+    /// Nothing for a line that was not written so.
+    static std::optional<SavedTable> FromLine(std::string_view line);
+};
 
 /// The directory's name for a moment: the year's last digit, then month, day, hour, minute and
 /// second with two digits each.

@@ -97,7 +97,8 @@ std::string ApplicationDirectory(std::string_view programFolder, std::string_vie
     return app;
 }
 
-bool PrepareOffice(const std::function<void()>& downloadSelectionMissing) {
+bool PrepareOffice(const std::function<void()>& downloadSelectionMissing,
+                   const std::function<void()>& updateTables) {
     SetTablesAndInstall();
     if (!FileExists(Global.InstallPath + "ZUKOrHdr.dbf")) return false;
     SetGraphics();
@@ -110,6 +111,7 @@ bool PrepareOffice(const std::function<void()>& downloadSelectionMissing) {
     TemplatePass(downloadSelectionMissing);
     SetUpdates();
     RemoveStrays();
+    updateTables();
     MoveNewBitmaps();
     return true;
 }

@@ -21,6 +21,8 @@ std::string ApplicationDirectory(std::string_view programFolder, std::string_vie
 
 /// The start's work on the files of the office in `Global.AppPath`, once its settings are read, in
 /// its order: sets and makes its folders, remakes what is remade at each start, and clears what a
-/// killed run left. `downloadSelectionMissing` as TemplatePass. False when its tables are missing;
-/// nothing was made then. RunTimeFailure as the routines of core/Directories.h.
-bool PrepareOffice(const std::function<void()>& downloadSelectionMissing);
+/// killed run left. `downloadSelectionMissing` as TemplatePass. `updateTables` does UpdateTables, and may
+/// show it. False when its tables are missing; nothing was made then. RunTimeFailure as the routines of
+/// core/Directories.h and UpdateTables.
+bool PrepareOffice(const std::function<void()>& downloadSelectionMissing,
+                   const std::function<void()>& updateTables);

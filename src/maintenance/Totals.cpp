@@ -92,15 +92,12 @@ bool HasRecords(const std::string& path) {
     return TableScan(path).RecordCount() > 0;
 }
 
-struct OrderTotals {
-    std::int32_t Headers = 0, Lines = 0;
-    double Dollars = 0;
-};
+} // namespace
 
-OrderTotals ReadOrderTotals(Progress& progress) {
+OrderTotals ReadOrderTotals(const std::string& folder, Progress& progress) {
     OrderTotals totals;
-    totals.Headers = TableScan(Global.DBFPath + "ZUKORHDR.DBF").RecordCount();
-    TableScan lines(Global.DBFPath + "ZUKORLIN.DBF");
+    totals.Headers = TableScan(folder + "ZUKORHDR.DBF").RecordCount();
+    TableScan lines(folder + "ZUKORLIN.DBF");
     totals.Lines = lines.RecordCount();
     const int price = lines.Layout().Find(FieldKey("L_TOTPRICE"));
     progress.Begin(msg::ProcessingData, totals.Lines);
@@ -110,8 +107,6 @@ OrderTotals ReadOrderTotals(Progress& progress) {
     }
     return totals;
 }
-
-} // namespace
 
 std::string MachineOf(std::string_view hotSyncID) {
     std::string machine;
@@ -128,7 +123,7 @@ std::string MachineOf(std::string_view hotSyncID) {
 }
 
 void CountOrders(Progress& progress) {
-    const OrderTotals now = ReadOrderTotals(progress);
+    const OrderTotals now = ReadOrderTotals(Global.DBFPath, progress);
     Global.CurHeaders = now.Headers;
     Global.CurLines = now.Lines;
     Global.CurDollars = now.Dollars;
@@ -137,7 +132,7 @@ void CountOrders(Progress& progress) {
 void CalcOldPCTotals() {
     TraceEvent("Totals:CalcOldPCTotals");
     NoProgress silent;
-    const OrderTotals old = ReadOrderTotals(silent);
+    const OrderTotals old = ReadOrderTotals(Global.DBFPath, silent);
     Global.OldOrderCount = old.Headers;
     Global.OldLineCount = old.Lines;
     Global.OldLineTotal = old.Dollars;

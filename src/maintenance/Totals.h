@@ -2,12 +2,23 @@
 
 #include "core/Progress.h"
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
 
 /// PC totals: what the order tables held after each operation that changed them, in
 /// `ZUKTOTALPC.DBF`, newest first.
+
+/// What a pair of order tables holds.
+struct OrderTotals {
+    std::int32_t Headers = 0, Lines = 0;
+    double Dollars = 0; ///< the sum of L_TOTPRICE over all lines
+    bool operator==(const OrderTotals&) const = default;
+};
+
+/// Counts the order tables of a folder. RunTimeFailure 53 when one of them is not there.
+OrderTotals ReadOrderTotals(const std::string& folder, Progress& progress);
 
 /// Counts the order tables into Global.CurHeaders, CurLines and CurDollars (the sum of L_TOTPRICE
 /// over all lines). RunTimeFailure 53 when one of the tables is not there.

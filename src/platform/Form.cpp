@@ -187,6 +187,10 @@ QTabWidget* TabsAround(const QWidget& page) {
 }
 
 /// Input controls keep what they hold: their tag is the number of a field, not of a text.
+bool IsInput(const QObject& object) {
+    return qobject_cast<const QLineEdit*>(&object) || qobject_cast<const QComboBox*>(&object);
+}
+
 void SetCaption(QObject& object, MessageId entry) {
     const QString caption = QString::fromStdString(CatalogueCaption(entry));
     const QString plain = QString::fromStdString(CatalogueText(entry));
@@ -550,7 +554,7 @@ void FillCaptions(QWidget& window) {
     QList<QObject*> all = window.findChildren<QObject*>();
     all.prepend(&window);
     for (QObject* object : all) {
-        if (const auto entry = TagOf(*object, "Tag")) SetCaption(*object, *entry);
+        if (const auto entry = TagOf(*object, "Tag"); entry && !IsInput(*object)) SetCaption(*object, *entry);
         if (const auto entry = TagOf(*object, "TipTag")) {
             const QString tip = QString::fromStdString(CatalogueText(*entry));
             if (auto* widget = qobject_cast<QWidget*>(object)) {

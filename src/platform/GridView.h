@@ -55,6 +55,9 @@ public:
     /// Sorts on a column, ascending; the second time in a row on the same column, descending.
     void SortOn(int column);
     void SortOn(int column, bool descending);
+    /// By which column the rows stand in order, from 0; -1 as the content has them.
+    int SortColumn() const { return sortColumn_; }
+    bool IsDescending() const { return descending_; }
 
     /// Looks at the file, and shows its new content if it has another one by now. The order, the
     /// selected record and the widths stay.

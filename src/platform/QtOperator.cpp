@@ -6,9 +6,11 @@
 #include "core/forms/frmMessage.h"
 #include "platform/Convert.h"
 #include "platform/Look.h"
+#include "platform/Printing.h"
 
 #include <QApplication>
 #include <QDialogButtonBox>
+#include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -103,11 +105,43 @@ std::optional<std::string> QtOperator::InputBox(const Text& prompt, const std::s
     return line;
 }
 
+std::optional<std::string> QtOperator::OpenFile(const FileQuestion& question) {
+    const QPointer<QFileDialog> box = new QFileDialog(QApplication::activeWindow());
+    box->setObjectName(QStringLiteral("FileDialog"));
+    box->setWindowTitle(ToQt(question.Title));
+    box->setWindowModality(Qt::ApplicationModal);
+    // The toolkit's own: it looks and reads the same everywhere, and offers names of any case.
+    box->setOption(QFileDialog::DontUseNativeDialog);
+    box->setFileMode(QFileDialog::ExistingFile);
+    box->setNameFilter(ToQt(question.Kind) + QStringLiteral(" (*") + PathToQt(question.Extension) +
+                       QLatin1Char(')'));
+    box->setDirectory(PathToQt(question.Folder));
+    box->setLabelText(QFileDialog::Accept, QString::fromStdString(CatalogueCaption(msg::Ok)));
+    box->setLabelText(QFileDialog::Reject, QString::fromStdString(CatalogueCaption(msg::Cancel)));
+    if (auto* line = box->findChild<QLineEdit*>(QStringLiteral("fileNameEdit")))
+        line->setObjectName(QStringLiteral("txtAnswer"));
+    if (auto* buttons = box->findChild<QDialogButtonBox*>()) {
+        for (QAbstractButton* button : buttons->buttons()) {
+            const bool accepts = buttons->buttonRole(button) == QDialogButtonBox::AcceptRole;
+            button->setObjectName(accepts ? QStringLiteral("Ok") : QStringLiteral("Cancel"));
+        }
+    }
+    std::optional<std::string> file;
+    if (box->exec() == QDialog::Accepted && box && !box->selectedFiles().isEmpty())
+        file = PathFromQt(box->selectedFiles().constFirst());
+    delete box;
+    return file;
+}
+
 bool QtOperator::Ask(const Question& question) {
     auto& form = The<frmMessage>();
     form.Fill(question);
     form.Show(ShowMode::Modal);
     return Global.MessageAnswer;
+}
+
+std::unique_ptr<Printer> QtOperator::PrinterDialog(const Text& document) {
+    return AskForPrinter(ToQt(document));
 }
 
 void QtOperator::Beep() {

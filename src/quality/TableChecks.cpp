@@ -64,20 +64,24 @@ Records RecordsWhere(const ScratchGrid& grid, int field,
     return records;
 }
 
+bool IsInvalid(std::string_view cell) {
+    return !std::all_of(cell.begin(), cell.end(), IsKeyCharacter);
+}
+
 Records InvalidRecords(const ScratchGrid& grid, int field) {
-    return RecordsWhere(grid, field, [](std::string_view cell) {
-        return !std::all_of(cell.begin(), cell.end(), IsKeyCharacter);
-    });
+    return RecordsWhere(grid, field, IsInvalid);
 }
 
 /// A minus sign is none of a price's characters.
-Records NoPriceRecords(const ScratchGrid& grid, int field) {
-    return RecordsWhere(grid, field, [](std::string_view cell) {
-        return !std::all_of(cell.begin(), cell.end(), [](char c) {
-            const std::string_view text(&c, 1);
-            return c == ',' || c == '.' || (TextCompare(text, "0") >= 0 && TextCompare(text, "9") <= 0);
-        });
+bool IsNoPrice(std::string_view cell) {
+    return !std::all_of(cell.begin(), cell.end(), [](char c) {
+        const std::string_view text(&c, 1);
+        return c == ',' || c == '.' || (TextCompare(text, "0") >= 0 && TextCompare(text, "9") <= 0);
     });
+}
+
+Records NoPriceRecords(const ScratchGrid& grid, int field) {
+    return RecordsWhere(grid, field, IsNoPrice);
 }
 
 /// Rows from the top while the price is 0. A text sort may put another price ahead of the zeros,
@@ -225,6 +229,9 @@ constexpr std::array BarcodeTests{
               msg::BarcodeUnique, "I_BARCODE"},
 };
 
+/// Blank bar codes are in order where nobody uses any.
+constexpr std::span<const FieldTest> BarcodeTestsOfOne = std::span(BarcodeTests).subspan(1);
+
 ScratchGrid SortedItems(Progress& progress) {
     const std::string path = TablePath(Items.File);
     SortItemFile(path, KeepKeys, progress);
@@ -251,7 +258,54 @@ constexpr FieldTest LinkTest{
     nullptr,     LK_HOTSYNC, 0, Warn, msg::ProblemHotsyncID, msg::LinksUnknown, msg::LinksUnknownCorrection,
     "LK_HOTSYNC"};
 
+// ---- one record ----
+
+/// The tests of a table, as far as one record can be held against them.
+std::vector<FieldTest> TestsOfOne(std::string_view file) {
+    std::vector<FieldTest> all;
+    const auto add = [&](std::span<const FieldTest> tests) {
+        all.insert(all.end(), tests.begin(), tests.end());
+    };
+    if (SameText(file, Customers.File)) add(CustomerTests);
+    if (SameText(file, Items.File)) {
+        add(ItemTests);
+        add(BarcodeTestsOfOne);
+    }
+    if (SameText(file, SalesTax.File)) add(TaxTests);
+    std::stable_partition(all.begin(), all.end(),
+                          [](const FieldTest& test) { return test.Severity == Severity::Fatal; });
+    return all;
+}
+
+bool FailsAlone(const FieldTest& test, std::string_view cell) {
+    if (test.Collect == BlankRecords) return cell.empty();
+    if (test.Collect == InvalidRecords) return IsInvalid(cell);
+    if (test.Collect == NoPriceRecords) return IsNoPrice(cell);
+    if (test.Collect == ZeroPriceRecords) return ToNumber(cell) == 0;
+    return false;
+}
+
 } // namespace
+
+std::vector<int> FieldsWithoutRepeats(std::string_view file) {
+    std::vector<int> fields;
+    for (const FieldTest& test : TestsOfOne(file)) {
+        if (test.Collect == DuplicateRecords) fields.push_back(test.Field);
+    }
+    return fields;
+}
+
+Text FirstObjection(std::string_view file, const std::function<std::string(int)>& cell,
+                    const std::function<std::int32_t(int, std::string_view)>& otherWith) {
+    for (const FieldTest& test : TestsOfOne(file)) {
+        const std::string text = cell(test.Field);
+        if (FailsAlone(test, text)) return test.Issue;
+        if (test.Collect != DuplicateRecords || text.empty()) continue;
+        if (const std::int32_t other = otherWith(test.Field, text))
+            return Words(test.Issue, msg::LabelRecords, Text::Value(std::int64_t{other}));
+    }
+    return {};
+}
 
 void QCCust(ProblemList& problems, Progress& progress) {
     const std::string taxPath = TablePath(SalesTax.File);

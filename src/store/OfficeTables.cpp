@@ -21,8 +21,11 @@ void MakeEmptyTwins() {
         Global.TheDisk->Remove(ResolvePath(Global.DBFEmptyPath + stray));
     }
     for (const TableEntry& table : AllTables().first(TwinTables)) {
-        const std::string name = std::string(table.Name) + ".dbf";
-        CopyOver(Global.InstallPath + name, Global.DBFEmptyPath + name, false);
-        EmptyTable(Global.DBFEmptyPath + name, false);
+        MakeEmptyTwin(std::string(table.Name) + ".dbf");
     }
+}
+
+void MakeEmptyTwin(const std::string& name) {
+    CopyOver(Global.InstallPath + name, Global.DBFEmptyPath + name, false);
+    EmptyTable(Global.DBFEmptyPath + name, false);
 }

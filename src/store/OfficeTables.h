@@ -9,3 +9,6 @@ std::string ReadCompanyName();
 /// Makes `DBFEmpty` afresh: no stray table in it, and an empty twin of each of the 24 tables.
 /// RunTimeFailure 53 names a table that the install directory lacks.
 void MakeEmptyTwins();
+
+/// The twin of one table, by its file name, in the place of the one that is there.
+void MakeEmptyTwin(const std::string& name);

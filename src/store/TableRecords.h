@@ -11,9 +11,13 @@
 
 /// A table in the hands of an editor: open from Open to Close, one record current.
 ///
-/// A change is in the file when its routine returns. After a RunTimeFailure (as DBFEdit and TableRewrite)
+/// A change is in the file when its routine returns. A table that another program holds a lock on is neither
+/// opened nor changed: RunTimeFailure 70. After a RunTimeFailure (as DBFEdit and TableRewrite)
 /// the record that was current is so again, as it stands in the file by then; where even that cannot be had
 /// the table is closed, and the next routine opens it first.
+/// A step after which another has written into the table, or has put another file in its place, begins with
+/// the record as it stands there by now; when that is gone, or has another key, the step is
+/// RunTimeFailure 63.
 class TableRecords {
 public:
     /// Fields by name, each with the value that it gets.
@@ -42,8 +46,8 @@ public:
     /// A record's number or a target of DBFEdit.
     void Go(std::int32_t target);
 
-    /// Changes fields of the current record; the values are trimmed. In an empty table it appends a record
-    /// first.
+    /// Changes these fields of the current record, and no others; the values are trimmed. In an empty table
+    /// it appends a record first.
     void Write(const Values& values);
 
     /// Adds a blank record behind the last one, and goes to it.
@@ -62,11 +66,16 @@ public:
 private:
     void Attempt(const std::function<void()>& step);
     void Reopen(std::int32_t record);
+    void TakeUp();
+    void ReadAgain();
+    void Remember();
 
     DBFEdit table_;
     std::string path_;
     const char* key_ = "";
     std::int32_t record_ = 0;
+    std::string shown_;         ///< the current record's key behind the last step
+    std::uint64_t version_ = 0; ///< the file's, then
     bool open_ = false;
     bool new_ = false;
 };

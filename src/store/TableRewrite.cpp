@@ -24,8 +24,8 @@ TableRewrite::TableRewrite(std::string_view path) : TableRewrite(path, LayoutOf(
 TableRewrite::TableRewrite(std::string_view path, std::span<const FieldDef> fields)
     : TableRewrite(path, TableLayout::ReadBytes(EmptyTableBytes(fields), path)) {}
 
-TableRewrite::TableRewrite(std::string_view path, TableLayout layout)
-    : layout_(std::move(layout)),
+TableRewrite::TableRewrite(std::string_view path, TableLayout like)
+    : layout_(std::move(like)),
       file_(path, SafeFile::WhenSame::Keep) {
     file_.Write(layout_.Header());
 }

@@ -29,6 +29,9 @@ public:
     /// and SafeFile.
     TableRewrite(std::string_view path, std::span<const FieldDef> fields);
 
+    /// A table built like another, in the place of whatever stands there. RunTimeFailure as SafeFile.
+    TableRewrite(std::string_view path, TableLayout like);
+
     const TableLayout& Layout() const { return layout_; }
 
     /// Records begun so far.
@@ -62,7 +65,6 @@ public:
     void Commit(bool flush = true);
 
 private:
-    TableRewrite(std::string_view path, TableLayout layout);
     void BeginRecord();
     void Drain();
 

@@ -50,6 +50,28 @@ std::vector<int> PlacesIn(const TableLayout& layout, const BridgeFields& fields)
     return places;
 }
 
+/// Which value of a line goes where.
+struct Match {
+    std::size_t Value;
+    int Place;
+};
+
+/// The matches in the order in which they are written: the shorter list of names is gone through outside.
+std::vector<Match> MatchesOf(const BridgeFields& old, const TableLayout& structure) {
+    const BridgeFields now = FieldsOf(structure);
+    std::vector<Match> matches;
+    const auto look = [&](std::size_t from, std::size_t to) {
+        if (!old[from].empty() && SameText(old[from], now[to]))
+            matches.push_back({from, structure.Find(FieldKey(now[to]))});
+    };
+    const bool oldIsOuter = old.size() <= now.size();
+    for (std::size_t i = 0; i < std::min(old.size(), now.size()); ++i) {
+        for (std::size_t j = 0; j < std::max(old.size(), now.size()); ++j)
+            oldIsOuter ? look(i, j) : look(j, i);
+    }
+    return matches;
+}
+
 std::int64_t CountLines(std::string_view text) {
     TextReader reader(text);
     std::string line;
@@ -74,15 +96,8 @@ void AppendLines(TableRewrite& table, const BridgeFields& fields, std::string_vi
 } // namespace
 
 void DBFtoText(std::string_view source, BridgeFields& fields, std::string_view text) {
-    SafeFile file(text);
-    TableScan scan(source);
-    fields = FieldsOf(scan.Layout());
-    for (std::string line; scan.Next();) {
-        MakeLine(scan, line);
-        file.WriteLine(line);
-    }
-    scan.Close();
-    file.Commit(false); // read back at once; after a power cut it is made again
+    NoProgress silent;
+    OldDBFtoText(source, fields, text, silent);
 }
 
 void TextToDBF(std::string_view target, const BridgeFields& fields, std::string_view text,
@@ -98,6 +113,51 @@ void TextToDBF(std::string_view target, const BridgeFields& fields, std::string_
     scan.Close();
     table.Commit();
     if (lines > 0) RemoveQuietly(text);
+}
+
+void OldDBFtoText(std::string_view source, BridgeFields& fields, std::string_view text, Progress& progress) {
+    SafeFile file(text);
+    TableScan scan(source);
+    fields = FieldsOf(scan.Layout());
+    progress.Begin(Lines(msg::CopyDBFWait, Text::Path(FileNameOf(source))),
+                   std::int64_t{2} * scan.RecordCount() + 1);
+    for (std::string line; scan.Next();) {
+        MakeLine(scan, line);
+        file.WriteLine(line);
+        progress.Show(scan.RecordNumber());
+    }
+    scan.Close();
+    file.Commit(false); // read back at once; after a power cut it is made again
+}
+
+void TextToNewDBF(std::string_view target, const TableLayout& structure, const BridgeFields& fields,
+                  std::string_view text, Progress& progress) {
+    const std::vector<Match> matches = MatchesOf(fields, structure);
+    TableRewrite table(target, structure);
+    const std::int64_t lines = CountLines(text);
+    std::vector<std::string_view> values(fields.size());
+    {
+        TextReader reader(text);
+        for (std::string line; reader.ReadLine(line);) {
+            table.Append();
+            if (!EachValue(line, values.size(), [&](std::size_t k, std::string_view v) { values[k] = v; }))
+                throw FailureInLine(321, text, reader.LineNumber(), line);
+            for (const Match& match : matches) table.Write(match.Place, values[match.Value]);
+            progress.Show(lines + reader.LineNumber());
+        }
+    }
+    table.Commit();
+    RemoveQuietly(text);
+}
+
+bool HaveSameFields(const TableLayout& a, const TableLayout& b) {
+    if (a.RecordLength() != b.RecordLength() || a.FieldCount() != b.FieldCount()) return false;
+    for (int k = 1; k <= a.FieldCount(); ++k) {
+        if (a.FieldName(k) != b.FieldName(k) || a.FieldType(k) != b.FieldType(k) ||
+            a.FieldLength(k) != b.FieldLength(k))
+            return false;
+    }
+    return true;
 }
 
 bool EndsWithBridged(std::string_view target, std::string_view source) {
@@ -124,18 +184,7 @@ bool EndsWithBridged(std::string_view target, std::string_view source) {
 bool HoldTheSame(std::string_view table, std::string_view other) {
     TableScan a(table);
     TableScan b(other);
-    const TableLayout& fields = a.Layout();
-    if (a.RecordCount() != b.RecordCount() || fields.RecordLength() != b.Layout().RecordLength() ||
-        fields.FieldCount() != b.Layout().FieldCount()) {
-        return false;
-    }
-    for (int k = 1; k <= fields.FieldCount(); ++k) {
-        if (fields.FieldName(k) != b.Layout().FieldName(k) ||
-            fields.FieldType(k) != b.Layout().FieldType(k) ||
-            fields.FieldLength(k) != b.Layout().FieldLength(k)) {
-            return false;
-        }
-    }
+    if (a.RecordCount() != b.RecordCount() || !HaveSameFields(a.Layout(), b.Layout())) return false;
     while (a.Next() && b.Next()) {
         if (a.Flag() != b.Flag() || a.Record() != b.Record()) return false;
     }

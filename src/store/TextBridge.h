@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/Progress.h"
+#include "store/TableLayout.h"
 
 #include <string>
 #include <string_view>
@@ -27,6 +28,22 @@ void DBFtoText(std::string_view source, BridgeFields& fields, std::string_view t
 /// are fields; table and text are then as they were.
 void TextToDBF(std::string_view target, const BridgeFields& fields, std::string_view text,
                Progress& progress);
+
+// Whole tables, into a structure that a new release has brought or that has become another since.
+
+/// As DBFtoText. The progress begins here, with the table's name, and reaches half of its maximum.
+void OldDBFtoText(std::string_view source, BridgeFields& fields, std::string_view text, Progress& progress);
+
+/// The lines of a text as all records of a table of this structure, in the place of whatever stands there:
+/// what PrepareNewDBF leaves of the new table, which is none of its records, and a record a line behind it.
+/// Fields are matched by their whole names without regard to case; then each value goes to the first field
+/// whose name begins so, as every lookup by name does. The text is deleted, also one without lines.
+/// RunTimeFailure as TextToDBF; what stands there and the text are then as they were.
+void TextToNewDBF(std::string_view target, const TableLayout& structure, const BridgeFields& fields,
+                  std::string_view text, Progress& progress);
+
+/// Whether two tables have the same fields, so that a record of one is one of the other byte by byte.
+bool HaveSameFields(const TableLayout& a, const TableLayout& b);
 
 /// Whether a table ends with all records of another as the bridge appends them: TextToDBF behind DBFtoText
 /// has been done already. Always so when the source has no record. RunTimeFailure as TableScan and

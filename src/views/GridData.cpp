@@ -157,6 +157,16 @@ const Text& ListGrid::At(std::int32_t record, int column) const {
     return rows_.at(static_cast<std::size_t>(record) - 1).at(static_cast<std::size_t>(column));
 }
 
+CellMark ListGrid::MarkOf(std::int32_t row, int column) const {
+    const auto mark = marks_.find({RecordOf(row), column});
+    return mark == marks_.end() ? CellMark::None : mark->second;
+}
+
+void ListGrid::SetCell(std::int32_t record, int column, Text text, CellMark mark) {
+    rows_.at(static_cast<std::size_t>(record) - 1).at(static_cast<std::size_t>(column)) = std::move(text);
+    marks_[{record, column}] = mark;
+}
+
 std::string ListGrid::Raw(std::int32_t record, int column) {
     return At(record, column).CodePage();
 }

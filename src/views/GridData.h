@@ -4,9 +4,11 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 /// By what a column of a grid is put in order.
@@ -119,6 +121,10 @@ public:
     const GridHeading& Heading(int column) const override;
     std::int32_t RowCount() const override { return static_cast<std::int32_t>(rows_.size()); }
     Text Cell(std::int32_t row, int column) override { return At(RecordOf(row), column); }
+    CellMark MarkOf(std::int32_t row, int column) const override;
+
+    /// Changes a cell, and marks it or lets it stand out no more.
+    void SetCell(std::int32_t record, int column, Text text, CellMark mark);
 
 protected:
     std::string Raw(std::int32_t record, int column) override;
@@ -128,4 +134,5 @@ private:
 
     std::vector<GridHeading> headings_;
     std::vector<std::vector<Text>> rows_;
+    std::map<std::pair<std::int32_t, int>, CellMark> marks_; ///< by record and column
 };

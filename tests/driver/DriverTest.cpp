@@ -439,6 +439,15 @@ TEST_F(Driven, InputBoxGetsItsTextOrIsGivenUp) {
     client.Done();
 }
 
+TEST_F(Driven, FileDialogGetsItsPath) {
+    auto& client = Started();
+
+    client.ExpectFile("Which file?", QStringLiteral(__FILE__));
+    client.Click("frmMain1", "cmdFile");
+    EXPECT_TRUE(Log().toStdString().ends_with("DriverTest.cpp"));
+    client.Done();
+}
+
 TEST_F(Driven, InputBoxThatIsNotActiveYetIsMadeSoBeforeItsTextIsTyped) {
     auto& client = Started();
 

@@ -8,6 +8,7 @@
 #include <QComboBox>
 #include <QDialog>
 #include <QEventLoop>
+#include <QFileDialog>
 #include <QGroupBox>
 #include <QHeaderView>
 #include <QLabel>
@@ -57,6 +58,19 @@ void TellBox(const QString& text) {
     box.setText(text);
     Named(box.addButton("OK", QMessageBox::AcceptRole), "Ok");
     box.exec();
+}
+
+QString FileBox(const QString& title) {
+    QFileDialog box(QApplication::activeWindow());
+    box.setObjectName("FileDialog");
+    box.setWindowTitle(title);
+    box.setOption(QFileDialog::DontUseNativeDialog);
+    box.setFileMode(QFileDialog::ExistingFile);
+    Named(box.findChild<QLineEdit*>("fileNameEdit"), "txtAnswer");
+    for (QPushButton* button : box.findChildren<QPushButton*>()) {
+        if (button->isDefault()) Named(button, "Ok");
+    }
+    return box.exec() == QDialog::Accepted ? box.selectedFiles().value(0) : "(given up)";
 }
 
 QString InputBox(const QString& prompt) {
@@ -172,6 +186,7 @@ private:
             Log(first ? "yes, then told" : "no, then told");
         });
         Button("cmdInput", "Input", [this] { Log(InputBox("A name?")); });
+        Button("cmdFile", "File", [this] { Log(FileBox("Which file?")); });
         Button("cmdInputBehind", "Input behind", [this] {
             // The box is up, and another window is still the active one.
             QTimer::singleShot(0, this, [this] { activateWindow(); });

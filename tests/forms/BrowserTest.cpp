@@ -52,6 +52,12 @@ protected:
         GivenRows("ZUKCUST", rows);
     }
 
+    void GivenOrders(int count) {
+        std::vector<std::string> rows{"H_ORDCODE"};
+        for (int k = 1; k <= count; ++k) rows.push_back("M1" + std::to_string(1000 + k));
+        GivenRows("ZUKORHDR", rows);
+    }
+
     void GivenTotals() {
         GivenRows("ZUKTOTALPC",
                   {"TP_NUMHEAD|TP_NUMLINE|TP_DOL_LIN|TP_CURHEAD|TP_CURLINE|TP_CURDOL|TP_MACHINE|TP_EVENT|"
@@ -240,10 +246,11 @@ TEST_F(Browser, TheGridHoldsTheRecordsInTheirOrderWithTheirNumbers) {
 }
 
 TEST_F(Browser, WhatHasNoScreenYetIsDisabled) {
-    auto& form = OpenGrid(ViewCust);
+    auto& form = OpenGrid(ViewOrHdr);
 
     EXPECT_FALSE(Enabled(form, "cmdEdit"));
-    EXPECT_FALSE(Enabled(form, "cmdPrint"));
+    EXPECT_FALSE(Enabled(form, "cmdPrint")); // there is no report of it
+    EXPECT_FALSE(Visible(form, "cmdPreview"));
     EXPECT_TRUE(Enabled(form, "cmdDataView"));
     EXPECT_EQ(TextOf(form, "cmdDataView"), QStringLiteral("View Records"));
     EXPECT_EQ(TextOf(form, "cmdEdit"), QStringLiteral("Edit"));
@@ -322,9 +329,9 @@ TEST_F(Browser, ATableThatIsMissingOrBrokenIsToldAndNothingOpens) {
     }
 }
 
-TEST_F(Browser, TheKeysGoToBothEndsAndEnterOpensTheRecord) {
-    GivenCustomers(60);
-    auto& form = OpenGrid(ViewCust);
+TEST_F(Browser, TheKeysGoToBothEndsAndEnterOpensTheRecordOfATableWithoutAnEditor) {
+    GivenOrders(60);
+    auto& form = OpenGrid(ViewOrHdr);
     GridView& grid = Grid(form);
 
     SendKey(grid, Qt::Key_End);
@@ -343,9 +350,9 @@ TEST_F(Browser, TheKeysGoToBothEndsAndEnterOpensTheRecord) {
     EXPECT_EQ(IfLoaded<frmViewGrid>(), nullptr);
 }
 
-TEST_F(Browser, ADoubleClickOpensTheRecord) {
-    GivenCustomers(3);
-    auto& form = OpenGrid(ViewCust);
+TEST_F(Browser, ADoubleClickOpensTheRecordOfATableWithoutAnEditor) {
+    GivenOrders(3);
+    auto& form = OpenGrid(ViewOrHdr);
     Grid(form).SelectRecord(3);
 
     emit Grid(form).doubleClicked(Grid(form).currentIndex());
@@ -532,17 +539,20 @@ TEST_F(Browser, TheHeadingRowsOfTheTotalsCanNotBePrintedOrViewedSingly) {
     GridView& grid = Grid(form);
     EXPECT_EQ(grid.currentIndex().row(), 2);
     EXPECT_TRUE(Enabled(form, "cmdDataView"));
+    EXPECT_TRUE(Enabled(form, "cmdPrint"));
 
     for (const int row : {0, 1}) {
         grid.setCurrentIndex(grid.model()->index(row, 0));
         EXPECT_FALSE(Enabled(form, "cmdDataView"));
         EXPECT_FALSE(Enabled(form, "cmdPrint"));
+        EXPECT_FALSE(Enabled(form, "cmdPreview"));
         emit grid.doubleClicked(grid.currentIndex());
         Settle();
         EXPECT_EQ(IfLoaded<frmViewData>(), nullptr);
     }
     grid.setCurrentIndex(grid.model()->index(3, 0));
     EXPECT_TRUE(Enabled(form, "cmdDataView"));
+    EXPECT_TRUE(Enabled(form, "cmdPrint"));
 }
 
 TEST_F(Browser, CopyingAHeadingRowAloneLeavesTheClipboard) {

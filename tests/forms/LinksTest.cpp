@@ -672,8 +672,8 @@ TEST_F(LinksEditor, TheRecordViewersEditOpensItsRecord) {
 }
 
 TEST_F(LinksEditor, AnotherTableHasNoEditorAndItsDoubleClickViewsTheRecord) {
-    GivenRows("ZUKCUST", {"C_CODE", "A1"});
-    ShowTable(ViewCust);
+    GivenRows("ZUKORHDR", {"H_ORDCODE", "A1"});
+    ShowTable(ViewOrHdr);
     EXPECT_FALSE(Enabled(Grid(), "cmdEdit"));
 
     emit Rows(Grid()).doubleClicked(Rows(Grid()).currentIndex());

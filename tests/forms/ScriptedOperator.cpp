@@ -72,7 +72,23 @@ std::optional<std::string> ScriptedOperator::InputBox(const Text& prompt, const 
     return expected->Typed;
 }
 
+std::optional<std::string> ScriptedOperator::OpenFile(const FileQuestion& question) {
+    return InputBox(question.Title, {});
+}
+
 bool ScriptedOperator::Ask(const Question& question) {
     const Expected* expected = Take(question.Message);
     return expected && expected->Reply != Answer::No;
+}
+
+void ScriptedOperator::ExpectPrinterDialog(const Text& document,
+                                           std::function<std::unique_ptr<Printer>()> printer) {
+    Expect(document);
+    expected_.back().Paper = std::move(printer);
+}
+
+std::unique_ptr<Printer> ScriptedOperator::PrinterDialog(const Text& document) {
+    const Expected* expected = Take(document);
+    if (!expected || !expected->Paper) return nullptr;
+    return expected->Paper();
 }

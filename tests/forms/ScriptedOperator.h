@@ -36,9 +36,15 @@ public:
     int Beeps() const { return beeps_; }
     bool AllCame() const { return expected_.size() == come_; }
 
+    /// The printer dialog, which is answered by a printer or, with none, by giving up.
+    void ExpectPrinterDialog(const Text& document, std::function<std::unique_ptr<Printer>()> printer);
+
     Answer MsgBox(const Text& message, Icon icon, Buttons buttons) override;
     std::optional<std::string> InputBox(const Text& prompt, const std::string& preset) override;
+    /// Expected by its title; the path is what is typed, and typing nothing gives up.
+    std::optional<std::string> OpenFile(const FileQuestion& question) override;
     bool Ask(const Question& question) override;
+    std::unique_ptr<Printer> PrinterDialog(const Text& document) override;
     void Beep() override { ++beeps_; }
 
 private:
@@ -50,6 +56,7 @@ private:
         std::string Typed;
         std::optional<Icon> Picture;
         std::function<void()> Deed;
+        std::function<std::unique_ptr<Printer>()> Paper;
     };
 
     /// The expectation that a text meets; nothing when it meets none, which fails the test.

@@ -20,7 +20,11 @@
 #include "maintenance/Backup.h"
 #include "maintenance/ClearTables.h"
 #include "maintenance/Office.h"
+#include "maintenance/Restore.h"
 #include "maintenance/Totals.h"
+#include "maintenance/VersionUpdate.h"
+#include "quality/SearchField.h"
+#include "store/CreateTable.h"
 #include "store/DBFEdit.h"
 #include "store/OfficeTables.h"
 #include "store/SortTables.h"
@@ -31,10 +35,12 @@
 #include "sync/SafetyCopies.h"
 #include "sync/Status.h"
 #include "sync/UnattendedSettings.h"
+#include "views/MasterTable.h"
 
 #include <algorithm>
 #include <cstdlib>
 #include <fstream>
+#include <initializer_list>
 #include <utility>
 
 namespace {
@@ -169,6 +175,23 @@ std::string Sort(const char* table, void (*sort)(std::string_view, const SortOpt
     NoProgress silent;
     sort(Table(table), {.RemoveSpecial = true}, silent);
     return {};
+}
+
+void PrepareSearch() {
+    Fill("ZUKCust.dbf", Customers, [](int k) {
+        return Cells{{"C_SEARCH", "OLD" + std::to_string(k)}, {"C_CODE", "C" + std::to_string(k)}};
+    });
+}
+
+std::string ChangeSearchField() {
+    UpdateSearchField(CustomerSearch, "Code");
+    return {};
+}
+
+std::string DeleteCustomer() {
+    MasterTable customers(CustomerMaster);
+    customers.Open(Customers / 2);
+    return customers.Delete() ? "" : "the record is not there";
 }
 
 std::string SortLinks() {
@@ -439,6 +462,68 @@ std::string JudgeMerge() {
     return {};
 }
 
+void PutInto(const std::string& folder, const char* table, std::initializer_list<FieldDef> fields) {
+    MakePath(folder);
+    CreateTable(folder + table, fields);
+}
+
+constexpr int PaymentTerms = 9000;
+
+/// A backup of this morning, its headers of an older release, and other orders since.
+void PrepareRestore() {
+    FillOrders();
+    Global.Clock = [] { return DateTime{2026, 11, 15, 9, 0, 0}; };
+    MakeBackup("CLEAR");
+    const std::string folder = Global.BackupPath + "61115090000/";
+    PutInto(folder, "ZUKOrHdr.dbf", {{"H_ORDCODE", 'C', 9}, {"H_FORMER", 'C', 200}});
+    TableRewrite headers(folder + "ZUKOrHdr.dbf");
+    for (int k = 1; k <= 1500; ++k) {
+        headers.Append();
+        headers.Write("H_ORDCODE", OrderCode(k));
+        headers.Write("H_FORMER", std::string(180, 'x'));
+    }
+    headers.Commit();
+    Fill("ZUKOrHdr.dbf", OrdersSent, [](int k) { return Cells{{"H_ORDCODE", CodeSent(k)}}; });
+    Fill("ZUKOrLin.dbf", OrdersSent, [](int k) { return Cells{{"L_KEY", CodeSent(k)}}; });
+    FillTotals(12);
+}
+
+std::string Restore() {
+    NoProgress silent;
+    const RestoreResult result =
+        RestoreTables(FindBackup("2026-11-15 09:00:00"), [&](const std::string& from, const std::string& to) {
+            CopySingleTable(from, to, silent);
+        });
+    if (result.How == RestoreResult::End::NoSafetyCopy) return "the tables cannot be backed up";
+    if (result.How != RestoreResult::End::Restored) return result.Why;
+    return Event("RESTORE");
+}
+
+/// Each table is the one from before or that of the backup.
+std::string JudgeRestore() {
+    std::vector<std::string> sent;
+    for (int k = 1; k <= OrdersSent; ++k) sent.push_back(CodeSent(k));
+    const std::vector<std::string> headers = Column("ZUKOrHdr.dbf", "H_ORDCODE");
+    const std::vector<std::string> lines = Column("ZUKOrLin.dbf", "L_KEY");
+    if (headers != sent && (headers.size() != 1500 || headers[1499] != OrderCode(1500)))
+        return "the headers are neither the old nor the restored ones";
+    if (lines != sent && lines.size() != static_cast<std::size_t>(Lines))
+        return "the lines are neither the old nor the restored ones";
+    if (FileExists(Table("DBFCOPY.TXT"))) return "the text of the transfer lies about";
+    return {};
+}
+
+/// One table with other fields and one that is new.
+void PrepareUpdate() {
+    Fill("ZUKPAY.dbf", PaymentTerms, [](int k) {
+        return Cells{{"PAY_CODE", "T" + std::to_string(k)},
+                     {"PAY_CDESC", "Net " + std::to_string(k) + " days"}};
+    });
+    const std::string folder = AddBackslash(Global.AppPath + "DBFNew");
+    PutInto(folder, "ZUKPAY.dbf", {{"PAY_CODE", 'C', 12}, {"PAY_NEW", 'C', 3}, {"PAY_CDESC", 'C', 40}});
+    PutInto(folder, "ZUKBRAND.dbf", {{"X_CODE", 'C', 8}});
+}
+
 std::string HotSyncFolder() {
     return Global.AppPath + "HotSync/";
 }
@@ -494,8 +579,9 @@ void PrepareStart() {
     WriteWholeFile(Global.AppPath + "DBFNew/item.bmp", "BM");
 }
 
-/// All old twins go, then each is made anew: a copy of the installed table, which is then emptied.
-std::vector<std::string> StepsOfStart() {
+/// What a start always does: all old twins go, then each is made anew: a copy of the installed table, which
+/// is then emptied.
+std::vector<std::string> StepsOfTwins() {
     std::vector<std::string> twins;
     for (const TableEntry& table : AllTables().first(TwinTables)) {
         twins.push_back("DBFEmpty/" + std::string(table.Name) + ".dbf");
@@ -504,10 +590,25 @@ std::vector<std::string> StepsOfStart() {
     std::sort(steps.begin(), steps.end(),
               [](const std::string& a, const std::string& b) { return TextCompare(a, b) < 0; });
     for (const std::string& twin : twins) steps.insert(steps.end(), 2, twin);
+    return steps;
+}
+
+std::vector<std::string> StepsOfStart() {
+    std::vector<std::string> steps = StepsOfTwins();
     // What moves is there before it goes where it was.
     steps.insert(steps.end(), {"DataIn/orders.csv", "orders.csv", "Templates/Demo/Import/dropped.cst",
                                "Templates/Import/dropped.cst", "Templates/dropped.cst",
                                "DBFFiles/Images/item.bmp", "DBFNew/item.bmp"});
+    return steps;
+}
+
+/// The new tables in the order of their names.
+std::vector<std::string> StepsOfUpdate() {
+    const std::string text = "DBFFiles/DBFCOPY.TXT";
+    std::vector<std::string> steps = StepsOfTwins();
+    steps.insert(steps.end(), {"DBFFiles/ZUKBRAND.dbf", "DBFNew/ZUKBRAND.dbf", text, "DBFFiles/ZUKPAY.dbf",
+                               text, text, "Install/ZUKPAY.dbf", text, "DBFEmpty/ZUKPAY.dbf",
+                               "DBFEmpty/ZUKPAY.dbf", "DBFNew/ZUKPAY.dbf"});
     return steps;
 }
 
@@ -598,6 +699,11 @@ std::vector<SweepJob> MakeJobs() {
                  {mark, headers, lines, headerText, lineText, headers, headerText, lines, lineText, mark});
     merge.insert(merge.end(), copies.begin(), copies.end());
 
+    // Behind the backup of the present tables those of the older one, the headers by way of a text.
+    std::vector<std::string> restore = backup;
+    restore.insert(restore.end(), {"DBFFiles/ZUKAudHH.dbf", "DBFFiles/ZUKAudTH.dbf", "DBFFiles/ZUKAudTL.dbf",
+                                   "DBFFiles/DBFCOPY.TXT", headers, "DBFFiles/DBFCOPY.TXT", lines, totals});
+
     const auto ordersAndTotals = [] {
         FillOrders();
         FillTotals(TotalsEvents);
@@ -621,6 +727,8 @@ std::vector<SweepJob> MakeJobs() {
          PrepareLateCustomer,
          [] { return Sort("ZUKCust.dbf", SortCustFile); },
          ""},
+        {"search field of the customers", {customers}, PrepareSearch, ChangeSearchField, ""},
+        {"deletion of a customer", {customers}, PrepareSearch, DeleteCustomer, ""},
         {"sort of the items",
          {"DBFFiles/ZUKItem.dbf"},
          [] { FillKeys("ZUKItem.dbf", "I_SEARCH", Items); },
@@ -687,6 +795,9 @@ std::vector<SweepJob> MakeJobs() {
         {"HotSync users", {"HotSync/Users.txt"}, PrepareHotSyncUsers, EndHotSyncSession, ""},
         {"HotSync settings", {"HotSync/HotSync.ini"}, PrepareHotSyncSettings, WriteHotSyncSettings, ""},
 
+        {"restore", restore, PrepareRestore, Restore, "", false, JudgeRestore},
+        {"version update", StepsOfUpdate(), PrepareUpdate, nullptr, "", true},
+
         {"start", StepsOfStart(), PrepareStart, nullptr, "", true},
 
         {"harm: writes in place", {harmed}, PrepareHarm, WriteInPlace, "is neither the old nor the new"},
@@ -736,9 +847,13 @@ void OpenOffice(const std::string& folder) {
 }
 
 void StartOffice(const std::string& folder) {
+    const auto updateSilently = [] {
+        NoProgress silent;
+        UpdateTables(silent);
+    };
     BeginOffice(folder);
     GetIniFile();
-    if (!PrepareOffice([] {})) throw RunTimeFailure(53, "tables");
+    if (!PrepareOffice([] {}, updateSilently)) throw RunTimeFailure(53, "tables");
     RecoverSafetyCopies();
     GetPCTotals();
     GetHHStatus();

@@ -1,3 +1,4 @@
+#include "palm/Converter.h"
 #include "store/DBFEdit.h"
 #include "support/EngineTest.h"
 #include "support/Fails.h"
@@ -46,6 +47,21 @@ TEST_F(MemoImage, IsWrittenWithItsHeaderFieldByField) {
     expected += memo.substr(B + 105, 3 * 512 - 106);
     EXPECT_EQ(Bytes(Bitmap()), expected);
     EXPECT_EQ(Global.Files.Count(), 0);
+}
+
+TEST_F(MemoImage, ABitmapComesOutWithItsSizeItsTwoColoursAndItsPoints) {
+    Ink ink;
+    ink.Width = 24;
+    ink.Height = 40;
+    for (int k = 0; k < 3 * 40; ++k) ink.Rows += static_cast<char>(k * 37);
+    const std::string bitmap = InkBitmap(ink);
+    memo.replace(B + 51, bitmap.size(), bitmap);
+
+    Extract(10);
+
+    const std::string out = Bytes(Bitmap());
+    EXPECT_EQ(out.substr(0, 2) + out.substr(10, 24), bitmap.substr(0, 2) + bitmap.substr(10, 24));
+    EXPECT_EQ(out.substr(38, bitmap.size() - 38), bitmap.substr(38));
 }
 
 TEST_F(MemoImage, TakesItsBlocksFromTheFirstDigitOfTheSize) {

@@ -3,6 +3,7 @@
 #include "core/Globals.h"
 #include "core/TextCompare.h"
 #include "store/DBFEdit.h"
+#include "store/TableScan.h"
 #include "support/EngineTest.h"
 #include "support/Fails.h"
 #include "support/FaultyDisk.h"
@@ -386,4 +387,149 @@ TEST_F(TextBridgeTest, TablesHoldTheSameWhenFieldsRecordsAndMarksAgree) {
     EXPECT_FALSE(with(TableMaker({{"CODE", 'C', 2}, {"QTY", 'C', 3}}).Row({"O1", "1"}).Bytes()));
     EXPECT_FALSE(with(TableMaker({{"CODE", 'C', 3}, {"QTY", 'N', 2}}).Row({"O1", "1"}).Bytes()));
     EXPECT_FALSE(with(TableMaker({{"CODE", 'C', 5}}).Row({"O11"}).Bytes()));
+}
+
+// ---- whole tables into another structure ----
+
+namespace {
+
+/// What the transfer of one table does, record by record.
+void CarryStepByStep(const std::string& source, const std::string& target, const std::string& text) {
+    DBFEdit table;
+    EmptyStepByStep(table, target);
+    const BridgeFields old = WriteTextStepByStep(source, text);
+    table.FileOpen(target);
+    BridgeFields now;
+    for (int k = 1; k <= table.NoFields(); ++k) {
+        const std::string name = table.FieldName(static_cast<std::int16_t>(k));
+        now.emplace_back(Trim(name.substr(0, name.find('\0'))));
+    }
+    BeginAppending(table);
+    std::ifstream file(text, std::ios::binary);
+    for (std::string line; std::getline(file, line);) {
+        table.Go(DBFEdit::Append);
+        Values values;
+        for (std::size_t k = 0; k < old.size(); ++k) {
+            const std::size_t end = line.find(Delimiter);
+            values.emplace_back(Trim(std::string_view(line).substr(0, end)));
+            line = std::string(Trim(std::string_view(line).substr(end + 1)));
+        }
+        const bool oldIsOuter = old.size() <= now.size();
+        for (std::size_t i = 0; i < std::min(old.size(), now.size()); ++i) {
+            for (std::size_t j = 0; j < std::max(old.size(), now.size()); ++j) {
+                const std::size_t from = oldIsOuter ? i : j;
+                const std::size_t to = oldIsOuter ? j : i;
+                if (SameText(old[from], now[to])) table.WriteData(now[to], values[from]);
+            }
+        }
+        table.UpDate();
+    }
+    table.FileClose();
+}
+
+class NewStructureTest : public TextBridgeTest {
+protected:
+    /// Old records into the fields that the new table has.
+    void Carry() {
+        BridgeFields fields;
+        NoProgress silent;
+        const TableLayout structure = TableScan(Path(New)).Layout();
+        OldDBFtoText(Path(Old), fields, Path("DBFCOPY.TXT"), silent);
+        TextToNewDBF(Path(New), structure, fields, Path("DBFCOPY.TXT"), silent);
+    }
+};
+
+class RandomStructures : public NewStructureTest, public ::testing::WithParamInterface<unsigned> {};
+
+} // namespace
+
+TEST_P(RandomStructures, LeaveTheTableThatTheStepsLeave) {
+    Lots lots(GetParam());
+    for (int k = 0; k < 20; ++k) {
+        auto columns = lots.Columns();
+        const std::string source = GivenFile(Old, lots.Table(columns).Bytes());
+        if (lots.Below(2)) { // a table with some of the fields, in another order, and new ones
+            for (auto& column : lots.Columns())
+                columns.insert(columns.begin() + lots.Below(static_cast<int>(columns.size()) + 1), column);
+            columns.resize(std::min<std::size_t>(columns.size(), 60));
+        }
+        const std::string before = lots.Table(columns).Bytes();
+        const std::string target = GivenFile(New, before);
+        CarryStepByStep(source, target, Path("STEPS.TXT"));
+        const std::string expected = UpToTheEnd(Bytes(target));
+
+        GivenFile(New, before);
+        Carry();
+
+        ASSERT_EQ(Bytes(target), expected);
+        ASSERT_FALSE(Exists(Path("DBFCOPY.TXT")));
+        ASSERT_EQ(Global.Files.Count(), 0);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Seeds, RandomStructures, ::testing::Range(1u, 5u));
+
+TEST_F(NewStructureTest, RowsOfTheNewTableItselfGoAndTheOldRecordsTakeTheirPlace) {
+    GivenTable(Old, {{"CODE", 'C', 2}}, {{"O1"}, {"O2"}});
+    GivenTable(New, {{"CODE", 'C', 4}}, {{"demo"}, {"demo"}, {"demo"}});
+
+    Carry();
+
+    EXPECT_EQ(Table().Rows, (std::vector<Values>{{"O1  "}, {"O2  "}}));
+}
+
+TEST_F(NewStructureTest, AnEmptyTableEmptiesTheNewOneAndItsTextGoes) {
+    GivenTable(Old, {{"CODE", 'C', 2}}, {});
+    GivenTable(New, {{"CODE", 'C', 4}}, {{"demo"}});
+
+    Carry();
+
+    EXPECT_EQ(Table().Count, 0);
+    EXPECT_FALSE(Exists(Path("DBFCOPY.TXT")));
+}
+
+TEST_F(NewStructureTest, WiderNewDroppedAndMovedFieldsAreMatchedByTheirWholeNames) {
+    GivenTable(Old, {{"CODE", 'C', 2}, {"GONE", 'C', 3}, {"name", 'C', 6}, {"QTY", 'N', 3}},
+               {{"A1", "old", " Acme ", "12"}, {"B2", "x", "", ""}});
+    GivenTable(New, {{"NAME", 'C', 8}, {"NOTE", 'C', 2}, {"CODE", 'C', 3}, {"QTY", 'N', 5}}, {});
+
+    Carry();
+
+    EXPECT_EQ(Table().Rows,
+              (std::vector<Values>{{"Acme    ", "  ", "A1 ", "12   "}, {"        ", "  ", "B2 ", "0    "}}));
+}
+
+TEST_F(NewStructureTest, AWholeNameIsMatchedAndItsValueGoesToTheFirstFieldThatBeginsSo) {
+    GivenTable(Old, {{"CODE", 'C', 2}}, {{"A1"}});
+    GivenTable(New, {{"CODE2", 'C', 2}, {"CODE", 'C', 2}}, {});
+
+    Carry();
+
+    EXPECT_EQ(Table().Rows, (std::vector<Values>{{"A1", "  "}}));
+}
+
+TEST_F(NewStructureTest, AMemoIsTheNumberOfItsBlockAndByte165MovesTheValuesBehindIt) {
+    GivenTable(Old, {{"A", 'C', 3}, {"B", 'C', 3}, {"M", 'M', 10}}, {{"x\xA5y", "b", "        12"}});
+    GivenTable(New, {{"A", 'C', 4}, {"B", 'C', 4}, {"M", 'M', 10}}, {});
+
+    Carry();
+
+    EXPECT_EQ(Table().Rows, (std::vector<Values>{{"x   ", "y   ", "b         "}}));
+}
+
+TEST_F(NewStructureTest, WhereverTheDiskFailsTheNewTableIsAsItWasOrWhole) {
+    GivenTable(Old, {{"CODE", 'C', 4}}, {{"O1"}, {"O2"}});
+    const std::string before = GivenTable(New, {{"CODE", 'C', 5}}, {{"demo"}});
+    const std::string bytes = Bytes(before);
+    int failAt = 1;
+    for (bool failed = true; failed; ++failAt) {
+        GivenFile(New, bytes);
+        FaultyDisk disk(failAt);
+        Global.TheDisk = &disk;
+        failed = FailureNumber([&] { Carry(); }) != 0;
+        Global.TheDisk = &NativeDisk();
+        if (Bytes(Path(New)) == bytes && failed) continue;
+        EXPECT_EQ(Table().Rows, (std::vector<Values>{{"O1   "}, {"O2   "}})) << failAt;
+    }
+    EXPECT_GT(failAt, 3);
 }

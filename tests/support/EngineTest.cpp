@@ -11,6 +11,7 @@ namespace fs = std::filesystem;
 
 EngineTest::EngineTest() {
     Global = Globals{};
+    Global.TheDisk = &disk_;
     std::random_device random;
     fs::path folder;
     do {

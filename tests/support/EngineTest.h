@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/Globals.h"
+#include "support/UnflushedDisk.h"
 
 #include <gtest/gtest.h>
 
@@ -33,4 +34,5 @@ protected:
 
 private:
     std::string folder_;
+    UnflushedDisk disk_; ///< a test's files need not outlive the power
 };

@@ -16,6 +16,12 @@ const QString RemoteButton = "frmQBRemote", Remote = "frmRemoteSync";
 const QString DownloadButton = "frmQBDownload", UploadButton = "frmQBUpload";
 const QString DownloadTables = "frmTableSelectDL", ClearTables = "frmTableSelectCL";
 const QString UploadTables = "frmUploadSelect", PCTables = "frmTableSelectPC";
+const QString EditCust = "frmEditCust", EditItem = "frmEditItem", EditSTax = "frmEditSTax";
+const QString ConfigCust = "frmConfigCust", ConfigItem = "frmConfigItem";
+const QString ConfigSTax = "frmConfigSTax", ConfigPrint = "frmConfigPrint";
+const QString Company = "frmCompany", Payments = "frmPay", Printing = "frmPrinter",
+              HandheldSetup = "frmChSetup";
+const QString Signatures = "frmViewSign";
 
 const QString NoProblems = "No problems found!";
 const QString NoFatalProblems = "No fatal problems found in data tables!";
@@ -25,13 +31,25 @@ const QString Fatal = "#ff0000";
 /// What could be pressed on the screens under watch, and what was.
 class Presses {
 public:
+    /// Screens on which everything is pressed.
+    static const QStringList& Whole() {
+        static const QStringList forms{Config,     Report,        Options,     Links,    RemoteButton,
+                                       Remote,     EditCust,      EditItem,    EditSTax, ConfigCust,
+                                       ConfigItem, ConfigSTax,    ConfigPrint, Company,  Payments,
+                                       Printing,   HandheldSetup, Signatures};
+        return forms;
+    }
+
+    /// Screens whose ways to the options are pressed.
+    static const QStringList& WithSetup() {
+        static const QStringList forms{ImportButton, ExportButton, ClearButton, DownloadButton, UploadButton};
+        return forms;
+    }
+
     void See(DriverClient& program, const QString& form) {
-        static const QStringList whole{Config, Report, Options, Links, RemoteButton, Remote};
         static const QStringList kinds{"QPushButton", "QToolButton", "QRadioButton", "QCheckBox"};
-        static const QStringList buttons{ImportButton, ExportButton, ClearButton, DownloadButton,
-                                         UploadButton};
-        const bool onlySetup = buttons.contains(form);
-        if (!onlySetup && !whole.contains(form)) return;
+        const bool onlySetup = WithSetup().contains(form);
+        if (!onlySetup && !Whole().contains(form)) return;
         for (const DrivenControl& control : program.Controls(form)) {
             if (!control.Enabled || !control.Visible) continue;
             if (onlySetup && !control.Name.startsWith("cmdSetup")) continue;
@@ -173,9 +191,11 @@ protected:
         program_->Click(form, "cmdAdd1");
     }
 
-    void CheckAndFindNothing(const QString& button) {
+    void CheckAndFindNothing(const QString& button) { CheckAndFindNothing(Config, button); }
+
+    void CheckAndFindNothing(const QString& form, const QString& button) {
         program_->Expect(NoProblems);
-        Press(Config, button);
+        Press(form, button);
         BoxesCame();
         EXPECT_FALSE(program_->IsShown(Report));
     }
@@ -198,11 +218,68 @@ protected:
         presses_.See(*program_, Config);
     }
 
-    void OpenGridAndClose(const QString& button, const QString& title) {
-        PressAndWait(Config, button, Grid);
+    /// From an entry of the Edit menu over the grid to the editor.
+    void OpenEditor(const QString& entry, const QString& form) {
+        program_->Click(Main, entry);
+        program_->WaitForm(Grid);
+        EditFromGrid(form);
+    }
+
+    void EditFromGrid(const QString& form) {
+        program_->Click(Grid, "cmdEdit");
+        program_->WaitForm(form);
+        EXPECT_FALSE(program_->IsShown(Grid));
+        presses_.See(*program_, form);
+    }
+
+    /// To the table and back, and out without saving.
+    void ViewAndCancel(const QString& form) {
+        PressAndWait(form, "cmdView", Grid);
+        EXPECT_FALSE(program_->IsShown(form));
+        EditFromGrid(form);
+        PressToClose(form, "cmdCancel");
+    }
+
+    void OpenGridAndClose(const QString& form, const QString& button, const QString& title) {
+        PressAndWait(form, button, Grid);
         EXPECT_EQ(program_->Title(Grid).toStdString(), title.toStdString());
         program_->Click(Grid, "cmdOK");
         program_->WaitGone(Grid);
+    }
+
+    /// Opens a table, and its editor from there.
+    void OpenEditor(const QString& topic, const QString& button, const QString& editor) {
+        PressAndWait(topic, button, Grid);
+        program_->Click(Grid, "cmdEdit");
+        program_->WaitForm(editor);
+        presses_.See(*program_, editor);
+    }
+
+    /// Goes through a master table on all buttons of its editor, and leaves it as it was.
+    void WalkThrough(const QString& editor, int records) {
+        const auto shows = [&](int record) {
+            ExpectText(editor, "lblCount", QString("%1 of %2").arg(record).arg(records));
+        };
+        Press(editor, "cmdLast");
+        shows(records);
+        Press(editor, "cmdPrevious");
+        shows(records - 1);
+        PressAndWait(editor, "cmdView", Grid);
+        EXPECT_FALSE(program_->IsShown(editor));
+        program_->Click(Grid, "cmdEdit");
+        program_->WaitForm(editor);
+        shows(records - 1);
+        Press(editor, "cmdNext");
+        shows(records);
+        Press(editor, "cmdFirst");
+        shows(1);
+        Press(editor, "cmdAdd");
+        ExpectText(editor, "lblCount", QString("%1 of %1").arg(records + 1));
+        program_->Expect("Delete current record?", "Yes");
+        Press(editor, "cmdDelete");
+        BoxesCame();
+        shows(records);
+        PressToClose(editor, "cmdOK");
     }
 
     std::optional<DriverClient> program_;
@@ -224,9 +301,13 @@ protected:
     void RepairAnUnattendedSettingWithoutAnAction();
     void SetUpBackups();
     void AddTwoHandhelds();
+    void SetUpCustomersAndItems();
+    void SetUpSalesTaxAndPrinting();
     void CheckWhatIsLeft();
     void CheckAllAndFindNothing();
     void FindTheResultsAfterARestart();
+    void EditWhatTheHandheldIsToldOnce();
+    void KeepPayments();
     void RunTheRepairedActivity();
     void WaitForHandheldsUnattended();
 };
@@ -713,11 +794,78 @@ void FirstCheck::AddTwoHandhelds() {
     PressToClose(Report, "cmdOK");
 }
 
+void FirstCheck::SetUpCustomersAndItems() {
+    PressAndWait(Config, "cmdCust1", ConfigCust);
+    program_->Expect("Update customers with this Search field?", "Yes");
+    program_->Choose(ConfigCust, "cboSrchCus", "Code");
+    BoxesCame();
+    ExpectText(ConfigCust, "lblHelp", "5 records have this search field now.");
+    CheckAndFindNothing(ConfigCust, "cmdQC");
+    PressAndWait(ConfigCust, "cmdImport", Convert);
+    EXPECT_TRUE(program_->IsChecked(Convert, "optCustomer"));
+    Leave(Convert);
+    OpenEditor(ConfigCust, "cmdEdit", EditCust);
+    ExpectText(EditCust, "lblWarning", "");
+    program_->Set(EditCust, "txtField_2", "C-1");
+    ExpectText(EditCust, "lblWarning",
+               "Customer Code (C_CODE) in customer table contains invalid characters.");
+    PressToClose(EditCust, "cmdCancel");
+    OpenEditor(ConfigCust, "cmdEdit", EditCust);
+    WalkThrough(EditCust, 5);
+    PressToClose(ConfigCust, "cmdCancel");
+
+    PressAndWait(Config, "cmdItems1", ConfigItem);
+    ExpectText(ConfigItem, "cboSrchItm", "");
+    program_->Expect("Update items with this Search field?", "Yes");
+    program_->Choose(ConfigItem, "cboSrchItm", "Code");
+    BoxesCame();
+    CheckAndFindNothing(ConfigItem, "cmdQC");
+    PressAndWait(ConfigItem, "cmdImport", Convert);
+    EXPECT_TRUE(program_->IsChecked(Convert, "optItem"));
+    Leave(Convert);
+    OpenEditor(ConfigItem, "cmdEdit", EditItem);
+    PressToClose(EditItem, "cmdCancel");
+    OpenEditor(ConfigItem, "cmdEdit", EditItem);
+    WalkThrough(EditItem, 4);
+    PressToClose(ConfigItem, "cmdCancel");
+
+    // The choices are there to stay.
+    PressAndWait(Config, "cmdItems1", ConfigItem);
+    ExpectText(ConfigItem, "cboSrchItm", "Code");
+    PressToClose(ConfigItem, "cmdCancel");
+}
+
+void FirstCheck::SetUpSalesTaxAndPrinting() {
+    PressAndWait(Config, "lblSTax", ConfigSTax);
+    OpenEditor(ConfigSTax, "cmdSTax", EditSTax);
+    ExpectText(EditSTax, "lblCount", "No records to display!");
+    for (const char* code : {"NY", "CA"}) {
+        Press(EditSTax, "cmdAdd");
+        program_->Set(EditSTax, "txtField_1", code);
+        program_->Set(EditSTax, "txtField_4", "8.25");
+    }
+    WalkThrough(EditSTax, 2);
+    CheckAndFindNothing(ConfigSTax, "cmdQC"); // and puts them in order
+    OpenEditor(ConfigSTax, "cmdSTax", EditSTax);
+    ExpectText(EditSTax, "txtField_1", "CA");
+    PressToClose(EditSTax, "cmdCancel");
+    OpenEditor(ConfigSTax, "cmdCust", EditCust);
+    program_->Choose(EditCust, "cboC_STCode", "NY");
+    PressToClose(EditCust, "cmdOK");
+    PressToClose(ConfigSTax, "cmdCancel");
+
+    PressAndWait(Config, "lblPrinter", ConfigPrint);
+    OpenGridAndClose(ConfigPrint, "cmdComp", "View Company Details");
+    OpenGridAndClose(ConfigPrint, "cmdPrinter", "View Printer Settings");
+    CheckAndFindNothing(ConfigPrint, "cmdQC");
+    PressToClose(ConfigPrint, "cmdCancel");
+}
+
 void FirstCheck::CheckWhatIsLeft() {
-    OpenGridAndClose("cmdBarcode1", "View Items");
-    OpenGridAndClose("cmdSTax1", "View Sales Tax");
-    OpenGridAndClose("cmdPay1", "View Payments");
-    OpenGridAndClose("cmdPrinter1", "View Printer Settings");
+    OpenGridAndClose(Config, "cmdBarcode1", "View Items");
+    OpenGridAndClose(Config, "cmdSTax1", "View Sales Tax");
+    OpenGridAndClose(Config, "cmdPay1", "View Payments");
+    OpenGridAndClose(Config, "cmdPrinter1", "View Printer Settings");
     for (const char* button : {"cmdBarcode2", "cmdSTax2", "cmdPrinter2", "cmdDownload2", "cmdUpload2",
                                "cmdCust2", "cmdItems2", "cmdImport2", "cmdExport2", "cmdQB2", "cmdUA2"})
         CheckAndFindNothing(button);
@@ -750,6 +898,83 @@ void FirstCheck::FindTheResultsAfterARestart() {
     OpenTheProgram();
     OpenConfigurator();
     ExpectLines(shown(), before);
+    PressToClose(Config, "cmdCancel");
+}
+
+void FirstCheck::EditWhatTheHandheldIsToldOnce() {
+    OpenEditor("mnuChgComp", Company);
+    program_->Set(Company, "txtField_1", "First Day Ltd");
+    PressToClose(Company, "cmdOK");
+    OpenEditor("mnuChgComp", Company);
+    ExpectText(Company, "txtField_1", "First Day Ltd");
+    ViewAndCancel(Company);
+
+    OpenEditor("mnuChgSetup", HandheldSetup);
+    program_->Choose(HandheldSetup, "cboSrchCus", "Company");
+    PressToClose(HandheldSetup, "cmdOK");
+    OpenEditor("mnuChgSetup", HandheldSetup);
+    ExpectText(HandheldSetup, "cboSrchCus", "Company");
+    ViewAndCancel(HandheldSetup);
+
+    OpenEditor("mnuChgPrinter", Printing);
+    program_->Set(Printing, "txtLineMax", "60");
+    program_->Choose(Printing, "cboContForm", "NO");
+    program_->Choose(Printing, "cboPrinter", "Datecs");
+    program_->Choose(Printing, "cboStdStyle", "Fixed Length");
+    program_->ExpectContaining("the program has changed the Print Format to 'Continuous Form'");
+    program_->ExpectContaining("Would you like the program to change this option?", "Yes");
+    PressToClose(Printing, "cmdOK");
+    BoxesCame();
+    OpenEditor("mnuChgPrinter", Printing);
+    ExpectText(Printing, "cboStdStyle", "Continuous Form");
+    ExpectText(Printing, "cboContForm", "YES");
+    ExpectText(Printing, "txtLineMax", "60");
+    EXPECT_FALSE(program_->IsEnabled(Printing, "txtLineMax"));
+    ViewAndCancel(Printing);
+
+    program_->Click(Main, "mnuViewSign");
+    program_->WaitForm(Signatures);
+    ExpectText(Signatures, "lblCount", "No records to display!");
+    PressToClose(Signatures, "cmdOK");
+}
+
+void FirstCheck::KeepPayments() {
+    const QString update = "Update database with changed information?";
+    OpenEditor("mnuChgPayments", Payments);
+    ExpectText(Payments, "lblCount", "No records to display!");
+    Press(Payments, "cmdAdd");
+    program_->Expect("Please select a Payment Type to continue.");
+    Press(Payments, "cmdAdd");
+    BoxesCame();
+    Press(Payments, "optCash");
+    Press(Payments, "cmdUpdate");
+    Press(Payments, "cmdAdd");
+    Press(Payments, "optCheck");
+    program_->Expect(update, "Yes");
+    Press(Payments, "cmdAdd");
+    BoxesCame();
+    Press(Payments, "optCard");
+    program_->Set(Payments, "txtPayCDesc", "Visa");
+    program_->Expect(update, "Yes");
+    const char* moves[][2] = {
+        {"cmdFirst", "1 of 3"}, {"cmdNext", "2 of 3"}, {"cmdLast", "3 of 3"}, {"cmdPrevious", "2 of 3"}};
+    for (const auto& [button, count] : moves) {
+        Press(Payments, button);
+        ExpectText(Payments, "lblCount", count);
+    }
+    BoxesCame();
+    program_->Expect("Delete current record?", "Yes");
+    Press(Payments, "cmdDelete");
+    BoxesCame();
+    ExpectText(Payments, "lblCount", "1 of 2");
+    ViewAndCancel(Payments);
+
+    OpenEditor("mnuChgPayments", Payments);
+    Press(Payments, "cmdLast");
+    ExpectText(Payments, "txtPayCDesc", "Visa");
+    PressToClose(Payments, "cmdOK");
+    OpenConfigurator();
+    CheckAndFindNothing("cmdPay2");
     PressToClose(Config, "cmdCancel");
 }
 
@@ -812,14 +1037,17 @@ TEST_F(FirstCheck, LeadsFromAnEmptyOfficeToACleanCheckOnTheScreensAlone) {
     RepairAnUnattendedSettingWithoutAnAction();
     SetUpBackups();
     AddTwoHandhelds();
+    SetUpCustomersAndItems();
+    SetUpSalesTaxAndPrinting();
     CheckWhatIsLeft();
     CheckAllAndFindNothing();
     FindTheResultsAfterARestart();
+    EditWhatTheHandheldIsToldOnce();
+    KeepPayments();
     RunTheRepairedActivity();
     WaitForHandheldsUnattended();
 
-    for (const QString& form : {Config, Report, Options, Links, ImportButton, ExportButton, ClearButton,
-                                DownloadButton, UploadButton, RemoteButton, Remote})
+    for (const QString& form : Presses::Whole() + Presses::WithSetup())
         EXPECT_FALSE(presses_.Seen(form).isEmpty()) << form.toStdString() << " was never looked at";
     ExpectLines(presses_.Forgotten(), {});
 }

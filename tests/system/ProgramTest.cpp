@@ -4,6 +4,7 @@
 #include <QDir>
 #include <QFile>
 #include <QProcess>
+#include <QRegularExpression>
 
 namespace {
 
@@ -231,7 +232,7 @@ TEST_F(Program, MapsImportsAndExportsByKeyboardAloneAsTheActivitiesDo) {
               Bytes(Samples() + QStringLiteral("/expected/orders.csv")));
 }
 
-TEST_F(FaultyOffice, IsReportedByTheFullCheckAndItsReportSaved) {
+TEST_F(FaultyOffice, IsReportedByTheFullCheckAndItsReportSavedAndPrinted) {
     DriverClient program(InOffice());
     StartUp(program);
     const QString report = QStringLiteral("frmConfigMsg"), question = QStringLiteral("frmMessage");
@@ -255,6 +256,39 @@ TEST_F(FaultyOffice, IsReportedByTheFullCheckAndItsReportSaved) {
     program.Done();
     EXPECT_EQ(Bytes(office_.Path(QStringLiteral("DataOut/QualityCheck.csv"))),
               Bytes(QStringLiteral(TRAMBLE_SOURCE "/tests/system/expected/QualityCheck.csv")));
+
+    // A look at the pages by keys, and from there into a file by the printer dialog.
+    const QString preview = QStringLiteral("frmPreview"), dialog = QStringLiteral("PrintDialog");
+    program.Key(QStringLiteral("Alt+W"));
+    program.WaitForm(preview);
+    program.Key(QStringLiteral("End"));
+    const QString pages = program.Text(preview, QStringLiteral("lblPage")).section(QLatin1Char(' '), -1);
+    program.WaitText(preview, QStringLiteral("lblPage"), QStringLiteral("Page %1 of %1").arg(pages));
+    program.Key(QStringLiteral("Alt+R"));
+    program.WaitForm(dialog);
+    // Without a printer, as where tests run, the dialog offers a file.
+    ASSERT_EQ(program.Items(dialog, QStringLiteral("printers")).size(), 1);
+    const QString file = program.Text(dialog, QStringLiteral("filename"));
+    EXPECT_EQ(file, office_.Path(QStringLiteral("DataOut/Quality Check.pdf")));
+    program.Expect(QStringLiteral("Printing complete!"));
+    program.Click(dialog, QStringLiteral("Ok"));
+    program.Done(std::chrono::seconds(30));
+    program.Key(QStringLiteral("Escape"));
+    program.WaitGone(preview);
+    QProcess reader;
+    reader.start(QStringLiteral("pdftotext"), {file, QStringLiteral("-")});
+    ASSERT_TRUE(reader.waitForFinished());
+    const QString read = QString::fromUtf8(reader.readAllStandardOutput());
+    EXPECT_EQ(read.count(QLatin1Char('\f')), pages.toInt());
+    EXPECT_EQ(read.count(QStringLiteral("Severity")), pages.toInt());
+    EXPECT_EQ(
+        read.count(QRegularExpression(QStringLiteral("^(Fatal|Warn)$"), QRegularExpression::MultilineOption)),
+        29);
+
+    program.Click(report, QStringLiteral("cmdPrint"));
+    program.WaitForm(dialog);
+    program.Click(dialog, QStringLiteral("Cancel"));
+    program.WaitGone(dialog);
 
     // From a row of the report to the faulty records.
     program.ChooseRow(report, QStringLiteral("FG1"), 0);

@@ -7,6 +7,7 @@
 #include "support/Tables.h"
 
 #include <QDirIterator>
+#include <QImage>
 
 #include <map>
 #include <set>
@@ -334,5 +335,36 @@ TEST_F(Uploads, ByTheScreenFromAHandheldThatDiesMergeNothingAndLeaveTheOldOrders
     ExpectNoSafetyCopies();
     if (program.IsShown(Upload)) program.Click(Upload, "cmdCancel");
     program.WaitGone(Upload);
+    EXPECT_EQ(program.Quit(), 0);
+}
+
+TEST_F(Uploads, BringTheSignatureOfAnOrderIntoTheViewer) {
+    const QString viewer = QStringLiteral("frmViewSign");
+    GivenHandheld("ANNA", "7", "A1");
+    TakeOrders("ANNA", 2);
+    ASSERT_EQ(Hand("ANNA", {"sign", "A1000102"}), 0) << said_.toStdString();
+    DriverClient program(InOffice());
+    Open(program);
+    Arm(program);
+    HotSync(program, "ANNA");
+    Disarm(program);
+    // The main screen gives the image its ending when the manager's window has gone.
+    const QString image = office_.Path("DBFFiles/Images/A1000102.bmp");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return QFile::exists(image); }, Patience));
+
+    program.Click(Main, "mnuViewSign");
+    program.WaitForm(viewer);
+
+    EXPECT_EQ(program.Text(viewer, "lblCount"), "1 of 1");
+    EXPECT_EQ(program.Text(viewer, "txtOrHdr_1"), "A1000102");
+    EXPECT_EQ(program.Text(viewer, "txtOrHdr_2"), "C1");
+    EXPECT_EQ(program.Text(viewer, "txtOrHdr_3"), "Acme");
+    const QImage ink(image);
+    EXPECT_FALSE(ink.isNull());
+    EXPECT_EQ(program.Property(viewer, "imgSign", "pictureWidth").toInt(), ink.width());
+    EXPECT_EQ(program.Property(viewer, "imgSign", "pictureHeight").toInt(), ink.height());
+    program.Click(viewer, "cmdOK");
+    program.WaitGone(viewer);
+    EXPECT_FALSE(QFile::exists(office_.Path("DBFFiles/SIGN.DBF")));
     EXPECT_EQ(program.Quit(), 0);
 }

@@ -30,6 +30,7 @@
 #include "store/OfficeTables.h"
 #include "store/TableCatalogue.h"
 #include "store/TableScan.h"
+#include "store/forms/frmCopyDBF.h"
 #include "sync/Images.h"
 #include "sync/SafetyCopies.h"
 #include "sync/Status.h"
@@ -48,8 +49,12 @@
 #include "sync/forms/frmUploadSelect.h"
 #include "tools/forms/frmAbout.h"
 #include "tools/forms/frmOptions.h"
+#include "views/SetupTables.h"
+#include "views/TableViews.h"
+#include "views/forms/frmChSetup.h"
 #include "views/forms/frmView.h"
 #include "views/forms/frmViewGrid.h"
+#include "views/forms/frmViewSign.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -168,7 +173,7 @@ void frmMain1::StartUp() {
         if (failure.Number() == 13 || failure.Number() == 6) throw;
         return StopStart(Lines(msg::ConfigurationError, Text::Path(std::string_view(failure.what()))));
     }
-    if (!PrepareOffice([] { Tell(msg::DownloadSelectionMissing, Icon::Information); }))
+    if (!PrepareOffice([] { Tell(msg::DownloadSelectionMissing, Icon::Information); }, CopyTables))
         return StopStart(msg::TablesMissing);
     PutBackSafetyCopies();
     LoadIcons();
@@ -176,6 +181,7 @@ void frmMain1::StartUp() {
     GetPCTotals();
     GetHHBricksStd();
     if (Global.Ending) return;
+    LoadSetup();
     if (Global.PurgeBackup) {
         DeleteBackupTables([](std::string_view file) {
             Tell(Words(msg::CannotDelete, Text::Path(file)), Icon::Information);
@@ -204,6 +210,14 @@ void frmMain1::PutBackSafetyCopies() {
     } catch (const RunTimeFailure& failure) {
         Tell(Lines(msg::SessionNotRecovered, Text::Path(std::string_view(failure.what()))), Icon::Warning);
     }
+}
+
+/// What the handheld's and the print settings tell the PC.
+void frmMain1::LoadSetup() {
+    Global.SetupOnly = true;
+    The<frmChSetup>().Unload();
+    Global.SetupOnly = false;
+    ReadLinesPerPage();
 }
 
 void frmMain1::LoadIcons() {
@@ -854,10 +868,42 @@ void frmMain1::View(const char* handler, ViewFlag flag, ShowMode mode) {
     ShowTable(flag, mode);
 }
 
-void frmMain1::mnuChgLinks_Click() {
-    TraceEvent("frmMain1:mnuChgLinks_Click");
+void frmMain1::Edit(const char* handler, ViewFlag flag) {
+    TraceEvent(std::string("frmMain1:") + handler);
     UnloadForms();
-    EditTable(ViewLink);
+    EditTable(flag);
+}
+
+void frmMain1::mnuChgComp_Click() {
+    Edit("mnuChgComp_Click", ViewCompany);
+}
+
+void frmMain1::mnuChgLinks_Click() {
+    Edit("mnuChgLinks_Click", ViewLink);
+}
+
+void frmMain1::mnuChgSTax_Click() {
+    Edit("mnuChgSTax_Click", ViewSTax);
+}
+
+void frmMain1::mnuChgCust_Click() {
+    Edit("mnuChgCust_Click", ViewCust);
+}
+
+void frmMain1::mnuChgItems_Click() {
+    Edit("mnuChgItems_Click", ViewItem);
+}
+
+void frmMain1::mnuChgPayments_Click() {
+    Edit("mnuChgPayments_Click", ViewPay);
+}
+
+void frmMain1::mnuChgPrinter_Click() {
+    Edit("mnuChgPrinter_Click", ViewPrinter);
+}
+
+void frmMain1::mnuChgSetup_Click() {
+    Edit("mnuChgSetup_Click", ViewSetup);
 }
 
 void frmMain1::cmdPCTotals_Click() {
@@ -904,6 +950,14 @@ void frmMain1::mnuTblOrLin_Click() {
     View("mnuTblOrLin_Click", ViewOrLin);
 }
 
+void frmMain1::mnuViewSign_Click() {
+    TraceEvent("frmMain1:mnuViewSign_Click");
+    UnloadForms();
+    ClearViewFlags();
+    Global.View[ViewOrHdr] = true;
+    The<frmViewSign>().Show();
+}
+
 void frmMain1::mnuTblOrHdrAudt_Click() {
     View("mnuTblOrHdrAudt_Click", ViewOrHdrAudt);
 }
@@ -922,6 +976,14 @@ void frmMain1::mnuTblBarIn_Click() {
 
 void frmMain1::mnuTblPRN_Click() {
     View("mnuTblPRN_Click", ViewPRN);
+}
+
+void frmMain1::mnuRestore_Click() {
+    View("mnuRestore_Click", ViewRestore);
+}
+
+void frmMain1::lblRestore_Click() {
+    View("lblRestore_Click", ViewRestore);
 }
 
 void frmMain1::mnuViewTotals_Click() {

@@ -77,7 +77,14 @@ private slots:
     void mnuClearPCTables_Click();
     void mnuMainAbout_Click();
     void mnuDarkLook_Click();
+    void mnuChgComp_Click();
     void mnuChgLinks_Click();
+    void mnuChgSTax_Click();
+    void mnuChgCust_Click();
+    void mnuChgItems_Click();
+    void mnuChgPayments_Click();
+    void mnuChgPrinter_Click();
+    void mnuChgSetup_Click();
     void mnuTblCompany_Click();
     void mnuTblLinks_Click();
     void mnuTblPayments_Click();
@@ -88,12 +95,15 @@ private slots:
     void mnuTblItem_Click();
     void mnuTblOrHdr_Click();
     void mnuTblOrLin_Click();
+    void mnuViewSign_Click();
     void mnuTblOrHdrAudt_Click();
     void mnuTblOrLinAudt_Click();
     void mnuTblHHTotals_Click();
     void mnuTblBarIn_Click();
     void mnuTblPRN_Click();
     void mnuViewTotals_Click();
+    void mnuRestore_Click();
+    void lblRestore_Click();
     void cmdPCTotals_Click();
     void cmdReset_Click();
     void cmdHHHSID_Click(int index);
@@ -145,6 +155,8 @@ private:
     void ShowNotice(const Text& message);
     void ShowPage(int page);
     void View(const char* handler, ViewFlag flag, ShowMode mode = ShowMode::Modeless);
+    void Edit(const char* handler, ViewFlag flag);
+    static void LoadSetup();
 
     /// What a brick shows.
     struct Face {

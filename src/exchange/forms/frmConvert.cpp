@@ -42,7 +42,7 @@ void frmConvert::Form_Unload() {
 void frmConvert::ShowRepair() {
     lblHelp->setText(ToQt(Lines(
         Text(msg::RepairSelect) + Text::Path(std::string_view(repair_)) + msg::RepairOr, msg::RepairCancel)));
-    (TemplateKindOf(repair_) == TemplateKind::Item ? optItem : optCustomer)->setChecked(true);
+    TurnTo(TemplateKindOf(repair_).value_or(TemplateKind::Cust));
     for (QRadioButton* option : {optCustomer, optItem}) option->setEnabled(false);
 }
 
@@ -53,6 +53,11 @@ std::string frmConvert::ImportFile() const {
 
 TemplateKind frmConvert::Kind() const {
     return optItem->isChecked() ? TemplateKind::Item : TemplateKind::Cust;
+}
+
+void frmConvert::TurnTo(TemplateKind kind) {
+    (kind == TemplateKind::Item ? optItem : optCustomer)->setChecked(true);
+    CheckOK();
 }
 
 void frmConvert::CheckOK() {

@@ -19,6 +19,9 @@ public:
 
     TemplateKind Kind() const;
 
+    /// Proposes the table.
+    void TurnTo(TemplateKind kind);
+
     /// Esc. It deletes no template: that takes the button that says so.
     void reject() override;
 

@@ -8,6 +8,10 @@
 #include "platform/Look.h"
 #include "quality/CheckResults.h"
 #include "quality/forms/QCRun.h"
+#include "quality/forms/frmConfigCust.h"
+#include "quality/forms/frmConfigItem.h"
+#include "quality/forms/frmConfigPrint.h"
+#include "quality/forms/frmConfigSTax.h"
 #include "sync/forms/frmTableSelectDL.h"
 #include "sync/forms/frmUploadSelect.h"
 #include "tools/forms/frmOptions.h"
@@ -64,16 +68,19 @@ void frmConfig::NameButtons() {
     cmdCheckAll->setToolTip(PlainTip(ToQt(Text(msg::TipCheckAll))));
     cmdCancel->setToolTip(PlainTip(ToQt(Text(msg::TipClose))));
     // All these buttons read alike: who hears them is told their line.
-    for (auto* label : findChildren<QLabel*>()) {
-        auto* buddy = label->buddy();
-        if (!buddy) continue;
-        const QString line = label->text().remove(QLatin1Char('&'));
-        const QString button = buddy->objectName().chopped(1);
+    const auto name = [this](const QString& button, const QString& line) {
         for (const char* end : {"1", "2"}) {
             if (auto* one = findChild<QPushButton*>(button + QLatin1String(end)))
                 one->setAccessibleName(one->text() + QLatin1Char(' ') + line);
         }
+    };
+    for (auto* label : findChildren<QLabel*>()) {
+        if (label->buddy())
+            name(label->buddy()->objectName().chopped(1), label->text().remove(QLatin1Char('&')));
     }
+    name(QStringLiteral("cmdSTax"), lblSTax->text());
+    name(QStringLiteral("cmdPrinter"), lblPrinter->text());
+    for (auto* label : {lblSTax, lblPrinter}) label->setToolTip(PlainTip(ToQt(Text(msg::TipConfigure))));
 }
 
 QLabel* frmConfig::ResultLabel(std::size_t check) const {
@@ -189,6 +196,22 @@ void frmConfig::Configure(const char* handler, const std::function<void()>& open
 
 void frmConfig::cmdLinks1_Click() {
     Configure("cmdLinks1_Click", [] { ShowTable(ViewLink); });
+}
+
+void frmConfig::cmdCust1_Click() {
+    Configure("cmdCust1_Click", [] { The<frmConfigCust>().Show(ShowMode::Modal); });
+}
+
+void frmConfig::cmdItems1_Click() {
+    Configure("cmdItems1_Click", [] { The<frmConfigItem>().Show(ShowMode::Modal); });
+}
+
+void frmConfig::lblSTax_Click() {
+    Configure("lblSTax_Click", [] { The<frmConfigSTax>().Show(ShowMode::Modal); });
+}
+
+void frmConfig::lblPrinter_Click() {
+    Configure("lblPrinter_Click", [] { The<frmConfigPrint>().Show(ShowMode::Modal); });
 }
 
 void frmConfig::cmdBarcode1_Click() {

@@ -24,7 +24,11 @@ public:
 
 private slots:
     void cmdLinks1_Click();
+    void cmdCust1_Click();
+    void cmdItems1_Click();
     void cmdBarcode1_Click();
+    void lblSTax_Click();
+    void lblPrinter_Click();
     void cmdSTax1_Click();
     void cmdPay1_Click();
     void cmdPrinter1_Click();

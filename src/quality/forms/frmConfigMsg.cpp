@@ -19,6 +19,8 @@
 #include "sync/forms/frmUploadSelect.h"
 #include "tools/forms/frmOptions.h"
 #include "views/TableViews.h"
+#include "views/forms/PrintReport.h"
+#include "views/forms/frmPreview.h"
 #include "views/forms/frmViewData.h"
 #include "views/forms/frmViewGrid.h"
 
@@ -83,6 +85,7 @@ void frmConfigMsg::Form_Load() {
     FG1->SetWrapped();
     cmdView->setToolTip(PlainTip(ToQt(Text(msg::TipViewRecords))));
     cmdPrint->setToolTip(PlainTip(ToQt(Text(msg::TipPrintReport))));
+    cmdPreview->setToolTip(PlainTip(ToQt(Text(msg::TipPreviewReport))));
     cmdSave->setToolTip(PlainTip(ToQt(Text(msg::TipSaveReport))));
     cmdOK->setToolTip(PlainTip(ToQt(Text(msg::TipClose))));
 }
@@ -160,6 +163,35 @@ void frmConfigMsg::ViewTemplates(const ProblemRow& row) {
     // What is opened from now on is not for these templates.
     Global.QCViewMode = false;
     Global.QCViewRecords.clear();
+}
+
+PrintGrid frmConfigMsg::UpdateFlexGrid() const {
+    TraceEvent("frmConfigMsg:UpdateFlexGrid");
+    constexpr int TwipsToThePixel = 15;
+    PrintGrid print;
+    print.Widths = {1200, 2850, 1425, 2850, 2880};
+    print.Rows.push_back({ReportHeadings(), 0});
+    for (std::int32_t row = 0; grid_ && row < grid_->RowCount(); ++row) {
+        PrintGrid::Row& printed = print.Rows.emplace_back();
+        for (int column = 0; column < grid_->ColumnCount(); ++column)
+            printed.Cells.push_back(grid_->Cell(row, column));
+        printed.Height = FG1->rowHeight(row) * TwipsToThePixel;
+    }
+    return print;
+}
+
+std::unique_ptr<Report> frmConfigMsg::NewReport() const {
+    return std::make_unique<FlexGridPrint>(UpdateFlexGrid(), Global.CompanyName, Now());
+}
+
+void frmConfigMsg::cmdPrint_Click() {
+    TraceEvent("frmConfigMsg:cmdPrint_Click");
+    PrintReport(*this, *NewReport());
+}
+
+void frmConfigMsg::cmdPreview_Click() {
+    TraceEvent("frmConfigMsg:cmdPreview_Click");
+    The<frmPreview>().ShowReport(NewReport());
 }
 
 void frmConfigMsg::cmdSave_Click() {

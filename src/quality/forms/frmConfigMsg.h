@@ -1,9 +1,11 @@
 #pragma once
 
 #include "platform/Form.h"
+#include "quality/FlexGridPrint.h"
 #include "quality/Problems.h"
 #include "ui_frmConfigMsg.h"
 
+#include <memory>
 #include <string>
 
 class ReportGrid;
@@ -26,6 +28,8 @@ private slots:
     void FG1_ColumnClick(int column);
     void TimerLook_Timer();
     void cmdView_Click();
+    void cmdPrint_Click();
+    void cmdPreview_Click();
     void cmdSave_Click();
     void cmdOK_Click();
 
@@ -37,6 +41,8 @@ protected:
 private:
     const ProblemRow* SelectedRow() const;
     void ViewTemplates(const ProblemRow& row);
+    PrintGrid UpdateFlexGrid() const;
+    std::unique_ptr<Report> NewReport() const;
 
     ProblemList problems_;
     ReportGrid* grid_ = nullptr; ///< what FG1 shows

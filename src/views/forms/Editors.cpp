@@ -3,6 +3,13 @@
 #include "core/Globals.h"
 #include "sync/forms/frmChgLink.h"
 #include "views/TableViews.h"
+#include "views/forms/frmChSetup.h"
+#include "views/forms/frmCompany.h"
+#include "views/forms/frmEditCust.h"
+#include "views/forms/frmEditItem.h"
+#include "views/forms/frmEditSTax.h"
+#include "views/forms/frmPay.h"
+#include "views/forms/frmPrinter.h"
 
 #include <algorithm>
 #include <iterator>
@@ -21,13 +28,27 @@ bool OpenLinks() {
     return OpenForm<frmChgLink>();
 }
 
+/// One that is open saves first, and stays where it is when it cannot.
+template <class F>
+bool OpenAtRecord() {
+    if (auto* open = IfLoaded<F>()) open->GoTo(Global.SelectedRow);
+    return OpenForm<F>();
+}
+
 struct Editor {
     ViewFlag Flag;
     bool (*Open)();
 };
 
 constexpr Editor AllEditors[] = {
+    {ViewCust, OpenAtRecord<frmEditCust>},
+    {ViewItem, OpenAtRecord<frmEditItem>},
+    {ViewSTax, OpenAtRecord<frmEditSTax>},
+    {ViewCompany, OpenForm<frmCompany>},
     {ViewLink, OpenLinks},
+    {ViewPay, OpenAtRecord<frmPay>},
+    {ViewPrinter, OpenForm<frmPrinter>},
+    {ViewSetup, OpenForm<frmChSetup>},
 };
 
 const Editor* ChosenEditor() {

@@ -1,0 +1,93 @@
+#pragma once
+
+#include "core/Globals.h"
+#include "core/Text.h"
+#include "store/TableCatalogue.h"
+#include "store/TableReader.h"
+#include "store/TableRecords.h"
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// What one of the master editors edits.
+struct MasterKind {
+    ViewFlag Flag;
+    const char* File;
+    const char* Key; ///< the field without which no record is saved
+    MessageId KeyEmpty;
+    const char* Lookup[2]; ///< the fields by which a record is found
+};
+
+extern const MasterKind CustomerMaster;
+extern const MasterKind ItemMaster;
+extern const MasterKind SalesTaxMaster;
+
+/// A master table in the hands of its editor: one record current, and a list of all of them.
+///
+/// Fields go by their place in the table as it is installed, from 1. Changes and failures as TableRecords;
+/// RunTimeFailure 70 when another program holds the table. A table that was changed since by anybody else (a
+/// check puts it in order, an import fills it) is opened again before anything is written, and the
+/// current record looked for in it: no change ever lands in another record.
+class MasterTable {
+public:
+    /// Texts by the place of their field.
+    using Cells = std::map<int, std::string>;
+
+    explicit MasterTable(const MasterKind& kind);
+
+    /// Opens it at a record, or at the nearest that there is.
+    void Open(std::int32_t record);
+    void Close() { records_.Close(); }
+    bool IsOpen() const { return records_.IsOpen(); }
+
+    std::int32_t RecordCount() const { return records_.RecordCount(); }
+    std::int32_t RecordNumber() const { return records_.RecordNumber(); } ///< 0 in an empty table
+
+    const char* FieldName(int place) const;
+    int FieldLength(int place) const; ///< 0: the table has no such field
+    std::string Trimmed(int place) const;
+    bool IsKey(int place) const;
+
+    /// An entry for each record in their order: the two fields of the kind, trimmed, with " : " between.
+    const std::vector<std::string>& Lookup() const { return lookup_; }
+
+    /// A record's number or a target of DBFEdit.
+    void Go(std::int32_t target) { records_.Go(target); }
+
+    /// The three below are false, nothing changed, when the current record is no longer in the table; the one
+    /// that has its number by now is current then.
+
+    bool Write(const Cells& cells);
+    /// Adds a blank record behind the last one, and goes to it.
+    bool Append();
+    /// Removes the current record. The one before it is current then, or the first.
+    bool Delete();
+
+    /// Opens a table that somebody else has changed again, and says that it was so; the record is looked
+    /// for.
+    bool Renew();
+
+    /// What the Quality Check would object to if the current record were saved with these texts, or what
+    /// the table would make of them; empty for nothing, and for a record without a key.
+    Text Warning(const Cells& cells) const;
+
+private:
+    bool Attend();
+    void RefuseLocked() const;
+    bool Find();
+    void ReadLists();
+    void NoteChange();
+    std::string Entry(std::string_view first, std::string_view second) const;
+    std::int32_t OtherWith(int place, std::string_view text) const;
+
+    const MasterKind& kind_;
+    const TableEntry& entry_;
+    TableRecords records_;
+    std::unique_ptr<TableReader> file_; ///< as we have left it
+    std::vector<std::string> lookup_;
+    std::map<int, std::vector<std::string>> folded_; ///< the fields in which no text is to come twice
+};
