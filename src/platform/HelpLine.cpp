@@ -11,8 +11,8 @@ namespace {
 
 constexpr const char* HelpText = "HelpText";
 
-/// A dialog that opens says the same of its first control, before it is the active window: nobody has pressed a
-/// key.
+/// A dialog that opens says the same of its first control, before it is the active window: nobody has pressed
+/// a key.
 bool CameByAKey(const QEvent& event, const QWidget& window) {
     if (!window.isActiveWindow()) return false;
     const Qt::FocusReason reason = static_cast<const QFocusEvent&>(event).reason();
