@@ -11,10 +11,10 @@ namespace {
 
 constexpr const char* HelpText = "HelpText";
 
-/// A dialog that opens tells the same to its first control, which has no focus by then: nobody has pressed a
-/// key.
-bool CameByAKey(const QEvent& event, const QObject& control) {
-    if (!static_cast<const QWidget&>(control).hasFocus()) return false;
+/// A dialog that opens says the same of its first control, before it is the active window: nobody has pressed
+/// a key.
+bool CameByAKey(const QEvent& event, const QWidget& window) {
+    if (!window.isActiveWindow()) return false;
     const Qt::FocusReason reason = static_cast<const QFocusEvent&>(event).reason();
     return reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason ||
            reason == Qt::ShortcutFocusReason;
@@ -50,6 +50,6 @@ bool HelpLine::eventFilter(QObject* object, QEvent* event) {
     if (held_) return QObject::eventFilter(object, event);
     if (event->type() == QEvent::Enter) ShowFor(*object);
     if (event->type() == QEvent::Leave) Rest();
-    if (event->type() == QEvent::FocusIn && CameByAKey(*event, *object)) ShowFor(*object);
+    if (event->type() == QEvent::FocusIn && CameByAKey(*event, *label_.window())) ShowFor(*object);
     return QObject::eventFilter(object, event);
 }
