@@ -213,6 +213,33 @@ private:
         Require(TablesIn(QStringLiteral("Backup/") + made.first()) == tables,
                 QStringLiteral("the backup does not hold what was cleared"));
         say_(QStringLiteral("    the backup %1: %2").arg(made.first(), Totals(held)));
+        RestorePC(tables, held);
+    }
+
+    /// From the list of backups: what was cleared is back, to the byte.
+    void RestorePC(const TableBytes& tables, const Orders& held) {
+        const QString list = QStringLiteral("frmViewGrid"), rows = QStringLiteral("FG1");
+        say_(QStringLiteral("Restore what was cleared"));
+        program_->Click(Main, QStringLiteral("mnuRestore"));
+        program_->WaitForm(list);
+        const DrivenTable backups = program_->Rows(list, rows);
+        qsizetype row = 0;
+        while (row < backups.Rows.size() &&
+               backups.Cell(row, QStringLiteral("Event")) != QLatin1String("CLEAR"))
+            ++row;
+        Require(row < backups.Rows.size(), QStringLiteral("the clearing is not in the list of backups"));
+        program_->ChooseRow(list, rows, static_cast<int>(row));
+        program_->ExpectContaining(QStringLiteral("This process will overwrite all existing data"),
+                                   QStringLiteral("Yes"));
+        program_->ExpectContaining(QStringLiteral("Tables successfully restored!"));
+        program_->Click(list, QStringLiteral("cmdEdit"));
+        program_->Done();
+        Require(TablesIn(QStringLiteral("DBFFiles")) == tables,
+                QStringLiteral("what was restored is not what was cleared"));
+        Require(OnPC() == held, QStringLiteral("the PC does not hold the orders that were cleared"));
+        say_(QStringLiteral("    the PC:        %1").arg(Totals(OnPC())));
+        program_->Click(list, QStringLiteral("cmdOK"));
+        program_->WaitGone(list);
     }
 
     static constexpr const char* ClearedTables[] = {"ZUKOrHdr", "ZUKOrLin", "ZUKAudTH", "ZUKAudTL",
