@@ -6,6 +6,7 @@
 #include "core/Paths.h"
 #include "core/TextCompare.h"
 #include "core/TextFile.h"
+#include "maintenance/VersionUpdate.h"
 #include "store/TableLock.h"
 #include "store/TableScan.h"
 
@@ -97,10 +98,10 @@ bool HasContent(const std::string& path, const SavedTable& table) {
 /// What forbids that a table is restored; empty for nothing.
 std::string Obstacle(const std::string& oldTable, const std::string& newTable) {
     try {
-        TableScan{oldTable};
+        StructureOf(oldTable);
         if (!FileExists(newTable)) return {};
         if (TableIsLocked(newTable)) throw RunTimeFailure(70, newTable);
-        TableScan{newTable};
+        StructureOf(newTable);
         return {};
     } catch (const std::exception& failure) {
         return failure.what();

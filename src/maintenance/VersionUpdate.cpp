@@ -10,14 +10,12 @@
 #include "store/TableScan.h"
 #include "store/TextBridge.h"
 
+#include <algorithm>
+
 namespace {
 
 std::string NewDBFDir() {
     return AddBackslash(Global.AppPath + "DBFNew");
-}
-
-TableLayout StructureOf(std::string_view path) {
-    return TableScan(path).Layout();
 }
 
 /// The records of `source` as a table of that structure at `target`, which may be the same file.
@@ -57,6 +55,18 @@ bool Restructure(const std::string& table, const TableLayout& structure, Progres
 }
 
 } // namespace
+
+TableLayout StructureOf(std::string_view path) {
+    try {
+        return TableScan(path).Layout();
+    } catch (const RunTimeFailure& failure) {
+        // Two tables of one name are at work: which one it is says the path.
+        const std::string words = failure.what();
+        if (words.find(path) != std::string::npos) throw;
+        throw RunTimeFailure(failure.Number(),
+                             std::string(path) + words.substr(std::min(words.size(), words.find(": "))));
+    }
+}
 
 void CopySingleTable(std::string_view oldTable, std::string_view newTable, Progress& progress) {
     TraceEvent("frmCopyDBF:CopySingleTable " + std::string(FileNameOf(newTable)));

@@ -1,12 +1,16 @@
 #pragma once
 
 #include "core/Progress.h"
+#include "store/TableLayout.h"
 
 #include <string>
 #include <string_view>
 #include <vector>
 
 /// Tables that move into another structure, by the text `DBFCOPY.TXT` in the tables directory.
+
+/// A table's fields and number of records. RunTimeFailure as TableScan; it names the full path.
+TableLayout StructureOf(std::string_view path);
 
 /// Copies a table over another: `oldTable` and `newTable` are full paths. Where both have the same fields
 /// the file is copied byte by byte, and so it is where there is no new table yet. Else the records of the old

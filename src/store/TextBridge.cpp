@@ -1,5 +1,6 @@
 #include "store/TextBridge.h"
 
+#include "core/Globals.h"
 #include "core/Messages.h"
 #include "core/Paths.h"
 #include "core/SafeFile.h"
@@ -146,8 +147,9 @@ void TextToNewDBF(std::string_view target, const TableLayout& structure, const B
             progress.Show(lines + reader.LineNumber());
         }
     }
+    // First the text: what lies about behind a kill belongs to no table that is whole.
+    Global.TheDisk->Remove(ResolvePath(text));
     table.Commit();
-    RemoveQuietly(text);
 }
 
 bool HaveSameFields(const TableLayout& a, const TableLayout& b) {

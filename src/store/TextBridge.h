@@ -37,8 +37,9 @@ void OldDBFtoText(std::string_view source, BridgeFields& fields, std::string_vie
 /// The lines of a text as all records of a table of this structure, in the place of whatever stands there:
 /// what PrepareNewDBF leaves of the new table, which is none of its records, and a record a line behind it.
 /// Fields are matched by their whole names without regard to case; then each value goes to the first field
-/// whose name begins so, as every lookup by name does. The text is deleted, also one without lines.
-/// RunTimeFailure as TextToDBF; what stands there and the text are then as they were.
+/// whose name begins so, as every lookup by name does. The text is deleted before the table
+/// is put in its place, also one without lines. RunTimeFailure as TextToDBF and Disk::Remove; what stands
+/// there is then as it was.
 void TextToNewDBF(std::string_view target, const TableLayout& structure, const BridgeFields& fields,
                   std::string_view text, Progress& progress);
 

@@ -606,8 +606,8 @@ std::vector<std::string> StepsOfStart() {
 std::vector<std::string> StepsOfUpdate() {
     const std::string text = "DBFFiles/DBFCOPY.TXT";
     std::vector<std::string> steps = StepsOfTwins();
-    steps.insert(steps.end(), {"DBFFiles/ZUKBRAND.dbf", "DBFNew/ZUKBRAND.dbf", text, "DBFFiles/ZUKPAY.dbf",
-                               text, text, "Install/ZUKPAY.dbf", text, "DBFEmpty/ZUKPAY.dbf",
+    steps.insert(steps.end(), {"DBFFiles/ZUKBRAND.dbf", "DBFNew/ZUKBRAND.dbf", text, text,
+                               "DBFFiles/ZUKPAY.dbf", text, text, "Install/ZUKPAY.dbf", "DBFEmpty/ZUKPAY.dbf",
                                "DBFEmpty/ZUKPAY.dbf", "DBFNew/ZUKPAY.dbf"});
     return steps;
 }
@@ -702,7 +702,7 @@ std::vector<SweepJob> MakeJobs() {
     // Behind the backup of the present tables those of the older one, the headers by way of a text.
     std::vector<std::string> restore = backup;
     restore.insert(restore.end(), {"DBFFiles/ZUKAudHH.dbf", "DBFFiles/ZUKAudTH.dbf", "DBFFiles/ZUKAudTL.dbf",
-                                   "DBFFiles/DBFCOPY.TXT", headers, "DBFFiles/DBFCOPY.TXT", lines, totals});
+                                   "DBFFiles/DBFCOPY.TXT", "DBFFiles/DBFCOPY.TXT", headers, lines, totals});
 
     const auto ordersAndTotals = [] {
         FillOrders();
