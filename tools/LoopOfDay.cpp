@@ -184,6 +184,9 @@ public:
     }
 
 private:
+    /// The bytes of the tables of orders and audits, in the order of ClearedTables.
+    using TableBytes = QList<QByteArray>;
+
     /// On the screen: the orders, the audit, and what handhelds and PC have counted.
     void ClearPC() {
         const QString screen = QStringLiteral("frmTableSelectPC");
@@ -245,8 +248,6 @@ private:
     static constexpr const char* ClearedTables[] = {"ZUKOrHdr", "ZUKOrLin", "ZUKAudTH", "ZUKAudTL",
                                                     "ZUKAudHH"};
 
-    /// The bytes of these tables, in their order.
-    using TableBytes = QList<QByteArray>;
     TableBytes TablesIn(const QString& folder) const {
         TableBytes tables;
         for (const char* table : ClearedTables) {
