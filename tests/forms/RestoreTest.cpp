@@ -130,7 +130,7 @@ TEST_F(RestoreScreen, ABackupIsListedLookedAtAndRestoredAndWhatWasThereBeforeIsL
     EXPECT_EQ(RecordCount("ZUKORHDR"), 0);
 
     Operator_.Expect(msg::RestoreQuestion).Answer(Answer::Yes);
-    Operator_.Expect(Lines(msg::RestoreDone,
+    Operator_.Expect(::Lines(msg::RestoreDone,
                            Words(Text::Value(2), msg::RestoredHeaders, Text::Value(2), msg::RestoredLines,
                                  Text::Value(std::string_view(std::string("21.00"))), msg::RestoredDollars)));
     Click(again, "cmdEdit");
@@ -172,7 +172,7 @@ TEST_F(RestoreScreen, WhatHasBecomeOfABackupIsMarkedAndTold) {
     Operator_.Expect(msg::RestoreQuestion).Answer(Answer::Yes);
     Operator_
         .Expect(
-            Lines(Lines(msg::FilesNoLongerMatch, Text::Path(std::string_view(std::string("ZUKAudTH.dbf")))),
+            ::Lines(::Lines(msg::FilesNoLongerMatch, Text::Path(std::string_view(std::string("ZUKAudTH.dbf")))),
                   msg::RestoreAnyway))
         .With(Icon::Warning)
         .Answer(Answer::No);
@@ -192,7 +192,7 @@ TEST_F(RestoreScreen, WhatHasBecomeOfABackupIsMarkedAndTold) {
     WriteWholeFile(Global.DBFPath + ".~lock.ZUKAudTL.dbf#", "somebody");
     Operator_.Expect(msg::RestoreQuestion).Answer(Answer::Yes);
     Operator_.ExpectBeginning(msg::FilesNoLongerMatch).Answer(Answer::Yes);
-    Operator_.ExpectBeginning(Lines(msg::FileError, msg::RestoreNothing)).With(Icon::Stop);
+    Operator_.ExpectBeginning(::Lines(msg::FileError, msg::RestoreNothing)).With(Icon::Stop);
     Click(form, "cmdEdit");
     EXPECT_EQ(Cell("ZUKORHDR", 1, "H_ORDCODE"), "B1");
 }
