@@ -3,6 +3,7 @@
 #include "maintenance/Office.h"
 #include "store/OfficeTables.h"
 #include "store/TableCatalogue.h"
+#include "store/TableLayout.h"
 #include "support/EngineTest.h"
 #include "support/Fails.h"
 #include "support/FaultyDisk.h"
