@@ -68,6 +68,12 @@ void Compare(BackupPoint& point,
         else if (!isSame(folder + table.Name, table))
             point.Changed.push_back(table.Name);
     }
+    // What the text does not name is of another backup, or nobody knows of what: it would be restored too.
+    for (const std::string& name : there) {
+        const bool told = std::any_of(point.Tables.begin(), point.Tables.end(),
+                                      [&](const SavedTable& table) { return SameText(table.Name, name); });
+        if (!told && !point.Tables.empty()) point.Changed.push_back(name);
+    }
     if (point.TextIsBroken) point.Changed.emplace_back(About);
 
     if (there.empty())

@@ -156,6 +156,16 @@ TEST_F(RestoreTest, AFileOfAnotherSizeOrGoneIsMarkedAtOnceAndOneOfOtherBytesWhen
     EXPECT_TRUE(points[0].SumsCompared);
 }
 
+TEST_F(RestoreTest, ATableThatTheTextDoesNotNameIsMarkedSinceItWouldBeRestoredToo) {
+    const std::string folder = GivenBackup(7);
+    fs::copy_file(Global.DBFPath + "ZUKLINK.dbf", folder + "ZUKLINK.dbf");
+
+    const auto points = List();
+
+    EXPECT_EQ(points.at(0).Files, BackupFiles::Changed);
+    EXPECT_EQ(points[0].Changed, Strings{"ZUKLINK.dbf"});
+}
+
 TEST_F(RestoreTest, APurgedBackupStaysInTheListAndItsTablesAreDeleted) {
     GivenBackup(7);
     PurgeBackups({2026, 11, 15, 23, 0, 0}, [](std::string_view) {});
