@@ -6,11 +6,13 @@
 #include "core/Paths.h"
 #include "core/TextCompare.h"
 #include "core/TextFile.h"
+#include "maintenance/VersionUpdate.h"
 #include "store/TableLock.h"
 #include "store/TableScan.h"
 
 #include <algorithm>
 #include <exception>
+#include <iterator>
 #include <optional>
 
 namespace {
@@ -103,10 +105,10 @@ bool HasContent(const std::string& path, const SavedTable& table) {
 /// What forbids that a table is restored; empty for nothing.
 std::string Obstacle(const std::string& oldTable, const std::string& newTable) {
     try {
-        TableScan{oldTable};
+        const TableLayout saved = TableScan(oldTable).Layout();
         if (!FileExists(newTable)) return {};
         if (TableIsLocked(newTable)) throw RunTimeFailure(70, newTable);
-        TableScan{newTable};
+        RefuseForeign(saved, oldTable, TableScan(newTable).Layout(), newTable);
         return {};
     } catch (const std::exception& failure) {
         return failure.what();
@@ -166,7 +168,11 @@ RestoreResult RestoreTables(
         result.How = End::Unusable;
         return result;
     }
-    if (!MakeBackup("RESTORE")) {
+    // Also a table that backups hold only at times is not to be replaced without a copy.
+    std::vector<std::string> replaced;
+    std::copy_if(tables.begin(), tables.end(), std::back_inserter(replaced),
+                 [](const std::string& table) { return FileExists(Global.DBFPath + table); });
+    if (!MakeBackup("RESTORE", replaced)) {
         result.How = End::NoSafetyCopy;
         return result;
     }

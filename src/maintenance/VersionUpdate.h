@@ -1,12 +1,18 @@
 #pragma once
 
 #include "core/Progress.h"
+#include "store/TableLayout.h"
 
 #include <string>
 #include <string_view>
 #include <vector>
 
 /// Tables that move into another structure, by the text `DBFCOPY.TXT` in the tables directory.
+
+/// RunTimeFailure 321, with both paths, when a table with records has not one field of the structure that
+/// they are to move into: no record would keep a value.
+void RefuseForeign(const TableLayout& records, std::string_view recordsOf, const TableLayout& structure,
+                   std::string_view structureOf);
 
 /// Copies a table over another: `oldTable` and `newTable` are full paths. Where both have the same fields
 /// the file is copied byte by byte, and so it is where there is no new table yet. Else the records of the old
