@@ -6,6 +6,7 @@
 #include "core/Paths.h"
 #include "core/Progress.h"
 #include "core/SafeFile.h"
+#include "core/TextCompare.h"
 #include "core/TextFile.h"
 #include "maintenance/Totals.h"
 #include "store/TableLock.h"
@@ -22,11 +23,15 @@
 
 namespace {
 
-std::vector<std::string> TablesOfABackup() {
+std::vector<std::string> TablesOfABackup(const std::vector<std::string>& further) {
     std::vector<std::string> tables = {"ZUKOrHdr.dbf", "ZUKOrLin.dbf", "ZUKAudTH.dbf", "ZUKAudTL.dbf",
                                        "ZUKAudHH.dbf"};
     if (Global.BackupCustomers) tables.emplace_back("ZUKCust.dbf");
     if (Global.BackupItems) tables.emplace_back("ZUKItem.dbf");
+    for (const std::string& table : further) {
+        const auto isIt = [&table](const std::string& each) { return SameText(each, table); };
+        if (std::none_of(tables.begin(), tables.end(), isIt)) tables.push_back(table);
+    }
     return tables;
 }
 
@@ -115,9 +120,9 @@ std::string BackupName(const DateTime& moment) {
     return name;
 }
 
-bool MakeBackup(std::string_view event) {
+bool MakeBackup(std::string_view event, const std::vector<std::string>& further) {
     TraceEvent("basCommon:MakeBackup");
-    const std::vector<std::string> tables = TablesOfABackup();
+    const std::vector<std::string> tables = TablesOfABackup(further);
     const bool locked = std::any_of(tables.begin(), tables.end(), [](const std::string& table) {
         return TableIsLocked(Global.DBFPath + table);
     });

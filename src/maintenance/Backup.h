@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 /// Copies the order and audit tables, and the customers and items when Global.BackupCustomers and
 /// BackupItems say so, into a new directory under `Backup`, with a `Backup.txt` that says what
@@ -18,7 +19,8 @@
 /// Events: "EXPORT", "QUALCHECK", "RESTORE", "UPLOAD-ADD", "CLEAR". False when a table is locked or
 /// missing, before anything was made, or for any failure after that, a copy that differs among them; a
 /// directory that was made then has no `Backup.txt`.
-bool MakeBackup(std::string_view event);
+/// `further` are the file names of other tables that the operation replaces, copied too.
+bool MakeBackup(std::string_view event, const std::vector<std::string>& further = {});
 
 /// A table of a backup as a line behind the eighth of `Backup.txt` tells it: name, bytes, records and
 /// checksum, parted by tabs.

@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <iterator>
 #include <optional>
 
 namespace {
@@ -69,6 +70,12 @@ void Compare(BackupPoint& point,
         else if (!isSame(folder + table.Name, table))
             point.Changed.push_back(table.Name);
     }
+    // What the text does not name is of another backup, or nobody knows of what: it would be restored too.
+    for (const std::string& name : there) {
+        const bool told = std::any_of(point.Tables.begin(), point.Tables.end(),
+                                      [&](const SavedTable& table) { return SameText(table.Name, name); });
+        if (!told && !point.Tables.empty()) point.Changed.push_back(name);
+    }
     if (point.TextIsBroken) point.Changed.emplace_back(About);
 
     if (there.empty())
@@ -98,10 +105,10 @@ bool HasContent(const std::string& path, const SavedTable& table) {
 /// What forbids that a table is restored; empty for nothing.
 std::string Obstacle(const std::string& oldTable, const std::string& newTable) {
     try {
-        StructureOf(oldTable);
+        const TableLayout saved = StructureOf(oldTable);
         if (!FileExists(newTable)) return {};
         if (TableIsLocked(newTable)) throw RunTimeFailure(70, newTable);
-        StructureOf(newTable);
+        RefuseForeign(saved, oldTable, StructureOf(newTable), newTable);
         return {};
     } catch (const std::exception& failure) {
         return failure.what();
@@ -161,7 +168,11 @@ RestoreResult RestoreTables(
         result.How = End::Unusable;
         return result;
     }
-    if (!MakeBackup("RESTORE")) {
+    // Also a table that backups hold only at times is not to be replaced without a copy.
+    std::vector<std::string> replaced;
+    std::copy_if(tables.begin(), tables.end(), std::back_inserter(replaced),
+                 [](const std::string& table) { return FileExists(Global.DBFPath + table); });
+    if (!MakeBackup("RESTORE", replaced)) {
         result.How = End::NoSafetyCopy;
         return result;
     }

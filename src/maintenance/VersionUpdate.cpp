@@ -42,9 +42,7 @@ void Look(const std::string& newTable, const std::string& oldTable) {
     const TableLayout structure = StructureOf(newTable);
     if (!FileExists(oldTable)) return;
     if (TableIsLocked(oldTable)) throw RunTimeFailure(70, oldTable);
-    const TableLayout old = StructureOf(oldTable);
-    if (old.RecordCount() > 0 && !HaveAFieldInCommon(old, structure))
-        throw RunTimeFailure(321, newTable + ": none of the fields of " + oldTable);
+    RefuseForeign(StructureOf(oldTable), oldTable, structure, newTable);
 }
 
 /// Gives a table the structure, with the records that it holds. False when it has it or is not there.
@@ -66,6 +64,12 @@ TableLayout StructureOf(std::string_view path) {
         throw RunTimeFailure(failure.Number(),
                              std::string(path) + words.substr(std::min(words.size(), words.find(": "))));
     }
+}
+
+void RefuseForeign(const TableLayout& records, std::string_view recordsOf, const TableLayout& structure,
+                   std::string_view structureOf) {
+    if (records.RecordCount() == 0 || HaveAFieldInCommon(records, structure)) return;
+    throw RunTimeFailure(321, std::string(structureOf) + ": none of the fields of " + std::string(recordsOf));
 }
 
 void CopySingleTable(std::string_view oldTable, std::string_view newTable, Progress& progress) {

@@ -12,6 +12,11 @@
 /// A table's fields and number of records. RunTimeFailure as TableScan; it names the full path.
 TableLayout StructureOf(std::string_view path);
 
+/// RunTimeFailure 321, with both paths, when a table with records has not one field of the structure that
+/// they are to move into: no record would keep a value.
+void RefuseForeign(const TableLayout& records, std::string_view recordsOf, const TableLayout& structure,
+                   std::string_view structureOf);
+
 /// Copies a table over another: `oldTable` and `newTable` are full paths. Where both have the same fields
 /// the file is copied byte by byte, and so it is where there is no new table yet. Else the records of the old
 /// one move into the fields of the new one (TextToNewDBF), in the place of the records that it holds. The new

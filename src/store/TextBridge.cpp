@@ -156,7 +156,7 @@ bool HaveSameFields(const TableLayout& a, const TableLayout& b) {
     if (a.RecordLength() != b.RecordLength() || a.FieldCount() != b.FieldCount()) return false;
     for (int k = 1; k <= a.FieldCount(); ++k) {
         if (a.FieldName(k) != b.FieldName(k) || a.FieldType(k) != b.FieldType(k) ||
-            a.FieldLength(k) != b.FieldLength(k))
+            a.FieldLength(k) != b.FieldLength(k) || a.FieldDecimals(k) != b.FieldDecimals(k))
             return false;
     }
     return true;

@@ -95,24 +95,36 @@ bool MasterTable::IsKey(int place) const {
 
 // ---- somebody else's changes ----
 
+bool MasterTable::IsChanged() const {
+    return !sought_.empty() || file_->CheckChanged();
+}
+
 bool MasterTable::Renew() {
-    if (!file_->CheckChanged()) return false;
+    if (!IsChanged()) return false;
     Find();
     return true;
 }
 
 /// Opens the table again and looks for the record that was current, by all that it held.
 bool MasterTable::Find() {
-    std::vector<std::string> held;
-    for (const TableField& field : entry_.Fields) held.push_back(records_.Padded(field.Name));
+    // Behind a failure half way another record may be current: what was sought first is sought still.
+    if (sought_.empty()) {
+        for (const TableField& field : entry_.Fields) sought_.push_back(records_.Padded(field.Name));
+    }
     const std::int32_t before = RecordNumber();
     Open(before);
-    if (before == 0) return true;
+    const bool found = before == 0 || GoToSought(before);
+    sought_.clear();
+    return found;
+}
+
+/// The one of that number where there are several.
+bool MasterTable::GoToSought(std::int32_t before) {
     TableScan table(records_.Path());
     std::vector<int> fields;
     for (const TableField& field : entry_.Fields) fields.push_back(table.Layout().Find(FieldKey(field.Name)));
     const auto isIt = [&] {
-        return std::equal(fields.begin(), fields.end(), held.begin(),
+        return std::equal(fields.begin(), fields.end(), sought_.begin(),
                           [&](int field, const std::string& text) { return table.Field(field) == text; });
     };
     std::int32_t found = 0;
@@ -126,7 +138,7 @@ bool MasterTable::Find() {
 /// Before a change: whether the current record is still in the table.
 bool MasterTable::Attend() {
     RefuseLocked();
-    return !file_->CheckChanged() || Find();
+    return !IsChanged() || Find();
 }
 
 /// A file that is not there is somebody else's failure, and has a better name.

@@ -78,7 +78,9 @@ public:
 private:
     bool Attend();
     void RefuseLocked() const;
+    bool IsChanged() const;
     bool Find();
+    bool GoToSought(std::int32_t before);
     void ReadLists();
     void NoteChange();
     std::string Entry(std::string_view first, std::string_view second) const;
@@ -88,6 +90,7 @@ private:
     const TableEntry& entry_;
     TableRecords records_;
     std::unique_ptr<TableReader> file_; ///< as we have left it
+    std::vector<std::string> sought_;   ///< the fields of the record that is looked for; empty for none
     std::vector<std::string> lookup_;
     std::map<int, std::vector<std::string>> folded_; ///< the fields in which no text is to come twice
 };

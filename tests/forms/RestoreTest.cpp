@@ -130,9 +130,9 @@ TEST_F(RestoreScreen, ABackupIsListedLookedAtAndRestoredAndWhatWasThereBeforeIsL
     EXPECT_EQ(RecordCount("ZUKORHDR"), 0);
 
     Operator_.Expect(msg::RestoreQuestion).Answer(Answer::Yes);
-    Operator_.Expect(::Lines(msg::RestoreDone,
-                           Words(Text::Value(2), msg::RestoredHeaders, Text::Value(2), msg::RestoredLines,
-                                 Text::Value(std::string_view(std::string("21.00"))), msg::RestoredDollars)));
+    Operator_.Expect(::Lines(
+        msg::RestoreDone, Words(Text::Value(2), msg::RestoredHeaders, Text::Value(2), msg::RestoredLines,
+                                Text::Value(std::string_view(std::string("21.00"))), msg::RestoredDollars)));
     Click(again, "cmdEdit");
     EXPECT_EQ(Cell("ZUKORHDR", 2, "H_ORDCODE"), "A2");
     EXPECT_EQ(Cell("ZUKTOTALPC", 1, "TP_EVENT"), "RESTORE");
@@ -171,9 +171,9 @@ TEST_F(RestoreScreen, WhatHasBecomeOfABackupIsMarkedAndTold) {
 
     Operator_.Expect(msg::RestoreQuestion).Answer(Answer::Yes);
     Operator_
-        .Expect(
-            ::Lines(::Lines(msg::FilesNoLongerMatch, Text::Path(std::string_view(std::string("ZUKAudTH.dbf")))),
-                  msg::RestoreAnyway))
+        .Expect(::Lines(
+            ::Lines(msg::FilesNoLongerMatch, Text::Path(std::string_view(std::string("ZUKAudTH.dbf")))),
+            msg::RestoreAnyway))
         .With(Icon::Warning)
         .Answer(Answer::No);
     Click(form, "cmdEdit");

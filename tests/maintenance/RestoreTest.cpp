@@ -156,6 +156,16 @@ TEST_F(RestoreTest, AFileOfAnotherSizeOrGoneIsMarkedAtOnceAndOneOfOtherBytesWhen
     EXPECT_TRUE(points[0].SumsCompared);
 }
 
+TEST_F(RestoreTest, ATableThatTheTextDoesNotNameIsMarkedSinceItWouldBeRestoredToo) {
+    const std::string folder = GivenBackup(7);
+    fs::copy_file(Global.DBFPath + "ZUKLINK.dbf", folder + "ZUKLINK.dbf");
+
+    const auto points = List();
+
+    EXPECT_EQ(points.at(0).Files, BackupFiles::Changed);
+    EXPECT_EQ(points[0].Changed, Strings{"ZUKLINK.dbf"});
+}
+
 TEST_F(RestoreTest, APurgedBackupStaysInTheListAndItsTablesAreDeleted) {
     GivenBackup(7);
     PurgeBackups({2026, 11, 15, 23, 0, 0}, [](std::string_view) {});
@@ -273,6 +283,38 @@ TEST_F(RestoreTest, CustomersComeBackTooAndATableThatIsMissingByNowIsPlaced) {
     EXPECT_EQ(Restore(folder).How, End::Restored);
 
     EXPECT_EQ(TableAt(Global.DBFPath + "ZUKCust.dbf").Count, 1);
+}
+
+TEST_F(RestoreTest, EveryTableThatIsReplacedIsInTheFurtherBackupAlsoOneThatBackupsHoldOnlyAtTimes) {
+    GivenTable(Global.DBFPath, "ZUKCust", {{"C1"}});
+    Global.BackupCustomers = true;
+    const std::string folder = GivenBackup(7);
+    Global.BackupCustomers = false;
+    GivenTable(Global.DBFPath, "ZUKCust", {{"C2"}, {"C3"}});
+    const std::string present = Bytes(Global.DBFPath + "ZUKCust.dbf");
+
+    EXPECT_EQ(Restore(folder).How, End::Restored);
+
+    EXPECT_EQ(TableAt(Global.DBFPath + "ZUKCust.dbf").Count, 1);
+    const auto points = List();
+    ASSERT_EQ(points.size(), 2u);
+    EXPECT_EQ(points[0].Values[0], "RESTORE");
+    EXPECT_EQ(points[0].Tables.size(), 6u);
+    EXPECT_EQ(Bytes(Global.BackupPath + points[0].Folder + "/ZUKCust.dbf"), present);
+}
+
+TEST_F(RestoreTest, ATableWithoutOneFieldOfTodaysIsRefusedBeforeAnythingIsTouched) {
+    const std::string folder = GivenBackup(7);
+    GivenOrders({"B1"});
+    GivenFile("app/Backup/61115023607/ZUKOrHdr.dbf",
+              TableMaker({{"OTHER", 'C', 4}}).Row({"x"}).Row({"y"}).Bytes());
+
+    const RestoreResult result = Restore(folder);
+
+    EXPECT_EQ(result.How, End::Unusable);
+    EXPECT_NE(result.Why.find("ZUKOrHdr.dbf"), std::string::npos) << result.Why;
+    EXPECT_EQ(Codes(), Strings{"B1"});
+    EXPECT_EQ(List().size(), 1u);
 }
 
 TEST_F(RestoreTest, ADirectoryWithoutTablesIsNotFoundAndLeavesNoFurtherBackup) {

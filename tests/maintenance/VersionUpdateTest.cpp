@@ -3,6 +3,7 @@
 #include "maintenance/Office.h"
 #include "store/OfficeTables.h"
 #include "store/TableCatalogue.h"
+#include "store/TableLayout.h"
 #include "support/EngineTest.h"
 #include "support/Fails.h"
 #include "support/FaultyDisk.h"
@@ -99,6 +100,19 @@ TEST_F(VersionUpdateTest, ATableOfTheSameFieldsStaysAsItIsByteByByte) {
 
     EXPECT_EQ(Bytes(Global.DBFPath + "ZUKPAY.dbf"), before);
     EXPECT_TRUE(NothingIsNew());
+}
+
+TEST_F(VersionUpdateTest, OtherDecimalsOfAFieldAreAnotherStructure) {
+    const auto withDecimals = [](int decimals) {
+        return TableMaker({{"PAY_CODE", 'C', 9}, {"PAY_RATE", 'N', 8, decimals}});
+    };
+    GivenFile("app/DBFFiles/ZUKPAY.dbf", withDecimals(2).Row({"N30", "1.25"}).Bytes());
+    GivenNew("ZUKPAY.dbf", withDecimals(3).Bytes());
+
+    Update();
+
+    EXPECT_EQ(TableLayout::ReadBytes(Bytes(Global.DBFPath + "ZUKPAY.dbf"), "ZUKPAY").FieldDecimals(2), 3);
+    EXPECT_EQ(Pay().Trimmed(1), (Strings{"N30", "1.25"}));
 }
 
 TEST_F(VersionUpdateTest, NamesAreFoundWhateverTheirLetters) {

@@ -387,6 +387,7 @@ TEST_F(TextBridgeTest, TablesHoldTheSameWhenFieldsRecordsAndMarksAgree) {
     EXPECT_FALSE(with(TableMaker({{"CODE", 'C', 2}, {"QTY", 'C', 3}}).Row({"O1", "1"}).Bytes()));
     EXPECT_FALSE(with(TableMaker({{"CODE", 'C', 3}, {"QTY", 'N', 2}}).Row({"O1", "1"}).Bytes()));
     EXPECT_FALSE(with(TableMaker({{"CODE", 'C', 5}}).Row({"O11"}).Bytes()));
+    EXPECT_FALSE(with(TableMaker({{"CODE", 'C', 2}, {"QTY", 'N', 3, 1}}).Row({"O1", "1"}).Bytes()));
 }
 
 // ---- whole tables into another structure ----

@@ -18,6 +18,21 @@ constexpr int C_SEARCH = 1, C_CODE = 2, C_NAME = 4;
 constexpr int I_SEARCH = 1, I_ITEMCODE = 2, I_BARCODE = 3, I_PRICE = 6;
 constexpr int ST_CODE = 1, ST_RATE = 4;
 
+/// A disk from which so many files can be opened, and no more.
+class DiskThatTires final : public PassingDisk {
+public:
+    explicit DiskThatTires(int opens) : left_(opens) {}
+
+    std::unique_ptr<DiskFile> Open(const std::string& path, Access access) override {
+        if (left_ == 0) throw RunTimeFailure(57, path);
+        --left_;
+        return PassingDisk::Open(path, access);
+    }
+
+private:
+    int left_;
+};
+
 class MasterTableTest : public EngineTest {
 protected:
     MasterTableTest() { GivenAppDirectory(); }
@@ -145,6 +160,31 @@ TEST_F(MasterTableTest, ARecordThatIsNoLongerThereIsSavedIntoNoOther) {
         EXPECT_EQ(Customers.Trimmed(C_NAME), "Newer");
         Customers.Close();
     }
+}
+
+TEST_F(MasterTableTest, AFailureWhileTheRecordIsLookedForMakesNoOtherOneTheRecordThatIsSaved) {
+    Global.AppPath.clear(); // no trace: only the editor meets the fault
+    int failures = 0;
+    for (int opens = 0; opens < 50; ++opens) {
+        GivenThree();
+        Customers.Open(2);
+        Given("ZUKCUST", {{{"C_CODE", "C0"}, {"C_NAME", "New"}},
+                          {{"C_SEARCH", "S3"}, {"C_CODE", "C1"}, {"C_NAME", "Acme"}, {"C_ALTSRCH", "alt"}},
+                          {{"C_SEARCH", "S2"}, {"C_CODE", "C2"}, {"C_NAME", "Bolt"}}});
+        DiskThatTires disk(opens);
+        Global.TheDisk = &disk;
+        const int failure = FailureNumber([this] { Customers.Write({{C_NAME, "x"}}); });
+        Global.TheDisk = &NativeDisk();
+
+        EXPECT_TRUE(Customers.Write({{C_NAME, "x"}})) << opens;
+
+        EXPECT_EQ(NamesOnDisk(), (Values{"New", "Acme", "x"})) << opens;
+        Customers.Close();
+        if (failure == 0) break;
+        ++failures;
+    }
+    EXPECT_GE(failures, 5);
+    EXPECT_LT(failures, 50);
 }
 
 TEST_F(MasterTableTest, OfTwoRecordsThatAreAlikeTheOneInItsPlaceIsMeant) {

@@ -22,6 +22,8 @@
 
 #include <QTimer>
 
+#include <algorithm>
+
 namespace {
 
 constexpr double PauseBeforeReading = 0.2;
@@ -54,6 +56,11 @@ void ShowGrid(ViewFlag flag, ShowMode mode, std::int32_t record = 0) {
 /// A table of a backup is shown.
 bool IsPreview() {
     return !Global.ViewFolder.empty();
+}
+
+/// The last name of a path that ends in a separator.
+std::string NameOfFolder(std::string_view path) {
+    return std::string(FileNameOf(path.substr(0, path.size() - std::min<std::size_t>(path.size(), 1))));
 }
 
 /// The view of a table that a backup can hold; nullptr for any other file.
@@ -335,10 +342,17 @@ void frmViewGrid::ShowBackups(const std::string& folder) {
     FG1->setFocus();
 }
 
-/// From a table of a backup to the list. The folder's path ends in a separator.
+/// The backup that lies in a directory; nullptr when the list has none there.
+BackupPoint* frmViewGrid::BackupIn(std::string_view folder) {
+    const std::string name = NameOfFolder(folder);
+    const auto found = std::find_if(backups_.begin(), backups_.end(),
+                                    [&name](const BackupPoint& point) { return point.Folder == name; });
+    return found == backups_.end() ? nullptr : &*found;
+}
+
+/// From a table of a backup to the list.
 void frmViewGrid::BackToList() {
-    const std::string_view folder = Global.ViewFolder;
-    ShowBackups(std::string(FileNameOf(folder.substr(0, folder.size() - 1))));
+    ShowBackups(NameOfFolder(Global.ViewFolder));
 }
 
 void frmViewGrid::Preview() {
@@ -358,9 +372,11 @@ void frmViewGrid::Restore() {
     if (!point || !AskYesNo(msg::RestoreQuestion, Icon::Warning) || IsOver()) return;
     const std::string name = point->Folder;
     const std::string folder = FindBackup(point->Values[MomentColumn]);
-    CompareSums(*point);
-    if (!folder.empty() && point->Files == BackupFiles::Changed &&
-        !AskYesNo(Lines(Lines(msg::FilesNoLongerMatch, NamesOf(point->Changed, point->Missing)),
+    // A text in a directory of another name leads to the one of its moment.
+    BackupPoint* restored = BackupIn(folder);
+    if (restored) CompareSums(*restored);
+    if (restored && restored->Files == BackupFiles::Changed &&
+        !AskYesNo(Lines(Lines(msg::FilesNoLongerMatch, NamesOf(restored->Changed, restored->Missing)),
                         msg::RestoreAnyway),
                   Icon::Warning))
         return;

@@ -66,6 +66,7 @@ private:
     void ShowView();
     void Caption(QPushButton& button, MessageId text);
     BackupPoint* SelectedBackup();
+    BackupPoint* BackupIn(std::string_view folder);
     void ShowFiles(const BackupPoint& point);
     void Preview();
     void Restore();
