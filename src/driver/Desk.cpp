@@ -98,6 +98,10 @@ QWidget& Desk::FreeForm(const QString& name) const {
 QWidget* Desk::BlockedBy(const QWidget& window) {
     QWidget* modal = QApplication::activeModalWidget();
     if (!modal || modal == &window || modal->isAncestorOf(&window)) return nullptr;
+    // A window that belongs to the modal one, as one that was opened from there, stands above it.
+    const QWindow* handle = window.windowHandle();
+    const QWindow* above = modal->windowHandle();
+    if (handle && above && above->isAncestorOf(handle, QWindow::IncludeTransients)) return nullptr;
     for (const QWidget* parent = window.parentWidget(); parent; parent = parent->parentWidget()) {
         if (parent == modal) return nullptr;
     }

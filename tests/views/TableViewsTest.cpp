@@ -62,7 +62,7 @@ protected:
 };
 
 TEST_F(TableViewsTest, EachFlagOpensItsTableUnderItsTitleWithItsIcon) {
-    ASSERT_EQ(AllTableViews().size(), std::size(Cases));
+    ASSERT_EQ(AllTableViews().size(), std::size(Cases) + 1); // the list of backups is none
     for (const ViewCase& each : Cases) {
         ClearViewFlags();
         Global.View[each.Flag] = true;
@@ -79,6 +79,19 @@ TEST_F(TableViewsTest, EachFlagOpensItsTableUnderItsTitleWithItsIcon) {
         EXPECT_GT(Text(view->WhenEmpty).Utf8().size(), 40U);
         EXPECT_EQ(&view->Table(), FindTable(each.File));
     }
+}
+
+TEST_F(TableViewsTest, TheListOfBackupsIsNoTable) {
+    ClearViewFlags();
+    Global.View[ViewRestore] = true;
+
+    const TableView* view = ChosenView();
+
+    ASSERT_NE(view, nullptr);
+    EXPECT_STREQ(view->File, "");
+    EXPECT_EQ(Text(view->GridTitle).CodePage(), "Restore Orders");
+    EXPECT_STREQ(view->Icon, "Restore.ico");
+    EXPECT_EQ(view->Display, DisplayRoutine::RestoreData);
 }
 
 TEST_F(TableViewsTest, TheFirstFlagThatIsSetCounts) {
