@@ -236,7 +236,8 @@ private:
                                    QStringLiteral("Yes"));
         program_->ExpectContaining(QStringLiteral("Tables successfully restored!"));
         program_->Click(list, QStringLiteral("cmdEdit"));
-        program_->Done();
+        program_->Done(
+            DriverClient::Milliseconds(Patience)); // it goes on when the second of the clearing is over
         Require(TablesIn(QStringLiteral("DBFFiles")) == tables,
                 QStringLiteral("what was restored is not what was cleared"));
         Require(OnPC() == held, QStringLiteral("the PC does not hold the orders that were cleared"));

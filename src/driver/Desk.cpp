@@ -122,12 +122,9 @@ bool Desk::IsSettled(const QWidget& window) const {
 void Desk::ActivateTop() {
     const QWindow* focus = QGuiApplication::focusWindow();
     if (focus && focus->isVisible()) return;
-    if (QWidget* modal = QApplication::activeModalWidget()) {
-        modal->activateWindow();
-        return;
+    for (QWidget* window : Windows()) {
+        if (!BlockedBy(*window)) return window->activateWindow();
     }
-    const QList<QWidget*> windows = Windows();
-    if (!windows.isEmpty()) windows.front()->activateWindow();
 }
 
 QString Desk::NameOf(const QWidget& window) {

@@ -4,7 +4,9 @@
 #include "driver/Reading.h"
 #include "driver/Refused.h"
 
+#include <QAbstractItemView>
 #include <QApplication>
+#include <QCompleter>
 #include <QDir>
 #include <QFileInfo>
 #include <QJsonArray>
@@ -565,6 +567,8 @@ void Driver::FillBox(const QPointer<QWidget>& guard, const Expectation& expected
             if (!edit) edit = box.findChild<QLineEdit*>();
             if (!edit) throw Refused(QStringLiteral("the box has no line to type into"));
             SetControl(*edit, *expected.Input);
+            // The list of names that match would take the click on the button.
+            if (guard && edit->completer()) edit->completer()->popup()->hide();
         }
         if (!guard) return;
         QWidget* button = FindControl(box, expected.Button);

@@ -7,6 +7,7 @@
 #include <QCloseEvent>
 #include <QComboBox>
 #include <QDialog>
+#include <QDialogButtonBox>
 #include <QEventLoop>
 #include <QFileDialog>
 #include <QGroupBox>
@@ -67,8 +68,9 @@ QString FileBox(const QString& title) {
     box.setOption(QFileDialog::DontUseNativeDialog);
     box.setFileMode(QFileDialog::ExistingFile);
     Named(box.findChild<QLineEdit*>("fileNameEdit"), "txtAnswer");
-    for (QPushButton* button : box.findChildren<QPushButton*>()) {
-        if (button->isDefault()) Named(button, "Ok");
+    auto* buttons = box.findChild<QDialogButtonBox*>();
+    for (QAbstractButton* button : buttons->buttons()) {
+        if (buttons->buttonRole(button) == QDialogButtonBox::AcceptRole) Named(button, "Ok");
     }
     return box.exec() == QDialog::Accepted ? box.selectedFiles().value(0) : "(given up)";
 }

@@ -18,6 +18,7 @@
 #include <QSettings>
 #include <QTableView>
 #include <QTest>
+#include <QTextEdit>
 
 namespace {
 
@@ -182,6 +183,7 @@ QString FormTest::TextOf(FormBehaviour& form, const char* name) {
         return button->text().remove(QLatin1Char('&'));
     if (auto* edit = qobject_cast<QLineEdit*>(&control)) return edit->text();
     if (auto* box = qobject_cast<QComboBox*>(&control)) return box->currentText();
+    if (auto* text = qobject_cast<QTextEdit*>(&control)) return text->toPlainText();
     throw std::runtime_error(std::string("no text in ") + name);
 }
 

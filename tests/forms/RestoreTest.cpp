@@ -59,7 +59,8 @@ protected:
 
     static std::vector<std::string> Cells(FormBehaviour& form, int row) {
         std::vector<std::string> cells;
-        for (const QString& cell : GridRows(form, "FG1").at(static_cast<std::size_t>(row)))
+        const auto rows = GridRows(form, "FG1");
+        for (const QString& cell : rows.at(static_cast<std::size_t>(row)))
             cells.push_back(cell.toStdString());
         return cells;
     }

@@ -606,9 +606,9 @@ std::vector<std::string> StepsOfStart() {
 std::vector<std::string> StepsOfUpdate() {
     const std::string text = "DBFFiles/DBFCOPY.TXT";
     std::vector<std::string> steps = StepsOfTwins();
-    steps.insert(steps.end(), {"DBFFiles/ZUKBRAND.dbf", "DBFNew/ZUKBRAND.dbf", text, text,
-                               "DBFFiles/ZUKPAY.dbf", text, text, "Install/ZUKPAY.dbf", "DBFEmpty/ZUKPAY.dbf",
-                               "DBFEmpty/ZUKPAY.dbf", "DBFNew/ZUKPAY.dbf"});
+    steps.insert(steps.end(),
+                 {"DBFFiles/ZUKBRAND.dbf", "DBFNew/ZUKBRAND.dbf", text, text, "DBFFiles/ZUKPAY.dbf", text,
+                  text, "Install/ZUKPAY.dbf", "DBFEmpty/ZUKPAY.dbf", "DBFNew/ZUKPAY.dbf"});
     return steps;
 }
 

@@ -377,6 +377,13 @@ void FirstCheck::FindFatalProblemsAndLookAtTheRecords() {
     EXPECT_EQ(saved.count("\"Fatal\","), 5);
     EXPECT_EQ(saved.count("\"Warn\","), 3);
 
+    PressAndWait(Report, "cmdPreview", "frmPreview");
+    ExpectText("frmPreview", "lblPage", "Page 1 of 1");
+    PressToClose("frmPreview", "cmdOK");
+    PressAndWait(Report, "cmdPrint", "PrintDialog");
+    program_->Click("PrintDialog", "Cancel");
+    program_->WaitGone("PrintDialog");
+
     PressToClose(Report, "cmdOK");
     EXPECT_FALSE(program_->IsShown(Config));
 }
@@ -844,6 +851,7 @@ void FirstCheck::SetUpSalesTaxAndPrinting() {
         program_->Set(EditSTax, "txtField_1", code);
         program_->Set(EditSTax, "txtField_4", "8.25");
     }
+    Press(EditSTax, "cmdFirst");
     WalkThrough(EditSTax, 2);
     CheckAndFindNothing(ConfigSTax, "cmdQC"); // and puts them in order
     OpenEditor(ConfigSTax, "cmdSTax", EditSTax);

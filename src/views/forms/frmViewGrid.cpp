@@ -28,6 +28,9 @@ namespace {
 
 constexpr double PauseBeforeReading = 0.2;
 
+/// After it, a backup has another name.
+constexpr double OneSecond = 1.0;
+
 /// How long a backup has been selected before its files are read, in milliseconds.
 constexpr int TimeToRest = 200;
 
@@ -381,7 +384,12 @@ void frmViewGrid::Restore() {
                   Icon::Warning))
         return;
     if (IsOver()) return;
-    const RestoreResult result = RestoreTables(folder, CopyTable);
+    RestoreResult result = RestoreTables(folder, CopyTable);
+    if (result.How == RestoreResult::End::ThisMoment) {
+        PauseFor(OneSecond);
+        if (IsOver()) return;
+        result = RestoreTables(folder, CopyTable);
+    }
     const bool recorded = !result.Done.empty() && RecordRestore();
     TellOf(result, recorded);
     if (!IsOver()) ShowBackups(name);

@@ -6,6 +6,7 @@
 #include "core/Operator.h"
 #include "platform/Convert.h"
 #include "platform/Look.h"
+#include "sync/Images.h"
 #include "views/Signatures.h"
 
 #include <QShortcut>
@@ -27,6 +28,9 @@ void frmViewSign::Form_Load() {
                                                      {Qt::Key_End, cmdLast}};
     for (const auto& [key, button] : keys)
         connect(new QShortcut(key, this), &QShortcut::activated, button, &QPushButton::click);
+    // A session can be over before the main screen has seen the manager's window, and names the images at its
+    // end.
+    RenameImages(Global.ImagesPath);
     try {
         MakeSignTable();
         headers_.Open(SignTablePath(), Fields[0], 1);
