@@ -350,13 +350,15 @@ bool Driver::DispatchDeed(const QJsonValue& id, const QString& deed, const QJson
             const QWidget& form = desk_.FreeForm(TextArgument(request, "form"));
             if (!form.isActiveWindow()) const_cast<QWidget&>(form).activateWindow();
         }
-        desk_.ActivateTop();
         const QString keys = TextArgument(request, isDeed("key") ? "key" : "text");
-        Perform(id, [this, keys, single = isDeed("key")] {
-            const QPointer<Driver> guard = this;
-            single ? PressKey(keys) : TypeText(keys);
-            if (guard) NotePressedButton();
-        });
+        PerformByKeys(
+            id,
+            [this, keys, single = isDeed("key")] {
+                const QPointer<Driver> guard = this;
+                single ? PressKey(keys) : TypeText(keys);
+                if (guard) NotePressedButton();
+            },
+            QDeadlineTimer(AnswerMilliseconds));
     } else if (isDeed("close") || isDeed("quit")) {
         QWidget& form =
             desk_.FreeForm(isDeed("quit") ? QStringLiteral("frmMain1") : TextArgument(request, "form"));
@@ -423,6 +425,13 @@ QWidget& Driver::Widget(const QJsonObject& request, bool mustBeFree) const {
     if (control.isWidgetType()) return static_cast<QWidget&>(control);
     throw Refused(QStringLiteral("%1.%2 is a menu entry")
                       .arg(TextArgument(request, "form"), TextArgument(request, "control")));
+}
+
+void Driver::PerformByKeys(const QJsonValue& id, const std::function<void()>& deed, QDeadlineTimer until) {
+    desk_.ActivateTop();
+    // The window system tells of the active window a while behind the wish.
+    if (QGuiApplication::focusWindow() || until.hasExpired()) return Perform(id, deed);
+    QTimer::singleShot(1, this, [this, id, deed, until] { PerformByKeys(id, deed, until); });
 }
 
 void Driver::Perform(const QJsonValue& id, const std::function<void()>& deed) {

@@ -64,6 +64,8 @@ private:
     bool DispatchDeed(const QJsonValue& id, const QString& deed, const QJsonObject& request);
     QJsonObject Look(const QString& deed, const QJsonObject& request);
     void Perform(const QJsonValue& id, const std::function<void()>& deed);
+    /// As Perform, once a window has the keyboard's focus.
+    void PerformByKeys(const QJsonValue& id, const std::function<void()>& deed, QDeadlineTimer until);
 
     void AddWait(Wait wait);
     void CheckWaits();
