@@ -82,8 +82,9 @@ std::string ValueOf(const TableField& field, std::int32_t record) {
     return std::string(field.Name).substr(0, field.Length / 2) + " " + std::to_string(record % 1000);
 }
 
-bool IsOfOneRecord(std::string_view table) {
-    return table == "ZUKComp" || table == "ZUKPrint" || table == "ZUKSetup";
+std::int32_t MostOf(std::string_view table, std::int32_t records) {
+    if (table == "ZUKComp" || table == "ZUKPrint" || table == "ZUKSetup") return std::min(records, 1);
+    return table == "ZUKLINK" ? std::min(records, MostHandhelds) : records;
 }
 
 } // namespace
@@ -91,7 +92,7 @@ bool IsOfOneRecord(std::string_view table) {
 void FillAllTables(const std::string& tables, std::int32_t records) {
     for (const TableEntry& table : AllTables()) {
         TableRewrite rewrite(AddBackslash(tables) + table.Name + ".dbf");
-        const std::int32_t count = IsOfOneRecord(table.Name) ? std::min(records, 1) : records;
+        const std::int32_t count = MostOf(table.Name, records);
         for (std::int32_t record = 1; record <= count; ++record) {
             rewrite.Append();
             int place = 0;

@@ -1,8 +1,11 @@
 #include "ScreensByKeys.h"
 
+#include "FilledTables.h"
+
 #include <QStringList>
 
 #include <algorithm>
+#include <limits>
 #include <string>
 #include <utility>
 
@@ -85,21 +88,24 @@ private:
 struct View {
     const char* Keys;
     const char* Name;
-    bool One = false; ///< never has more than one record
+    std::int32_t Most = std::numeric_limits<std::int32_t>::max(); ///< records that its table has
 };
 
 constexpr View Views[] = {
-    {"Alt+V S C", "company", true},  {"Alt+V S L", "links"},       {"Alt+V S P", "payments"},
-    {"Alt+V S R", "printer", true},  {"Alt+V S T", "salestax"},    {"Alt+V S S", "setup", true},
-    {"Alt+V M C", "customers"},      {"Alt+V M I", "items"},       {"Alt+V O H", "headers"},
-    {"Alt+V O L", "lines"},          {"Alt+V A H", "headeraudit"}, {"Alt+V A L", "lineaudit"},
-    {"Alt+V A T", "handheldtotals"}, {"Alt+V B", "barcodes"},      {"Alt+V R", "spooler"},
+    {"Alt+V S C", "company", 1},     {"Alt+V S L", "links", MostHandhelds},
+    {"Alt+V S P", "payments"},       {"Alt+V S R", "printer", 1},
+    {"Alt+V S T", "salestax"},       {"Alt+V S S", "setup", 1},
+    {"Alt+V M C", "customers"},      {"Alt+V M I", "items"},
+    {"Alt+V O H", "headers"},        {"Alt+V O L", "lines"},
+    {"Alt+V A H", "headeraudit"},    {"Alt+V A L", "lineaudit"},
+    {"Alt+V A T", "handheldtotals"}, {"Alt+V B", "barcodes"},
+    {"Alt+V R", "spooler"},
 };
 
 /// The grid of a table from end to end, and the same record by record.
 void SeeTable(Keyboard& keys, const View& view) {
     DriverClient& program = keys.Program();
-    const std::int32_t count = view.One ? std::min(keys.AllRecords(), 1) : keys.AllRecords();
+    const std::int32_t count = std::min(keys.AllRecords(), view.Most);
     keys.Open(view.Keys, Grid, (std::string("grid-") + view.Name).c_str());
     keys.Press("End");
     keys.Press("Alt+V");
@@ -124,11 +130,14 @@ struct Editor {
     const char* Form;
     const char* Key;   ///< that leads to the field that must not be empty
     const char* Field; ///< its control
+    std::int32_t Most = std::numeric_limits<std::int32_t>::max(); ///< records that its table has
 };
 
 constexpr Editor Editors[] = {
-    {"Alt+E M C", "frmEditCust", "Alt+U", "txtField_2"}, {"Alt+E M I", "frmEditItem", "Alt+T", "txtField_2"},
-    {"Alt+E S T", "frmEditSTax", "Alt+X", "txtField_1"}, {"Alt+E S L", "frmChgLink", "Alt+Y", "txtHotSync"},
+    {"Alt+E M C", "frmEditCust", "Alt+U", "txtField_2"},
+    {"Alt+E M I", "frmEditItem", "Alt+T", "txtField_2"},
+    {"Alt+E S T", "frmEditSTax", "Alt+X", "txtField_1"},
+    {"Alt+E S L", "frmChgLink", "Alt+Y", "txtHotSync", MostHandhelds},
     {"Alt+E S P", "frmPay", "Alt+T", "txtPayCDesc"},
 };
 
@@ -136,7 +145,7 @@ constexpr Editor Editors[] = {
 void Edit(Keyboard& keys, const Editor& editor) {
     DriverClient& program = keys.Program();
     const QString form = Q(editor.Form);
-    const std::int32_t count = keys.AllRecords();
+    const std::int32_t count = std::min(keys.AllRecords(), editor.Most);
     const bool isPay = form == Q("frmPay");
     OpenEditor(keys, editor.Menu, form, editor.Form);
     keys.RequireText(form, "lblCount", keys.CountOf(1, count));
