@@ -22,12 +22,15 @@
 
 namespace {
 
+const QString Light = QStringLiteral("light"), Dark = QStringLiteral("dark");
+
 void Say(const QString& line) {
     std::fputs((line + QLatin1Char('\n')).toLocal8Bit().constData(), stdout);
     std::fflush(stdout);
 }
 
-void GoThrough(const QString& build, const QString& folder, int records) {
+/// In an office of its own, since what is saved in an empty table stays.
+void GoThrough(const QString& build, const QString& folder, int records, const QString& look) {
     const QTemporaryDir place;
     const QTemporaryDir samples;
     const OfficeForDay office(build, place.filePath(QStringLiteral("office")), samples.path());
@@ -40,20 +43,18 @@ void GoThrough(const QString& build, const QString& folder, int records) {
     program.ExpectContaining(QStringLiteral("Palm Desktop software is needed"));
     program.Start();
     program.WaitForm(QStringLiteral("frmMain1"));
-    for (const char* look : {"light", "dark"}) {
-        QElapsedTimer timer;
-        timer.start();
-        const int screens =
-            ScreensByKeys{program, records,
-                          QStringLiteral("%1/%2-%3-").arg(folder).arg(records).arg(QLatin1String(look))}
-                .Run();
-        Say(QStringLiteral("%1 records, %2: %3 screens, %4 s")
-                .arg(records)
-                .arg(QLatin1String(look))
-                .arg(screens)
-                .arg(static_cast<double>(timer.elapsed()) / 1000, 0, 'f', 1));
+    if (look == Dark) {
         for (const char* key : {"Alt+V", "D"}) program.Key(QLatin1String(key));
     }
+    QElapsedTimer timer;
+    timer.start();
+    const int screens =
+        ScreensByKeys{program, records, QStringLiteral("%1/%2-%3-").arg(folder).arg(records).arg(look)}.Run();
+    Say(QStringLiteral("%1 records, %2: %3 screens, %4 s")
+            .arg(records)
+            .arg(look)
+            .arg(screens)
+            .arg(static_cast<double>(timer.elapsed()) / 1000, 0, 'f', 1));
     program.Done();
     program.Quit();
 }
@@ -72,7 +73,9 @@ int main(int argc, char** argv) {
         const QString folder = QDir(arguments.at(2)).absolutePath();
         QStringList counts = arguments.mid(3);
         if (counts.isEmpty()) counts = {QStringLiteral("0"), QStringLiteral("1"), QStringLiteral("100000")};
-        for (const QString& count : counts) GoThrough(arguments.at(1), folder, count.toInt());
+        for (const QString& count : counts) {
+            for (const QString& look : {Light, Dark}) GoThrough(arguments.at(1), folder, count.toInt(), look);
+        }
         return 0;
     } catch (const std::exception& failure) {
         std::fprintf(stderr, "%s\n", failure.what());
