@@ -3,10 +3,12 @@
 //   pictures_of_screens BUILD FOLDER [TEXTS]
 //
 // writes FOLDER/<form>-light.png and FOLDER/<form>-dark.png, with the demonstration day's files in
-// the office that the screens show; and more of a form that has several faces. TEXTS is a translation,
-// a file of rows as in Messages.tsv. At another scale: set QT_SCALE_FACTOR before.
+// the office that the screens show; and more of a form that has several faces. FOLDER/Report-*.pdf are the
+// reports as a printer would have them. TEXTS is a translation, a file of rows as in Messages.tsv. At
+// another scale: set QT_SCALE_FACTOR before.
 
 #include "AllForms.h"
+#include "FilledTables.h"
 #include "OfficeForDay.h"
 #include "core/Failure.h"
 #include "core/Globals.h"
@@ -16,9 +18,11 @@
 #include "core/SafeFile.h"
 #include "exchange/Activity.h"
 #include "exchange/forms/QuickButtonForm.h"
+#include "maintenance/Backup.h"
 #include "platform/Convert.h"
 #include "platform/GridView.h"
 #include "platform/Look.h"
+#include "platform/Printing.h"
 #include "sync/SFrmAX40.h"
 #include "sync/TableTemplates.h"
 #include "sync/UnattendedSettings.h"
@@ -53,10 +57,15 @@ public:
     std::optional<std::string> InputBox(const Text&, const std::string&) override { return std::nullopt; }
     std::optional<std::string> OpenFile(const FileQuestion&) override { return std::nullopt; }
     bool Ask(const Question&) override { return false; }
-    std::unique_ptr<Printer> PrinterDialog(const Text&) override { return nullptr; }
+    std::unique_ptr<Printer> PrinterDialog(const Text& document) override {
+        if (PrintsTo.empty()) return nullptr;
+        std::printf("%s\n", PrintsTo.c_str());
+        return NewPdfPrinter(PrintsTo, UsualPaper(), ToQt(document));
+    }
     void Beep() override {}
 
     bool RunsActivities = false;
+    std::string PrintsTo; ///< path of a PDF file, instead of a dialog that is given up
 };
 
 /// A HotSync Manager with two users, and no handheld.
@@ -184,6 +193,9 @@ void FillSettings(const QString& build, const OfficeForDay& office) {
     QPainter painter(&ink);
     painter.drawPath(stroke);
     painter.end();
+    WriteWholeFile(PathFromQt(office.Path(QStringLiteral("UpdateReadMe.rtf"))),
+                   "{\\rtf1{\\b What is new}\\par\\par Customer names may be {\\i 40} characters long.\\par "
+                   "The payments table has a field more.\\par}");
     const QString images = office.Path(QStringLiteral("DBFFiles/Images/"));
     QDir().mkpath(images);
     const QImage dots = ink.convertToFormat(QImage::Format_Mono, Qt::ThresholdDither);
@@ -430,6 +442,60 @@ void BrowserFaces(const QString& folder) {
     The<frmViewGrid>().Unload();
 }
 
+/// The backups of a day, of which one has lost its tables and one has been changed; and a table that is
+/// being put back.
+void RestoreFaces(const QString& folder) {
+    const char* events[] = {"UPLOAD-ADD", "EXPORT", "CLEAR"};
+    for (int k = 0; k < 3; ++k) {
+        static DateTime moment;
+        moment = {2026, 11, 21, 17 + k, 5, 30};
+        Global.Clock = [] { return moment; };
+        MakeBackup(events[k]);
+        const std::string backup = Global.BackupPath + BackupName(moment) + "/";
+        if (k == 0) PurgeBackups(moment, [](std::string_view) {});
+        if (k == 1) WriteWholeFile(backup + "ZUKOrLin.dbf", "not what it was");
+    }
+    Global.Clock = nullptr;
+    ShowTable(ViewRestore);
+    Save(The<frmViewGrid>(), folder, QStringLiteral("frmViewGrid-restore"));
+    The<frmViewGrid>().Unload();
+
+    QTimer meanwhile;
+    meanwhile.callOnTimeout([&] {
+        if (auto* copying = IfLoaded<frmCopyDBF>(); copying != nullptr && copying->isVisible()) {
+            Save(*copying, folder, QStringLiteral("frmCopyDBF-table"));
+            meanwhile.stop();
+        }
+    });
+    meanwhile.start(0);
+    CopyTable(Global.DBFPath + "ZUKCust.dbf", Global.DBFPath + "ZUKCust.dbf");
+}
+
+/// Each report over tables that fill more than a page.
+void PrintReports(Nobody& nobody, const QString& folder) {
+    const auto to = [&](const char* name) {
+        nobody.PrintsTo = PathFromQt(folder) + "/Report-" + name + ".pdf";
+    };
+    Press(The<frmConfig>(), "cmdCheckAll");
+    to("check");
+    Press(The<frmConfigMsg>(), "cmdPrint");
+    The<frmConfigMsg>().Unload();
+    The<frmConfig>().Unload();
+    FillAllTables(Global.DBFPath, 130);
+    const std::pair<ViewFlag, const char*> reports[] = {{ViewTotals, "totals"},
+                                                        {ViewOrHdrAudt, "header-audit"},
+                                                        {ViewOrLinAudt, "line-audit"},
+                                                        {ViewAudHH, "handheld-totals"}};
+    for (const auto& [flag, name] : reports) {
+        ShowTable(flag);
+        Settle();
+        to(name);
+        Press(The<frmViewGrid>(), "cmdPrint");
+        The<frmViewGrid>().Unload();
+    }
+    nobody.PrintsTo.clear();
+}
+
 /// The report of a check of the imported tables, the Configurator behind it, and what the report's
 /// rows lead to.
 void CheckFaces(const QString& build, const OfficeForDay& office, const QString& folder) {
@@ -522,7 +588,10 @@ int main(int argc, char** argv) {
             ManagerFaces(folder, PathFromQt(work.filePath(QStringLiteral("nobody"))));
             OptionsFaces(folder);
             BrowserFaces(folder);
+            RestoreFaces(folder);
             CheckFaces(arguments[1], office, folder);
+            // They are black on white in either look.
+            if (dark) PrintReports(nobody, folder);
             FormRegistry::Instance().Clear();
         }
     } catch (const std::exception& failure) {
