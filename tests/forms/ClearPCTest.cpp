@@ -13,6 +13,7 @@
 #include <QComboBox>
 #include <QStatusBar>
 
+#include <algorithm>
 #include <filesystem>
 
 namespace {
@@ -193,6 +194,25 @@ TEST_F(ClearPC, AsAKeeperOfTemplatesItAsksFirstWhetherItIsToClear) {
     Click(again, "cmdOK");
     EXPECT_EQ(RecordCount("ZUKCUST"), 0);
     EXPECT_EQ(Backups().size(), 1U);
+}
+
+TEST_F(ClearPC, CustomersAloneAreClearedBehindABackupThatHoldsOnlyTheOrderAndAuditTables) {
+    auto& form = Open<frmTableSelectPC>();
+    Tick(form, {"chkCust"});
+    ExpectWarning(Answer::Yes);
+
+    Click(form, "cmdOK");
+
+    EXPECT_EQ(RecordCount("ZUKCUST"), 0);
+    EXPECT_EQ(RecordCount("ZUKOrHdr"), 2);
+    EXPECT_EQ(RecordCount("ZUKTOTALPC"), 0) << "no event: the orders stand as they stood";
+    ASSERT_EQ(Backups().size(), 1U);
+    const std::string backup = Global.BackupPath + Backups()[0] + "/";
+    EXPECT_EQ(EngineTest::Lines(backup + "Backup.txt").at(0), "CLEAR");
+    Names files = Global.TheDisk->FilesIn(backup);
+    std::sort(files.begin(), files.end());
+    EXPECT_EQ(files, (Names{"Backup.txt", "ZUKAudHH.dbf", "ZUKAudTH.dbf", "ZUKAudTL.dbf", "ZUKOrHdr.dbf",
+                            "ZUKOrLin.dbf"}));
 }
 
 TEST_F(ClearPC, ClearedLinksAndCompanyAreGoneFromTheMainScreenToo) {
