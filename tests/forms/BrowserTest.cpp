@@ -686,8 +686,9 @@ TEST_F(Browser, FromEachEditorTheGridComesBackOnTheSameRecordAlsoWhenItWasSorted
         Grid(grid).SelectRecord(2);
         Click(grid, "cmdEdit");
         ASSERT_EQ(IfLoaded<frmViewGrid>(), nullptr);
-        auto* editor = FormRegistry::Instance().Find(
-            flag == ViewItem ? "frmEditItem" : flag == ViewSTax ? "frmEditSTax" : "frmPay");
+        auto* editor = FormRegistry::Instance().Find(flag == ViewItem   ? "frmEditItem"
+                                                     : flag == ViewSTax ? "frmEditSTax"
+                                                                        : "frmPay");
         ASSERT_NE(editor, nullptr);
         EXPECT_EQ(TextOf(*editor, "lblCount"), QStringLiteral("2 of 3"));
 

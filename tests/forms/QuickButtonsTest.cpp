@@ -183,10 +183,8 @@ TEST_F(QuickButtons, ATemplateWithAFullPathInItsFirstLineWorksAndThePathIsDroppe
     GivenFile("app/DataIn/i.csv", "I1,Nail\r\n");
     const std::string elsewhere = GivenFile("elsewhere/i.csv", "X9,not this one\r\n");
     const std::string rest = "\r\nCSV\r\nStartLine=1\r\n[FIELDS]\r\n";
-    WriteWholeFile(Global.ImportTemplates + "Cust.cst",
-                   "C:\\Old\\c.csv" + rest + "C_CODE\r\n[LITERALS]\r\n");
-    WriteWholeFile(Global.ImportTemplates + "Items.itm",
-                   elsewhere + rest + "I_ITEMCODE\r\n[LITERALS]\r\n");
+    WriteWholeFile(Global.ImportTemplates + "Cust.cst", "C:\\Old\\c.csv" + rest + "C_CODE\r\n[LITERALS]\r\n");
+    WriteWholeFile(Global.ImportTemplates + "Items.itm", elsewhere + rest + "I_ITEMCODE\r\n[LITERALS]\r\n");
     GivenActivity("Morning.ipm", "Cust.cst", "Items.itm");
     auto& form = Run<frmQBImport>("Morning");
 
