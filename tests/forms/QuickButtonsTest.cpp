@@ -401,6 +401,28 @@ TEST_F(QuickButtons, YesMakesABackupRecordsTheEventAndEmptiesTheTables) {
     EXPECT_EQ(Cell("ZUKTOTALPC", 1, "TP_DATETIM"), "2026-11-15 02:36:07");
 }
 
+TEST_F(QuickButtons, AYesInTheSecondOfAnotherYesLeavesTheFirstOnesBackupInItsPlace) {
+    static DateTime clockTime;
+    clockTime = {2026, 11, 15, 2, 36, 7};
+    Global.Clock = [] { return clockTime; };
+    GivenOrders();
+    GivenExportTemplate("Orders.xor", "out.txt", {"H_ORDCODE"});
+    GivenActivity("Evening.xpm", "Orders.xor", "Orders.xor");
+    auto& form = Run<frmQBExport>("Evening");
+    const Text question = ::Lines(msg::DeleteExported, msg::DeleteExportedNote);
+    Operator_.Expect(question).Answer(Answer::Yes);
+    // Time passes only when the program waits.
+    Operator_.Expect(question).Answer(Answer::Yes).Then([] {
+        QTimer::singleShot(0, qApp, [] { clockTime.Second = 8; });
+    });
+
+    Click(form, "cmdOK");
+
+    EXPECT_EQ(TextOf(form, "lblSST_2"), QStringLiteral("0 of 0"));
+    EXPECT_EQ(EngineTest::Lines(Global.BackupPath + "61115023607/Backup.txt").at(2), "2");
+    EXPECT_EQ(EngineTest::Lines(Global.BackupPath + "61115023608/Backup.txt").at(2), "0");
+}
+
 TEST_F(QuickButtons, AFailedBackupIsToldAndTheOrdersStay) {
     GivenOrders();
     GivenExportTemplate("Orders.xor", "out.txt", {"H_ORDCODE"});
