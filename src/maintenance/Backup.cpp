@@ -139,6 +139,10 @@ bool MakeBackup(std::string_view event, const std::vector<std::string>& further)
     }
 }
 
+bool HasBackupOfThisSecond() {
+    return FileExists(AddBackslash(Global.BackupPath + BackupName(Now())) + "Backup.txt");
+}
+
 int PurgeBackups(const DateTime& limit, const std::function<void(std::string_view)>& cannotDelete) {
     const std::int64_t last = NumberOf(BackupName(limit)).value_or(0);
     int deleted = 0;

@@ -22,6 +22,9 @@
 /// `further` are the file names of other tables that the operation replaces, copied too.
 bool MakeBackup(std::string_view event, const std::vector<std::string>& further = {});
 
+/// Whether a backup of this very second stands, whose place another one would take.
+bool HasBackupOfThisSecond();
+
 /// A table of a backup as a line behind the eighth of `Backup.txt` tells it: name, bytes, records and
 /// checksum, parted by tabs.
 struct SavedTable {

@@ -147,6 +147,25 @@ TEST_F(RestoreScreen, ABackupIsListedLookedAtAndRestoredAndWhatWasThereBeforeIsL
     EXPECT_EQ(IfLoaded<frmViewGrid>(), nullptr);
 }
 
+TEST_F(RestoreScreen, TwoRestoresInOneSecondLeaveTheStateBeforeEach) {
+    GivenBackup("CLEAR", 10);
+    auto& form = OpenList();
+    const auto restore = [&](const std::vector<std::string>& before, const std::function<void()>& deed) {
+        GivenOrders(before);
+        Grid(form).SelectRecord(static_cast<int>(GridRows(form, "FG1").size())); // the oldest
+        Operator_.Expect(msg::RestoreQuestion).Answer(Answer::Yes).Then(deed);
+        Operator_.ExpectBeginning(msg::RestoreDone);
+        Click(form, "cmdEdit");
+    };
+    restore({"B1"}, [] {});
+    // Time passes only when the program waits.
+    restore({"C1", "C2", "C3"}, [] { QTimer::singleShot(0, qApp, [] { clockTime.Second = 1; }); });
+
+    ASSERT_EQ(GridRows(form, "FG1").size(), 3U);
+    EXPECT_EQ(Cells(form, 0)[0] + Cells(form, 0)[2], "RESTORE3");
+    EXPECT_EQ(Cells(form, 1)[0] + Cells(form, 1)[2], "RESTORE1");
+}
+
 TEST_F(RestoreScreen, WhatHasBecomeOfABackupIsMarkedAndTold) {
     auto& none = OpenList();
     EXPECT_FALSE(Enabled(none, "cmdEdit"));

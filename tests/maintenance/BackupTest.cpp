@@ -228,6 +228,18 @@ TEST_F(BackupTest, TwoInTheSameSecondWriteIntoOneDirectoryAndTheSecondReplacesTh
     EXPECT_EQ(TableAt(Directory() + "ZUKOrHdr.dbf").Count, 1);
 }
 
+TEST_F(BackupTest, WhetherOneOfThisSecondStandsGoesByTheTextThatMakesItCount) {
+    EXPECT_FALSE(HasBackupOfThisSecond());
+    ASSERT_TRUE(MakeBackup("CLEAR"));
+    EXPECT_TRUE(HasBackupOfThisSecond());
+    fs::remove(Directory() + "Backup.txt");
+    EXPECT_FALSE(HasBackupOfThisSecond());
+
+    ASSERT_TRUE(MakeBackup("CLEAR"));
+    ++clockTime.Second;
+    EXPECT_FALSE(HasBackupOfThisSecond());
+}
+
 TEST_F(BackupTest, TablesAreFoundWhateverTheirLetters) {
     fs::rename(Global.DBFPath + "ZUKOrHdr.dbf", Global.DBFPath + "ZUKORHDR.DBF");
 

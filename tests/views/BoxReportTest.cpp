@@ -152,12 +152,27 @@ protected:
     std::string path_;
 };
 
-TEST_F(BoxReportTest, NoRowsGiveThePageHeadAndTheEndLine) {
-    Print(TotalsForm(), Grid(Totals(), {}, "ZUKTOTALPC.DBF"));
-    ASSERT_EQ(paper_.Printed.size(), 1U);
-    EXPECT_EQ(paper_.TextOf(0), TotalsHead + TotalsEnd);
-    EXPECT_EQ(paper_.FontName, "Courier New");
-    EXPECT_EQ(paper_.FontPoints, 8);
+TEST_F(BoxReportTest, NoRowsGiveThePageHeadAndTheEndLineInEachReport) {
+    const struct {
+        const BoxForm& Form;
+        TableMaker Table;
+        const char* File;
+        std::string Page;
+    } reports[] = {{TotalsForm(), Totals(), "ZUKTOTALPC.DBF", TotalsHead + TotalsEnd},
+                   {OrHdrAudtForm(), OrHdrAudt(), "ZUKAUDTH.DBF", OrHdrAudtHead + OrHdrAudtEnd},
+                   {OrLinAudtForm(), OrLinAudt(), "ZUKAUDTL.DBF", OrLinAudtHead + NarrowEnd},
+                   {AudtHHForm(), AudtHH(), "ZUKAUDHH.DBF", AudtHHHead + NarrowEnd}};
+    for (const auto& each : reports) {
+        PaperInMemory paper;
+        BoxReport report(each.Form, Grid(each.Table, {}, each.File), UsualPageLength);
+        ReportRun(report, paper).Step(AllPages);
+
+        EXPECT_TRUE(paper.Ended);
+        ASSERT_EQ(paper.Printed.size(), 1U) << each.File;
+        EXPECT_EQ(paper.TextOf(0), each.Page);
+        EXPECT_EQ(paper.FontName, "Courier New");
+        EXPECT_EQ(paper.FontPoints, 8);
+    }
 }
 
 TEST_F(BoxReportTest, TheTotalsStandInElevenBoxes) {
@@ -290,6 +305,7 @@ TEST_F(BoxReportTest, RowsThatJustFillOnePagePrintNoContinuationLine) {
     EXPECT_EQ(paper_.Printed[0].Lines.size(), 31U); // the end line stands below the counted ones
     EXPECT_EQ(RowsOf(0).size(), 20U);
     EXPECT_EQ(LastLine(0) + "\n", OrHdrAudtEnd);
+    EXPECT_EQ(paper_.TextOf(0).find("Continued"), std::string::npos);
 }
 
 TEST_F(BoxReportTest, OneRowMoreMakesASecondPageWhichTheContinuationLineNames) {

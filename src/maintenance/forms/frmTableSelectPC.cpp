@@ -8,6 +8,7 @@
 #include "core/forms/frmProgress.h"
 #include "exchange/forms/ExportRun.h"
 #include "maintenance/Backup.h"
+#include "maintenance/forms/BackupRun.h"
 #include "platform/Convert.h"
 #include "platform/HelpLine.h"
 #include "store/OfficeTables.h"
@@ -79,6 +80,7 @@ bool frmTableSelectPC::IsAgreedTo() {
 void frmTableSelectPC::Perform() {
     if (!IsDriven() && !IsAgreedTo()) return;
     const ClearPlan plan = Plan();
+    if (plan.NeedsBackup() && !AwaitOwnSecond(*this)) return;
     if (!TablesAreFree(TablesOf(plan))) return;
     if (plan.NeedsBackup() && !MakeBackup("CLEAR")) {
         Tell(Lines(msg::FileError, msg::TransferAborted), Icon::Stop);

@@ -9,6 +9,7 @@
 #include "core/TextCompare.h"
 #include "core/forms/frmMain1.h"
 #include "core/forms/frmProgress.h"
+#include "maintenance/forms/BackupRun.h"
 #include "platform/BarProgress.h"
 #include "platform/Convert.h"
 #include "platform/Look.h"
@@ -27,9 +28,6 @@
 namespace {
 
 constexpr double PauseBeforeReading = 0.2;
-
-/// After it, a backup has another name.
-constexpr double OneSecond = 1.0;
 
 /// How long a backup has been selected before its files are read, in milliseconds.
 constexpr int TimeToRest = 200;
@@ -383,13 +381,8 @@ void frmViewGrid::Restore() {
                         msg::RestoreAnyway),
                   Icon::Warning))
         return;
-    if (IsOver()) return;
-    RestoreResult result = RestoreTables(folder, CopyTable);
-    if (result.How == RestoreResult::End::ThisMoment) {
-        PauseFor(OneSecond);
-        if (IsOver()) return;
-        result = RestoreTables(folder, CopyTable);
-    }
+    if (IsOver() || !AwaitOwnSecond(*this)) return;
+    const RestoreResult result = RestoreTables(folder, CopyTable);
     const bool recorded = !result.Done.empty() && RecordRestore();
     TellOf(result, recorded);
     if (!IsOver()) ShowBackups(name);
