@@ -22,6 +22,7 @@
 #include "maintenance/Office.h"
 #include "maintenance/Restore.h"
 #include "maintenance/Totals.h"
+#include "maintenance/UnfinishedJobs.h"
 #include "maintenance/VersionUpdate.h"
 #include "quality/SearchField.h"
 #include "store/CreateTable.h"
@@ -307,9 +308,11 @@ std::string Clear() {
     if (!MakeBackup("CLEAR")) return "the tables cannot be backed up";
     NoProgress silent;
     ClearedTables cleared;
+    TableJob job = MarkClearing(plan);
     ClearPCTotals(plan, cleared);
     CalcPCTotals("CLEAR", silent);
     ClearTables(plan, cleared);
+    job.Finish();
     CalcPCTotals("CLEAR2", silent);
     return cleared.Images == 2 ? "" : "not all images were deleted"; // the screen says how many were
 }
@@ -854,6 +857,7 @@ void StartOffice(const std::string& folder) {
     BeginOffice(folder);
     GetIniFile();
     if (!PrepareOffice([] {}, updateSilently)) throw RunTimeFailure(53, "tables");
+    FindUnfinishedJobs();
     RecoverSafetyCopies();
     GetPCTotals();
     GetHHStatus();
