@@ -21,7 +21,8 @@ class TableJob {
 public:
     /// Sets the mark, on the medium when this returns. `backup` is the name of the backup's directory: the
     /// one that is restored, or that a clearing has made, empty for none. `tables` are file names; the
-    /// tables have not been touched yet; without any there is no mark. RunTimeFailure as SafeFile, and 57: the job must not begin.
+    /// tables have not been touched yet; without any there is no mark. RunTimeFailure as SafeFile, and 57:
+    /// the job must not begin.
     TableJob(JobKind kind, std::string_view backup, std::vector<std::string> tables);
     TableJob(const TableJob&) = delete;
     TableJob& operator=(const TableJob&) = delete;
