@@ -81,9 +81,11 @@ protected:
     static ClearedTables Clear(const ClearPlan& plan) {
         NoProgress silent;
         ClearedTables cleared;
+        TableJob job = MarkClearing(plan);
         ClearPCTotals(plan, cleared);
         if (plan.ChangesOrders()) CalcPCTotals("CLEAR", silent);
         ClearTables(plan, cleared);
+        job.Finish();
         if (plan.ChangesOrders()) CalcPCTotals("CLEAR2", silent);
         return cleared;
     }

@@ -59,11 +59,6 @@ bool IsPreview() {
     return !Global.ViewFolder.empty();
 }
 
-/// The last name of a path that ends in a separator.
-std::string NameOfFolder(std::string_view path) {
-    return std::string(FileNameOf(path.substr(0, path.size() - std::min<std::size_t>(path.size(), 1))));
-}
-
 /// The view of a table that a backup can hold; nullptr for any other file.
 const TableView* ViewOfBackup(std::string_view fileName) {
     for (const ViewFlag flag :
@@ -117,6 +112,8 @@ void TellOf(const RestoreResult& result, bool counted) {
         return Tell(msg::RestoreNotFound, Icon::Warning);
     case RestoreResult::End::ThisMoment:
         return Tell(msg::BackupOfThisMoment, Icon::Information);
+    case RestoreResult::End::CopiesStay:
+        return Tell(withWhy(msg::CopiesNotPutBack), Icon::Stop);
     case RestoreResult::End::NoSafetyCopy:
         return Tell(Lines(msg::FileError, msg::CannotBackUp), Icon::Stop);
     case RestoreResult::End::Unusable:
