@@ -1,6 +1,7 @@
 #include "views/BoxReport.h"
 
 #include "core/Messages.h"
+#include "core/TextFile.h"
 
 #include <algorithm>
 #include <numeric>
@@ -30,13 +31,6 @@ std::string Dashes(std::size_t count) {
 
 void Print(Printer& printer, std::string_view line) {
     printer.Print(Text::Value(line));
-}
-
-/// A value that leaves its line in one piece.
-std::string OneLine(std::string value) {
-    std::replace_if(
-        value.begin(), value.end(), [](char c) { return (c >= 0 && c < ' ') || c == '\x7F'; }, ' ');
-    return value;
 }
 
 void PadTo(std::string& line, std::size_t length) {
@@ -131,7 +125,7 @@ std::string BoxReport::LineOf(std::int32_t row) {
     std::string line = "|";
     for (const Box& box : boxes_) {
         if (box.Column >= 0) {
-            const std::string value = OneLine(rows_->Cell(row, box.Column).CodePage());
+            const std::string value = WithoutControls(rows_->Cell(row, box.Column).CodePage(), ' ');
             const bool isNumber = rows_->Heading(box.Column).Kind == SortKind::Number;
             if (isNumber && value.size() < box.End) PadTo(line, box.End - value.size());
             line += value;

@@ -25,10 +25,6 @@ constexpr const char* Boxes[] = {"chkOrHdr", "chkAudtH", "chkAudHH", "chkBarIn",
                                  "chkCust",  "chkHelp",  "chkItem",  "chkPrint",  "chkSetup",
                                  "chkSTax",  "chkPay",   "chkLinks", "chkTotalPC"};
 
-Text T(std::string_view words) {
-    return Text::Path(words);
-}
-
 /// An office with two orders of three lines, a signature, an audit and two customers.
 class ClearPC : public FormTest {
 protected:

@@ -20,8 +20,6 @@ class QuickButtons : public FormTest {
 protected:
     QuickButtons() { GivenOffice(); }
 
-    static Text T(std::string_view words) { return Text::Path(words); }
-
     void GivenActivity(const std::string& name, const std::string& first, const std::string& second = {}) {
         Activity activity;
         activity.Rows[0].Template = first;

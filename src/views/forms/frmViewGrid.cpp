@@ -387,14 +387,10 @@ void frmViewGrid::Restore() {
 
 /// Adds the totals event of what is restored. False when that failed, of which the operator is told.
 bool frmViewGrid::RecordRestore() {
-    try {
+    return Try([] {
         RecordTotals(ProgressFlag::Restore);
         if (auto* main = IfLoaded<frmMain1>()) main->RefreshRecordCounts();
-        return true;
-    } catch (const RunTimeFailure& failure) {
-        Tell(Lines(msg::FileError, Text::Path(std::string_view(failure.what()))), Icon::Stop);
-        return false;
-    }
+    });
 }
 
 void frmViewGrid::Form_GotFocus() {
