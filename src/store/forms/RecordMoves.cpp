@@ -22,8 +22,12 @@ void UseKey(QPushButton& button, const QKeySequence& key) {
 } // namespace
 
 RecordMoves::RecordMoves(Form& form, std::function<void(std::int32_t)> move)
-    : FormPart(form), move_(std::move(move)), cmdFirst(Button("cmdFirst")),
-      cmdPrevious(Button("cmdPrevious")), cmdNext(Button("cmdNext")), cmdLast(Button("cmdLast")),
+    : FormPart(form),
+      move_(std::move(move)),
+      cmdFirst(Button("cmdFirst")),
+      cmdPrevious(Button("cmdPrevious")),
+      cmdNext(Button("cmdNext")),
+      cmdLast(Button("cmdLast")),
       lblCount(form.findChild<QLabel*>(QStringLiteral("lblCount"))) {
     UseKey(*cmdPrevious, Qt::Key_PageUp);
     UseKey(*cmdNext, Qt::Key_PageDown);
