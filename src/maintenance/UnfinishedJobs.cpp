@@ -110,14 +110,14 @@ std::vector<Job> ReadMark() {
         const std::size_t tab = std::min(whole.find('\t'), whole.size());
         const std::string_view word = whole.substr(0, tab);
         const std::string_view rest = whole.substr(std::min(tab + 1, whole.size()));
-        if (auto job = JobFrom(word, rest)) {
-            jobs.push_back(*std::move(job));
-        } else if (auto table = TableFrom(word, rest, whole);
-                   table && !jobs.empty() && text.LineNumber() <= MostLines) {
-            jobs.back().Tables.push_back(*std::move(table));
-        } else {
+        auto job = JobFrom(word, rest);
+        auto table = job ? std::nullopt : TableFrom(word, rest, whole);
+        if (text.LineNumber() > MostLines || (!job && (!table || jobs.empty())))
             throw FailureInLine(321, Mark(), text.LineNumber(), line);
-        }
+        if (job)
+            jobs.push_back(*std::move(job));
+        else
+            jobs.back().Tables.push_back(*std::move(table));
     }
     if (jobs.empty()) throw FailureInLine(321, Mark(), text.LineNumber(), line);
     return jobs;
@@ -239,6 +239,7 @@ TableJob::~TableJob() {
 
 void TableJob::Finish() noexcept {
     finished_ = true;
+    if (tables_.empty()) return;
     try {
         std::vector<Job> jobs = ReadMark();
         for (Job& job : jobs) {
@@ -248,7 +249,9 @@ void TableJob::Finish() noexcept {
                 });
             });
         }
-        std::erase_if(jobs, [](const Job& job) { return !job.Has(JobTable::State::Left); });
+        std::erase_if(jobs, [](const Job& job) {
+            return !job.Has(JobTable::State::Left) && !job.Has(JobTable::State::Open);
+        });
         KeepMark(jobs);
     } catch (const std::exception&) { // the next look finds all of these tables replaced
     }
