@@ -1,4 +1,7 @@
+#include "maintenance/Restore.h"
+#include "core/Failure.h"
 #include "core/Messages.h"
+#include "core/Paths.h"
 #include "core/SafeFile.h"
 #include "core/forms/frmMain1.h"
 #include "forms/FormTest.h"
@@ -215,6 +218,28 @@ TEST_F(RestoreScreen, WhatHasBecomeOfABackupIsMarkedAndTold) {
     Operator_.ExpectBeginning(::Lines(msg::FileError, msg::RestoreNothing)).With(Icon::Stop);
     Click(form, "cmdEdit");
     EXPECT_EQ(Cell("ZUKORHDR", 1, "H_ORDCODE"), "B1");
+}
+
+TEST_F(RestoreScreen, AStartTellsOfARestoreThatWasCutOffAndInUnattendedModeOnlyTheTraceDoes) {
+    GivenBackup("CLEAR", 20);
+    GivenOrders({"B1"});
+    RestoreTables(Folder(20), [](const std::string& from, const std::string& to) {
+        if (to.ends_with("ZUKOrLin.dbf")) throw RunTimeFailure(61, to);
+        CopyOver(from, to);
+    });
+    Operator_.Expect(msg::PalmDesktopMissing);
+    Operator_.ExpectBeginning(msg::RestoreCutOff).With(Icon::Warning);
+
+    Open<frmMain1>().Unload();
+
+    Global.UnattendedActive = true;
+    Operator_.Expect(msg::PalmDesktopMissing);
+    Open<frmMain1>();
+    bool traced = false;
+    for (int k = 0; k < 100; ++k)
+        traced = traced || Global.Events.Entry(k).find("FindUnfinishedJobs RESTORE") != std::string::npos;
+    EXPECT_TRUE(traced);
+    Global.UnattendedActive = false;
 }
 
 TEST_F(RestoreScreen, AStartCarriesTheTablesOfAnUpdateAndTellsAFileThatIsNone) {

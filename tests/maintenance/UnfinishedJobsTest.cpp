@@ -294,8 +294,8 @@ TEST_F(UnfinishedJobsTest, TwoJobsThatWereCutOffAreBothTold) {
 
     EXPECT_EQ(FailureNumber([&] { Clear(masters); }), 53);
 
-    EXPECT_EQ(Found(), Jobs({HeadersOnly,
-                             {JobKind::Clear, BackupName(clockTime), {"ZUKCUST.DBF"}, {"ZUKITEM.DBF"}}}));
+    EXPECT_EQ(Found(),
+              Jobs({HeadersOnly, {JobKind::Clear, BackupName(clockTime), {"ZUKCUST.DBF"}, {"ZUKITEM.DBF"}}}));
 }
 
 TEST_F(UnfinishedJobsTest, AMarkThatCannotBeRemovedSaysNothingBehindAWholeRestoreAlsoWhenTheTablesChange) {
@@ -359,10 +359,11 @@ TEST_F(UnfinishedJobsTest, AClearingIsToldWithItsTablesAndTheBackupThatItMade) {
 TEST_F(UnfinishedJobsTest, ALineThatSaysNothingIsToldByFileAndLineAndTheMarkStays) {
     const std::string head = "for people\r\n";
     const std::string job = "RESTORE\t61115090000\r\n";
-    for (const std::string& bad : {std::string(), head, head + "\r\n", head + "done\tZUKOrHdr.dbf\r\n",
-                                   head + "RESTORE\r\n", head + "RESTORE\t../elsewhere\r\n",
-                                   head + job + "done\t../ZUKOrHdr.dbf\r\n", head + job + "ZUKOrHdr.dbf\t-1\t0\t0\r\n",
-                                   head + job + std::string(1, '\0'), head + "CLEAR\t" + std::string(2, '/')}) {
+    for (const std::string& bad :
+         {std::string(), head, head + "\r\n", head + "done\tZUKOrHdr.dbf\r\n", head + "RESTORE\r\n",
+          head + "RESTORE\t../elsewhere\r\n", head + job + "done\t../ZUKOrHdr.dbf\r\n",
+          head + job + "ZUKOrHdr.dbf\t-1\t0\t0\r\n", head + job + std::string(1, '\0'),
+          head + "CLEAR\t" + std::string(2, '/')}) {
         WriteWholeFile(MarkPath(), bad);
 
         const UnfinishedJobs found = FindUnfinishedJobs();
