@@ -69,11 +69,12 @@ add_executable(day ${CMAKE_SOURCE_DIR}/tools/day.cpp ${CMAKE_SOURCE_DIR}/tools/L
 target_link_libraries(day PRIVATE mappingbykeys officeforday screens)
 
 add_library(screensbykeys STATIC ${CMAKE_SOURCE_DIR}/tools/ScreensByKeys.cpp ${CMAKE_SOURCE_DIR}/tools/ScreensByKeys.h
-    ${CMAKE_SOURCE_DIR}/tools/FilledTables.cpp ${CMAKE_SOURCE_DIR}/tools/FilledTables.h)
+    ${CMAKE_SOURCE_DIR}/tools/FilledTables.cpp ${CMAKE_SOURCE_DIR}/tools/FilledTables.h
+    ${CMAKE_SOURCE_DIR}/tools/OfficeForKeys.cpp ${CMAKE_SOURCE_DIR}/tools/OfficeForKeys.h)
 target_include_directories(screensbykeys PUBLIC ${CMAKE_SOURCE_DIR}/tools)
-target_link_libraries(screensbykeys PUBLIC driverclient engine)
+target_link_libraries(screensbykeys PUBLIC driverclient officeforday engine)
 add_executable(keys ${CMAKE_SOURCE_DIR}/tools/keys.cpp)
-target_link_libraries(keys PRIVATE screensbykeys officeforday)
+target_link_libraries(keys PRIVATE screensbykeys)
 
 add_executable(pictures_of_screens ${CMAKE_SOURCE_DIR}/tools/pictures.cpp ${CMAKE_SOURCE_DIR}/tools/FilledTables.cpp)
 target_link_libraries(pictures_of_screens PRIVATE screens pictures officeforday)

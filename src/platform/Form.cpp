@@ -1,6 +1,7 @@
 #include "platform/Form.h"
 
 #include "core/Catalogue.h"
+#include "core/Failure.h"
 #include "core/Globals.h"
 #include "core/Messages.h"
 #include "core/Operator.h"
@@ -54,9 +55,31 @@ int ElementIndex(const QString& name, const QString& control) {
     return isNumber ? index : -1;
 }
 
-int FirstOwnMethod(const QWidget& window) {
-    return qobject_cast<const QDialog*>(&window) ? QDialog::staticMetaObject.methodCount()
-                                                 : QMainWindow::staticMetaObject.methodCount();
+/// A handler of a form: its method, and whose it is.
+struct Handler {
+    QObject* Owner;
+    int Method;
+    QString Control;
+    QString Event;
+    bool TakesIndex;
+};
+
+/// Those of the form itself and of its parts.
+std::vector<Handler> HandlersOf(QWidget& window) {
+    const bool isDialog = qobject_cast<const QDialog*>(&window);
+    const QMetaObject& base = isDialog ? QDialog::staticMetaObject : QMainWindow::staticMetaObject;
+    std::vector<std::pair<QObject*, int>> owners{{&window, base.methodCount()}};
+    for (auto* part : window.findChildren<FormPart*>(Qt::FindDirectChildrenOnly))
+        owners.emplace_back(part, FormPart::staticMetaObject.methodCount());
+    std::vector<Handler> handlers;
+    for (const auto& [owner, first] : owners) {
+        for (int at = first; at < owner->metaObject()->methodCount(); ++at) {
+            const QMetaMethod method = owner->metaObject()->method(at);
+            Handler handler{owner, at, {}, {}, method.parameterCount() == 1};
+            if (SplitHandler(method, handler.Control, handler.Event)) handlers.push_back(handler);
+        }
+    }
+    return handlers;
 }
 
 /// Not what Qt makes for itself inside a control: a combo box's list, a table's corner button.
@@ -311,55 +334,64 @@ void FormBehaviour::Run(const std::function<void()>& handler) {
     Leave();
 }
 
-void FormBehaviour::RunMethod(int method, int index) {
+bool FormBehaviour::Try(const std::function<void()>& step) {
+    try {
+        step();
+        return true;
+    } catch (const RunTimeFailure& failure) {
+        Tell(Lines(msg::FileError, Text::Path(std::string_view(failure.what()))), Icon::Stop);
+        return false;
+    }
+}
+
+void FormBehaviour::Trace(std::string_view routine) const {
+    const QWidget& window = const_cast<FormBehaviour*>(this)->Window();
+    TraceEvent(std::string(window.metaObject()->className()) + ":" + std::string(routine));
+}
+
+void FormBehaviour::RunMethod(QObject& owner, int method, int index) {
     if (IsOver()) return;
     Run([&] {
         void* arguments[] = {nullptr, &index};
-        QMetaObject::metacall(&Window(), QMetaObject::InvokeMetaMethod, method, arguments);
+        QMetaObject::metacall(&owner, QMetaObject::InvokeMetaMethod, method, arguments);
     });
 }
 
 void FormBehaviour::WireControl(QObject& control) {
-    QWidget& window = Window();
-    const QMetaObject* meta = window.metaObject();
-    for (int method = FirstOwnMethod(window); method < meta->methodCount(); ++method) {
-        QString name;
-        QString event;
-        if (!SplitHandler(meta->method(method), name, event) || !Serves(name, control)) continue;
-        ConnectEvent(control, event, ElementIndex(control.objectName(), name), window,
-                     [this, method](int index) { RunMethod(method, index); });
+    for (const Handler& handler : HandlersOf(Window())) {
+        if (!Serves(handler.Control, control)) continue;
+        ConnectEvent(control, handler.Event, ElementIndex(control.objectName(), handler.Control),
+                     *handler.Owner, [this, owner = handler.Owner, method = handler.Method](int index) {
+                         RunMethod(*owner, method, index);
+                     });
     }
 }
 
 QStringList FormBehaviour::WiringProblems() const {
     QWidget& window = const_cast<FormBehaviour*>(this)->Window();
-    const QMetaObject* meta = window.metaObject();
-    const QString form = QString::fromLatin1(meta->className());
+    const QString form = QString::fromLatin1(window.metaObject()->className());
     const QList<QObject*> all = window.findChildren<QObject*>();
+    const std::vector<Handler> handlers = HandlersOf(window);
     QStringList problems;
-    QStringList handled;
-    for (int method = FirstOwnMethod(window); method < meta->methodCount(); ++method) {
-        QString name;
-        QString event;
-        if (!SplitHandler(meta->method(method), name, event)) continue;
-        handled << name;
+    for (const Handler& handler : handlers) {
         bool found = false;
         for (QObject* object : all) {
-            if (!Serves(name, *object)) continue;
+            if (!Serves(handler.Control, *object)) continue;
             found = true;
             QObject trial;
-            if (!ConnectEvent(*object, event, -1, trial, [](int) {}))
-                problems << QStringLiteral("%1: %2 has no event %3").arg(form, object->objectName(), event);
+            if (!ConnectEvent(*object, handler.Event, -1, trial, [](int) {}))
+                problems << QStringLiteral("%1: %2 has no event %3")
+                                .arg(form, object->objectName(), handler.Event);
         }
-        const bool takesIndex =
-            meta->method(method).parameterCount() == 1 && event != QLatin1String("ColumnClick");
         // The elements of an array are made when there are rows for them.
-        if (!found && !takesIndex) problems << QStringLiteral("%1 has no control %2").arg(form, name);
+        const bool isArray = handler.TakesIndex && handler.Event != QLatin1String("ColumnClick");
+        if (!found && !isArray) problems << QStringLiteral("%1 has no control %2").arg(form, handler.Control);
     }
     for (const QObject* object : all) {
         if (!IsOurs(*object) || !IsClickable(*object)) continue;
-        const bool has = std::any_of(handled.begin(), handled.end(),
-                                     [&](const QString& name) { return Serves(name, *object); });
+        const bool has = std::any_of(handlers.begin(), handlers.end(), [&](const Handler& handler) {
+            return Serves(handler.Control, *object);
+        });
         const QString control = object->objectName().isEmpty()
                                     ? QStringLiteral("a nameless %1").arg(object->metaObject()->className())
                                     : object->objectName();

@@ -30,6 +30,17 @@ private slots:
     void cmdBrick_Click(int) {}
 };
 
+/// A part of a form to try the wiring on.
+class WiredPart final : public FormPart {
+    Q_OBJECT
+
+public:
+    explicit WiredPart(Form& form) : FormPart(form) {}
+
+private slots:
+    void cmdPart_Click() {}
+};
+
 namespace {
 
 struct AnyForm {
@@ -251,6 +262,17 @@ TEST_F(Wiring, ALiveControlThatNothingHandlesIsFoundWhateverItsKind) {
                                        QStringLiteral("Wired: nothing handles mnuNobody"),
                                        QStringLiteral("Wired: nothing handles imgNobody"),
                                        QStringLiteral("Wired: nothing handles a nameless QPushButton")}));
+}
+
+TEST_F(Wiring, AHandlerOfAPartIsOneOfTheForm) {
+    Add<QPushButton>("cmdPress");
+    Add<QTreeWidget>("lstRows");
+    new WiredPart(form_);
+
+    EXPECT_EQ(Problems(), Only("Wired has no control cmdPart"));
+
+    Add<QPushButton>("cmdPart");
+    EXPECT_EQ(Problems(), QStringList());
 }
 
 TEST_F(Wiring, TheElementsOfAnArrayAreServedByItsHandler) {

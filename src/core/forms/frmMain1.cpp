@@ -18,6 +18,7 @@
 #include "maintenance/Backup.h"
 #include "maintenance/Office.h"
 #include "maintenance/Totals.h"
+#include "maintenance/UnfinishedJobs.h"
 #include "maintenance/forms/frmTableSelectPC.h"
 #include "platform/Convert.h"
 #include "platform/HotSyncManager.h"
@@ -175,6 +176,7 @@ void frmMain1::StartUp() {
     }
     if (!PrepareOffice([] { Tell(msg::DownloadSelectionMissing, Icon::Information); }, CopyTables))
         return StopStart(msg::TablesMissing);
+    TellUnfinishedJobs();
     PutBackSafetyCopies();
     LoadIcons();
     SetUpTotalsGrid();
@@ -194,6 +196,15 @@ void frmMain1::StartUp() {
     operating_ = true;
     WriteSettings();
     Timer2->start();
+}
+
+/// Before what was left of an upload changes the tables. In unattended mode the trace has it.
+void frmMain1::TellUnfinishedJobs() {
+    const UnfinishedJobs found = FindUnfinishedJobs();
+    if (Global.UnattendedActive) return;
+    for (const CutOffJob& job : found.Jobs) Tell(TellCutOff(job), Icon::Warning);
+    if (found.Broken.empty()) return;
+    Tell(Lines(msg::CutOffNotRead, Text::Path(std::string_view(found.Broken))), Icon::Warning);
 }
 
 void frmMain1::PutBackSafetyCopies() {

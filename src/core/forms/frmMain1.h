@@ -140,6 +140,7 @@ protected:
 private:
     void StartUp();
     void StopStart(const Text& reason);
+    static void TellUnfinishedJobs();
     void PutBackSafetyCopies();
     void LoadIcons();
     void SetLLQStandard();
