@@ -101,6 +101,7 @@ public:
     ListeningState Listening() const override { return State; }
     const ManagerSettings& Settings() const override { return settings_; }
     void TakeSettings(const ManagerSettings& settings) override { settings_ = settings; }
+    void OpenStandIn(const HotSyncUser&) override {}
     void End() override {}
 
     /// What an office has after a morning.

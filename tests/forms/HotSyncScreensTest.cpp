@@ -50,7 +50,14 @@ public:
         WriteManagerSettings(folder_, settings);
         settings_ = settings;
     }
+    void OpenStandIn(const HotSyncUser& user) override {
+        if (NoStandIn) throw RunTimeFailure(53, "handheldwindow");
+        Opened.push_back(user.Name);
+    }
     void End() override { ++Ends; }
+
+    bool NoStandIn = false;
+    std::vector<std::string> Opened;
 
     std::optional<std::uint32_t> InSession;
     ListeningState State{"127.0.0.1", 14238, {}};
