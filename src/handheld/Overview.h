@@ -20,7 +20,7 @@ struct HandheldOverview {
     struct Entry {
         enum class Kind { Table, Program, Data };
 
-        std::string Name;  ///< a table's own, in capitals, else the database's
+        std::string Name; ///< a table's own, in capitals, else the database's
         Kind What = Kind::Data;
         std::size_t Records = 0; ///< rows of a table, records or resources of another
     };

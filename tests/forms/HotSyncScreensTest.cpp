@@ -165,6 +165,22 @@ TEST_F(ManagerWindow, WithoutUsersOffersNewAlone) {
     EXPECT_FALSE(Enabled(form, "cmdDelete"));
 }
 
+TEST_F(ManagerWindow, TheStandInIsThatOfTheChosenUser) {
+    auto& form = Open<frmHSManager>();
+    EXPECT_FALSE(Enabled(form, "cmdStandIn"));
+    GivenUser("ANNA");
+    GivenUser("BEN");
+    SelectUser(form, 2);
+
+    Click(form, "cmdStandIn");
+    desk_.NoStandIn = true;
+    Operator_.ExpectBeginning(msg::HSStandInNotStarted).With(Icon::Stop);
+    Click(form, "cmdStandIn");
+
+    EXPECT_EQ(desk_.Opened, (::Names{"BEN"}));
+    EXPECT_TRUE(Operator_.AllCame());
+}
+
 TEST_F(ManagerWindow, NewAsksForANameAndSelectsTheUser) {
     GivenUser("ANNA");
     auto& form = Open<frmHSManager>();

@@ -303,10 +303,9 @@ TEST_F(DemoCompany, AHandheldHasTheRecordsOfEachTable) {
             for (std::size_t field = 0; field < table.Layout().Fields.size(); ++field)
                 EXPECT_EQ(table.Get(row, field), content.Trimmed(static_cast<int>(row) + 1)[field]);
         }
-        EXPECT_TRUE(
-            std::all_of(table.Data().Records.begin(), table.Data().Records.end(), [](const auto& record) {
-                return record.Flags == 0;
-            })) << table.Name();
+        EXPECT_TRUE(std::all_of(table.Data().Records.begin(), table.Data().Records.end(),
+                                [](const auto& record) { return record.Flags == 0; }))
+            << table.Name();
         ++tables;
     }
     EXPECT_EQ(tables, 22U);
@@ -374,10 +373,8 @@ TEST_F(DemoCompany, ItsOrdersMakeACorrectExport) {
     ExportJob job{Folder() + "orders.csv", *demo.Delimiter, false, false, false, false, demo.Columns};
     NoProgress nobody;
 
-    const ExportResult result =
-        ExportOrders(job,
-                     LoadOrderTables(Global.DBFPath + "ZUKORHDR.DBF", Global.DBFPath + "ZUKORLIN.DBF"),
-                     nobody);
+    const ExportResult result = ExportOrders(
+        job, LoadOrderTables(Global.DBFPath + "ZUKORHDR.DBF", Global.DBFPath + "ZUKORLIN.DBF"), nobody);
 
     EXPECT_EQ(result.Exported, 56);
     EXPECT_EQ(result.OrphanLines, 0);

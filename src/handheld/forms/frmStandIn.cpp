@@ -95,9 +95,9 @@ void frmStandIn::ShowOverview() {
         ToQt(Lines(Words(msg::HSUser, user), Words(msg::StandInMachine, ValueOf(overview_.Machine)))));
     setWindowTitle(ToQt(overview_.User.empty() ? Text(msg::frmStandIn) : Words(msg::frmStandIn, user)));
     lblSyncMsg->setPalette(palette());
-    lblSyncMsg->setText(ToQt(Words(msg::HSLastSync, overview_.LastSync.IsZero()
-                                                          ? Text(msg::HSNever)
-                                                          : ValueOf(DateAndTime(overview_.LastSync)))));
+    lblSyncMsg->setText(
+        ToQt(Words(msg::HSLastSync, overview_.LastSync.IsZero() ? Text(msg::HSNever)
+                                                                : ValueOf(DateAndTime(overview_.LastSync)))));
 }
 
 void frmStandIn::ShowOrders() {
@@ -105,8 +105,9 @@ void frmStandIn::ShowOrders() {
     const std::string code = selected ? selected->Code : std::string();
     std::vector<std::vector<Text>> rows;
     for (const HandheldOverview::Order& order : overview_.Orders)
-        rows.push_back({ValueOf(order.Code), ValueOf(order.Customer), ValueOf(order.Taken), ValueOf(order.Lines),
-                        ValueOf(order.Total), order.IsSigned ? Text(msg::Yes) : Text()});
+        rows.push_back({ValueOf(order.Code), ValueOf(order.Customer), ValueOf(order.Taken),
+                        ValueOf(order.Lines), ValueOf(order.Total),
+                        order.IsSigned ? Text(msg::Yes) : Text()});
     std::vector<GridHeading> headings{{GetFriendlyFieldName(*FindTable("ZUKORHDR"), "H_ORDCODE")},
                                       {msg::frCust},
                                       {msg::StandInTaken, SortKind::Date},
@@ -224,8 +225,7 @@ void frmStandIn::cmdHotSync_Click() {
     }
     if (IsOver()) return;
     ShowHandheld();
-    if (!told.str().empty())
-        rtbLog->appendPlainText(QString::fromStdString(told.str()).trimmed());
+    if (!told.str().empty()) rtbLog->appendPlainText(QString::fromStdString(told.str()).trimmed());
     ShowOutcome(why);
 }
 

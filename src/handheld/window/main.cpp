@@ -88,8 +88,7 @@ int main(int argc, char** argv) {
         LoadMessages(office + "Messages.tsv");
         ApplyLook(application, Registry::DarkLook(office));
         const bool isThere = FileExists(Global.StandInFolder + "Handheld.txt");
-        if (!isThere && options.isSet(QStringLiteral("user")) &&
-            !MakeHandheld(Global.StandInFolder, options))
+        if (!isThere && options.isSet(QStringLiteral("user")) && !MakeHandheld(Global.StandInFolder, options))
             return 1;
         return RunWindow(programs);
     } catch (const std::exception& failure) {
