@@ -19,7 +19,8 @@ namespace {
 
 const QString Tea = QStringLiteral("TE1000  Assam loose leaf tea, 125 g tin  5.20  TIN  2033740000014");
 const QString Envelope = QStringLiteral("ST1120  Envelope C6, cream, single  0.1250  EA  2434288000373");
-const QString LoonLake = QStringLiteral("LOONLAKE02  Loon Lake Magasin g\u00E9n\u00E9ral enr.  Moosehead Bay");
+const QString LoonLake =
+    QStringLiteral("LOONLAKE02  Loon Lake Magasin g\u00E9n\u00E9ral enr.  Moosehead Bay");
 
 /// The window of a stand-in handheld with the demo company on it.
 class StandInWindow : public FormTest {

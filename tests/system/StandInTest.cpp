@@ -32,8 +32,15 @@ protected:
     DrivenProgram WindowFor(const QString& user) const {
         DrivenProgram start = InOffice();
         start.Program = QStringLiteral(TRAMBLE_BUILD "/bin/handheldwindow");
-        start.Arguments = {folder_.filePath("handheld"), "--user",    user,     "--id", "7", "--machine", "H4",
-                           "--desktop",                  Address()};
+        start.Arguments = {folder_.filePath("handheld"),
+                           "--user",
+                           user,
+                           "--id",
+                           "7",
+                           "--machine",
+                           "H4",
+                           "--desktop",
+                           Address()};
         return start;
     }
 

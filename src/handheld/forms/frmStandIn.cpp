@@ -71,6 +71,8 @@ void frmStandIn::Form_Load() {
 // ---- what it shows ----
 
 void frmStandIn::ShowHandheld() {
+    const HandheldOverview::Order* const selected = SelectedOrder();
+    const std::string code = selected ? selected->Code : std::string();
     try {
         const auto lock = LockFolder(Global.StandInFolder);
         const Handheld handheld(Global.StandInFolder);
@@ -86,7 +88,7 @@ void frmStandIn::ShowHandheld() {
     }
     ShowOrders();
     ShowDatabases();
-    EnableButtons();
+    SelectOrder(code);
 }
 
 void frmStandIn::ShowOverview() {
@@ -101,8 +103,6 @@ void frmStandIn::ShowOverview() {
 }
 
 void frmStandIn::ShowOrders() {
-    const HandheldOverview::Order* const selected = SelectedOrder();
-    const std::string code = selected ? selected->Code : std::string();
     std::vector<std::vector<Text>> rows;
     for (const HandheldOverview::Order& order : overview_.Orders)
         rows.push_back({ValueOf(order.Code), ValueOf(order.Customer), ValueOf(order.Taken),
@@ -116,7 +116,6 @@ void frmStandIn::ShowOrders() {
                                       {msg::StandInSigned}};
     FG1->SetContent(std::make_unique<ListGrid>(std::move(headings), std::move(rows)),
                     QStringLiteral("frmStandIn"));
-    SelectOrder(code);
 }
 
 void frmStandIn::ShowDatabases() {

@@ -52,7 +52,8 @@ void frmStandInOrder::Form_Load() {
     TraceEvent("frmStandInOrder:Form_Load");
     FG1->SetEmptyText(msg::StandInNoLines);
     txtQty->setText(QStringLiteral("1"));
-    txtPO->setMaxLength(FindTable("ZUKORHDR")->Fields[4].Length);
+    const std::span<const TableField> fields = FindTable("ZUKORHDR")->Fields;
+    txtPO->setMaxLength(fields[static_cast<std::size_t>(PlaceOf(fields, "H_CUST_PO")) - 1].Length);
     ShowOrder();
 }
 

@@ -42,6 +42,11 @@ HotSyncLine::HotSyncLine(Handheld& handheld, const HotSyncJob& job)
     connect(&socket_, &QTcpSocket::connected, this, Guarded(&HotSyncLine::Greet));
 }
 
+/// Nobody hears any more that the socket closes.
+HotSyncLine::~HotSyncLine() {
+    socket_.disconnect(this);
+}
+
 /// What is thrown inside the event loop comes out behind it.
 std::function<void()> HotSyncLine::Guarded(void (HotSyncLine::*deed)()) {
     return [this, deed] {

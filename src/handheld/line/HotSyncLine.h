@@ -27,6 +27,7 @@ class HotSyncLine : public QObject {
 public:
     /// `handheld` outlives the line.
     HotSyncLine(Handheld& handheld, const HotSyncJob& job);
+    ~HotSyncLine() override;
 
     /// Begins; the event loop does the rest.
     void Start();
