@@ -23,14 +23,14 @@ std::uint32_t ValueOf(std::string_view digits) {
 } // namespace
 
 OrderNumbers::OrderNumbers(const Handheld& handheld)
-    : machine_(handheld.Settings.Machine),
+    : user_(Trim(handheld.Settings.User.Name)),
+      machine_(handheld.Settings.Machine),
       last_(handheld.Settings.LastOrder) {
     if (!HandheldTable::Has(handheld.Store, LinksTable)) return;
     links_.emplace(handheld.Store, LinksTable);
     const std::size_t user = links_->Field("LK_HOTSYNC");
-    const std::string_view name = Trim(handheld.Settings.User.Name);
-    while (row_ < links_->Count() && !SameText(links_->Get(row_, user), name)) ++row_;
-    hasRow_ = row_ < links_->Count() && !name.empty();
+    while (row_ < links_->Count() && !SameText(links_->Get(row_, user), user_)) ++row_;
+    hasRow_ = row_ < links_->Count() && !user_.empty();
     if (!hasRow_) return;
     last_ = links_->Get(row_, links_->Field("LK_LSTONUM"));
     if (const std::string_view machine = links_->Get(row_, "LK_MACH_ID"); !machine.empty())
@@ -60,8 +60,23 @@ std::string OrderNumbers::Next() {
     return machine_ + last_;
 }
 
+/// False when the table has no room for the user's name or the machine id.
+bool OrderNumbers::AddRow() {
+    const auto fits = [&](std::string_view field, const std::string& value) {
+        const std::size_t at = links_->Layout().Find(field);
+        return at < links_->Layout().Fields.size() && value.size() <= links_->Layout().Fields[at].Length;
+    };
+    if (user_.empty() || !fits("LK_HOTSYNC", user_) || !fits("LK_MACH_ID", machine_)) return false;
+    std::string fields = links_->NewFields();
+    links_->Put(fields, "LK_HOTSYNC", user_);
+    links_->Put(fields, "LK_MACH_ID", machine_);
+    row_ = links_->Append(fields);
+    hasRow_ = true;
+    return true;
+}
+
 HandheldTable* OrderNumbers::ChangedLinks() {
-    if (!hasRow_ || !counted_) return nullptr;
+    if (!links_ || !counted_ || (!hasRow_ && !AddRow())) return nullptr;
     links_->Set(row_, "LK_LSTONUM", last_);
     return &*links_;
 }

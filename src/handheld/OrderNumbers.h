@@ -24,13 +24,17 @@ public:
     /// first one has six digits. Refusal when the number no longer fits into LK_LSTONUM.
     std::string Next();
 
-    /// The Links table with the number in its row, when it has changed; nullptr otherwise.
+    /// The Links table with the number in its row, when it has changed; nullptr otherwise. A table without a
+    /// row of the user, as one that came with an install, gets one.
     HandheldTable* ChangedLinks();
     /// Keeps the number in the settings. The handheld's own count goes along with that of a Links row and
     /// never back, so that no number is given again when the Links table is gone for a while.
     void KeepIn(HandheldSettings& settings) const;
 
 private:
+    bool AddRow();
+
+    std::string user_;
     std::optional<HandheldTable> links_;
     std::size_t row_ = 0;
     bool hasRow_ = false;

@@ -217,6 +217,29 @@ TEST_F(LonelyOrderTest, WithoutALinksRowTheHandheldCountsForItself) {
     EXPECT_FALSE(Its().Store.Has("TZUK20000_ZUKLINK"));
 }
 
+/// As after an install of a demo company: the office learns machine id and number from the row.
+TEST_F(LonelyOrderTest, LinksOfOthersGetARowOfTheHandheldWithItsFirstOrder) {
+    GivenTable("ZUKLINK", {{{"LK_HOTSYNC", "Demo"}, {"LK_MACH_ID", "D1"}, {"LK_LSTONUM", "000114"}}});
+
+    EXPECT_EQ(Run({"order", "--customer", "C1", "--line", "N1:1"}).Out, "M1000001\n");
+    EXPECT_EQ(Run({"order", "--customer", "C1", "--line", "N1:1"}).Out, "M1000002\n");
+
+    EXPECT_EQ(Row("ZUKLINK", 1),
+              (Fields{{"LK_HOTSYNC", "Anna Petrow"}, {"LK_MACH_ID", "M1"}, {"LK_LSTONUM", "000002"}}));
+    EXPECT_EQ(Count("ZUKLINK"), 2U);
+    EXPECT_EQ(Cell("ZUKLINK", 0, "LK_LSTONUM"), "000114");
+}
+
+TEST_F(LonelyOrderTest, LinksWithoutRoomForItsNameStayAsTheyAre) {
+    Its().Settings.User.Name = "A name of more than thirty characters";
+    Its().SaveSettings();
+    GivenTable("ZUKLINK", {{{"LK_HOTSYNC", "Demo"}, {"LK_MACH_ID", "D1"}, {"LK_LSTONUM", "000114"}}});
+
+    EXPECT_EQ(Run({"order", "--customer", "C1", "--line", "N1:1"}).Out, "M1000001\n");
+
+    EXPECT_EQ(Count("ZUKLINK"), 1U);
+}
+
 TEST_F(LonelyOrderTest, AnOrderThatStandsThereIsNotGivenItsNumberAgain) {
     Run({"order", "--customer", "C1", "--line", "N1:1"});
     GivenTable("ZUKLINK", {{{"LK_HOTSYNC", "Anna Petrow"}, {"LK_MACH_ID", "M1"}, {"LK_LSTONUM", "000000"}}});

@@ -3,7 +3,6 @@
 #include "core/CodePage.h"
 #include "handheld/Refusal.h"
 
-#include <QCoreApplication>
 #include <QHostInfo>
 
 #include <algorithm>
@@ -41,6 +40,11 @@ HotSyncLine::HotSyncLine(Handheld& handheld, const HotSyncJob& job)
     connect(&socket_, &QTcpSocket::errorOccurred, this, Guarded(&HotSyncLine::LineGone));
     connect(&ticks_, &QTimer::timeout, this, Guarded(&HotSyncLine::Tick));
     connect(&socket_, &QTcpSocket::connected, this, Guarded(&HotSyncLine::Greet));
+}
+
+/// Nobody hears any more that the socket closes.
+HotSyncLine::~HotSyncLine() {
+    socket_.disconnect(this);
 }
 
 /// What is thrown inside the event loop comes out behind it.
@@ -230,6 +234,10 @@ void HotSyncLine::Tick() {
 
 // ---- the end ----
 
+void HotSyncLine::Break() {
+    End("it was broken off on the handheld");
+}
+
 void HotSyncLine::CutNow() {
     cut_ = true;
     End("the line was cut after " + std::to_string(packets_) + " packets");
@@ -265,7 +273,7 @@ void HotSyncLine::Finish() {
     lookupTimer_.stop();
     ticks_.stop();
     socket_.abort();
-    QCoreApplication::exit();
+    if (Ended) Ended();
 }
 
 Outcome HotSyncLine::Tell(std::ostream& out) const {
