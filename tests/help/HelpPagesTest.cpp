@@ -54,9 +54,8 @@ struct Page {
 
 Page ReadPage(const std::string& html) {
     static const std::set<std::string> Empty{"meta", "link", "img", "br", "hr", "!DOCTYPE"};
-    static const std::set<std::string> Known{"html", "head", "title", "body", "h1", "h2", "p",  "ol",
-                                             "ul",   "li",   "table", "tr",   "th", "td", "b",  "i",
-                                             "a"};
+    static const std::set<std::string> Known{"html", "head",  "title", "body", "h1", "h2", "p", "ol", "ul",
+                                             "li",   "table", "tr",    "th",   "td", "b",  "i", "a"};
     Page page;
     std::vector<std::pair<std::string, std::size_t>> open; // name, and where its content begins
     const auto textOf = [&](std::size_t begin, std::size_t end) {
