@@ -176,8 +176,10 @@ bool ConnectEvent(QObject& control, const QString& event, int index, QObject& co
             return QObject::connect(box, &QComboBox::activated, &context, run);
         if (auto* list = qobject_cast<QListWidget*>(&control))
             return QObject::connect(list, &QListWidget::itemSelectionChanged, &context, run);
-        if (auto* line = qobject_cast<QLineEdit*>(&control))
-            return new LineClick(*line, context, run) != nullptr;
+        if (auto* line = qobject_cast<QLineEdit*>(&control)) {
+            new LineClick(*line, context, run);
+            return true;
+        }
         if (auto* view = qobject_cast<QAbstractItemView*>(&control))
             return QObject::connect(view, &QAbstractItemView::clicked, &context, run);
     } else if (event == QLatin1String("DblClick") || event == QLatin1String("RequestEdit")) {

@@ -22,7 +22,7 @@ std::string HotSyncPath() {
 /// The last word of a program's answer, when that is a version.
 std::string VersionIn(const QByteArray& answer) {
     constexpr qsizetype longest = 30;
-    const QByteArray line = answer.left(answer.indexOf('\n')).simplified();
+    const QByteArray line = answer.split('\n').constFirst().simplified();
     const QByteArray word = line.mid(line.lastIndexOf(' ') + 1);
     const bool isVersion = !word.isEmpty() && word.size() <= longest && word.front() >= '0' &&
                            word.front() <= '9' &&

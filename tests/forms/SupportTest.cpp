@@ -28,6 +28,8 @@
 #include <filesystem>
 #include <fstream>
 
+#include <sys/stat.h>
+
 namespace {
 
 using namespace std::string_literals;
@@ -117,7 +119,8 @@ TEST_F(AboutScreen, FileVersionsOfWindowsProgramsAreReadAndTheProgramsNotRun) {
 TEST_F(AboutScreen, LogFileWritesSysInfoAndTellsWhere) {
     auto& form = Open<frmAbout>();
     const std::string path = Global.AppPath + "SysInfo.txt";
-    Operator_.Expect(Lines(msg::LogFileCreated, Text::Path(std::string_view(path)))).With(Icon::Information);
+    Operator_.Expect(::Lines(msg::LogFileCreated, Text::Path(std::string_view(path))))
+        .With(Icon::Information);
 
     Click(form, "cmdLog");
 
@@ -651,12 +654,13 @@ TEST_F(DesktopLink, AnOpenerThatFindsNoProgramIsAFailure) {
 
 TEST_F(DesktopLink, AnOpenerThatGoesOnIsTheProgramItself) {
     Global.InstantPauses = true;
-    GivenOpener("while test ! -e '" + Folder() + "end'; do sleep 0.01; done; touch '" + Folder() +
-                "ended'; exit 3");
+    const std::string signal = Folder() + "signal";
+    ASSERT_EQ(mkfifo(signal.c_str(), 0600), 0);
+    GivenOpener("read line < '" + signal + "'; touch '" + Folder() + "ended'; exit 3");
 
     EXPECT_TRUE(OpenDesktopLink("mailto:a@b.c"));
 
-    GivenFile("end", "");
+    std::ofstream(signal) << '\n'; // waits for its reader
     WaitInLoop([&] { return !Exists(Folder() + "ended"); });
 }
 

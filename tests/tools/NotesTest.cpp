@@ -262,7 +262,7 @@ TEST_F(NotesTest, ThereIsNoNoteOutsideTheFile) {
     EXPECT_EQ(Bytes(Path()), NoteRecord(Example(1)));
 }
 
-TEST_F(NotesTest, AFullDiskLeavesTheFileAsItWas) {
+TEST_F(NotesTest, ADiskThatTakesNothingLeavesTheFileAsItWas) {
     const std::string before = NoteRecord(Example(1));
     GivenNotes(before);
     RefusingDisk disk(Global.DBFPath, Access::Create);
