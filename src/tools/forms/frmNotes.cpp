@@ -52,6 +52,7 @@ frmNotes::frmNotes() : MonthView1(new QCalendarWidget(this)), mnuPop(new QMenu(t
     MonthView1->setWindowFlag(Qt::Popup);
     MonthView1->hide();
     mnuPop->setObjectName(QStringLiteral("mnuPop"));
+    mnuPop->setProperty("Tag", QStringLiteral("59007"));
     mnuPop->addActions({mnuSelect, mnuClear});
     txtResolved->installEventFilter(this);
     connect(txtResolved, &QWidget::customContextMenuRequested, mnuPop,
