@@ -36,6 +36,7 @@
 #include "sync/SafetyCopies.h"
 #include "sync/Status.h"
 #include "sync/UnattendedSettings.h"
+#include "tools/Notes.h"
 #include "views/MasterTable.h"
 
 #include <algorithm>
@@ -57,6 +58,7 @@ constexpr int Lines = 1100;
 constexpr int TotalsEvents = 2200;
 constexpr int Links = 2500;
 constexpr int HotSyncUsersInFile = 5000;
+constexpr int Notes = 200;
 
 using Cells = std::vector<std::pair<const char*, std::string>>;
 
@@ -361,6 +363,19 @@ std::string Clear() {
 
 std::string JudgeClear() {
     return JudgeJob({JobKind::Clear, "61115093000", {}, {}}, TablesToClear);
+}
+
+void PrepareNotes() {
+    std::string notes;
+    for (int k = 1; k <= Notes; ++k) notes += NoteRecord(NewNote(k, "1.0.0"));
+    WriteWholeFile(Global.DBFPath + "Notes.dat", notes);
+}
+
+std::string ResolveNote() {
+    Note note = ReadNote(Notes / 2);
+    note.Resolution = "Repaired";
+    WriteNote(note);
+    return {};
 }
 
 std::string WriteSettings() {
@@ -849,6 +864,8 @@ std::vector<SweepJob> MakeJobs() {
          [] { SaveUA(UnattendedFile(), {}); },
          WriteUnattended,
          ""},
+
+        {"note", {"DBFFiles/Notes.dat"}, PrepareNotes, ResolveNote, ""},
 
         {"HotSync users", {"HotSync/Users.txt"}, PrepareHotSyncUsers, EndHotSyncSession, ""},
         {"HotSync settings", {"HotSync/HotSync.ini"}, PrepareHotSyncSettings, WriteHotSyncSettings, ""},

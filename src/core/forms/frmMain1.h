@@ -76,6 +76,8 @@ private slots:
     void mnuExit_Click();
     void mnuClearPCTables_Click();
     void mnuMainAbout_Click();
+    void mnuNotes_Click();
+    void lblNotes_Click();
     void mnuDarkLook_Click();
     void mnuChgComp_Click();
     void mnuChgLinks_Click();
