@@ -195,12 +195,15 @@ bool HandheldInstall::IsComplete() const {
     return FilesWaiting() == 0 && TablesWaiting() == 0;
 }
 
+bool HandheldInstall::AwaitsTables() const {
+    return other_.empty() && !tables_.empty() && !tablesQueued_ && FilesWaiting() == 0;
+}
+
 Text HandheldInstall::Missing() const {
     if (!other_.empty())
         return Lines(Words(msg::OtherHandheld, Text::Value(std::string_view(other_))), msg::PressAgain);
     if (ProgramOnly && !queued_) return Lines(msg::VersionNotRead, msg::PressAgain);
     if (const std::size_t files = FilesWaiting())
         return Lines(Words(msg::FilesWaiting, Number(files)), msg::PressAgain);
-    if (!tablesQueued_) return msg::SecondHotsync;
     return Lines(Words(msg::TablesWaiting, Number(TablesWaiting())), msg::PressAgain);
 }

@@ -52,8 +52,11 @@ public:
     /// The install cannot go on: why, in words. Nothing while it can.
     std::optional<Text> Stopped() const { return stopped_; }
 
-    /// What is still to come, and what the operator does about it: behind a session that did not complete the
-    /// install.
+    /// Behind a session of a Live install: all files are there, and the next session brings the tables.
+    bool AwaitsTables() const;
+
+    /// What is still to come otherwise, and what the operator does about it: behind a session that did not
+    /// complete the install.
     Text Missing() const;
 
     std::size_t FileCount() const { return files_.size(); } ///< of the install
