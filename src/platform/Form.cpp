@@ -581,3 +581,7 @@ void FailUnexpectedly(const std::exception& failure) {
     Tell(Lines(words, Text::Value(Global.Events.Entry(0))), Icon::Stop);
     EndProgram(1);
 }
+
+std::string FormBehaviour::HelpTopic() const {
+    return {};
+}
