@@ -30,7 +30,7 @@ void TakeInLinks(StatusStore& store) {
     UpdateHHStatusInst(store);
 }
 
-std::vector<InstallRow> GetList(StatusStore& store) {
+std::vector<InstallRow> GetList(const StatusStore& store) {
     TraceEvent("frmHHInstall:GetList");
     std::vector<InstallRow> rows;
     for (std::size_t row = 1;; ++row) {

@@ -25,7 +25,7 @@ struct InstallRow {
 void TakeInLinks(StatusStore& store);
 
 /// The list as it is stored.
-std::vector<InstallRow> GetList(StatusStore& store);
+std::vector<InstallRow> GetList(const StatusStore& store);
 
 /// Notes an install, with the present moment, for every handheld whose id is the user, without regard to case.
 void RecordInstall(StatusStore& store, std::string_view user, const Text& type);
