@@ -36,14 +36,14 @@ Text Number(std::size_t number) {
 // ---- versions ----
 
 std::string VersionCaption(std::string_view version) {
-    std::string digits;
-    for (const std::string_view part : SplitText(version, ".")) {
-        const double number = ToNumber(part);
-        if (number < 0 || number > 9) throw RunTimeFailure(6, std::string(version));
-        digits += static_cast<char>('0' + static_cast<int>(number));
-    }
-    digits.resize(3, '0');
-    return "Version " + ShownVersion(digits);
+    const std::vector<std::string_view> parts = SplitText(version, ".");
+    const auto part = [&](std::size_t place, int most) {
+        const double number = place < parts.size() ? ToNumber(parts[place]) : 0;
+        if (number < 0 || number > most) throw RunTimeFailure(6, std::string(version));
+        return std::to_string(static_cast<int>(number));
+    };
+    const std::string minor = part(1, 99);
+    return "Version " + part(0, 9) + "." + (minor.size() < 2 ? "0" : "") + minor;
 }
 
 std::string MajorVersion(std::string_view caption) {
@@ -150,7 +150,9 @@ void HandheldInstall::TestVersion() {
         InstallStage = "B>C";
         return;
     }
-    const auto shown = [](const std::string& major) { return Text::Value(std::string_view(ShownVersion(major))); };
+    const auto shown = [](const std::string& major) {
+        return Text::Value(std::string_view(ShownVersion(major)));
+    };
     Text refusal = msg::OSVersion;
     if (!onHandheld->empty()) refusal = Words(refusal, shown(*onHandheld));
     stopped_ = Words(refusal, msg::CannotUpgrade, shown(version_)) + msg::InstallNewVersion;
@@ -179,9 +181,8 @@ void HandheldInstall::RemoveVersionFiles() const {
 std::size_t HandheldInstall::FilesWaiting() const {
     if (!queued_) return files_.size();
     const std::string folder = InstallFolder(managerFolder_, user_);
-    return static_cast<std::size_t>(
-        std::count_if(files_.begin(), files_.end(),
-                      [&](const std::string& file) { return FileExists(folder + file); }));
+    return static_cast<std::size_t>(std::count_if(
+        files_.begin(), files_.end(), [&](const std::string& file) { return FileExists(folder + file); }));
 }
 
 std::size_t HandheldInstall::TablesWaiting() const {
