@@ -8,6 +8,7 @@
 #include "installation/forms/frmHHInstall.h"
 #include "platform/Convert.h"
 #include "platform/TitledWindow.h"
+#include "quality/CheckResults.h"
 #include "quality/forms/frmConfigMsg.h"
 #include "store/TableRewrite.h"
 #include "support/FakeControl.h"
@@ -475,10 +476,14 @@ TEST_F(InstallScreen, AFatalQualityCheckStopsALiveInstallBeforeTheNote) {
 }
 
 TEST_F(InstallScreen, AWarnOfTheQualityCheckDoesNotStopALiveInstall) {
-    GivenRows("ZUKCUST", {"C_SEARCH|C_CODE|C_NAME", "ACME|C1|Acme", "CRANE|C1|Crane"});
+    GivenRows("ZUKITEM", {"I_SEARCH|I_ITEMCODE|I_DESC1|I_PRICE", "SAW|S1|Saw|"});
     auto& form = OpenFor("Anna");
     ExpectCleanCheck();
-    Operator_.Expect(msg::TwoHotsyncs);
+    Operator_.Expect(msg::TwoHotsyncs).Then([] {
+        const CheckResult items = CheckResults::Read(CheckResultsFile()).Of(Check::Items).value();
+        EXPECT_EQ(items.Fatal, 0);
+        EXPECT_GT(items.Warn, 0);
+    });
 
     Press(form, "cmdLive", {WhenItWaits(form, [&] { Click(form, "cmdCancel"); })});
 }
