@@ -47,6 +47,7 @@ std::string Attribute(const std::string& tag, const std::string& name) {
 /// A page as far as it can be wrong.
 struct Page {
     std::vector<std::string> Titles, Headings, Captions; ///< texts of title, h1 and b
+    std::vector<std::string> Quotes;                     ///< what stands between quotes
     std::vector<std::string> Links, Pictures;            ///< targets of a and img
     std::vector<std::string> Faults;
     bool SaysItsCharset = false;
@@ -97,6 +98,14 @@ Page ReadPage(const std::string& html) {
         if (name == "/b") page.Captions.push_back(text);
         open.pop_back();
     }
+    static const std::string Quote = "&quot;";
+    for (std::size_t at = 0; (at = html.find(Quote, at)) != std::string::npos;) {
+        const std::size_t begin = at + Quote.size();
+        const std::size_t end = html.find(Quote, begin);
+        if (end == std::string::npos) page.Faults.push_back("a quote that is not closed");
+        page.Quotes.push_back(textOf(begin, end));
+        at = end == std::string::npos ? end : end + Quote.size();
+    }
     if (page.Faults.empty() && !open.empty()) page.Faults.push_back(open.back().first + " is not closed");
     return page;
 }
@@ -144,6 +153,20 @@ bool IsOnTheScreen(const std::string& words) {
         at = end == std::string::npos ? end : end + 3;
     }
     return entries > 1;
+}
+
+/// Whether the program says so somewhere. Three dots stand for whatever it says there.
+bool IsSaid(const std::string& quote) {
+    for (std::size_t at = 0; at != std::string::npos;) {
+        const std::size_t dots = quote.find("...", at);
+        const std::string piece = Shown(quote.substr(at, dots == std::string::npos ? dots : dots - at));
+        const auto says = [&](const CatalogueRow& row) {
+            return Shown(row.Words).find(piece) != std::string::npos;
+        };
+        if (std::none_of(CatalogueRows, CatalogueRows + CatalogueRowCount, says)) return false;
+        at = dots == std::string::npos ? dots : dots + 3;
+    }
+    return true;
 }
 
 /// Attributes of the elements of a name in the help's project file, in its order.
@@ -196,6 +219,15 @@ TEST_F(HelpPagesTest, ACaptionThatNoScreenHasIsFoundOut) {
     EXPECT_FALSE(IsOnTheScreen("File > Rate"));
     EXPECT_FALSE(IsOnTheScreen("File > "));
     EXPECT_FALSE(IsOnTheScreen(""));
+}
+
+TEST_F(HelpPagesTest, AMessageThatTheProgramDoesNotGiveIsFoundOut) {
+    EXPECT_EQ(ReadPage("<p>&quot;File\nError!&quot; and &quot;Yes&quot;</p>").Quotes,
+              (std::vector<std::string>{"File Error!", "Yes"}));
+    EXPECT_TRUE(IsSaid("File Error!"));
+    EXPECT_TRUE(IsSaid("The HotSync Manager ... has refused. ..."));
+    EXPECT_FALSE(IsSaid("File Mistake!"));
+    EXPECT_FALSE(IsSaid("The HotSync Manager ... has declined. ..."));
 }
 
 TEST_F(HelpPagesTest, EachPageIsWellFormedAndHasItsTitleItsHeadingAndAPicture) {
@@ -260,6 +292,11 @@ TEST_F(HelpPagesTest, WhatAPageWritesAsACaptionStandsOnAScreen) {
     for (const auto& [name, page] : Pages())
         for (const std::string& caption : page.Captions)
             EXPECT_TRUE(IsOnTheScreen(caption)) << name << ": " << caption;
+}
+
+TEST_F(HelpPagesTest, WhatAPageQuotesIsAMessageOfTheProgram) {
+    for (const auto& [name, page] : Pages())
+        for (const std::string& quote : page.Quotes) EXPECT_TRUE(IsSaid(quote)) << name << ": " << quote;
 }
 
 TEST_F(HelpPagesTest, EachPictureIsThereIsNotTooLargeAndIsWanted) {
