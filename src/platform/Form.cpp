@@ -5,8 +5,11 @@
 #include "core/Messages.h"
 #include "core/Operator.h"
 #include "core/Trace.h"
+#include "help/HTMLHelp.h"
+#include "help/HelpTopics.h"
 #include "platform/Convert.h"
 #include "platform/GridView.h"
+#include "platform/HelpKeys.h"
 
 #include <QAbstractButton>
 #include <QAbstractEventDispatcher>
@@ -58,6 +61,9 @@ int FirstOwnMethod(const QWidget& window) {
     return qobject_cast<const QDialog*>(&window) ? QDialog::staticMetaObject.methodCount()
                                                  : QMainWindow::staticMetaObject.methodCount();
 }
+
+/// Names the topic that a control opens.
+constexpr const char* HelpTopicProperty = "HelpTopic";
 
 /// Not what Qt makes for itself inside a control: a combo box's list, a table's corner button.
 bool IsOurs(const QObject& object) {
@@ -178,6 +184,14 @@ bool ConnectEvent(QObject& control, const QString& event, int index, QObject& co
 /// Whether a handler for `name` serves a control: it bears that name, or is an element of that array.
 bool Serves(const QString& name, const QObject& control) {
     return control.objectName() == name || ElementIndex(control.objectName(), name) >= 0;
+}
+
+/// Whether a control opens a topic of the help, unless the form has a handler for it.
+bool OpensHelp(const QObject& control) {
+    if (!qobject_cast<const QAbstractButton*>(&control)) return false;
+    const QString name = control.objectName();
+    return name == QLatin1String("cmdHelp") || control.property(HelpTopicProperty).isValid() ||
+           (name.startsWith(QLatin1String("img")) && name.endsWith(QLatin1String("Help")));
 }
 
 /// The tab strip that has a widget for a page; nothing for any other widget.
@@ -322,13 +336,33 @@ void FormBehaviour::RunMethod(int method, int index) {
 void FormBehaviour::WireControl(QObject& control) {
     QWidget& window = Window();
     const QMetaObject* meta = window.metaObject();
+    bool handled = false;
     for (int method = FirstOwnMethod(window); method < meta->methodCount(); ++method) {
         QString name;
         QString event;
         if (!SplitHandler(meta->method(method), name, event) || !Serves(name, control)) continue;
         ConnectEvent(control, event, ElementIndex(control.objectName(), name), window,
                      [this, method](int index) { RunMethod(method, index); });
+        if (event == QLatin1String("Click")) handled = true;
     }
+    if (handled || !OpensHelp(control)) return;
+    QObject::connect(&static_cast<QAbstractButton&>(control), &QAbstractButton::clicked, &window,
+                     [this, &control] { ShowHelp(&control); });
+}
+
+std::string FormBehaviour::HelpTopic() const {
+    return HelpTopicOfForm(const_cast<FormBehaviour*>(this)->Window().metaObject()->className());
+}
+
+void FormBehaviour::ShowHelp(const QObject* control) {
+    if (IsOver()) return;
+    Run([&] {
+        const std::string form = Window().metaObject()->className();
+        const QByteArray name = control ? control->objectName().toLatin1() + "_Click" : "OnHelp";
+        TraceEvent(form + ":" + name.toStdString());
+        const QVariant topic = control ? control->property(HelpTopicProperty) : QVariant();
+        ShowHelpTopic(topic.isValid() ? topic.toString().toStdString() : HelpTopic());
+    });
 }
 
 QStringList FormBehaviour::WiringProblems() const {
@@ -358,7 +392,8 @@ QStringList FormBehaviour::WiringProblems() const {
     }
     for (const QObject* object : all) {
         if (!IsOurs(*object) || !IsClickable(*object)) continue;
-        const bool has = std::any_of(handled.begin(), handled.end(),
+        const bool has = OpensHelp(*object) ||
+                         std::any_of(handled.begin(), handled.end(),
                                      [&](const QString& name) { return Serves(name, *object); });
         const QString control = object->objectName().isEmpty()
                                     ? QStringLiteral("a nameless %1").arg(object->metaObject()->className())
@@ -385,6 +420,7 @@ void FormBehaviour::LoadNow() {
             if (IsOurs(*child)) WireControl(*child);
         }
         FillCaptions(window);
+        new HelpKeys(window, [this] { ShowHelp(); });
         Form_Load();
     } catch (...) {
         // The failure is the caller's, who asked for the form; half a form is no form.
@@ -509,7 +545,7 @@ void FormRegistry::Raise(FormBehaviour& form) {
 }
 
 void FormRegistry::Forget(FormBehaviour& form) {
-    const bool wasTop = !shown_.empty() && shown_.back() == &form;
+    const bool wasTop = Topmost() == &form;
     std::erase(shown_, &form);
     const auto own =
         std::find_if(forms_.begin(), forms_.end(), [&](const auto& f) { return f.get() == &form; });
@@ -528,12 +564,18 @@ void FormRegistry::PassOn(const QWindow* owner) {
     }
 }
 
+FormBehaviour* FormRegistry::Topmost() const {
+    const auto top = std::find_if(shown_.rbegin(), shown_.rend(),
+                                  [](const FormBehaviour* form) { return !form->IsBeside(); });
+    return top == shown_.rend() ? nullptr : *top;
+}
+
 void FormRegistry::FocusTopmost() {
-    if (shown_.empty()) return;
-    FormBehaviour* top = shown_.back();
+    FormBehaviour* top = Topmost();
+    if (!top) return;
     QTimer::singleShot(0, &top->Window(), [this, top] {
         // A form that was opened meanwhile stands above this one, which is called when that has gone.
-        if (shown_.empty() || shown_.back() != top || top->IsOver()) return;
+        if (Topmost() != top || top->IsOver()) return;
         top->Run([top] { top->Form_GotFocus(); });
     });
 }

@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <memory>
+#include <string>
 #include <vector>
 
 class QWindow;
@@ -41,6 +42,17 @@ public:
 
     /// Whether it goes with all others when the main screen turns to something else.
     virtual bool IsSecondary() const { return true; }
+
+    /// Whether it is used beside all others: that it comes or goes is nothing to the form below it.
+    virtual bool IsBeside() const { return false; }
+
+    /// The topic of the help that tells of the screen as it stands, a file name such as "Notes.htm". F1 opens
+    /// it, and so does each button `cmdHelp`, `imgHelp` or `img...Help` that has no handler of its own. A
+    /// control with the property "HelpTopic" opens the one named there. See help/HelpTopics.h for the table.
+    virtual std::string HelpTopic() const;
+
+    /// Opens the topic of the screen, or the one of a control of it.
+    void ShowHelp(const QObject* control = nullptr);
 
     /// The form has gone, or the process is ending: a handler that has waited goes no further.
     bool IsOver() const;
@@ -130,6 +142,7 @@ private:
 
     void Forget(FormBehaviour& form);
     void Release(FormBehaviour& form);
+    FormBehaviour* Topmost() const; ///< of those that are shown and not beside the others; or nothing
     void FocusTopmost();
     /// Windows that belong to one that has gone belong to the modal one below it, if any.
     void PassOn(const QWindow* owner);

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "core/Globals.h"
+
+#include <string>
+#include <string_view>
+
+/// Topics of the help by what they tell of. A topic is the file name of its page, as "Notes.htm"; the help
+/// finds it whatever its case.
+
+/// Where the help begins: the topic of the main screen.
+inline constexpr std::string_view HomeTopic = "INTRODUCTION.htm";
+
+/// The topic of a form by its name, as "frmNotes"; HomeTopic for one that has none of its own.
+std::string HelpTopicOfForm(std::string_view form);
+
+/// The topic of a table that is looked at record by record.
+std::string HelpTopicOfView(ViewFlag flag);
+
+/// Topics of the pages of `frmOptions`, in their order.
+inline constexpr std::string_view OptionTopics[] = {"Purging_Backup_PC_Tables.htm", "QuickButtons.htm",
+                                                    "Unattended_Hotsync_.htm"};
+
+/// Topics of the pages of the Tools quadrant on the main screen.
+inline constexpr std::string_view ToolsTopic = "_Tools_.htm", QuickStartTopic = "QuickStart.htm",
+                                  SummaryTopic = "System_Summary.htm";
