@@ -62,6 +62,7 @@ public:
         std::printf("%s\n", PrintsTo.c_str());
         return NewPdfPrinter(PrintsTo, UsualPaper(), ToQt(document));
     }
+    bool OpenLink(std::string_view) override { return false; }
     void Beep() override {}
 
     bool RunsActivities = false;

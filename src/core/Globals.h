@@ -15,6 +15,7 @@
 #include <utility>
 #include <vector>
 
+class HTMLHelp;
 class ManagerDesk;
 class Operator;
 class SFrmAX40;
@@ -83,6 +84,7 @@ struct Globals {
     int ExitCode = 0;                ///< once Ending is set
     DateTime (*Clock)() = nullptr;   ///< in place of the system's clock when set; see Now
     std::function<std::unique_ptr<SFrmAX40>()> MakeSFrmAX40; ///< in place of the platform's; see NewSFrmAX40
+    HTMLHelp* TheHelp = nullptr; ///< the help of the session: set by the program before any form loads
     ManagerDesk* TheManagerDesk = nullptr; ///< in the HotSync Manager: set before any of its forms loads
     FileNumbers Files;
     TraceRing Events;
@@ -154,6 +156,7 @@ struct Globals {
     // The session of a handheld; see sync/MainSession.h.
     bool UnattendedActive = false;            ///< unattended mode is armed: sessions are served
     bool HHInstallActive = false;             ///< the handheld installer owns the session
+    bool InstallSession = false;              ///< it answers the statuses of its control
     bool MainSyncLoaded = false;              ///< `frmMainSync` is loaded
     bool RemoteFormLoaded = false;            ///< `frmRemoteSync` is loaded
     std::string HSUserName;                   ///< HotSync user of the handheld in session
@@ -184,10 +187,16 @@ struct Globals {
     std::string SearchCustomers;   ///< field from which a customer's search value comes, as SU_SRCHCUS has it
     std::string SearchItems;       ///< and an item's, as SU_SRCHITM
     std::int16_t LinesPerPage = 0; ///< of printed text reports, as LINEMAX of the print settings has it
-    std::string OldTable, NewTable;    ///< paths of the transfer between two structures of a table
-    bool CopySingleTable = false;      ///< `frmCopyDBF` makes that one transfer, and no version update
-    bool UpdateCancelled = false;      ///< the operator does not want the update of which `frmUpdateMsg` told
-    bool FromConfigurator = false;     ///< a screen is open on behalf of the Configurator, and returns there
+    std::string OldTable, NewTable; ///< paths of the transfer between two structures of a table
+    bool CopySingleTable = false;   ///< `frmCopyDBF` makes that one transfer, and no version update
+    bool UpdateCancelled = false;   ///< the operator does not want the update of which `frmUpdateMsg` told
+    bool FromConfigurator = false;  ///< a screen is open on behalf of the Configurator, and returns there
+    std::int32_t CurrentNote = 0;   ///< number of the note that `frmNotes` opens
+    bool NewNote = false;           ///< it is a new one, and stands in no file yet
+    std::string
+        StandInFolder; ///< in the stand-in handheld's window: its handheld's, set before its form loads
+    std::string
+        StandInDesktop; ///< and the HotSync Manager that it presses HotSync at first: HOST or HOST:PORT
     std::int32_t LinkRecordToShow = 0; ///< record of the Links table that its editor opens at; 0 the first
     std::string NewHSUser;             ///< HotSync user that the operator chose to add
     bool ManualUploadActive = false;   ///< a screen waits for the handheld in the cradle

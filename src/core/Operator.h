@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
 enum class Answer { Ok, Yes, No };
 enum class Buttons { Ok, YesNo };
@@ -49,6 +50,11 @@ public:
     /// The common printer dialog: where a document of this name is to go, to a printer or a file. Nothing
     /// when the operator gives up. RunTimeFailure when the printer or the file is not to be had.
     virtual std::unique_ptr<Printer> PrinterDialog(const Text& document) = 0;
+
+    /// Hands a link to the desktop, which opens it by the program that it has for such: a "mailto:" link as
+    /// SendMail builds it (tools/Mail.h), or the address of a web page. False when there is no such program,
+    /// or the link is longer than the desktop takes.
+    virtual bool OpenLink(std::string_view link) = 0;
 
     /// A short sound.
     virtual void Beep() = 0;

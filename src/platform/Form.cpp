@@ -345,24 +345,29 @@ void FormBehaviour::WireControl(QObject& control) {
                      [this, method](int index) { RunMethod(method, index); });
         if (event == QLatin1String("Click")) handled = true;
     }
-    if (handled || !OpensHelp(control)) return;
-    QObject::connect(&static_cast<QAbstractButton&>(control), &QAbstractButton::clicked, &window,
-                     [this, &control] { ShowHelp(&control); });
+    if (!handled) WireHelp(control);
 }
 
 std::string FormBehaviour::HelpTopic() const {
     return HelpTopicOfForm(const_cast<FormBehaviour*>(this)->Window().metaObject()->className());
 }
 
-void FormBehaviour::ShowHelp(const QObject* control) {
-    if (IsOver()) return;
-    Run([&] {
-        const std::string form = Window().metaObject()->className();
-        const QByteArray name = control ? control->objectName().toLatin1() + "_Click" : "OnHelp";
-        TraceEvent(form + ":" + name.toStdString());
-        const QVariant topic = control ? control->property(HelpTopicProperty) : QVariant();
-        ShowHelpTopic(topic.isValid() ? topic.toString().toStdString() : HelpTopic());
-    });
+/// Connects a help button, or the keys of the help for the window itself.
+void FormBehaviour::WireHelp(QObject& control) {
+    QWidget& window = Window();
+    const auto show = [this, &window, &control] {
+        if (IsOver()) return;
+        Run([&] {
+            const QString name = &control == &window ? QStringLiteral("OnHelp") : control.objectName() + "_Click";
+            TraceEvent((QString::fromLatin1(window.metaObject()->className()) + ':' + name).toStdString());
+            const QVariant topic = control.property(HelpTopicProperty);
+            ShowHelpTopic(topic.isValid() ? topic.toString().toStdString() : HelpTopic());
+        });
+    };
+    if (&control == &window)
+        new HelpKeys(window, show);
+    else if (OpensHelp(control))
+        QObject::connect(&static_cast<QAbstractButton&>(control), &QAbstractButton::clicked, &window, show);
 }
 
 QStringList FormBehaviour::WiringProblems() const {
@@ -420,7 +425,7 @@ void FormBehaviour::LoadNow() {
             if (IsOurs(*child)) WireControl(*child);
         }
         FillCaptions(window);
-        new HelpKeys(window, [this] { ShowHelp(); });
+        WireHelp(window);
         Form_Load();
     } catch (...) {
         // The failure is the caller's, who asked for the form; half a form is no form.

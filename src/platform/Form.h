@@ -51,9 +51,6 @@ public:
     /// control with the property "HelpTopic" opens the one named there. See help/HelpTopics.h for the table.
     virtual std::string HelpTopic() const;
 
-    /// Opens the topic of the screen, or the one of a control of it.
-    void ShowHelp(const QObject* control = nullptr);
-
     /// The form has gone, or the process is ending: a handler that has waited goes no further.
     bool IsOver() const;
 
@@ -89,6 +86,7 @@ private:
     friend class FormRegistry;
 
     void LoadNow();
+    void WireHelp(QObject& control);
     void Leave();
     void RunMethod(int method, int index);
     void QueueGotFocus();

@@ -9,6 +9,7 @@
 #include "platform/Printing.h"
 
 #include <QApplication>
+#include <QDesktopServices>
 #include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QLabel>
@@ -16,6 +17,7 @@
 #include <QMessageBox>
 #include <QPointer>
 #include <QPushButton>
+#include <QUrl>
 #include <QVBoxLayout>
 
 namespace {
@@ -142,6 +144,10 @@ bool QtOperator::Ask(const Question& question) {
 
 std::unique_ptr<Printer> QtOperator::PrinterDialog(const Text& document) {
     return AskForPrinter(ToQt(document));
+}
+
+bool QtOperator::OpenLink(std::string_view link) {
+    return QDesktopServices::openUrl(QUrl(ToQt(link)));
 }
 
 void QtOperator::Beep() {

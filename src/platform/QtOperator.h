@@ -13,5 +13,6 @@ public:
     std::optional<std::string> OpenFile(const FileQuestion& question) override;
     bool Ask(const Question& question) override;
     std::unique_ptr<Printer> PrinterDialog(const Text& document) override;
+    bool OpenLink(std::string_view link) override;
     void Beep() override;
 };

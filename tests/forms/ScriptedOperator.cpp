@@ -92,3 +92,13 @@ std::unique_ptr<Printer> ScriptedOperator::PrinterDialog(const Text& document) {
     if (!expected || !expected->Paper) return nullptr;
     return expected->Paper();
 }
+
+void ScriptedOperator::ExpectLink(std::string_view beginning, bool opens) {
+    ExpectBeginning(Text::Value(beginning)).Answer(opens ? ::Answer::Yes : ::Answer::No);
+}
+
+bool ScriptedOperator::OpenLink(std::string_view link) {
+    links_.emplace_back(link);
+    const Expected* expected = Take(Text::Value(link));
+    return expected && expected->Reply == ::Answer::Yes;
+}

@@ -5,6 +5,7 @@
 #include <deque>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 /// The operator of a test: a list of what is expected to be asked, and the answers. What was not
@@ -39,12 +40,18 @@ public:
     /// The printer dialog, which is answered by a printer or, with none, by giving up.
     void ExpectPrinterDialog(const Text& document, std::function<std::unique_ptr<Printer>()> printer);
 
+    /// A link that begins so is handed to the desktop, which opens it or does not.
+    void ExpectLink(std::string_view beginning, bool opens = true);
+    /// All that were, whole.
+    const std::vector<std::string>& Links() const { return links_; }
+
     Answer MsgBox(const Text& message, Icon icon, Buttons buttons) override;
     std::optional<std::string> InputBox(const Text& prompt, const std::string& preset) override;
     /// Expected by its title; the path is what is typed, and typing nothing gives up.
     std::optional<std::string> OpenFile(const FileQuestion& question) override;
     bool Ask(const Question& question) override;
     std::unique_ptr<Printer> PrinterDialog(const Text& document) override;
+    bool OpenLink(std::string_view link) override;
     void Beep() override { ++beeps_; }
 
 private:
@@ -65,4 +72,5 @@ private:
     std::vector<Expected> expected_;
     std::size_t come_ = 0;
     int beeps_ = 0;
+    std::vector<std::string> links_;
 };
