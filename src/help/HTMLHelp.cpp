@@ -13,6 +13,7 @@ namespace {
 
 constexpr std::string_view DefaultFont = "Arial", DefaultSize = "10", CharacterSet = ", ascii, ";
 constexpr int DefaultPoints = 10, LeastPoints = 4, MostPoints = 72;
+constexpr std::string_view HelpFileName = "Tramble_Help.qch";
 constexpr std::string_view SectionMark = ".topic";
 
 std::string_view Trimmed(std::string_view text) {
@@ -185,6 +186,13 @@ void HTMLHelp::ShowElsewhere(const std::string& names) {
 void HTMLHelp::HHClose() {
     TraceEvent("HTMLHelp:HHClose");
     viewer_.Close();
+}
+
+std::string HelpFilePath(std::string_view programFolder, std::string_view appPath) {
+    const std::string program = AddBackslash(programFolder);
+    const std::string office = AddBackslash(appPath) + std::string(HelpFileName);
+    const std::string beside = program + std::string(HelpFileName);
+    return !FileExists(beside) && FileExists(office) ? office : beside;
 }
 
 void ShowHelpTopic(const std::string& topic) {

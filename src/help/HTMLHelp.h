@@ -11,7 +11,8 @@
 /// Whether a pop-up shows a text, or a section of a file in the help file.
 enum class PopupType { Text, File };
 
-/// A colour as red, green and blue, a byte each from the highest; nothing for that of the desktop's tool tips.
+/// A colour as red, green and blue, a byte each from the highest; nothing for that of the desktop's tool
+/// tips.
 using PopupColor = std::optional<std::uint32_t>;
 
 /// A place on the screen, in pixels.
@@ -85,8 +86,8 @@ class HTMLHelp {
 public:
     explicit HTMLHelp(HelpViewer& viewer) : viewer_(viewer) {}
 
-    std::string CHMFile;       ///< full path of the help file, in the file system's encoding
-    std::string HHTopicURL;    ///< file name of the topic that HHDisplayTopicURL opens; empty: the home topic
+    std::string CHMFile;    ///< full path of the help file, in the file system's encoding
+    std::string HHTopicURL; ///< file name of the topic that HHDisplayTopicURL opens; empty: the home topic
     std::uint32_t HHTopicID = 0;
     std::string HHKeyword, HHALink; ///< several names are parted by ";"
     std::string HHDefaultURL;       ///< topic that is shown where a keyword or a link leads nowhere
@@ -131,6 +132,10 @@ private:
 
     HelpViewer& viewer_;
 };
+
+/// Where the help file of a program lies: beside the program, or in the application directory; beside the
+/// program when it is in neither. Folders with or without a trailing separator.
+std::string HelpFilePath(std::string_view programFolder, std::string_view appPath);
 
 /// Opens a topic in the help of the session.
 void ShowHelpTopic(const std::string& topic);

@@ -51,7 +51,7 @@ constexpr Row Topics[] = {
     {"frmImport1", "Setup_Import.htm"},
     {"frmMainSync", UnattendedTopic},
     {"frmNotes", "Notes.htm"},
-    {"frmOptions", OptionTopics[0]},
+    {"frmOptions", "Purging_Backup_PC_Tables.htm"},
     {"frmPay", "Payments.htm"},
     {"frmPrinter", "Printers.htm"},
     {"frmProgress", TotalsTopic},

@@ -11,16 +11,9 @@
 /// Where the help begins: the topic of the main screen.
 inline constexpr std::string_view HomeTopic = "INTRODUCTION.htm";
 
-/// The topic of a form by its name, as "frmNotes"; HomeTopic for one that has none of its own.
+/// The topic of a form by its name, as "frmNotes"; HomeTopic for one that has none of its own. Parts of a
+/// form that have topics of their own hold them as the property "HelpTopic".
 std::string HelpTopicOfForm(std::string_view form);
 
 /// The topic of a table that is looked at record by record.
 std::string HelpTopicOfView(ViewFlag flag);
-
-/// Topics of the pages of `frmOptions`, in their order.
-inline constexpr std::string_view OptionTopics[] = {"Purging_Backup_PC_Tables.htm", "QuickButtons.htm",
-                                                    "Unattended_Hotsync_.htm"};
-
-/// Topics of the pages of the Tools quadrant on the main screen.
-inline constexpr std::string_view ToolsTopic = "_Tools_.htm", QuickStartTopic = "QuickStart.htm",
-                                  SummaryTopic = "System_Summary.htm";

@@ -194,6 +194,15 @@ bool OpensHelp(const QObject& control) {
            (name.startsWith(QLatin1String("img")) && name.endsWith(QLatin1String("Help")));
 }
 
+/// The topic of a control, or of what it is a part of, where these have one that is not their form's.
+QVariant TopicAt(const QObject* control) {
+    for (; control; control = control->parent()) {
+        const QVariant topic = control->property(HelpTopicProperty);
+        if (topic.isValid()) return topic;
+    }
+    return {};
+}
+
 /// The tab strip that has a widget for a page; nothing for any other widget.
 QTabWidget* TabsAround(const QWidget& page) {
     const QObject* stack = page.parent();
@@ -358,9 +367,10 @@ void FormBehaviour::WireHelp(QObject& control) {
     const auto show = [this, &window, &control] {
         if (IsOver()) return;
         Run([&] {
-            const QString name = &control == &window ? QStringLiteral("OnHelp") : control.objectName() + "_Click";
+            const QString name =
+                &control == &window ? QStringLiteral("OnHelp") : control.objectName() + "_Click";
             TraceEvent((QString::fromLatin1(window.metaObject()->className()) + ':' + name).toStdString());
-            const QVariant topic = control.property(HelpTopicProperty);
+            const QVariant topic = TopicAt(&control == &window ? window.focusWidget() : &control);
             ShowHelpTopic(topic.isValid() ? topic.toString().toStdString() : HelpTopic());
         });
     };
@@ -397,9 +407,9 @@ QStringList FormBehaviour::WiringProblems() const {
     }
     for (const QObject* object : all) {
         if (!IsOurs(*object) || !IsClickable(*object)) continue;
-        const bool has = OpensHelp(*object) ||
-                         std::any_of(handled.begin(), handled.end(),
-                                     [&](const QString& name) { return Serves(name, *object); });
+        const bool has =
+            OpensHelp(*object) || std::any_of(handled.begin(), handled.end(),
+                                              [&](const QString& name) { return Serves(name, *object); });
         const QString control = object->objectName().isEmpty()
                                     ? QStringLiteral("a nameless %1").arg(object->metaObject()->className())
                                     : object->objectName();

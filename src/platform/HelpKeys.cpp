@@ -15,8 +15,7 @@ namespace {
 
 QString HintOf(const QWidget& control) {
     for (const QWidget* at = &control; at; at = at->isWindow() ? nullptr : at->parentWidget()) {
-        for (const QString& hint :
-             {HelpLine::TextFor(*at), at->accessibleDescription(), at->toolTip()}) {
+        for (const QString& hint : {HelpLine::TextFor(*at), at->accessibleDescription(), at->toolTip()}) {
             if (!hint.isEmpty()) return hint;
         }
     }
@@ -29,7 +28,8 @@ void ShowHint(const QWidget& control) {
     if (!Global.TheHelp) return;
     const QString hint = HintOf(control);
     // A tool tip may be markup; the pop-up shows letters.
-    const QString plain = Qt::mightBeRichText(hint) ? QTextDocumentFragment::fromHtml(hint).toPlainText() : hint;
+    const QString plain =
+        Qt::mightBeRichText(hint) ? QTextDocumentFragment::fromHtml(hint).toPlainText() : hint;
     Global.TheHelp->HHPopupType = PopupType::Text;
     Global.TheHelp->HHPopupText =
         plain.isEmpty() ? Text(msg::HelpNoHint) : Text::Path(std::string_view(plain.toStdString()));
@@ -37,7 +37,9 @@ void ShowHint(const QWidget& control) {
 }
 
 HelpKeys::HelpKeys(QWidget& window, std::function<void()> help)
-    : QObject(&window), window_(window), help_(std::move(help)) {
+    : QObject(&window),
+      window_(window),
+      help_(std::move(help)) {
     window.installEventFilter(this);
 }
 

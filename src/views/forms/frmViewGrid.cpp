@@ -9,6 +9,7 @@
 #include "core/TextCompare.h"
 #include "core/forms/frmMain1.h"
 #include "core/forms/frmProgress.h"
+#include "help/HelpTopics.h"
 #include "platform/BarProgress.h"
 #include "platform/Convert.h"
 #include "platform/Look.h"
@@ -154,6 +155,12 @@ frmViewGrid::frmViewGrid() {
     Timer1 = new QTimer(this);
     Timer1->setObjectName(QStringLiteral("Timer1"));
     Timer1->setSingleShot(true);
+}
+
+std::string frmViewGrid::HelpTopic() const {
+    if (Global.View[ViewRestore]) return "Restoring_PC_Tables_from_Backup_.htm";
+    const TableView* view = ChosenView();
+    return view ? HelpTopicOfView(view->Flag) : Form::HelpTopic();
 }
 
 void frmViewGrid::Form_Load() {
