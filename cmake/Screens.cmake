@@ -76,7 +76,8 @@ target_link_libraries(screensbykeys PUBLIC driverclient engine)
 add_executable(keys ${CMAKE_SOURCE_DIR}/tools/keys.cpp)
 target_link_libraries(keys PRIVATE screensbykeys officeforday)
 
-add_executable(pictures_of_screens ${CMAKE_SOURCE_DIR}/tools/pictures.cpp ${CMAKE_SOURCE_DIR}/tools/FilledTables.cpp)
+add_executable(pictures_of_screens ${CMAKE_SOURCE_DIR}/tools/pictures.cpp ${CMAKE_SOURCE_DIR}/tools/FilledTables.cpp
+    ${CMAKE_SOURCE_DIR}/tools/PagePictures.cpp ${CMAKE_SOURCE_DIR}/tools/PagePictures.h)
 target_link_libraries(pictures_of_screens PRIVATE screens pictures officeforday)
 target_compile_definitions(pictures_of_screens PRIVATE TRAMBLE_VERSION="${PROJECT_VERSION}")
 
