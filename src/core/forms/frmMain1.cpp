@@ -15,6 +15,7 @@
 #include "exchange/forms/frmQBExport.h"
 #include "exchange/forms/frmQBImport.h"
 #include "exchange/forms/frmQBUpload.h"
+#include "help/HTMLHelp.h"
 #include "maintenance/Backup.h"
 #include "maintenance/Office.h"
 #include "maintenance/Totals.h"
@@ -567,6 +568,7 @@ void frmMain1::ShowPage(int page) {
     picRemoteSync->setCurrentIndex(page);
     lblRemoteSync->setText(ToQt(Text(PageTitles[page])));
     imgTools->setPixmap(Picture(PagePictures[page]).pixmap(20, 20));
+    imgToolsHelp->setProperty("HelpTopic", picRemoteSync->currentWidget()->property("HelpTopic"));
     if (page == PageSummary) RefreshRecordCounts();
 }
 
@@ -988,6 +990,26 @@ void frmMain1::lblRestore_Click() {
 
 void frmMain1::mnuViewTotals_Click() {
     View("mnuViewTotals_Click", ViewTotals);
+}
+
+void frmMain1::mnuHelpContents_Click() {
+    TraceEvent("frmMain1:mnuHelpContents_Click");
+    Global.TheHelp->HHDisplayContents();
+}
+
+void frmMain1::mnuHelpIndex_Click() {
+    TraceEvent("frmMain1:mnuHelpIndex_Click");
+    Global.TheHelp->HHDisplayIndex();
+}
+
+void frmMain1::mnuHelpSearch_Click() {
+    TraceEvent("frmMain1:mnuHelpSearch_Click");
+    Global.TheHelp->HHDisplaySearch();
+}
+
+void frmMain1::mnuWhatsThis_Click() {
+    TraceEvent("frmMain1:mnuWhatsThis_Click");
+    Global.TheHelp->HHInvokeWhatsThisHelp();
 }
 
 void frmMain1::mnuMainAbout_Click() {

@@ -75,6 +75,10 @@ private slots:
     void mnuMainExport_Click();
     void mnuExit_Click();
     void mnuClearPCTables_Click();
+    void mnuHelpContents_Click();
+    void mnuHelpIndex_Click();
+    void mnuHelpSearch_Click();
+    void mnuWhatsThis_Click();
     void mnuMainAbout_Click();
     void mnuDarkLook_Click();
     void mnuChgComp_Click();
