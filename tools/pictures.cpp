@@ -32,6 +32,7 @@
 #include "sync/forms/StatusFile.h"
 #include "sync/forms/TableSelectForm.h"
 #include "sync/forms/UnattendedMode.h"
+#include "tools/Notes.h"
 
 #include <QApplication>
 #include <QComboBox>
@@ -331,6 +332,23 @@ void GivenClearing() {
     Activity activity;
     activity.Rows[0].Template = "Orders and audits.pct";
     WriteActivity(Global.QuickButtonTemplates + "Evening.ctm", activity);
+}
+
+/// A few notes, the first of them open on its screen.
+void GivenNotes() {
+    const struct {
+        double Date;
+        const char *Process, *Person, *Issue, *Resolved, *Resolution;
+    } notes[] = {
+        {46346.42, "Import", "Anna Berg", "The price list stops at line 84.", "2026-11-21",
+         "A comma in a name. The export of the accounting system now writes quotes."},
+        {46347.61, "Unattended Hotsync", "Ben Okafor", "The HotSync broke off in the garage.", "", ""},
+        {46347.73, "Barcodes", "Chlo\xE9 Martin", "Two items have the same barcode.", "", ""},
+    };
+    std::int32_t number = 0;
+    for (const auto& [date, process, person, issue, resolved, resolution] : notes)
+        WriteNote({++number, date, issue, person, resolved, "1.0.0", process, resolution});
+    Global.CurrentNote = 1;
 }
 
 /// An upload has just added three orders.
@@ -649,6 +667,7 @@ int main(int argc, char** argv) {
             The<frmMain1>();
             GivenUnattended();
             GivenClearing();
+            GivenNotes();
             Global.View[ViewOrLinAudt] = true;
             GivenTotals();
 #define PICTURE(form) Picture<form>(folder, #form);

@@ -16,6 +16,7 @@
 #include <QAbstractSpinBox>
 #include <QAction>
 #include <QApplication>
+#include <QCalendarWidget>
 #include <QCheckBox>
 #include <QCloseEvent>
 #include <QComboBox>
@@ -27,6 +28,7 @@
 #include <QListWidget>
 #include <QMenu>
 #include <QMetaMethod>
+#include <QPlainTextEdit>
 #include <QRadioButton>
 #include <QSpinBox>
 #include <QTabBar>
@@ -71,7 +73,7 @@ bool IsOurs(const QObject& object) {
     for (const QObject* around = object.parent(); around; around = around->parent()) {
         if (qobject_cast<const QAbstractItemView*>(around) || qobject_cast<const QComboBox*>(around) ||
             qobject_cast<const QLineEdit*>(around) || qobject_cast<const QAbstractSpinBox*>(around) ||
-            qobject_cast<const QTabBar*>(around)) {
+            qobject_cast<const QTabBar*>(around) || qobject_cast<const QCalendarWidget*>(around)) {
             return false;
         }
     }
@@ -142,6 +144,30 @@ public:
     }
 };
 
+/// A click into a line; in one that cannot be typed into the space bar is the same.
+class LineClick final : public QObject {
+public:
+    LineClick(QLineEdit& line, QObject& context, std::function<void()> call)
+        : QObject(&context),
+          line_(line),
+          call_(std::move(call)) {
+        line.installEventFilter(this);
+    }
+
+    bool eventFilter(QObject*, QEvent* event) override {
+        const bool isClick = event->type() == QEvent::MouseButtonRelease &&
+                             static_cast<const QMouseEvent*>(event)->button() == Qt::LeftButton;
+        const bool isSpace = event->type() == QEvent::KeyPress && line_.isReadOnly() &&
+                             static_cast<const QKeyEvent*>(event)->key() == Qt::Key_Space;
+        if (isClick || isSpace) QTimer::singleShot(0, this, [this] { call_(); }); // behind the event itself
+        return isSpace;
+    }
+
+private:
+    QLineEdit& line_;
+    std::function<void()> call_;
+};
+
 /// Connects an event of a control to a call with the control's index, or with the column where the
 /// event has one. False when a control of this kind has no such event.
 bool ConnectEvent(QObject& control, const QString& event, int index, QObject& context,
@@ -156,6 +182,10 @@ bool ConnectEvent(QObject& control, const QString& event, int index, QObject& co
             return QObject::connect(box, &QComboBox::activated, &context, run);
         if (auto* list = qobject_cast<QListWidget*>(&control))
             return QObject::connect(list, &QListWidget::itemSelectionChanged, &context, run);
+        if (auto* line = qobject_cast<QLineEdit*>(&control)) {
+            new LineClick(*line, context, run);
+            return true;
+        }
         if (auto* view = qobject_cast<QAbstractItemView*>(&control))
             return QObject::connect(view, &QAbstractItemView::clicked, &context, run);
     } else if (event == QLatin1String("DblClick") || event == QLatin1String("RequestEdit")) {
@@ -168,6 +198,14 @@ bool ConnectEvent(QObject& control, const QString& event, int index, QObject& co
             return QObject::connect(box, &QComboBox::editTextChanged, &context, run);
         if (auto* spin = qobject_cast<QSpinBox*>(&control))
             return QObject::connect(spin, &QSpinBox::valueChanged, &context, run);
+        if (auto* text = qobject_cast<QPlainTextEdit*>(&control))
+            return QObject::connect(text, &QPlainTextEdit::textChanged, &context, run);
+    } else if (event == QLatin1String("DateClick")) {
+        // Enter on a date is the same as a click on it.
+        if (auto* calendar = qobject_cast<QCalendarWidget*>(&control)) {
+            QObject::connect(calendar, &QCalendarWidget::activated, &context, run);
+            return QObject::connect(calendar, &QCalendarWidget::clicked, &context, run);
+        }
     } else if (event == QLatin1String("ColumnClick")) {
         if (auto* view = qobject_cast<QTableView*>(&control))
             return QObject::connect(view->horizontalHeader(), &QHeaderView::sectionClicked, &context, call);

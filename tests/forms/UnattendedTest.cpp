@@ -418,7 +418,6 @@ TEST_F(Unattended, TheModeDisablesWhateverStartsSomethingElseAndTheStopEnablesNo
 
     EXPECT_EQ(live(), before);
     EXPECT_TRUE(Enabled(main, "mnuFile"));
-    EXPECT_FALSE(Enabled(main, "lblNotes")); // its screen is not there
     EXPECT_FALSE(Global.UnattendedActive);
     EXPECT_FALSE(Global.RemoteFormLoaded);
     EXPECT_EQ(IfLoaded<frmRemoteSync>(), nullptr);

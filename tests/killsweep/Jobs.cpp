@@ -35,6 +35,7 @@
 #include "sync/SafetyCopies.h"
 #include "sync/Status.h"
 #include "sync/UnattendedSettings.h"
+#include "tools/Notes.h"
 #include "views/MasterTable.h"
 
 #include <algorithm>
@@ -56,6 +57,7 @@ constexpr int Lines = 1100;
 constexpr int TotalsEvents = 2200;
 constexpr int Links = 2500;
 constexpr int HotSyncUsersInFile = 5000;
+constexpr int Notes = 200;
 
 using Cells = std::vector<std::pair<const char*, std::string>>;
 
@@ -312,6 +314,19 @@ std::string Clear() {
     ClearTables(plan, cleared);
     CalcPCTotals("CLEAR2", silent);
     return cleared.Images == 2 ? "" : "not all images were deleted"; // the screen says how many were
+}
+
+void PrepareNotes() {
+    std::string notes;
+    for (int k = 1; k <= Notes; ++k) notes += NoteRecord(NewNote(k, "1.0.0"));
+    WriteWholeFile(Global.DBFPath + "Notes.dat", notes);
+}
+
+std::string ResolveNote() {
+    Note note = ReadNote(Notes / 2);
+    note.Resolution = "Repaired";
+    WriteNote(note);
+    return {};
 }
 
 std::string WriteSettings() {
@@ -791,6 +806,8 @@ std::vector<SweepJob> MakeJobs() {
          [] { SaveUA(UnattendedFile(), {}); },
          WriteUnattended,
          ""},
+
+        {"note", {"DBFFiles/Notes.dat"}, PrepareNotes, ResolveNote, ""},
 
         {"HotSync users", {"HotSync/Users.txt"}, PrepareHotSyncUsers, EndHotSyncSession, ""},
         {"HotSync settings", {"HotSync/HotSync.ini"}, PrepareHotSyncSettings, WriteHotSyncSettings, ""},

@@ -49,6 +49,7 @@
 #include "sync/forms/frmTableSelectDL.h"
 #include "sync/forms/frmUploadSelect.h"
 #include "tools/forms/frmAbout.h"
+#include "tools/forms/frmFindNotes.h"
 #include "tools/forms/frmOptions.h"
 #include "views/SetupTables.h"
 #include "views/TableViews.h"
@@ -1016,6 +1017,18 @@ void frmMain1::mnuMainAbout_Click() {
     TraceEvent("frmMain1:mnuMainAbout_Click");
     UnloadForms();
     The<frmAbout>().Show(ShowMode::Modal);
+}
+
+void frmMain1::mnuNotes_Click() {
+    TraceEvent("frmMain1:mnuNotes_Click");
+    UnloadForms();
+    The<frmFindNotes>().Show(ShowMode::Modal);
+}
+
+void frmMain1::lblNotes_Click() {
+    TraceEvent("frmMain1:lblNotes_Click");
+    UnloadForms();
+    The<frmFindNotes>().Show(ShowMode::Modal);
 }
 
 void frmMain1::mnuDarkLook_Click() {

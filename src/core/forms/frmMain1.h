@@ -80,6 +80,8 @@ private slots:
     void mnuHelpSearch_Click();
     void mnuWhatsThis_Click();
     void mnuMainAbout_Click();
+    void mnuNotes_Click();
+    void lblNotes_Click();
     void mnuDarkLook_Click();
     void mnuChgComp_Click();
     void mnuChgLinks_Click();

@@ -192,6 +192,11 @@ void Run(const std::string& folder, bool minimised) {
 } // namespace
 
 int RunManager(int argc, char** argv, const char* version) {
+    // The PC program asks so for its "About" screen: no display is needed for the answer.
+    if (argc == 2 && std::string_view(argv[1]) == "--version") {
+        std::printf("hotsync %s\n", version);
+        return 0;
+    }
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("hotsync"));
     QApplication::setApplicationVersion(QString::fromLatin1(version));
