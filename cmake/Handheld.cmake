@@ -12,8 +12,10 @@ refuse_qt_libraries(handheldcore)
 
 if(NOT TRAMBLE_HEADLESS)
     find_package(Qt6 6.4 REQUIRED COMPONENTS Core Network)
-    add_executable(handheld ${handheld_folder}/main.cpp
-        ${handheld_folder}/line/HotSyncLine.cpp ${handheld_folder}/line/HotSyncLine.h)
-    target_link_libraries(handheld PRIVATE handheldcore Qt6::Core Qt6::Network)
+    file(GLOB line_sources CONFIGURE_DEPENDS ${handheld_folder}/line/*.cpp ${handheld_folder}/line/*.h)
+    add_library(handheldline STATIC ${line_sources})
+    target_link_libraries(handheldline PUBLIC handheldcore Qt6::Core Qt6::Network)
+    add_executable(handheld ${handheld_folder}/main.cpp)
+    target_link_libraries(handheld PRIVATE handheldline)
     set_target_properties(handheld PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
 endif()

@@ -14,6 +14,7 @@ endfunction()
 
 small_program(rdkinst rdkinst screens pictures)
 small_program(hotsync hotsync/service hotsynccore screens pictures)
+small_program(handheldwindow handheld/window screens pictures)
 
 # The real programs and a program's place at the desk, for what is done over a real wire.
 add_library(wirerig STATIC ${CMAKE_SOURCE_DIR}/tools/WireRig.cpp ${CMAKE_SOURCE_DIR}/tools/WireRig.h)

@@ -21,10 +21,12 @@
 #include "core/SafeFile.h"
 #include "exchange/Activity.h"
 #include "exchange/forms/QuickButtonForm.h"
+#include "handheld/Commands.h"
 #include "maintenance/Backup.h"
 #include "platform/Convert.h"
 #include "platform/GridView.h"
 #include "platform/Look.h"
+#include "platform/LookupBox.h"
 #include "platform/Printing.h"
 #include "sync/SFrmAX40.h"
 #include "sync/TableTemplates.h"
@@ -49,6 +51,7 @@
 #include <QTimer>
 
 #include <cstdio>
+#include <sstream>
 #include <utility>
 #include <vector>
 
@@ -107,6 +110,7 @@ public:
     ListeningState Listening() const override { return State; }
     const ManagerSettings& Settings() const override { return settings_; }
     void TakeSettings(const ManagerSettings& settings) override { settings_ = settings; }
+    void OpenStandIn(const HotSyncUser&) override {}
     void End() override {}
 
     /// What an office has after a morning.
@@ -464,6 +468,42 @@ void ManagerFaces(const QString& folder, const std::string& emptyFolder) {
     Global.TheManagerDesk = usual;
 }
 
+/// A stand-in handheld with all that the build installs on one.
+std::string MakeStandIn(const QString& build, const QString& folder) {
+    std::string place = AddBackslash(PathFromQt(folder));
+    std::vector<std::string> install{place, "install"};
+    const QDir files(build + QStringLiteral("/installed/Install"));
+    for (const QString& file : files.entryList({QStringLiteral("*.pdb"), QStringLiteral("*.prc")}))
+        install.push_back(PathFromQt(files.filePath(file)));
+    std::ostringstream out, err;
+    for (const auto& words : {std::vector<std::string>{place, "new", "--user", "Demo"}, install}) {
+        if (RunCommand(words, {out, err, nullptr, nullptr}) != Outcome::Done) throw OfficeFailure(err.str());
+    }
+    return place;
+}
+
+/// An order of two lines before it is taken; and a handheld on which nothing is installed.
+void StandInFaces(const QString& folder, const QString& work) {
+    auto& order = The<frmStandInOrder>();
+    order.Begin();
+    for (const char* const name : {"cboCustomer", "cboItem", "cboItem"}) {
+        auto& box = *order.findChild<LookupBox*>(QString::fromLatin1(name));
+        box.Stand(box.count() / 3);
+        emit box.activated(box.currentIndex());
+        if (box.objectName() == QStringLiteral("cboItem")) Press(order, "cmdAdd");
+    }
+    Save(order, folder, QStringLiteral("frmStandInOrder-lines"));
+    order.Unload();
+    const std::string usual = std::exchange(Global.StandInFolder, PathFromQt(work) + "/empty/");
+    std::ostringstream out, err;
+    RunCommand({Global.StandInFolder, "new", "--no-user"}, {out, err, nullptr, nullptr});
+    auto& empty = The<frmStandIn>();
+    Press(empty, "cmdHotSync"); // nobody waits for it
+    Save(empty, folder, QStringLiteral("frmStandIn-empty"));
+    empty.Unload();
+    Global.StandInFolder = usual;
+}
+
 /// The other tabs of the options, and the choice of a file for a template that the Quality Check reports.
 void OptionsFaces(const QString& folder) {
     Global.QCViewMode = true;
@@ -655,6 +695,7 @@ int main(int argc, char** argv) {
         }
         SomeManager manager(PathFromQt(work.path()));
         manager.Fill();
+        const std::string standIn = MakeStandIn(arguments[1], work.filePath(QStringLiteral("handheld")));
         for (const bool dark : {false, true}) {
             if (dark && forPages) break;
             Global = Globals{};
@@ -663,6 +704,7 @@ int main(int argc, char** argv) {
             Global.MakeSFrmAX40 = [] { return std::make_unique<TwoUsers>(); };
             Global.AppPath = PathFromQt(office.Path(QString()));
             Global.TheManagerDesk = &manager;
+            Global.StandInFolder = standIn;
             ApplyLook(application, dark);
             The<frmMain1>();
             GivenUnattended();
@@ -678,6 +720,7 @@ int main(int argc, char** argv) {
             UnattendedFaces(folder);
             OtherFaces(nobody, folder);
             ManagerFaces(folder, PathFromQt(work.filePath(QStringLiteral("nobody"))));
+            StandInFaces(folder, work.path());
             OptionsFaces(folder);
             BrowserFaces(folder);
             RestoreFaces(folder);

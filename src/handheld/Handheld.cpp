@@ -81,6 +81,11 @@ void Handheld::WriteLog(std::string_view text) const {
     WriteWholeFile(folder_ + "log.txt", CodePageToUtf8(text), false);
 }
 
+std::string Handheld::Log() const {
+    const std::string file = folder_ + "log.txt";
+    return FileExists(file) ? ReadWholeFile(file) : std::string();
+}
+
 void Handheld::Reset() {
     Store.RemoveAll();
     RemoveQuietly(folder_ + "log.txt");

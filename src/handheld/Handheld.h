@@ -27,6 +27,8 @@ public:
 
     /// The log of a HotSync, in code page 1252 here and UTF-8 in the file.
     void WriteLog(std::string_view text) const;
+    /// The log of the last HotSync, UTF-8; empty when there was none.
+    std::string Log() const;
 
     /// Everything goes: databases, user, log. The memory stays as large as it is.
     void Reset();

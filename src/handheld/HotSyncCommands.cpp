@@ -1,14 +1,10 @@
 #include "handheld/CommandTable.h"
 
-#include "handheld/OrderNumbers.h"
 #include "handheld/Refusal.h"
-#include "handheld/Totals.h"
 #include "palm/NetSync.h"
 
-#include <algorithm>
 #include <array>
 #include <limits>
-#include <ostream>
 
 namespace {
 
@@ -19,21 +15,6 @@ constexpr std::uint64_t LastPort = 65535;
 
 std::optional<std::uint64_t> Packets(const CommandLine& line, std::string_view option) {
     return line.Has(option) ? std::optional(line.Number(option, 0, Any)) : std::nullopt;
-}
-
-/// HOST or HOST:PORT; a host with colons in it, an IPv6 address, stands in brackets.
-void TakePlace(const std::string& where, HotSyncJob& job) {
-    const bool isBracketed = where.starts_with('[');
-    const std::size_t end = std::min(where.find(isBracketed ? ']' : ':'), where.size());
-    job.Host = isBracketed ? where.substr(1, end - 1) : where.substr(0, end);
-    if (job.Host.empty() || (isBracketed && end == where.size())) {
-        throw Misuse("no host in \"" + where + '"');
-    }
-    const std::string port = where.substr(isBracketed ? end + 1 : end);
-    if (!port.empty() && port.front() != ':') throw Misuse("no colon behind the host in \"" + where + '"');
-    job.Port = port.empty()
-                   ? NetSyncPort
-                   : static_cast<std::uint16_t>(WholeNumber("the port", port.substr(1), 1, LastPort));
 }
 
 HotSyncJob JobOf(const CommandLine& line) {
@@ -50,18 +31,6 @@ HotSyncJob JobOf(const CommandLine& line) {
     job.Split = line.Has("--split");
     if (line.Has("--patience")) job.Patience = static_cast<int>(line.Number("--patience", 1, MostPatience));
     return job;
-}
-
-/// Writes the totals, and the count of the Links table, which the HotSync may take away and not replace.
-/// Neither a damaged table nor a full disk keeps a handheld from the HotSync that brings its orders home.
-void WriteDownOrders(Handheld& handheld, std::ostream& err) {
-    try {
-        OrderNumbers(handheld).KeepIn(handheld.Settings);
-        handheld.SaveSettings();
-        RewriteTotals(handheld, "HOTSYNC");
-    } catch (const std::exception& failure) {
-        err << "handheld: the totals are not written: " << failure.what() << '\n';
-    }
 }
 
 Outcome HotSync(const CommandRun& run) {

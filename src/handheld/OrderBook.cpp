@@ -164,9 +164,9 @@ OrderBook::Amounts OrderBook::Add(const OrderEntry& entry, const std::vector<Pri
         Fits(entry.DiscountIsPercent ? ProductOver(amounts.Items, entry.Discount, CentsByPercent)
                                      : ProductOver(entry.Discount, 1, 100),
              "the discount");
-    const std::int64_t due = Fits(ProductOver(amounts.Taxable, tax.Rate, CentsByRate), "the sales tax");
+    amounts.Tax = Fits(ProductOver(amounts.Taxable, tax.Rate, CentsByRate), "the sales tax");
     amounts.Total = Fits(Sum(amounts.Items - discount, amounts.Charges), "the total of the order");
-    amounts.Total = Fits(Sum(amounts.Total, due), "the total of the order");
+    amounts.Total = Fits(Sum(amounts.Total, amounts.Tax), "the total of the order");
     return amounts;
 }
 
@@ -245,6 +245,16 @@ std::string OrderBook::NewCode() {
     std::string code = numbers_.Next();
     while (headerCodes_.contains(FoldCase(code))) code = numbers_.Next();
     return code;
+}
+
+OrderBook::Sums OrderBook::AddUp(const OrderEntry& entry) const {
+    std::vector<PricedLine> priced;
+    for (const OrderEntry::Line& line : entry.Lines) priced.push_back(Priced(line));
+    const Tax tax = entry.Customer.empty() ? Tax{} : TaxOf(FindCustomer(entry.Customer));
+    const Amounts amounts = Add(entry, priced, tax);
+    Sums sums{{}, amounts.Items, amounts.Tax, amounts.Total};
+    for (const PricedLine& line : priced) sums.Lines.push_back(line.Cents);
+    return sums;
 }
 
 std::string OrderBook::Take(const OrderEntry& entry) {
@@ -357,21 +367,28 @@ void OrderBook::Save(std::string_view event, const DateTime& at) {
     hasDeleted_ = false;
 }
 
-std::vector<std::string> OrderBook::CustomerCodes() const {
-    std::vector<std::string> codes;
+std::vector<OrderBook::Choice> OrderBook::Customers() const {
+    std::vector<Choice> choices;
     for (std::size_t row = 0; customers_ && row < customers_->Count(); ++row) {
-        if (const std::string_view code = customers_->Get(row, "C_CODE"); !code.empty())
-            codes.emplace_back(code);
+        const auto get = [&](std::string_view field) { return customers_->Get(row, field); };
+        if (const std::string_view code = get("C_CODE"); !code.empty())
+            choices.push_back({std::string(code), std::string(get("C_NAME")), std::string(get("C_CITY"))});
     }
-    return codes;
+    return choices;
 }
 
-std::vector<std::string> OrderBook::PricedItemCodes() const {
-    std::vector<std::string> codes;
+std::vector<OrderBook::Choice> OrderBook::PricedItems() const {
+    std::vector<Choice> choices;
     for (std::size_t row = 0; items_ && row < items_->Count(); ++row) {
-        const std::string_view code = items_->Get(row, "I_ITEMCODE");
-        const std::optional<std::int64_t> price = ReadDecimal(items_->Get(row, "I_PRICE"), QuantityDecimals);
-        if (!code.empty() && price && *price > 0) codes.emplace_back(code);
+        const auto get = [&](std::string_view field) { return items_->Get(row, field); };
+        const std::string_view code = get("I_ITEMCODE");
+        const std::optional<std::int64_t> price = ReadDecimal(get("I_PRICE"), QuantityDecimals);
+        if (code.empty() || !price || *price <= 0) continue;
+        std::string more(get("I_PRICE"));
+        for (const std::string_view field : {"I_UM", "I_BARCODE"}) {
+            if (const std::string_view text = get(field); !text.empty()) more.append("  ").append(text);
+        }
+        choices.push_back({std::string(code), std::string(get("I_DESC1")), std::move(more)});
     }
-    return codes;
+    return choices;
 }

@@ -44,6 +44,14 @@ public:
     /// Reads the tables that there are. Refusal for a damaged one.
     explicit OrderBook(Handheld& handheld);
 
+    /// What an order comes to, in cents.
+    struct Sums {
+        std::vector<std::int64_t> Lines;
+        std::int64_t Items = 0, Tax = 0, Total = 0;
+    };
+    /// Adds an order up without taking it; without a customer it has no sales tax. Refusal as Take.
+    Sums AddUp(const OrderEntry& entry) const;
+
     /// Takes an order; its code. Refusal that says what is missing or wrong; the book then is as before.
     std::string Take(const OrderEntry& entry);
     /// Puts ink behind an order's header. An empty name is that of the customer.
@@ -58,9 +66,13 @@ public:
 
     HandheldTotals Totals() const { return CountTotals(&headers_, &lines_, numbers_); }
 
-    /// What orders can be taken of: codes of customers, and of items that have a price.
-    std::vector<std::string> CustomerCodes() const;
-    std::vector<std::string> PricedItemCodes() const;
+    /// Something that an order can be taken of.
+    struct Choice {
+        std::string Code, Name;
+        std::string More; ///< of a customer the city; of an item price, unit and barcode
+    };
+    std::vector<Choice> Customers() const;   ///< those with a code
+    std::vector<Choice> PricedItems() const; ///< those with a code and a price
 
 private:
     /// First row of each code, by FoldCase.
@@ -79,7 +91,7 @@ private:
         bool IsTaxable = false, IsListPrice = true;
     };
     struct Amounts {
-        std::int64_t Items = 0, Taxable = 0, Charges = 0, Total = 0; ///< cents
+        std::int64_t Items = 0, Taxable = 0, Charges = 0, Tax = 0, Total = 0; ///< cents
         std::int64_t TaxableLines = 0;
     };
 

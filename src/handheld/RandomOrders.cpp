@@ -46,11 +46,17 @@ OrderEntry RandomOrder(Dice& dice, const std::vector<std::string>& customers,
     return entry;
 }
 
+std::vector<std::string> CodesOf(const std::vector<OrderBook::Choice>& choices) {
+    std::vector<std::string> codes;
+    for (const OrderBook::Choice& choice : choices) codes.push_back(choice.Code);
+    return codes;
+}
+
 } // namespace
 
 std::vector<std::string> TakeRandomOrders(OrderBook& book, std::size_t count, std::uint32_t seed,
                                           const DateTime& from) {
-    const std::vector<std::string> customers = book.CustomerCodes(), items = book.PricedItemCodes();
+    const std::vector<std::string> customers = CodesOf(book.Customers()), items = CodesOf(book.PricedItems());
     if (customers.empty()) throw Refusal("the handheld has no customer with a code (ZUKCUST)");
     if (items.empty()) throw Refusal("the handheld has no item with a code and a price (ZUKITEM)");
     constexpr double MinutesADay = 1440;

@@ -1,29 +1,16 @@
 #include "handheld/Commands.h"
-#include "handheld/Refusal.h"
+#include "handheld/line/FolderLock.h"
 #include "handheld/line/HotSyncLine.h"
 
 #include <QCoreApplication>
-#include <QFile>
-#include <QLockFile>
 
 #include <iostream>
 
 namespace {
 
-/// A lock file that goes with its process, also when that is killed.
-std::shared_ptr<void> LockFolder(const std::string& folder) {
-    auto lock =
-        std::make_shared<QLockFile>(QFile::decodeName(folder.c_str()) + QStringLiteral("Handheld.lock"));
-    lock->setStaleLockTime(0);
-    if (lock->tryLock(0)) return lock;
-    if (lock->error() == QLockFile::LockFailedError) {
-        throw Refusal("another command is using the handheld in " + folder);
-    }
-    throw Refusal("the handheld in " + folder + " cannot be locked: Handheld.lock cannot be written");
-}
-
 Outcome PressHotSync(Handheld& handheld, const HotSyncJob& job, std::ostream& out) {
     HotSyncLine line(handheld, job);
+    line.Ended = [] { QCoreApplication::exit(); };
     QMetaObject::invokeMethod(
         &line, [&line] { line.Start(); }, Qt::QueuedConnection);
     QCoreApplication::exec();

@@ -214,6 +214,10 @@ std::string HotSyncUsers::InstallFolder(const HotSyncUser& user) const {
     return AddBackslash(AddBackslash(FolderNamed(user.Name)) + "Install");
 }
 
+std::string HotSyncUsers::StandInFolder(const HotSyncUser& user) const {
+    return AddBackslash(AddBackslash(FolderNamed(user.Name)) + "Handheld");
+}
+
 /// Whether something bears the new name. One that differs from the old name only in case is the same folder.
 bool HotSyncUsers::StandsInTheWay(const Move& move) const {
     const std::string to = FolderNamed(move.To);

@@ -75,6 +75,10 @@ public:
     /// "Install", with a separator at the end.
     std::string InstallFolder(const HotSyncUser& user) const;
 
+    /// Where the user's stand-in handheld lies, if there is one: the folder, the user's name and "Handheld",
+    /// with a separator at the end.
+    std::string StandInFolder(const HotSyncUser& user) const;
+
     enum class NameFault { None, Empty, TooLong, NoFileName, Taken };
 
     /// What keeps a name, its blanks at both ends cut, from becoming that of the user with this id, or of a

@@ -50,7 +50,14 @@ public:
         WriteManagerSettings(folder_, settings);
         settings_ = settings;
     }
+    void OpenStandIn(const HotSyncUser& user) override {
+        if (NoStandIn) throw RunTimeFailure(53, "handheldwindow");
+        Opened.push_back(user.Name);
+    }
     void End() override { ++Ends; }
+
+    bool NoStandIn = false;
+    std::vector<std::string> Opened;
 
     std::optional<std::uint32_t> InSession;
     ListeningState State{"127.0.0.1", 14238, {}};
@@ -156,6 +163,22 @@ TEST_F(ManagerWindow, WithoutUsersOffersNewAlone) {
     EXPECT_TRUE(Enabled(form, "cmdNew"));
     EXPECT_FALSE(Enabled(form, "cmdRename"));
     EXPECT_FALSE(Enabled(form, "cmdDelete"));
+}
+
+TEST_F(ManagerWindow, TheStandInIsThatOfTheChosenUser) {
+    auto& form = Open<frmHSManager>();
+    EXPECT_FALSE(Enabled(form, "cmdStandIn"));
+    GivenUser("ANNA");
+    GivenUser("BEN");
+    SelectUser(form, 2);
+
+    Click(form, "cmdStandIn");
+    desk_.NoStandIn = true;
+    Operator_.ExpectBeginning(msg::HSStandInNotStarted).With(Icon::Stop);
+    Click(form, "cmdStandIn");
+
+    EXPECT_EQ(desk_.Opened, (::Names{"BEN"}));
+    EXPECT_TRUE(Operator_.AllCame());
 }
 
 TEST_F(ManagerWindow, NewAsksForANameAndSelectsTheUser) {

@@ -9,6 +9,7 @@
 #include <array>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <utility>
 
@@ -193,6 +194,23 @@ TEST_F(PalmPdb, ReadsTheWorkedExample) {
 
 TEST_F(PalmPdb, ReadsOurTables) {
     ExpectReadThere({ATable()});
+}
+
+TEST_F(PalmPdb, ReadsEachFileThatAnOfficeInstallsOnAHandheld) {
+    std::string paths;
+    Rows expected;
+    std::size_t files = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(TRAMBLE_INSTALLED "/Install")) {
+        const std::string path = entry.path();
+        if (!path.ends_with(".pdb") && !path.ends_with(".prc")) continue;
+        const Rows told = Told(path, ReadDatabase(Bytes(path)));
+        expected.insert(expected.end(), told.begin(), told.end());
+        paths += " '" + path + "'";
+        ++files;
+    }
+
+    EXPECT_EQ(files, 47U);
+    EXPECT_EQ(Script("tell" + paths), expected);
 }
 
 TEST_F(PalmPdb, ReadsWhateverDatabasesWeWrite) {

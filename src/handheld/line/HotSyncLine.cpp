@@ -3,7 +3,6 @@
 #include "core/CodePage.h"
 #include "handheld/Refusal.h"
 
-#include <QCoreApplication>
 #include <QHostInfo>
 
 #include <algorithm>
@@ -230,6 +229,10 @@ void HotSyncLine::Tick() {
 
 // ---- the end ----
 
+void HotSyncLine::Break() {
+    End("it was broken off on the handheld");
+}
+
 void HotSyncLine::CutNow() {
     cut_ = true;
     End("the line was cut after " + std::to_string(packets_) + " packets");
@@ -265,7 +268,7 @@ void HotSyncLine::Finish() {
     lookupTimer_.stop();
     ticks_.stop();
     socket_.abort();
-    QCoreApplication::exit();
+    if (Ended) Ended();
 }
 
 Outcome HotSyncLine::Tell(std::ostream& out) const {

@@ -22,7 +22,7 @@
 
 /// One press of HotSync over the network: looks the desktop up when asked to, connects, makes the handshake
 /// and answers until the session has ended, the line has gone, or the desktop is silent for too long.
-/// Lives in an event loop, whose exit it asks for at its end.
+/// Lives in an event loop. Destroyed before its end it drops the line.
 class HotSyncLine : public QObject {
 public:
     /// `handheld` outlives the line.
@@ -30,6 +30,12 @@ public:
 
     /// Begins; the event loop does the rest.
     void Start();
+    /// The user breaks it off; nothing when it is over.
+    void Break();
+    bool IsOver() const { return stage_ == Stage::Over; }
+    /// Called once, at its end.
+    std::function<void()> Ended;
+
     /// Tells on `out` what the session did and how it ended. Failures of the disk, and Refusal when no
     /// session came about.
     Outcome Tell(std::ostream& out) const;

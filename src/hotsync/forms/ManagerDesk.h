@@ -41,6 +41,10 @@ public:
     /// failure: Listening says so.
     virtual void TakeSettings(const ManagerSettings& settings) = 0;
 
+    /// Starts the window of the user's stand-in handheld, which is made when there is none; or brings it to
+    /// the front. RunTimeFailure 53 when its program cannot be started.
+    virtual void OpenStandIn(const HotSyncUser& user) = 0;
+
     /// Ends the program as soon as no session runs. The operator has been asked.
     virtual void End() = 0;
 

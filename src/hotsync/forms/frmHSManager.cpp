@@ -140,6 +140,7 @@ void frmHSManager::FG1_SelChange() {
     const bool any = SelectedUser() != nullptr;
     cmdRename->setEnabled(any);
     cmdDelete->setEnabled(any);
+    cmdStandIn->setEnabled(any);
 }
 
 // ---- the users ----
@@ -207,6 +208,17 @@ void frmHSManager::cmdDelete_Click() {
     if (IsInSession(id) || !AskYesNo(Lines(name, msg::HSAskDelete), Icon::Warning)) return;
     if (IsOver() || IsInSession(id)) return;
     Change([&] { Desk().Users().Delete(id); });
+}
+
+void frmHSManager::cmdStandIn_Click() {
+    TraceEvent("frmHSManager:cmdStandIn_Click");
+    const HotSyncUser* user = SelectedUser();
+    if (!user) return;
+    try {
+        Desk().OpenStandIn(*user);
+    } catch (const RunTimeFailure& failure) {
+        Tell(Lines(msg::HSStandInNotStarted, Text::Path(std::string_view(failure.what()))), Icon::Stop);
+    }
 }
 
 void frmHSManager::cmdSettings_Click() {

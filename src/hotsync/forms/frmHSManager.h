@@ -33,6 +33,7 @@ private slots:
     void cmdNew_Click();
     void cmdRename_Click();
     void cmdDelete_Click();
+    void cmdStandIn_Click();
     void cmdSettings_Click();
     void cmdHide_Click();
     void cmdExit_Click();

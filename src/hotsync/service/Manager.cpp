@@ -22,7 +22,9 @@
 
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QProcess>
 
+#include <algorithm>
 #include <cstdio>
 
 Manager::Manager(std::string folder)
@@ -92,6 +94,37 @@ void Manager::TakeSettings(const ManagerSettings& settings) {
     WriteManagerSettings(folder_, settings);
     settings_ = settings;
     Listen();
+}
+
+namespace {
+
+/// Where a handheld on this computer finds the manager.
+QString PlaceFor(const ListeningState& listening) {
+    QString host = QString::fromStdString(listening.Address == "*" ? "127.0.0.1" : listening.Address);
+    if (host.contains(QLatin1Char(':'))) host = QLatin1Char('[') + host + QLatin1Char(']');
+    return listening.Port == 0 ? host : host + QLatin1Char(':') + QString::number(listening.Port);
+}
+
+} // namespace
+
+void Manager::OpenStandIn(const HotSyncUser& user) {
+    const auto& all = users_.All();
+    const auto place =
+        std::find_if(all.begin(), all.end(), [&](const HotSyncUser& one) { return one.Id == user.Id; });
+    // Order codes begin with the machine id: each user's stand-in has its own.
+    constexpr std::ptrdiff_t machines = 999;
+    const QString machine = QStringLiteral("H%1").arg((place - all.begin()) % machines + 1);
+    const QString program = QApplication::applicationDirPath() + QStringLiteral("/handheldwindow");
+    const QStringList arguments{PathToQt(users_.StandInFolder(user)),
+                                QStringLiteral("--user"),
+                                ToQt(std::string_view(user.Name)),
+                                QStringLiteral("--id"),
+                                QString::number(user.Id),
+                                QStringLiteral("--machine"),
+                                machine,
+                                QStringLiteral("--desktop"),
+                                PlaceFor(listening_)};
+    if (!QProcess::startDetached(program, arguments)) throw RunTimeFailure(53, program.toStdString());
 }
 
 ManagerMessage Manager::Welcome() const {

@@ -27,6 +27,7 @@ public:
     ListeningState Listening() const override { return listening_; }
     const ManagerSettings& Settings() const override { return settings_; }
     void TakeSettings(const ManagerSettings& settings) override;
+    void OpenStandIn(const HotSyncUser& user) override;
     void End() override;
 
 private:
