@@ -16,6 +16,7 @@
 #include "exchange/forms/frmQBImport.h"
 #include "exchange/forms/frmQBUpload.h"
 #include "help/HTMLHelp.h"
+#include "installation/forms/frmHHInstall.h"
 #include "maintenance/Backup.h"
 #include "maintenance/Office.h"
 #include "maintenance/Totals.h"
@@ -850,6 +851,16 @@ void frmMain1::lblUpdateHSUsers_Click() {
 void frmMain1::mnuUpdateReg_Click() {
     TraceEvent("frmMain1:mnuUpdateReg_Click");
     UpdateUsers();
+}
+
+void frmMain1::lblInstallHH_Click() {
+    mnuSetupInitial_Click();
+}
+
+void frmMain1::mnuSetupInitial_Click() {
+    TraceEvent("frmMain1:mnuSetupInitial_Click");
+    UnloadForms();
+    The<frmHHInstall>().Show(ShowMode::Modal);
 }
 
 void frmMain1::lblSetupPC_Click() {

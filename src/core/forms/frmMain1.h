@@ -125,6 +125,8 @@ private slots:
     void mnuQC_Click();
     void lblUpdateHSUsers_Click();
     void mnuUpdateReg_Click();
+    void lblInstallHH_Click();
+    void mnuSetupInitial_Click();
     void lblSetupPC_Click();
     void mnuPCSetup_Click();
     void lblUA_Click();
