@@ -29,7 +29,22 @@ add_custom_command(
     DEPENDS makeinstall ${install_inputs}
     COMMENT "Making the installed set"
     VERBATIM)
-add_custom_target(installed_set ALL DEPENDS ${TRAMBLE_INSTALLED}/complete.txt)
+
+# The handheld's files in it, with the demo company; its tables lie in demo/ for whoever wants to look.
+set(TRAMBLE_DEMO ${CMAKE_BINARY_DIR}/demo)
+add_library(rowfile STATIC ${CMAKE_SOURCE_DIR}/tools/RowFile.cpp ${CMAKE_SOURCE_DIR}/tools/RowFile.h)
+target_include_directories(rowfile PUBLIC ${CMAKE_SOURCE_DIR}/tools)
+target_link_libraries(rowfile PUBLIC engine)
+add_executable(makedemo ${CMAKE_SOURCE_DIR}/tools/makedemo.cpp)
+target_link_libraries(makedemo PRIVATE rowfile handheldcore)
+file(GLOB demo_rows CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/resources/demo/*.tsv)
+add_custom_command(
+    OUTPUT ${TRAMBLE_DEMO}/complete.txt
+    COMMAND makedemo ${CMAKE_SOURCE_DIR}/resources ${TRAMBLE_DEMO} ${TRAMBLE_INSTALLED}/Install ${PROJECT_VERSION}
+    DEPENDS makedemo ${demo_rows}
+    COMMENT "Making the demo company and the stand-ins of the handheld's programs"
+    VERBATIM)
+add_custom_target(installed_set ALL DEPENDS ${TRAMBLE_INSTALLED}/complete.txt ${TRAMBLE_DEMO}/complete.txt)
 
 # Lays out an application directory from the installed set: layoutoffice INSTALLED OFFICE
 add_executable(layoutoffice ${CMAKE_SOURCE_DIR}/tools/layoutoffice.cpp)
@@ -37,4 +52,4 @@ target_link_libraries(layoutoffice PRIVATE engine)
 
 # Fills tables from text files of rows: filltables OFFICE FILE...
 add_executable(filltables ${CMAKE_SOURCE_DIR}/tools/filltables.cpp)
-target_link_libraries(filltables PRIVATE engine)
+target_link_libraries(filltables PRIVATE rowfile)
