@@ -85,8 +85,7 @@ void PagePictures::ReadNames(const QString& page, const QString& folder) {
     if (!file.open(QIODevice::ReadOnly)) throw OfficeFailure("cannot read " + page.toStdString());
     const QString text = QString::fromUtf8(file.readAll());
     static const QRegularExpression picture(QStringLiteral("\"((?:docs/)?pictures/[^\"]+\\.png)\""));
-    for (auto each = picture.globalMatch(text); each.hasNext();)
-        wanted_ << folder + each.next().captured(1);
+    for (auto each = picture.globalMatch(text); each.hasNext();) wanted_ << folder + each.next().captured(1);
 }
 
 void PagePictures::Take(QWidget& window, const QString& name) {

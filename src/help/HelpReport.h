@@ -15,7 +15,8 @@ struct HelpParagraph {
 class HelpReport final : public Report {
 public:
     HelpReport(Text title, std::vector<HelpParagraph> paragraphs)
-        : title_(std::move(title)), paragraphs_(std::move(paragraphs)) {}
+        : title_(std::move(title)),
+          paragraphs_(std::move(paragraphs)) {}
 
     Text Title() const override { return title_; }
     void Begin(Printer& printer) override;

@@ -150,7 +150,9 @@ void HandheldInstall::TestVersion() {
         InstallStage = "B>C";
         return;
     }
-    const auto shown = [](const std::string& major) { return Text::Value(std::string_view(ShownVersion(major))); };
+    const auto shown = [](const std::string& major) {
+        return Text::Value(std::string_view(ShownVersion(major)));
+    };
     Text refusal = msg::OSVersion;
     if (!onHandheld->empty()) refusal = Words(refusal, shown(*onHandheld));
     stopped_ = Words(refusal, msg::CannotUpgrade, shown(version_)) + msg::InstallNewVersion;
@@ -179,9 +181,8 @@ void HandheldInstall::RemoveVersionFiles() const {
 std::size_t HandheldInstall::FilesWaiting() const {
     if (!queued_) return files_.size();
     const std::string folder = InstallFolder(managerFolder_, user_);
-    return static_cast<std::size_t>(
-        std::count_if(files_.begin(), files_.end(),
-                      [&](const std::string& file) { return FileExists(folder + file); }));
+    return static_cast<std::size_t>(std::count_if(
+        files_.begin(), files_.end(), [&](const std::string& file) { return FileExists(folder + file); }));
 }
 
 std::size_t HandheldInstall::TablesWaiting() const {

@@ -63,9 +63,9 @@ public:
     std::size_t TableCount() const { return tables_.size(); }
 
     bool ProgramOnly = false;
-    std::string InstallStage;     ///< "A>B" while the version is fetched, "B>C" when it matched; else empty
-    std::int16_t PendingOps = 0;  ///< queued and not yet reported done; of the version table alone
-    bool InstallDone = false;     ///< a session that the install has taken part in has ended
+    std::string InstallStage;    ///< "A>B" while the version is fetched, "B>C" when it matched; else empty
+    std::int16_t PendingOps = 0; ///< queued and not yet reported done; of the version table alone
+    bool InstallDone = false;    ///< a session that the install has taken part in has ended
 
 private:
     void BeginSession();

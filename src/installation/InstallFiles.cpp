@@ -35,21 +35,11 @@ std::vector<std::string> DemoSet() {
 }
 
 std::vector<std::string> RuntimeSet() {
-    return {"ZUK2_PAG-BPM.prc",
-            "PageMgr.prc",
-            "TZUK20000_ZUKTPMNT.pdb",
-            "ZUK2_SFInkview.prc",
-            "BPMConfig.prc",
-            "IrMgr.prc",
-            "BPMGeneric.prc",
-            "BPMEpson.prc",
-            "BPMDeskJet.prc",
-            "BPMLaserJet.prc",
-            "BSSFontDB.pdb",
-            "ZUK2_PrtComm.prc",
-            "TZUK20000_ZUKPRN.pdb",
-            "TZUK20000_ZUKVER.pdb",
-            "TZUK20000_ZUKTEMP.pdb",
+    return {"ZUK2_PAG-BPM.prc",     "PageMgr.prc",          "TZUK20000_ZUKTPMNT.pdb",
+            "ZUK2_SFInkview.prc",   "BPMConfig.prc",        "IrMgr.prc",
+            "BPMGeneric.prc",       "BPMEpson.prc",         "BPMDeskJet.prc",
+            "BPMLaserJet.prc",      "BSSFontDB.pdb",        "ZUK2_PrtComm.prc",
+            "TZUK20000_ZUKPRN.pdb", "TZUK20000_ZUKVER.pdb", "TZUK20000_ZUKTEMP.pdb",
             "ZUK2_Screenlock.prc"};
 }
 
@@ -62,11 +52,11 @@ std::vector<std::string> FilesOf(InstallKind kind) {
 
 std::vector<std::string> LiveTables() {
     std::vector<std::string> tables;
-    for (const char* name : {"ZUKAUDBH.DBF", "ZUKAUDBL.DBF", "ZUKAudTH.dbf", "ZUKAUDTL.DBF", "ZUKAUDHH.DBF",
-                             "ZUKBarin.dbf", "ZUKCOMP.DBF",  "ZUKCust.dbf",  "ZUKHELP.DBF",  "ZUKItem.dbf",
-                             "ZUKLINK.DBF",  "ZUKORHDR.DBF", "ZUKORLIN.DBF", "ZUKPAY.DBF",   "ZUKPRINT.DBF",
-                             "ZUKSETUP.DBF", "ZUKStax.dbf",  "ZUKTCUST.DBF", "ZUKTITEM.DBF", "ZUKTORHD.DBF",
-                             "ZUKTORLI.DBF", "ZUKTPMNT.DBF", "ZUKXPDAT.DBF"})
+    for (const char* name :
+         {"ZUKAUDBH.DBF", "ZUKAUDBL.DBF", "ZUKAudTH.dbf", "ZUKAUDTL.DBF", "ZUKAUDHH.DBF", "ZUKBarin.dbf",
+          "ZUKCOMP.DBF",  "ZUKCust.dbf",  "ZUKHELP.DBF",  "ZUKItem.dbf",  "ZUKLINK.DBF",  "ZUKORHDR.DBF",
+          "ZUKORLIN.DBF", "ZUKPAY.DBF",   "ZUKPRINT.DBF", "ZUKSETUP.DBF", "ZUKStax.dbf",  "ZUKTCUST.DBF",
+          "ZUKTITEM.DBF", "ZUKTORHD.DBF", "ZUKTORLI.DBF", "ZUKTPMNT.DBF", "ZUKXPDAT.DBF"})
         tables.push_back(Global.DBFPath + name);
     return tables;
 }
@@ -77,9 +67,12 @@ void OpenLiveTables() {
 
 Text InstallType(InstallKind kind) {
     switch (kind) {
-        case InstallKind::Demo: return msg::TypeDemo;
-        case InstallKind::Live: return msg::TypeLive;
-        case InstallKind::Program: break;
+    case InstallKind::Demo:
+        return msg::TypeDemo;
+    case InstallKind::Live:
+        return msg::TypeLive;
+    case InstallKind::Program:
+        break;
     }
     return msg::cmdProgram;
 }

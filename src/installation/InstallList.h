@@ -27,7 +27,8 @@ void TakeInLinks(StatusStore& store);
 /// The list as it is stored.
 std::vector<InstallRow> GetList(const StatusStore& store);
 
-/// Notes an install, with the present moment, for every handheld whose id is the user, without regard to case.
+/// Notes an install, with the present moment, for every handheld whose id is the user, without regard to
+/// case.
 void RecordInstall(StatusStore& store, std::string_view user, const Text& type);
 
 /// Forgets all installs: the list has the handhelds of the Links table alone.

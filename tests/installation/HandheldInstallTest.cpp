@@ -297,7 +297,8 @@ TEST_F(ProgramOnlyInstall, LeavesTheOfficesOwnVersionFilesInTheInstallDirectory)
 
     EXPECT_EQ(Bytes(Global.InstallPath + "ZUKVER.dbf"), table);
     EXPECT_TRUE(Exists(Global.InstallPath + "TZUK20000_ZUKVER.pdb"));
-    EXPECT_TRUE(FilesWithExtension(Global.InstallPath + "HHVersion/", "").empty()) << "the handheld's are gone";
+    EXPECT_TRUE(FilesWithExtension(Global.InstallPath + "HHVersion/", "").empty())
+        << "the handheld's are gone";
 }
 
 TEST_F(ProgramOnlyInstall, FilesThatCannotBeQueuedStopItWithNoneQueued) {

@@ -29,7 +29,8 @@ QString QueryFor(const QString& words) {
 } // namespace
 
 HelpFile::HelpFile(const QString& path)
-    : path_(path), folder_(QDir::tempPath() + QStringLiteral("/ZUKHelp-XXXXXX")) {
+    : path_(path),
+      folder_(QDir::tempPath() + QStringLiteral("/ZUKHelp-XXXXXX")) {
     if (!QFileInfo::exists(path)) return;
     if (!folder_.isValid()) {
         state_ = State::NoFolder;
@@ -49,8 +50,8 @@ HelpFile::HelpFile(const QString& path)
     }
     // Every address begins with the name of the file's folder.
     const QUrl& any = *files_.cbegin();
-    root_ = any.scheme() + QStringLiteral("://") + any.authority() + any.path().section(QLatin1Char('/'), 0, 1) +
-            QLatin1Char('/');
+    root_ = any.scheme() + QStringLiteral("://") + any.authority() +
+            any.path().section(QLatin1Char('/'), 0, 1) + QLatin1Char('/');
     state_ = State::Open;
     connect(engine_->searchEngine(), &QHelpSearchEngine::indexingFinished, this, [this] {
         indexed_ = true;

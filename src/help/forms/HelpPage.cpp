@@ -22,9 +22,10 @@ void HelpPage::ShowPage(const QUrl& address) {
 }
 
 void HelpPage::ShowWords(const QString& title, const QString& words) {
-    const QString html = QStringLiteral("<html><head><title>%1</title></head><body><h2>%1</h2><p>%2</p></body></html>")
-                             .arg(title.toHtmlEscaped(), words.toHtmlEscaped().replace(QLatin1Char('\n'),
-                                                                                       QLatin1String("<br>")));
+    const QString html =
+        QStringLiteral("<html><head><title>%1</title></head><body><h2>%1</h2><p>%2</p></body></html>")
+            .arg(title.toHtmlEscaped(),
+                 words.toHtmlEscaped().replace(QLatin1Char('\n'), QLatin1String("<br>")));
     const QString address = WordsScheme + QLatin1Char(':') + QString::number(words_.size() + 1);
     words_.insert(address, html);
     setSource(QUrl(address), QTextDocument::HtmlResource);

@@ -32,7 +32,8 @@ enum Kept { Left, Top, Width, Height, Pane, Zoom, KeptNumbers };
 QModelIndex PlaceIn(const QHelpContentModel& contents, const QUrl& page, const QModelIndex& below = {}) {
     for (int row = 0; row < contents.rowCount(below); ++row) {
         const QModelIndex at = contents.index(row, 0, below);
-        if (contents.contentItemAt(at)->url().path().compare(page.path(), Qt::CaseInsensitive) == 0) return at;
+        if (contents.contentItemAt(at)->url().path().compare(page.path(), Qt::CaseInsensitive) == 0)
+            return at;
         if (const QModelIndex found = PlaceIn(contents, page, at); found.isValid()) return found;
     }
     return {};
@@ -78,16 +79,17 @@ std::vector<HelpParagraph> LinesOf(const QTextDocument& page) {
 frmHelp::frmHelp() {
     setupUi(this);
     const std::pair<QToolButton*, const char*> pictures[] = {
-        {cmdBack, "arrow-left"},       {cmdForward, "arrow-right"}, {cmdHome, "help-home"},
-        {cmdSmaller, "help-smaller"},  {cmdLarger, "help-larger"},  {cmdFind, "help-find"},
-        {cmdPrint, "help-print"},      {cmdOK, "find-close"},
+        {cmdBack, "arrow-left"},      {cmdForward, "arrow-right"}, {cmdHome, "help-home"},
+        {cmdSmaller, "help-smaller"}, {cmdLarger, "help-larger"},  {cmdFind, "help-find"},
+        {cmdPrint, "help-print"},     {cmdOK, "find-close"},
     };
     for (const auto& [button, picture] : pictures) button->setIcon(Picture(picture));
     setWindowIcon(Picture("helpico16-256"));
     rtbTopic->setAccessibleName(ToQt(Text(msg::HelpPage)));
     barFind->SetColumn(ToQt(Text(msg::HelpThisPage)));
     lblFound->setText(ToQt(Text(msg::HelpTopicsFound)));
-    for (QWidget* topics : {static_cast<QWidget*>(lblTopics), static_cast<QWidget*>(lstTopics)}) topics->hide();
+    for (QWidget* topics : {static_cast<QWidget*>(lblTopics), static_cast<QWidget*>(lstTopics)})
+        topics->hide();
     for (QWidget* button : {cmdBack, cmdForward}) button->setEnabled(false);
     splHelp->setStretchFactor(1, 1);
     splHelp->setSizes({PaneWidth, width() - PaneWidth});
@@ -101,7 +103,8 @@ void frmHelp::Form_Load() {
     connect(rtbTopic, &QTextBrowser::backwardAvailable, cmdBack, &QWidget::setEnabled);
     connect(rtbTopic, &QTextBrowser::forwardAvailable, cmdForward, &QWidget::setEnabled);
     connect(rtbTopic, &QTextBrowser::sourceChanged, this, [this] { MarkInContents(); });
-    connect(rtbTopic, &HelpPage::Followed, this, [this](const QUrl& address) { Run([&] { Follow(address); }); });
+    connect(rtbTopic, &HelpPage::Followed, this,
+            [this](const QUrl& address) { Run([&] { Follow(address); }); });
     connect(barFind, &FindBar::Find, this, [this](bool backwards) { FindInPage(backwards); });
     connect(barFind, &FindBar::Closed, this, [this] { CloseFindBar(); });
     connect(tvwContents, &QTreeView::activated, this, [this] { Run([this] { tvwContents_Click(); }); });
@@ -113,10 +116,10 @@ void frmHelp::Form_Load() {
 
 void frmHelp::WireKeys() {
     const std::pair<QKeySequence, QAbstractButton*> keys[] = {
-        {Qt::ALT | Qt::Key_Left, cmdBack}, {Qt::ALT | Qt::Key_Right, cmdForward},
-        {Qt::ALT | Qt::Key_Home, cmdHome}, {QKeySequence::ZoomIn, cmdLarger},
+        {Qt::ALT | Qt::Key_Left, cmdBack},     {Qt::ALT | Qt::Key_Right, cmdForward},
+        {Qt::ALT | Qt::Key_Home, cmdHome},     {QKeySequence::ZoomIn, cmdLarger},
         {Qt::CTRL | Qt::Key_Equal, cmdLarger}, {QKeySequence::ZoomOut, cmdSmaller},
-        {QKeySequence::Find, cmdFind},     {QKeySequence::Print, cmdPrint},
+        {QKeySequence::Find, cmdFind},         {QKeySequence::Print, cmdPrint},
     };
     for (const auto& [key, button] : keys)
         connect(new QShortcut(key, this), &QShortcut::activated, button, &QAbstractButton::click);
@@ -233,13 +236,15 @@ void frmHelp::ShowPane(HelpPane pane) {
 void frmHelp::Follow(const QUrl& address) {
     TraceEvent("frmHelp:Follow");
     // A place on the same page.
-    if (address.path().isEmpty() && address.hasFragment()) return rtbTopic->scrollToAnchor(address.fragment());
+    if (address.path().isEmpty() && address.hasFragment())
+        return rtbTopic->scrollToAnchor(address.fragment());
     if (const QUrl page = file_ ? file_->Find(address) : QUrl();
         !page.isEmpty() && address.scheme() == page.scheme()) {
         return ShowPage(page);
     }
     const QString scheme = address.scheme();
-    if (scheme != QLatin1String("http") && scheme != QLatin1String("https") && scheme != QLatin1String("mailto"))
+    if (scheme != QLatin1String("http") && scheme != QLatin1String("https") &&
+        scheme != QLatin1String("mailto"))
         return ShowTopic(address.fileName());
     const Text link = TextOf(address.toString(QUrl::FullyEncoded));
     if (!AskYesNo(Lines(msg::HelpOpenOutside, link))) return;
@@ -342,8 +347,8 @@ void frmHelp::ShowHits() {
     lstFound->clear();
     const QList<HelpFile::Hit> hits = file_->Hits();
     for (const HelpFile::Hit& hit : hits) Add(*lstFound, hit.Title, hit.Topic);
-    lblFound->setText(ToQt(hits.isEmpty() ? Text(msg::HelpNoHits)
-                                          : Words(msg::HelpTopicsFound, Text::Value(hits.size()))));
+    lblFound->setText(
+        ToQt(hits.isEmpty() ? Text(msg::HelpNoHits) : Words(msg::HelpTopicsFound, Text::Value(hits.size()))));
     if (hits.isEmpty()) return;
     lstFound->setCurrentRow(0); // and so it is shown
     if (tabSearch->isAncestorOf(focusWidget())) lstFound->setFocus();

@@ -64,8 +64,8 @@ private:
     InstallScreen& screen_;
     std::unique_ptr<SFrmAX40> SFInstall;
     std::unique_ptr<HandheldInstall> install_;
-    std::int32_t begun_ = 0;  ///< sessions of the control
-    bool inSession_ = false;  ///< of the control
-    bool inHotSync_ = false;  ///< one runs, as the control or the manager's window tells
+    std::int32_t begun_ = 0; ///< sessions of the control
+    bool inSession_ = false; ///< of the control
+    bool inHotSync_ = false; ///< one runs, as the control or the manager's window tells
     Text outcome_;
 };

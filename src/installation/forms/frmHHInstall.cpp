@@ -36,7 +36,7 @@ void frmHHInstall::Form_Load() {
     picInstall->setMinimumHeight(9 * lblMessage->fontMetrics().lineSpacing());
     help_ = new HelpLine(*lblMessage, msg::HintInstalls);
     const std::pair<QWidget*, MessageId> hints[] = {
-        {cmdDemo, msg::HintDemo},      {cmdLive, msg::HintLive},         {cmdProgram, msg::HintProgram},
+        {cmdDemo, msg::HintDemo},       {cmdLive, msg::HintLive},        {cmdProgram, msg::HintProgram},
         {cboHSUsers, msg::HintHSUsers}, {cmdLinks, msg::HintLinksTable}, {cmdReset, msg::HintResetInstalls},
         {cmdCancel, msg::TipClose}};
     for (const auto& [control, hint] : hints) help_->Add(*control, hint);
