@@ -36,14 +36,14 @@ Text Number(std::size_t number) {
 // ---- versions ----
 
 std::string VersionCaption(std::string_view version) {
-    std::string digits;
-    for (const std::string_view part : SplitText(version, ".")) {
-        const double number = ToNumber(part);
-        if (number < 0 || number > 9) throw RunTimeFailure(6, std::string(version));
-        digits += static_cast<char>('0' + static_cast<int>(number));
-    }
-    digits.resize(3, '0');
-    return "Version " + ShownVersion(digits);
+    const std::vector<std::string_view> parts = SplitText(version, ".");
+    const auto part = [&](std::size_t place, int most) {
+        const double number = place < parts.size() ? ToNumber(parts[place]) : 0;
+        if (number < 0 || number > most) throw RunTimeFailure(6, std::string(version));
+        return std::to_string(static_cast<int>(number));
+    };
+    const std::string minor = part(1, 99);
+    return "Version " + part(0, 9) + "." + (minor.size() < 2 ? "0" : "") + minor;
 }
 
 std::string MajorVersion(std::string_view caption) {

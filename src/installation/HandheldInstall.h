@@ -11,8 +11,9 @@
 #include <string_view>
 #include <vector>
 
-/// The program's version as its caption has it: "Version 1.00" for "1.0.0", a digit for each number and 0 for
-/// one that is missing. RunTimeFailure 6 for a number above 9.
+/// The program's version as its caption has it: "Version 1.02" for "1.2.3". The third number is that of a
+/// correction, which every handheld of the version takes. A number that is missing is 0; RunTimeFailure 6 for
+/// a first one above 9 or a second one above 99.
 std::string VersionCaption(std::string_view version);
 
 /// What V_MAJOR of the version table is for that caption: its three digits, as "100".

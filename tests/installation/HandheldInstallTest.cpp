@@ -26,10 +26,12 @@ Strings Downloads() {
 
 TEST_F(InstallVersions, TheCaptionIsTheWordADigitAPointAndTwoDigits) {
     EXPECT_EQ(VersionCaption("1.0.0"), "Version 1.00");
-    EXPECT_EQ(VersionCaption("4.1.2"), "Version 4.12");
+    EXPECT_EQ(VersionCaption("4.1.2"), "Version 4.01") << "a correction is no other version";
+    EXPECT_EQ(VersionCaption("4.12"), "Version 4.12");
     EXPECT_EQ(VersionCaption("2"), "Version 2.00");
     EXPECT_EQ(VersionCaption(""), "Version 0.00");
-    EXPECT_EQ(FailureNumber([] { VersionCaption("1.10.0"); }), 6);
+    EXPECT_EQ(FailureNumber([] { VersionCaption("10.0.0"); }), 6);
+    EXPECT_EQ(FailureNumber([] { VersionCaption("1.100.0"); }), 6);
 }
 
 TEST_F(InstallVersions, TheTableHoldsTheThreeDigitsAndTheOperatorReadsAPointBehindTheFirst) {

@@ -65,7 +65,7 @@ InstallRun::End InstallRun::Install(InstallKind kind, const std::string& user) {
     }
 
     Global.HHInstallActive = true;
-    inSession_ = inHotSync_ = false;
+    inSession_ = hotSynced_ = false;
     begun_ = 0;
     SFInstall->HotSyncStatus = [this](std::int32_t status) {
         if (status == SessionBegun) ++begun_;
@@ -83,7 +83,7 @@ InstallRun::End InstallRun::Install(InstallKind kind, const std::string& user) {
     if (end == End::Installed) Record(kind, user);
     if (!form_.IsOver()) screen_.SetInactive();
     if (end == End::Stopped) Tell(*install_->Stopped(), Icon::Stop);
-    if (end == End::Cancelled && inHotSync_ && !form_.IsOver()) Tell(msg::CancelledInHotsync, Icon::Warning);
+    if (end == End::Cancelled && hotSynced_ && !form_.IsOver()) Tell(msg::CancelledInHotsync, Icon::Warning);
     return end;
 }
 
@@ -91,11 +91,10 @@ InstallRun::End InstallRun::Await() {
     for (std::int32_t seen = 0;; seen = begun_) {
         LookUntil(form_, [&] { return !GoesOn() || begun_ > seen || ProgressWindowStands(); });
         if (!GoesOn()) return End::Cancelled;
-        inHotSync_ = true;
+        hotSynced_ = true;
         screen_.SetActiveSync({});
         LookUntil(form_, [&] { return !GoesOn() || (!inSession_ && !ProgressWindowStands()); });
         if (!GoesOn()) return End::Cancelled;
-        inHotSync_ = false;
         if (install_->Stopped()) return End::Stopped;
         if (install_->IsComplete()) return End::Installed;
         if (install_->AwaitsTables())

@@ -66,6 +66,6 @@ private:
     std::unique_ptr<HandheldInstall> install_;
     std::int32_t begun_ = 0; ///< sessions of the control
     bool inSession_ = false; ///< of the control
-    bool inHotSync_ = false; ///< one runs, as the control or the manager's window tells
+    bool hotSynced_ = false; ///< a HotSync has begun, as the control or the manager's window tells
     Text outcome_;
 };
