@@ -15,12 +15,17 @@ constexpr std::string_view QualityTopic = "Quality_Check_.htm";
 constexpr std::string_view ConfigTopic = "Configurator_.htm";
 constexpr std::string_view ButtonsTopic = "QuickButtons.htm";
 constexpr std::string_view UsersTopic = "Update_Hotsync_Users.htm";
+constexpr std::string_view ManagerTopic = "Hotsync_Manager.htm";
+constexpr std::string_view SystemTopic = "System_Information.htm";
+constexpr std::string_view PrintTopic = "Reports_and_Printing.htm";
+constexpr std::string_view ViewTopic = "Viewing_Tables.htm";
 
 struct Row {
     std::string_view Form, Topic;
 };
 
 constexpr Row Topics[] = {
+    {"frmAbout", SystemTopic},
     {"frmAppend", UploadedTopic},
     {"frmAppendAudit", UploadedTopic},
     {"frmAppendIndex", UploadedTopic},
@@ -38,22 +43,26 @@ constexpr Row Topics[] = {
     {"frmEditCust", MasterTopic},
     {"frmEditItem", MasterTopic},
     {"frmEditSTax", "Sales_Tax.htm"},
+    {"frmEventLog", SystemTopic},
     {"frmExport1", "Setup_Export.htm"},
     {"frmFindNotes", "Notes.htm"},
+    {"frmHelp", "Using_the_Help.htm"},
     {"frmHHInstall", "Initial_Installation_ZUK_Tramble_on_Handheld_Unit_.htm"},
     {"frmHHStatus", "Handheld_Status.htm"},
-    {"frmHSExit", UsersTopic},
+    {"frmHSExit", ManagerTopic},
     {"frmHSID", UsersTopic},
-    {"frmHSManager", UsersTopic},
-    {"frmHSPickUser", UsersTopic},
-    {"frmHSProgress", UsersTopic},
-    {"frmHSSettings", UsersTopic},
+    {"frmHSManager", ManagerTopic},
+    {"frmHSPickUser", ManagerTopic},
+    {"frmHSProgress", ManagerTopic},
+    {"frmHSSettings", ManagerTopic},
     {"frmImport1", "Setup_Import.htm"},
     {"frmMainSync", UnattendedTopic},
     {"frmNotes", "Notes.htm"},
     {"frmOptions", "Purging_Backup_PC_Tables.htm"},
     {"frmPay", "Payments.htm"},
+    {"frmPreview", PrintTopic},
     {"frmPrinter", "Printers.htm"},
+    {"frmPrinting", PrintTopic},
     {"frmProgress", TotalsTopic},
     {"frmQBClearPC", ButtonsTopic},
     {"frmQBDownload", ButtonsTopic},
@@ -70,13 +79,16 @@ constexpr Row Topics[] = {
     {"frmQuickStart7", "EXPORTING_SALES_ORDERS_TO_ACCOUNTING_SYSTEM.htm"},
     {"frmQuickStart8", ButtonsTopic},
     {"frmRemoteSync", UnattendedTopic},
-    {"frmSetup", UsersTopic},
+    {"frmSetup", ManagerTopic},
     {"frmTableSelectCL", "Options_Download.htm"},
     {"frmTableSelectDL", "Setup_Download.htm"},
     {"frmTableSelectPC", "Clearing_PC_Tables_.htm"},
     {"frmTotalsMsg", TotalsTopic},
     {"frmUpdateMsg", "SOFTWARE_UPDATES.htm"},
     {"frmUploadSelect", "Setup_Upload.htm"},
+    {"frmView", ViewTopic},
+    {"frmViewGrid", ViewTopic},
+    {"frmViewSign", "Signatures.htm"},
 };
 
 } // namespace
@@ -86,7 +98,7 @@ std::string HelpTopicOfForm(std::string_view form) {
     return std::string(row == std::end(Topics) ? HomeTopic : row->Topic);
 }
 
-std::string HelpTopicOfView(ViewFlag flag) {
+std::string HelpTopicOfView(ViewFlag flag, std::string_view otherwise) {
     switch (flag) {
     case ViewOrHdrAudt:
     case ViewOrLinAudt:
@@ -99,7 +111,9 @@ std::string HelpTopicOfView(ViewFlag flag) {
     case ViewPay:
     case ViewLink:
         return std::string(SetupTopic);
+    case ViewRestore:
+        return "Restoring_PC_Tables_from_Backup_.htm";
     default:
-        return std::string(HomeTopic);
+        return std::string(otherwise);
     }
 }

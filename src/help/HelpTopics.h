@@ -15,5 +15,5 @@ inline constexpr std::string_view HomeTopic = "INTRODUCTION.htm";
 /// form that have topics of their own hold them as the property "HelpTopic".
 std::string HelpTopicOfForm(std::string_view form);
 
-/// The topic of a table that is looked at record by record.
-std::string HelpTopicOfView(ViewFlag flag);
+/// The topic of a table that is looked at; `otherwise` for one that has none of its own.
+std::string HelpTopicOfView(ViewFlag flag, std::string_view otherwise = HomeTopic);

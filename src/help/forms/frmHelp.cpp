@@ -79,8 +79,8 @@ std::vector<HelpParagraph> LinesOf(const QTextDocument& page) {
 frmHelp::frmHelp() {
     setupUi(this);
     const std::pair<QToolButton*, const char*> pictures[] = {
-        {cmdBack, "arrow-left"},      {cmdForward, "arrow-right"}, {cmdHome, "help-home"},
-        {cmdSmaller, "help-smaller"}, {cmdLarger, "help-larger"},  {cmdFind, "help-find"},
+        {cmdBack, "help-back"},       {cmdForward, "help-forward"}, {cmdHome, "help-home"},
+        {cmdSmaller, "help-smaller"}, {cmdLarger, "help-larger"},   {cmdFind, "help-find"},
         {cmdPrint, "help-print"},     {cmdOK, "find-close"},
     };
     for (const auto& [button, picture] : pictures) button->setIcon(Picture(picture));

@@ -15,9 +15,9 @@ class QLabel;
 class QScrollArea;
 class QToolButton;
 
-/// A page of the tour: a stage of the work in words, with the buttons that open its screens. All pages have the
-/// same frame: the title, the labels that jump to the others, and the ways on and out. Left and right with Alt
-/// turn the pages.
+/// A page of the tour: a stage of the work in words, with the buttons that open its screens. All pages have
+/// the same frame: the title, the labels that jump to the others, and the ways on and out. Left and right
+/// with Alt turn the pages.
 class QuickStartPage : public Form {
     Q_OBJECT
 
@@ -44,8 +44,8 @@ protected:
     /// A paragraph.
     QLabel& AddText(MessageId text);
 
-    /// A button, a label's name making it a label; what it is for; and an image that opens a topic of the help
-    /// and bears the button's name as in `imgItemsHelp`. Without a topic there is none.
+    /// A button, a label's name making it a label; what it is for; and an image that opens a topic of the
+    /// help and bears the button's name as in `imgItemsHelp`. Without a topic there is none.
     QAbstractButton& AddStep(const char* name, MessageId caption, const char* picture, MessageId text,
                              const char* topic = nullptr);
 

@@ -85,8 +85,8 @@ bool frmQuickStart::AgreesToInstall() {
         {question, msg::Yes, msg::No, "Update_Hotsync_Users.htm", msg::lblInstallHH});
 }
 
-/// Asks for a user of the HotSync Manager, which leaves it in Global.NewHSUser. In an office without a handheld
-/// it is the first one.
+/// Asks for a user of the HotSync Manager, which leaves it in Global.NewHSUser. In an office without a
+/// handheld it is the first one.
 bool frmQuickStart::ChooseUser() {
     Global.NewHSUser.clear();
     auto& users = The<frmHSID>();
@@ -107,9 +107,8 @@ bool frmQuickStart::EnterInLinks() {
     try {
         entered = AddLink(Global.NewHSUser);
     } catch (const RunTimeFailure& failure) {
-        refused = failure.Number() == 6
-                      ? Lines(msg::QuickNameTooLong, user)
-                      : Lines(msg::FileError, Text::Path(std::string_view(failure.what())));
+        refused = failure.Number() == 6 ? Lines(msg::QuickNameTooLong, user)
+                                        : Lines(msg::FileError, Text::Path(std::string_view(failure.what())));
     }
     LoadMainSync();
     if (!refused.IsEmpty()) {

@@ -11,7 +11,8 @@ constexpr const char* SetupTopic = "Change_the_Setup_Tables_to_Match_Your_Compan
 
 frmQuickStart3::frmQuickStart3() : QuickStartPage(SetupTables, msg::TitleSetupTables) {
     AddText(msg::QuickSetupText);
-    AddStep("cmdCompany", msg::cmdQuickCompany, "SetupCompanyData32x32-16M", msg::QuickCompanyText, SetupTopic);
+    AddStep("cmdCompany", msg::cmdQuickCompany, "SetupCompanyData32x32-16M", msg::QuickCompanyText,
+            SetupTopic);
     AddStep("cmdSTax", msg::cmdQuickSTax, "summary", msg::QuickSTaxText, "Sales_Tax.htm");
     AddStep("cmdPrinters", msg::cmdQuickPrinters, "tool-setup", msg::QuickPrintersText, "Printers.htm");
     AddStep("cmdPayments", msg::cmdQuickPayments, "uploads", msg::QuickPaymentsText, "Payments.htm");

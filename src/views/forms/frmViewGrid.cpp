@@ -158,9 +158,8 @@ frmViewGrid::frmViewGrid() {
 }
 
 std::string frmViewGrid::HelpTopic() const {
-    if (Global.View[ViewRestore]) return "Restoring_PC_Tables_from_Backup_.htm";
     const TableView* view = ChosenView();
-    return view ? HelpTopicOfView(view->Flag) : Form::HelpTopic();
+    return view ? HelpTopicOfView(view->Flag, Form::HelpTopic()) : Form::HelpTopic();
 }
 
 void frmViewGrid::Form_Load() {
