@@ -7,6 +7,8 @@
 #include "help/HTMLHelp.h"
 #include "platform/Convert.h"
 #include "platform/HotSyncManager.h"
+#include "platform/ManagerLine.h"
+#include "platform/TitledWindow.h"
 #include "sync/Links.h"
 #include "sync/Status.h"
 #include "sync/forms/StatusFile.h"
@@ -15,10 +17,19 @@
 #include "sync/forms/frmMainSync.h"
 
 #include <QAbstractButton>
+#include <QDeadlineTimer>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
+
+#include <chrono>
+
+namespace {
+
+constexpr std::chrono::seconds LongestStart{10}; ///< of a HotSync Manager
+
+} // namespace
 
 frmQuickStart::frmQuickStart() : QuickStartPage(QuickStart, msg::pageQuickStart) {
     AddText(msg::QuickDemoText);
@@ -68,12 +79,20 @@ void frmQuickStart::lblInstall_Click() {
     if (!IsHotSyncActiveOrTell() || !AgreesToInstall() || IsOver()) return;
     Enable(false);
     const bool ready = UpdateHS(*this);
+    if (ready) AwaitManager();
     if (IsOver()) return;
     if (ready) {
         lblQ1->setText(ToQt(Text(msg::lblInstallHH)));
         if (ChooseUser() && EnterInLinks()) InstallDemo();
     }
     if (!IsOver()) SetInactive();
+}
+
+/// The manager that was started anew needs a moment before it can tell its users.
+void frmQuickStart::AwaitManager() {
+    const QDeadlineTimer longest(LongestStart);
+    ManagerLine line;
+    LookUntil(*this, [&] { return line.Open(PathToQt(HotSyncManagerFolder())) || longest.hasExpired(); });
 }
 
 bool frmQuickStart::AgreesToInstall() {

@@ -24,6 +24,7 @@ protected:
 
 private:
     static bool AgreesToInstall();
+    void AwaitManager();
     bool ChooseUser();
     bool EnterInLinks();
     void InstallDemo();
