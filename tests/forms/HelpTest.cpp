@@ -381,7 +381,9 @@ TEST_F(HelpTest, ATopicIsPrintedWithItsStepsAndTheRowsOfItsTables) {
         std::vector<std::string>& Lines;
         bool& Ended;
         Kept(PaperInMemory& paper, std::vector<std::string>& lines, bool& ended)
-            : Paper(paper), Lines(lines), Ended(ended) {}
+            : Paper(paper),
+              Lines(lines),
+              Ended(ended) {}
         void SetFont(const PrintFont& font) override { Paper.SetFont(font); }
         void Print(const Text& line) override { Paper.Print(line); }
         int LinesPerPage() override { return Paper.LinesPerPage(); }
@@ -399,9 +401,9 @@ TEST_F(HelpTest, ATopicIsPrintedWithItsStepsAndTheRowsOfItsTables) {
 
     Click(form, "cmdPrint");
 
-    EXPECT_EQ(lines, (std::vector<std::string>{"Notes", "Écrire à main: a pelican takes notes.",
-                                               "1. Take a pen.", "2. Write.", "Key   What it does",
-                                               "F1   Help"}));
+    EXPECT_EQ(lines,
+              (std::vector<std::string>{"Notes", "Écrire à main: a pelican takes notes.", "1. Take a pen.",
+                                        "2. Write.", "Key   What it does", "F1   Help"}));
     EXPECT_TRUE(ended);
 }
 
@@ -533,7 +535,8 @@ TEST_F(ProgramsHelp, EveryScreenAndEveryHelpButtonHasItsPage) {
             const QVariant topic = control->property("HelpTopic");
             if (!topic.isValid()) continue;
             EXPECT_FALSE(file.Find(topic.toString()).isEmpty())
-                << name << " " << control->objectName().toStdString() << " " << topic.toString().toStdString();
+                << name << " " << control->objectName().toStdString() << " "
+                << topic.toString().toStdString();
         }
     }
 }

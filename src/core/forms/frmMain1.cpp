@@ -17,6 +17,8 @@
 #include "exchange/forms/frmQBUpload.h"
 #include "help/HTMLHelp.h"
 #include "installation/forms/frmHHInstall.h"
+#include "installation/forms/frmQuickStart.h"
+#include "installation/forms/frmQuickStart2.h"
 #include "maintenance/Backup.h"
 #include "maintenance/Office.h"
 #include "maintenance/Totals.h"
@@ -832,16 +834,27 @@ void frmMain1::mnuQC_Click() {
         CheckAllProcesses();
 }
 
+void frmMain1::EnableRegistration(bool enabled) {
+    for (QWidget* label : {lblUpdateHSUsers, lblUA, lblDemoInstall, lblHelpCompany})
+        label->setEnabled(enabled);
+    for (QAction* entry : {mnuUpdateReg, mnuRemoteSync}) entry->setEnabled(enabled);
+}
+
 void frmMain1::UpdateUsers() {
     UnloadForms();
-    // One registration at a time: it waits for windows of the other programs.
-    const auto enable = [this](bool enabled) {
-        for (QWidget* label : {lblUpdateHSUsers, lblUA}) label->setEnabled(enabled);
-        for (QAction* entry : {mnuUpdateReg, mnuRemoteSync}) entry->setEnabled(enabled);
-    };
-    enable(false);
     UpdateHSUsers(*this);
-    enable(true);
+}
+
+void frmMain1::lblDemoInstall_Click() {
+    TraceEvent("frmMain1:lblDemoInstall_Click");
+    UnloadForms();
+    The<frmQuickStart>().Show();
+}
+
+void frmMain1::lblHelpCompany_Click() {
+    TraceEvent("frmMain1:lblHelpCompany_Click");
+    UnloadForms();
+    The<frmQuickStart2>().Show();
 }
 
 void frmMain1::lblUpdateHSUsers_Click() {

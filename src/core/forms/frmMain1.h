@@ -53,6 +53,10 @@ public:
     /// Brings the screen to the idle form of the mode, and enables what the other has disabled.
     void LoadInactiveRemoteSync();
 
+    /// Whether the ways to a registration of the HotSync users are open. One at a time: it waits for windows
+    /// of the other programs.
+    void EnableRegistration(bool enabled);
+
     /// A session of the armed mode: who is in it, and how far its phases are.
     void ShowSession(const std::string& user);
     void ShowPhase(SyncPhaseImage phase, PhaseLook look);
@@ -125,6 +129,8 @@ private slots:
     void lblQC_Click();
     void mnuConfig_Click();
     void mnuQC_Click();
+    void lblDemoInstall_Click();
+    void lblHelpCompany_Click();
     void lblUpdateHSUsers_Click();
     void mnuUpdateReg_Click();
     void lblInstallHH_Click();
