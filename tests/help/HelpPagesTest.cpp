@@ -1,4 +1,5 @@
 #include "core/Catalogue.h"
+#include "core/Messages.h"
 #include "core/SafeFile.h"
 #include "support/EngineTest.h"
 
@@ -144,7 +145,11 @@ std::set<std::string> Captions(int first, int last) {
 /// Whether something on the screen is called so: one caption, or the way through a menu of the main screen.
 bool IsOnTheScreen(const std::string& words) {
     static const std::set<std::string> all = Captions(0, 65535);
-    static const std::set<std::string> menus = Captions(17000, 17399);
+    static const std::set<std::string> menus = [] {
+        std::set<std::string> entries = Captions(17000, 17399);
+        entries.merge(Captions(msg::mnuWhatsThis.Number, msg::mnuWhatsThis.Number));
+        return entries;
+    }();
     if (all.contains(Plain(words))) return true;
     std::size_t entries = 0;
     for (std::size_t at = 0; at != std::string::npos; ++entries) {
@@ -157,13 +162,15 @@ bool IsOnTheScreen(const std::string& words) {
 
 /// Whether the program says so somewhere. Three dots stand for whatever it says there.
 bool IsSaid(const std::string& quote) {
+    static const std::string all = [] {
+        std::string words;
+        for (std::size_t k = 0; k < CatalogueRowCount; ++k) words += Shown(CatalogueRows[k].Words) + '\n';
+        return words;
+    }();
     for (std::size_t at = 0; at != std::string::npos;) {
         const std::size_t dots = quote.find("...", at);
         const std::string piece = Shown(quote.substr(at, dots == std::string::npos ? dots : dots - at));
-        const auto says = [&](const CatalogueRow& row) {
-            return Shown(row.Words).find(piece) != std::string::npos;
-        };
-        if (std::none_of(CatalogueRows, CatalogueRows + CatalogueRowCount, says)) return false;
+        if (all.find(piece) == std::string::npos) return false;
         at = dots == std::string::npos ? dots : dots + 3;
     }
     return true;
