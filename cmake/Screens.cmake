@@ -1,6 +1,7 @@
 # The screens: all forms and what stands in for the platform, one static library that links the
 # engine; and the programs.
-find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets Network PrintSupport)
+find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets Network PrintSupport Help)
+include(Help)
 
 set(CMAKE_AUTOMOC ON)
 set(CMAKE_AUTOUIC ON)
@@ -16,7 +17,7 @@ file(GLOB form_uis CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/*/forms/*.ui)
 file(GLOB pictures CONFIGURE_DEPENDS RELATIVE ${CMAKE_SOURCE_DIR}/resources ${CMAKE_SOURCE_DIR}/resources/graphics/*.svg)
 
 add_library(screens STATIC ${screen_sources})
-target_link_libraries(screens PUBLIC engine hotsynccore handheldline Qt6::Widgets Qt6::Network Qt6::PrintSupport)
+target_link_libraries(screens PUBLIC engine hotsynccore handheldline Qt6::Widgets Qt6::Network Qt6::PrintSupport Qt6::Help)
 # A form's header takes in what the form's layout was made into.
 target_include_directories(screens PUBLIC ${CMAKE_BINARY_DIR}/screens_autogen/include)
 target_precompile_headers(screens PRIVATE <QtWidgets> <string> <vector>)

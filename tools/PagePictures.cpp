@@ -8,6 +8,7 @@
 #include <QHash>
 #include <QIcon>
 #include <QImage>
+#include <QMainWindow>
 #include <QPainter>
 #include <QRegularExpression>
 #include <QWidget>
@@ -26,11 +27,13 @@ constexpr std::size_t Colours = 256;
 const QString HelpPages = QStringLiteral("resources/help/");
 const QString Folders[] = {HelpPages + QStringLiteral("pictures/"), QStringLiteral("docs/pictures/")};
 
-/// A window that is too wide is made as narrow as it can be: letters that are made smaller read badly.
+/// A window that is too wide is made narrower: letters that are made smaller read badly.
 void MakeNarrow(QWidget& window) {
     if (!window.isWindow() || window.width() <= Widest) return;
+    // The lists of the main screen need some room.
+    const int narrow = qobject_cast<QMainWindow*>(&window) != nullptr ? Widest * 6 / 5 : Widest;
     const QSize least = window.minimumSizeHint();
-    window.resize(std::max(Widest, least.width()), std::max(window.height() * 4 / 5, least.height()));
+    window.resize(std::max(narrow, least.width()), std::max(window.height() * 4 / 5, least.height()));
     for (int round = 0; round < 5; ++round) QCoreApplication::processEvents();
 }
 

@@ -17,7 +17,6 @@
 #include "handheld/HandheldTable.h"
 #include "handheld/Refusal.h"
 #include "handheld/Signature.h"
-#include "installation/HandheldInstall.h"
 #include "palm/Dlp.h"
 #include "store/CreateTable.h"
 #include "store/SortTables.h"
@@ -128,12 +127,19 @@ void MakeDatabases(const std::string& rows, const std::string& tables, const std
     }
 }
 
+/// As the version caption has it, one digit and two behind the point: 1.0.0 is "100".
+std::string MajorVersion(const std::string& version) {
+    const std::size_t point = version.find('.');
+    const std::string minor = version.substr(point + 1, version.find('.', point + 1) - point - 1);
+    return version.substr(0, point) + (minor.size() < 2 ? "0" : "") + minor;
+}
+
 void MakeApplicationTables(const std::string& install, const std::string& version) {
     for (const char* const name : ApplicationTables) {
         HandheldTable table = EmptyTable(install, name);
         if (table.Name() == "ZUKVER") {
             std::string fields = table.NewFields();
-            table.Put(fields, "V_MAJOR", MajorVersion(VersionCaption(version)));
+            table.Put(fields, "V_MAJOR", MajorVersion(version));
             table.Append(fields);
         }
         WriteTable(install, table);

@@ -278,7 +278,7 @@ void Prepare(FormBehaviour& form) {
         options->TurnTo("DemoExport.xpm");
     }
     if (auto* details = dynamic_cast<frmHHStatus*>(&form)) {
-        details->Fill("Anna Berg", {{3, 12, 431.5}, {3, 11, 402.75}});
+        details->Fill("Anna Berg", {{3, 12, 431.5}, {3, 12, 431.5}});
     }
     if (auto* pick = dynamic_cast<frmHSPickUser*>(&form))
         pick->Fill({{1, "Chlo\xE9 Martin", {}, false}, {2, "Diego Ruiz", {}, false}});
@@ -311,10 +311,20 @@ void GivenUnattended() {
     SaveUA(Global.UnattendedTemplates + "Evening.uhs", {false, "", true, "All orders", true, "Orders"});
     Global.RemoteSyncSettings = "Evening";
     MakePath(Global.HHTotalsPath + "Anna Berg");
-    std::string receipt = "Anna Berg, 2026-11-21 17:40:05\r\n\r\n";
-    for (int k = 1; k <= 60; ++k)
-        receipt += "order A0010000" + std::to_string(k) + "   12 lines   431.50\r\n";
-    WriteWholeFile(Global.HHTotalsPath + "Anna Berg/Receipt 2026-11-21 174005.txt", receipt);
+    const std::string receipt =
+        "Receipt of a HotSync\r\n2026-11-21 17:46:05\r\nHandheld: Anna Berg\r\nUnattended session\r\n\r\n"
+        "BALANCED\r\n\r\nTransfers:\r\n"
+        "  from the handheld  HHTotals/Anna Berg/ZUKLINK.DBF          well\r\n"
+        "  from the handheld  ZUKORHDR.DBF                            well\r\n"
+        "  from the handheld  ZUKORLIN.DBF                            well\r\n"
+        "  from the handheld  HHTotals/Anna Berg/ZUKAudHH.dbf         well\r\n\r\n"
+        "                            Orders     Lines           Money\r\n"
+        "The handheld states              3        12          431.50\r\n"
+        "Arrived                          3        12          431.50\r\n"
+        "The PC held before              15        78         3883.50\r\n"
+        "The PC holds now                18        90         4315.00\r\n\r\n"
+        "Orders that arrived:\r\n  A00100000126, A00100000127, A00100000128\r\n";
+    WriteWholeFile(Global.HHTotalsPath + "Anna Berg/Receipt 2026-11-21 174605.txt", receipt);
 }
 
 /// An activity that clears tables.
@@ -364,6 +374,8 @@ void Quarters(const QString& folder) {
     Global.HHStatus = {"", "G", "G", "B", "", "G", ""};
     ShowHHStatus();
     Save(main, folder, QStringLiteral("frmMain1-letters"));
+    const QSize usual = main.size();
+    main.resize(usual * 7 / 5);
     for (const auto& [quarter, name] : {std::pair{"frame1", "status"},
                                         {"frame2", "uploads"},
                                         {"frame3", "quickbuttons"},
@@ -373,6 +385,7 @@ void Quarters(const QString& folder) {
     Press(main, "lblNext");
     Save(*main.findChild<QWidget*>(QStringLiteral("frame4")), folder, QStringLiteral("frmMain1-summary"));
     Press(main, "lblPrev");
+    main.resize(usual);
     for (std::string& letter : Global.HHStatus) letter.clear();
     ShowHHStatus();
 }

@@ -6,8 +6,11 @@
 #include "core/Messages.h"
 #include "core/Operator.h"
 #include "core/Trace.h"
+#include "help/HTMLHelp.h"
+#include "help/HelpTopics.h"
 #include "platform/Convert.h"
 #include "platform/GridView.h"
+#include "platform/HelpKeys.h"
 
 #include <QAbstractButton>
 #include <QAbstractEventDispatcher>
@@ -83,6 +86,9 @@ std::vector<Handler> HandlersOf(QWidget& window) {
     }
     return handlers;
 }
+
+/// Names the topic that a control opens.
+constexpr const char* HelpTopicProperty = "HelpTopic";
 
 /// Not what Qt makes for itself inside a control: a combo box's list, a table's corner button.
 bool IsOurs(const QObject& object) {
@@ -241,6 +247,23 @@ bool Serves(const QString& name, const QObject& control) {
     return control.objectName() == name || ElementIndex(control.objectName(), name) >= 0;
 }
 
+/// Whether a control opens a topic of the help, unless the form has a handler for it.
+bool OpensHelp(const QObject& control) {
+    if (!qobject_cast<const QAbstractButton*>(&control)) return false;
+    const QString name = control.objectName();
+    return name == QLatin1String("cmdHelp") || control.property(HelpTopicProperty).isValid() ||
+           (name.startsWith(QLatin1String("img")) && name.endsWith(QLatin1String("Help")));
+}
+
+/// The topic of a control, or of what it is a part of, where these have one that is not their form's.
+QVariant TopicAt(const QObject* control) {
+    for (; control; control = control->parent()) {
+        const QVariant topic = control->property(HelpTopicProperty);
+        if (topic.isValid()) return topic;
+    }
+    return {};
+}
+
 /// The tab strip that has a widget for a page; nothing for any other widget.
 QTabWidget* TabsAround(const QWidget& page) {
     const QObject* stack = page.parent();
@@ -396,13 +419,39 @@ void FormBehaviour::RunMethod(QObject& owner, int method, int index) {
 }
 
 void FormBehaviour::WireControl(QObject& control) {
+    bool handled = false;
     for (const Handler& handler : HandlersOf(Window())) {
         if (!Serves(handler.Control, control)) continue;
         ConnectEvent(control, handler.Event, ElementIndex(control.objectName(), handler.Control),
                      *handler.Owner, [this, owner = handler.Owner, method = handler.Method](int index) {
                          RunMethod(*owner, method, index);
                      });
+        if (handler.Event == QLatin1String("Click")) handled = true;
     }
+    if (!handled) WireHelp(control);
+}
+
+std::string FormBehaviour::HelpTopic() const {
+    return HelpTopicOfForm(const_cast<FormBehaviour*>(this)->Window().metaObject()->className());
+}
+
+/// Connects a help button, or the keys of the help for the window itself.
+void FormBehaviour::WireHelp(QObject& control) {
+    QWidget& window = Window();
+    const auto show = [this, &window, &control] {
+        if (IsOver()) return;
+        Run([&] {
+            const QString name =
+                &control == &window ? QStringLiteral("OnHelp") : control.objectName() + "_Click";
+            TraceEvent((QString::fromLatin1(window.metaObject()->className()) + ':' + name).toStdString());
+            const QVariant topic = TopicAt(&control == &window ? window.focusWidget() : &control);
+            ShowHelpTopic(topic.isValid() ? topic.toString().toStdString() : HelpTopic());
+        });
+    };
+    if (&control == &window)
+        new HelpKeys(window, show);
+    else if (OpensHelp(control))
+        QObject::connect(&static_cast<QAbstractButton&>(control), &QAbstractButton::clicked, &window, show);
 }
 
 QStringList FormBehaviour::WiringProblems() const {
@@ -427,9 +476,10 @@ QStringList FormBehaviour::WiringProblems() const {
     }
     for (const QObject* object : all) {
         if (!IsOurs(*object) || !IsClickable(*object)) continue;
-        const bool has = std::any_of(handlers.begin(), handlers.end(), [&](const Handler& handler) {
-            return Serves(handler.Control, *object);
-        });
+        const bool has = OpensHelp(*object) ||
+                         std::any_of(handlers.begin(), handlers.end(), [&](const Handler& handler) {
+                             return Serves(handler.Control, *object);
+                         });
         const QString control = object->objectName().isEmpty()
                                     ? QStringLiteral("a nameless %1").arg(object->metaObject()->className())
                                     : object->objectName();
@@ -455,6 +505,7 @@ void FormBehaviour::LoadNow() {
             if (IsOurs(*child)) WireControl(*child);
         }
         FillCaptions(window);
+        WireHelp(window);
         Form_Load();
     } catch (...) {
         // The failure is the caller's, who asked for the form; half a form is no form.
@@ -579,7 +630,7 @@ void FormRegistry::Raise(FormBehaviour& form) {
 }
 
 void FormRegistry::Forget(FormBehaviour& form) {
-    const bool wasTop = !shown_.empty() && shown_.back() == &form;
+    const bool wasTop = Topmost() == &form;
     std::erase(shown_, &form);
     const auto own =
         std::find_if(forms_.begin(), forms_.end(), [&](const auto& f) { return f.get() == &form; });
@@ -598,12 +649,18 @@ void FormRegistry::PassOn(const QWindow* owner) {
     }
 }
 
+FormBehaviour* FormRegistry::Topmost() const {
+    const auto top = std::find_if(shown_.rbegin(), shown_.rend(),
+                                  [](const FormBehaviour* form) { return !form->IsBeside(); });
+    return top == shown_.rend() ? nullptr : *top;
+}
+
 void FormRegistry::FocusTopmost() {
-    if (shown_.empty()) return;
-    FormBehaviour* top = shown_.back();
+    FormBehaviour* top = Topmost();
+    if (!top) return;
     QTimer::singleShot(0, &top->Window(), [this, top] {
         // A form that was opened meanwhile stands above this one, which is called when that has gone.
-        if (shown_.empty() || shown_.back() != top || top->IsOver()) return;
+        if (Topmost() != top || top->IsOver()) return;
         top->Run([top] { top->Form_GotFocus(); });
     });
 }
@@ -650,8 +707,4 @@ void FailUnexpectedly(const std::exception& failure) {
     const Text words = Text::Path(std::string_view(failure.what()));
     Tell(Lines(words, Text::Value(Global.Events.Entry(0))), Icon::Stop);
     EndProgram(1);
-}
-
-std::string FormBehaviour::HelpTopic() const {
-    return {};
 }

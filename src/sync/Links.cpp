@@ -1,8 +1,12 @@
 #include "sync/Links.h"
 
+#include "core/Failure.h"
 #include "core/Globals.h"
 #include "core/TextCompare.h"
+#include "store/SortTables.h"
 #include "store/TableScan.h"
+
+#include <algorithm>
 
 namespace {
 
@@ -63,4 +67,22 @@ std::int32_t LinkTable::OtherWith(std::string_view id) const {
         if (number != RecordNumber() && SameText(ids_[k], id)) return number;
     }
     return 0;
+}
+
+bool AddLink(std::string_view id) {
+    LinkTable links;
+    links.Open(1);
+    const std::vector<std::string>& ids = links.IDs();
+    if (std::ranges::any_of(ids, [&](const std::string& each) { return SameText(each, id); })) return false;
+    if (id.size() > links.Padded().HotSync.size()) throw RunTimeFailure(6, std::string(id));
+    links.Append();
+    try {
+        links.Write({std::string(id), {}, {}});
+    } catch (const RunTimeFailure&) {
+        links.Delete(); // a handheld without an id is none
+        throw;
+    }
+    links.Close();
+    SortLinkFile(LinksPath());
+    return true;
 }

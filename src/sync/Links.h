@@ -57,3 +57,8 @@ private:
     TableRecords links_;
     std::vector<std::string> ids_;
 };
+
+/// Enters a handheld by its HotSync id in the Links table, in its order, its other fields blank. False when
+/// it stands there already, whatever the case. RunTimeFailure 6 for an id that is longer than its field, else
+/// as LinkTable; nothing was entered then.
+bool AddLink(std::string_view id);

@@ -1,4 +1,5 @@
 #include "core/Catalogue.h"
+#include "core/Messages.h"
 #include "core/SafeFile.h"
 #include "support/EngineTest.h"
 
@@ -47,6 +48,7 @@ std::string Attribute(const std::string& tag, const std::string& name) {
 /// A page as far as it can be wrong.
 struct Page {
     std::vector<std::string> Titles, Headings, Captions; ///< texts of title, h1 and b
+    std::vector<std::string> Quotes;                     ///< what stands between quotes
     std::vector<std::string> Links, Pictures;            ///< targets of a and img
     std::vector<std::string> Faults;
     bool SaysItsCharset = false;
@@ -97,6 +99,14 @@ Page ReadPage(const std::string& html) {
         if (name == "/b") page.Captions.push_back(text);
         open.pop_back();
     }
+    static const std::string Quote = "&quot;";
+    for (std::size_t at = 0; (at = html.find(Quote, at)) != std::string::npos;) {
+        const std::size_t begin = at + Quote.size();
+        const std::size_t end = html.find(Quote, begin);
+        if (end == std::string::npos) page.Faults.push_back("a quote that is not closed");
+        page.Quotes.push_back(textOf(begin, end));
+        at = end == std::string::npos ? end : end + Quote.size();
+    }
     if (page.Faults.empty() && !open.empty()) page.Faults.push_back(open.back().first + " is not closed");
     return page;
 }
@@ -135,7 +145,11 @@ std::set<std::string> Captions(int first, int last) {
 /// Whether something on the screen is called so: one caption, or the way through a menu of the main screen.
 bool IsOnTheScreen(const std::string& words) {
     static const std::set<std::string> all = Captions(0, 65535);
-    static const std::set<std::string> menus = Captions(17000, 17399);
+    static const std::set<std::string> menus = [] {
+        std::set<std::string> entries = Captions(17000, 17399);
+        entries.merge(Captions(msg::mnuWhatsThis.Number, msg::mnuWhatsThis.Number));
+        return entries;
+    }();
     if (all.contains(Plain(words))) return true;
     std::size_t entries = 0;
     for (std::size_t at = 0; at != std::string::npos; ++entries) {
@@ -144,6 +158,22 @@ bool IsOnTheScreen(const std::string& words) {
         at = end == std::string::npos ? end : end + 3;
     }
     return entries > 1;
+}
+
+/// Whether the program says so somewhere. Three dots stand for whatever it says there.
+bool IsSaid(const std::string& quote) {
+    static const std::string all = [] {
+        std::string words;
+        for (std::size_t k = 0; k < CatalogueRowCount; ++k) words += Shown(CatalogueRows[k].Words) + '\n';
+        return words;
+    }();
+    for (std::size_t at = 0; at != std::string::npos;) {
+        const std::size_t dots = quote.find("...", at);
+        const std::string piece = Shown(quote.substr(at, dots == std::string::npos ? dots : dots - at));
+        if (all.find(piece) == std::string::npos) return false;
+        at = dots == std::string::npos ? dots : dots + 3;
+    }
+    return true;
 }
 
 /// Attributes of the elements of a name in the help's project file, in its order.
@@ -196,6 +226,15 @@ TEST_F(HelpPagesTest, ACaptionThatNoScreenHasIsFoundOut) {
     EXPECT_FALSE(IsOnTheScreen("File > Rate"));
     EXPECT_FALSE(IsOnTheScreen("File > "));
     EXPECT_FALSE(IsOnTheScreen(""));
+}
+
+TEST_F(HelpPagesTest, AMessageThatTheProgramDoesNotGiveIsFoundOut) {
+    EXPECT_EQ(ReadPage("<p>&quot;File\nError!&quot; and &quot;Yes&quot;</p>").Quotes,
+              (std::vector<std::string>{"File Error!", "Yes"}));
+    EXPECT_TRUE(IsSaid("File Error!"));
+    EXPECT_TRUE(IsSaid("The HotSync Manager ... has refused. ..."));
+    EXPECT_FALSE(IsSaid("File Mistake!"));
+    EXPECT_FALSE(IsSaid("The HotSync Manager ... has declined. ..."));
 }
 
 TEST_F(HelpPagesTest, EachPageIsWellFormedAndHasItsTitleItsHeadingAndAPicture) {
@@ -260,6 +299,11 @@ TEST_F(HelpPagesTest, WhatAPageWritesAsACaptionStandsOnAScreen) {
     for (const auto& [name, page] : Pages())
         for (const std::string& caption : page.Captions)
             EXPECT_TRUE(IsOnTheScreen(caption)) << name << ": " << caption;
+}
+
+TEST_F(HelpPagesTest, WhatAPageQuotesIsAMessageOfTheProgram) {
+    for (const auto& [name, page] : Pages())
+        for (const std::string& quote : page.Quotes) EXPECT_TRUE(IsSaid(quote)) << name << ": " << quote;
 }
 
 TEST_F(HelpPagesTest, EachPictureIsThereIsNotTooLargeAndIsWanted) {

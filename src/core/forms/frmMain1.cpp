@@ -15,7 +15,10 @@
 #include "exchange/forms/frmQBExport.h"
 #include "exchange/forms/frmQBImport.h"
 #include "exchange/forms/frmQBUpload.h"
+#include "help/HTMLHelp.h"
 #include "installation/forms/frmHHInstall.h"
+#include "installation/forms/frmQuickStart.h"
+#include "installation/forms/frmQuickStart2.h"
 #include "maintenance/Backup.h"
 #include "maintenance/Office.h"
 #include "maintenance/Totals.h"
@@ -580,6 +583,7 @@ void frmMain1::ShowPage(int page) {
     picRemoteSync->setCurrentIndex(page);
     lblRemoteSync->setText(ToQt(Text(PageTitles[page])));
     imgTools->setPixmap(Picture(PagePictures[page]).pixmap(20, 20));
+    imgToolsHelp->setProperty("HelpTopic", picRemoteSync->currentWidget()->property("HelpTopic"));
     if (page == PageSummary) RefreshRecordCounts();
 }
 
@@ -841,16 +845,27 @@ void frmMain1::mnuQC_Click() {
         CheckAllProcesses();
 }
 
+void frmMain1::EnableRegistration(bool enabled) {
+    for (QWidget* label : {lblUpdateHSUsers, lblUA, lblDemoInstall, lblHelpCompany})
+        label->setEnabled(enabled);
+    for (QAction* entry : {mnuUpdateReg, mnuRemoteSync}) entry->setEnabled(enabled);
+}
+
 void frmMain1::UpdateUsers() {
     UnloadForms();
-    // One registration at a time: it waits for windows of the other programs.
-    const auto enable = [this](bool enabled) {
-        for (QWidget* label : {lblUpdateHSUsers, lblUA}) label->setEnabled(enabled);
-        for (QAction* entry : {mnuUpdateReg, mnuRemoteSync}) entry->setEnabled(enabled);
-    };
-    enable(false);
     UpdateHSUsers(*this);
-    enable(true);
+}
+
+void frmMain1::lblDemoInstall_Click() {
+    TraceEvent("frmMain1:lblDemoInstall_Click");
+    UnloadForms();
+    The<frmQuickStart>().Show();
+}
+
+void frmMain1::lblHelpCompany_Click() {
+    TraceEvent("frmMain1:lblHelpCompany_Click");
+    UnloadForms();
+    The<frmQuickStart2>().Show();
 }
 
 void frmMain1::lblUpdateHSUsers_Click() {
@@ -1011,6 +1026,26 @@ void frmMain1::lblRestore_Click() {
 
 void frmMain1::mnuViewTotals_Click() {
     View("mnuViewTotals_Click", ViewTotals);
+}
+
+void frmMain1::mnuHelpContents_Click() {
+    TraceEvent("frmMain1:mnuHelpContents_Click");
+    Global.TheHelp->HHDisplayContents();
+}
+
+void frmMain1::mnuHelpIndex_Click() {
+    TraceEvent("frmMain1:mnuHelpIndex_Click");
+    Global.TheHelp->HHDisplayIndex();
+}
+
+void frmMain1::mnuHelpSearch_Click() {
+    TraceEvent("frmMain1:mnuHelpSearch_Click");
+    Global.TheHelp->HHDisplaySearch();
+}
+
+void frmMain1::mnuWhatsThis_Click() {
+    TraceEvent("frmMain1:mnuWhatsThis_Click");
+    Global.TheHelp->HHInvokeWhatsThisHelp();
 }
 
 void frmMain1::mnuMainAbout_Click() {

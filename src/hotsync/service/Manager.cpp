@@ -6,6 +6,7 @@
 #include "core/Globals.h"
 #include "core/Operator.h"
 #include "core/Paths.h"
+#include "help/forms/QtHelp.h"
 #include "hotsync/forms/frmHSExit.h"
 #include "hotsync/forms/frmHSManager.h"
 #include "hotsync/forms/frmHSPickUser.h"
@@ -246,11 +247,13 @@ int RunManager(int argc, char** argv, const char* version) {
 
     QtOperator atTheScreen;
     Global.TheOperator = &atTheScreen;
+    QtHelp help;
     const std::string folder = AddBackslash(PathFromQt(QApplication::applicationDirPath()));
     // One manager a folder: a second start has nothing to do.
     if (!SingleInstance::Take(folder)) return 0;
     try {
         LoadMessages(OfficeOf(folder) + "Messages.tsv");
+        help.Help().HHSetHelpFile(HelpFilePath(folder, OfficeOf(folder)));
         ApplyLook(application, Registry::DarkLook(OfficeOf(folder)));
         Run(folder, options.isSet(minimised));
     } catch (const std::exception& failure) {

@@ -114,15 +114,13 @@ void frmChgLink::SortData() {
     SortLinkFile(Global.DBFPath + "ZUKLINK.DBF");
 }
 
-/// Puts the table in order and lets the status of the handhelds, which goes by its rows, begin anew.
+/// Puts the table in order and lets the status of the handhelds begin anew.
 /// False when the table could not be put in order: the operator has been told.
 bool frmChgLink::Finish() {
     links_.Close();
     if (!Try([&] { SortData(); })) return false;
     before_ = links_.IDs();
-    ClearHHStatus();
-    if (!WithStatusFile(MakeHHStatusFile)) return true;
-    if (auto* main = IfLoaded<frmMain1>()) main->GetHHBricksStd();
+    BeginHHStatusAnew();
     return true;
 }
 

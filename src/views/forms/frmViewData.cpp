@@ -2,6 +2,7 @@
 
 #include "core/Globals.h"
 #include "core/Messages.h"
+#include "help/HelpTopics.h"
 #include "platform/Convert.h"
 #include "platform/Look.h"
 #include "views/forms/Editors.h"
@@ -42,6 +43,10 @@ QWidget* MakeBox(int length, QWidget* parent) {
 }
 
 } // namespace
+
+std::string frmViewData::HelpTopic() const {
+    return view_ ? HelpTopicOfView(view_->Flag) : Form::HelpTopic();
+}
 
 void frmViewData::Form_Load() {
     TraceEvent("frmViewData:Form_Load");

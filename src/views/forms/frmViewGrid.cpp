@@ -9,6 +9,7 @@
 #include "core/TextCompare.h"
 #include "core/forms/frmMain1.h"
 #include "core/forms/frmProgress.h"
+#include "help/HelpTopics.h"
 #include "maintenance/forms/BackupRun.h"
 #include "platform/BarProgress.h"
 #include "platform/Convert.h"
@@ -149,6 +150,11 @@ frmViewGrid::frmViewGrid() {
     Timer1 = new QTimer(this);
     Timer1->setObjectName(QStringLiteral("Timer1"));
     Timer1->setSingleShot(true);
+}
+
+std::string frmViewGrid::HelpTopic() const {
+    const TableView* view = ChosenView();
+    return view ? HelpTopicOfView(view->Flag, Form::HelpTopic()) : Form::HelpTopic();
 }
 
 void frmViewGrid::Form_Load() {
