@@ -292,6 +292,7 @@ void frmHelp::tvwContents_Click() {
 void frmHelp::MarkInContents() {
     if (!file_ || !file_->Contents()) return;
     const QModelIndex at = PlaceIn(*file_->Contents(), rtbTopic->source());
+    for (QModelIndex above = at.parent(); above.isValid(); above = above.parent()) tvwContents->expand(above);
     tvwContents->setCurrentIndex(at);
     if (at.isValid()) tvwContents->scrollTo(at);
 }
