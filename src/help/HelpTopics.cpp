@@ -18,6 +18,7 @@ constexpr std::string_view UsersTopic = "Update_Hotsync_Users.htm";
 constexpr std::string_view ManagerTopic = "Hotsync_Manager.htm";
 constexpr std::string_view SystemTopic = "System_Information.htm";
 constexpr std::string_view PrintTopic = "Reports_and_Printing.htm";
+constexpr std::string_view StandInTopic = "Stand_in_Handheld.htm";
 constexpr std::string_view ViewTopic = "Viewing_Tables.htm";
 
 struct Row {
@@ -80,6 +81,8 @@ constexpr Row Topics[] = {
     {"frmQuickStart8", ButtonsTopic},
     {"frmRemoteSync", UnattendedTopic},
     {"frmSetup", ManagerTopic},
+    {"frmStandIn", StandInTopic},
+    {"frmStandInOrder", StandInTopic},
     {"frmTableSelectCL", "Options_Download.htm"},
     {"frmTableSelectDL", "Setup_Download.htm"},
     {"frmTableSelectPC", "Clearing_PC_Tables_.htm"},

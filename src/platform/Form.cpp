@@ -448,10 +448,13 @@ void FormBehaviour::WireHelp(QObject& control) {
             ShowHelpTopic(topic.isValid() ? topic.toString().toStdString() : HelpTopic());
         });
     };
-    if (&control == &window)
+    if (&control == &window) {
         new HelpKeys(window, show);
-    else if (OpensHelp(control))
-        QObject::connect(&static_cast<QAbstractButton&>(control), &QAbstractButton::clicked, &window, show);
+    } else if (OpensHelp(control)) {
+        auto& button = static_cast<QAbstractButton&>(control);
+        button.setEnabled(true); // whatever its layout says
+        QObject::connect(&button, &QAbstractButton::clicked, &window, show);
+    }
 }
 
 QStringList FormBehaviour::WiringProblems() const {

@@ -61,6 +61,7 @@ HelpFile::HelpFile(const QString& path)
         searching_ = false;
         if (!IsSearching()) emit SearchFinished();
     });
+    connect(engine_->indexModel(), &QHelpIndexModel::indexCreated, this, [this] { keywordsRead_ = true; });
     engine_->contentModel()->createContents(QString());
     engine_->indexModel()->createIndex(QString());
 }
@@ -105,7 +106,7 @@ QList<QHelpLink> HelpFile::TopicsOfKeyword(const QString& keyword) {
     if (!engine_) return {};
     const QList<QHelpLink> exact = engine_->documentsForKeyword(keyword);
     if (!exact.isEmpty()) return exact;
-    WaitInLoop([this] { return Keywords()->isCreatingIndex(); }, QEventLoop::ExcludeUserInputEvents);
+    WaitInLoop([this] { return !keywordsRead_; }, QEventLoop::ExcludeUserInputEvents);
     for (const QString& known : Keywords()->stringList()) {
         if (known.compare(keyword, Qt::CaseInsensitive) == 0) return engine_->documentsForKeyword(known);
     }

@@ -79,6 +79,7 @@ private:
     QHash<QString, QUrl> files_; ///< by the path in small letters
     QString root_;               ///< of all addresses, with a slash at its end
     QString wanted_;             ///< a search that waits for the index of words
+    bool keywordsRead_ = false;
     bool indexed_ = false;
     bool searching_ = false;
 };
