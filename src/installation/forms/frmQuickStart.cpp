@@ -4,6 +4,7 @@
 #include "core/Globals.h"
 #include "core/Messages.h"
 #include "core/Operator.h"
+#include "core/forms/frmMain1.h"
 #include "help/HTMLHelp.h"
 #include "platform/Convert.h"
 #include "platform/HotSyncManager.h"
@@ -65,6 +66,8 @@ void frmQuickStart::Form_Load() {
 void frmQuickStart::Form_Unload() {
     Trace("Form_Unload");
     run_.Cancel();
+    // Behind an install the bricks of the manual downloads, and the list of handhelds that goes with them.
+    if (auto* main = IfLoaded<frmMain1>(); main && !main->IsOver()) main->GetHHBricksStd();
 }
 
 void frmQuickStart::lblCompany_Click() {
