@@ -31,7 +31,9 @@ public:
         Shown.push_back("notice " + title.Utf8() + ": " + words.Utf8());
     }
     void ShowKeyword(const std::string& keyword) override { Shown.push_back("keyword " + keyword); }
-    std::vector<std::string> TopicsOfKeyword(const std::string& keyword) override { return Keywords[keyword]; }
+    std::vector<std::string> TopicsOfKeyword(const std::string& keyword) override {
+        return Keywords[keyword];
+    }
     std::vector<std::string> TopicsOfIdentifier(const std::string& id) override { return Identifiers[id]; }
     void SetOnTop(bool onTop) override { OnTop = onTop; }
     void Close() override { Shown.push_back("closed"); }

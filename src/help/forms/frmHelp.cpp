@@ -86,6 +86,7 @@ frmHelp::frmHelp() {
     for (const auto& [button, picture] : pictures) button->setIcon(Picture(picture));
     setWindowIcon(Picture("helpico16-256"));
     rtbTopic->setAccessibleName(ToQt(Text(msg::HelpPage)));
+    tabHelp->setAccessibleName(ToQt(Text(msg::frmHelp)));
     barFind->SetColumn(ToQt(Text(msg::HelpThisPage)));
     lblFound->setText(ToQt(Text(msg::HelpTopicsFound)));
     for (QWidget* topics : {static_cast<QWidget*>(lblTopics), static_cast<QWidget*>(lstTopics)})
