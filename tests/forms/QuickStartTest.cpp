@@ -1,4 +1,7 @@
+#include "core/Directories.h"
 #include "core/Messages.h"
+#include "core/Paths.h"
+#include "core/SafeFile.h"
 #include "core/forms/frmMain1.h"
 #include "core/forms/frmProgress.h"
 #include "exchange/forms/frmExport1.h"
@@ -28,7 +31,6 @@
 #include "sync/forms/frmTableSelectDL.h"
 #include "sync/forms/frmUploadSelect.h"
 #include "tools/forms/frmOptions.h"
-#include "views/forms/frmEditCust.h"
 #include "views/forms/frmViewGrid.h"
 
 #include <QAbstractButton>
@@ -36,6 +38,8 @@
 #include <QPushButton>
 #include <QTabWidget>
 #include <QTest>
+
+#include <stdexcept>
 
 namespace {
 
@@ -387,7 +391,6 @@ class TourInstall;
 class InstallingControl final : public FakeControl {
 public:
     explicit InstallingControl(TourInstall& test);
-    ~InstallingControl() override;
 
     void AddInstall(std::string_view file, std::string_view user) override;
     std::string HotSyncUser(int index) const override;
@@ -503,7 +506,6 @@ protected:
 };
 
 InstallingControl::InstallingControl(TourInstall& test) : test_(test) {}
-InstallingControl::~InstallingControl() = default;
 
 void InstallingControl::AddInstall(std::string_view file, std::string_view user) {
     ::AddInstall(test_.ManagerFolder(), file, user);

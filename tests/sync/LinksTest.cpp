@@ -1,5 +1,6 @@
 #include "sync/Links.h"
 
+#include "core/SafeFile.h"
 #include "store/DBFEdit.h"
 #include "support/EngineTest.h"
 #include "support/Fails.h"
