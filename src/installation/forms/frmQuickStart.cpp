@@ -25,6 +25,7 @@
 #include <QPushButton>
 
 #include <chrono>
+#include <utility>
 
 namespace {
 
@@ -35,8 +36,10 @@ constexpr std::chrono::seconds LongestStart{10}; ///< of a HotSync Manager
 frmQuickStart::frmQuickStart() : QuickStartPage(QuickStart, msg::pageQuickStart) {
     AddText(msg::QuickDemoText);
     AddText(msg::QuickDemoSteps);
-    AddStep("lblCompany", msg::lblDemoCompany, "", msg::TipQuickCompany);
-    AddStep("lblInstall", msg::lblInstall, "", msg::TipQuickInstall);
+    const std::pair<QAbstractButton*, MessageId> labels[] = {
+        {&AddLabel("lblCompany", msg::lblDemoCompany), msg::TipQuickCompany},
+        {&AddLabel("lblInstall", msg::lblInstall), msg::TipQuickInstall}};
+    for (const auto& [label, tip] : labels) label->setToolTip(PlainTip(ToQt(Text(tip))));
     AddText(msg::QuickOwnText);
 
     aniHSWait = new QLabel;
