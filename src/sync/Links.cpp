@@ -3,10 +3,9 @@
 #include "core/Failure.h"
 #include "core/Globals.h"
 #include "core/TextCompare.h"
-#include "store/SortTables.h"
+#include "store/TableLock.h"
+#include "store/TableRewrite.h"
 #include "store/TableScan.h"
-
-#include <algorithm>
 
 namespace {
 
@@ -70,19 +69,31 @@ std::int32_t LinkTable::OtherWith(std::string_view id) const {
 }
 
 bool AddLink(std::string_view id) {
-    LinkTable links;
-    links.Open(1);
-    const std::vector<std::string>& ids = links.IDs();
-    if (std::ranges::any_of(ids, [&](const std::string& each) { return SameText(each, id); })) return false;
-    if (id.size() > links.Padded().HotSync.size()) throw RunTimeFailure(6, std::string(id));
-    links.Append();
-    try {
-        links.Write({std::string(id), {}, {}});
-    } catch (const RunTimeFailure&) {
-        links.Delete(); // a handheld without an id is none
-        throw;
+    id = Trim(id);
+    const std::string path = LinksPath();
+    if (id.empty()) throw RunTimeFailure(5, path);
+    TableScan links(path);
+    if (TableIsLocked(path)) throw RunTimeFailure(70, path);
+    const int key = links.Layout().Find(FieldKey(HotSync));
+    if (key == 0) throw RunTimeFailure(321, path);
+    if (id.size() > links.Field(key).size()) throw RunTimeFailure(6, std::string(id));
+
+    TableRewrite rewrite(path);
+    bool entered = false;
+    const auto enter = [&] {
+        rewrite.Append();
+        rewrite.Write(key, id);
+        entered = true;
+    };
+    while (links.Next()) {
+        const std::string_view other = links.Trimmed(key);
+        if (SameText(other, id) && !links.Deleted()) return false;
+        if (!entered && TextCompare(other, id) > 0) enter();
+        rewrite.AppendRaw(links.Flag(), links.Record());
     }
+    if (!entered) enter();
+    rewrite.SetTrailing(links.Trailing());
     links.Close();
-    SortLinkFile(LinksPath());
+    rewrite.Commit();
     return true;
 }

@@ -853,7 +853,9 @@ void frmMain1::EnableRegistration(bool enabled) {
 
 void frmMain1::UpdateUsers() {
     UnloadForms();
+    EnableRegistration(false); // while the question stands too
     UpdateHSUsers(*this);
+    EnableRegistration(true);
 }
 
 void frmMain1::lblDemoInstall_Click() {

@@ -76,7 +76,9 @@ protected:
             painter.setFont(Bold());
             painter.fillRect(0, 0, 3, height(), palette().highlight());
         }
-        painter.setPen(isShaded ? QColor(Qt::white) : palette().color(QPalette::ButtonText));
+        const bool leads = isEnabled() && !isCheckable();
+        painter.setPen(isShaded ? QColor(Qt::white)
+                                : palette().color(leads ? QPalette::Link : QPalette::ButtonText));
         painter.drawText(rect().adjusted(Gap, 0, -Gap, 0),
                          Qt::AlignLeft | Qt::AlignVCenter | Qt::TextShowMnemonic, text());
         if (!hasFocus()) return;
@@ -228,6 +230,14 @@ void QuickStartPage::MakeButtons(QLayout& frame) {
 
 QLabel& QuickStartPage::AddText(MessageId text) {
     QLabel* label = NewText(text);
+    grdPage->addWidget(label, grdPage->rowCount(), 0, 1, 2);
+    return *label;
+}
+
+QAbstractButton& QuickStartPage::AddLabel(const char* name, MessageId caption) {
+    auto* label = new ClickLabel;
+    label->setObjectName(QLatin1String(name));
+    SetTag(*label, caption);
     grdPage->addWidget(label, grdPage->rowCount(), 0, 1, 2);
     return *label;
 }

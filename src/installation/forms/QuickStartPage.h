@@ -44,6 +44,9 @@ protected:
     /// A paragraph.
     QLabel& AddText(MessageId text);
 
+    /// A label that is clicked, alone in its row.
+    QAbstractButton& AddLabel(const char* name, MessageId caption);
+
     /// A button, a label's name making it a label; what it is for; and an image that opens a topic of the
     /// help and bears the button's name as in `imgItemsHelp`. Without a topic there is none.
     QAbstractButton& AddStep(const char* name, MessageId caption, const char* picture, MessageId text,

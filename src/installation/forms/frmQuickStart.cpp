@@ -4,6 +4,7 @@
 #include "core/Globals.h"
 #include "core/Messages.h"
 #include "core/Operator.h"
+#include "core/forms/frmMain1.h"
 #include "help/HTMLHelp.h"
 #include "platform/Convert.h"
 #include "platform/HotSyncManager.h"
@@ -24,6 +25,7 @@
 #include <QPushButton>
 
 #include <chrono>
+#include <utility>
 
 namespace {
 
@@ -34,8 +36,10 @@ constexpr std::chrono::seconds LongestStart{10}; ///< of a HotSync Manager
 frmQuickStart::frmQuickStart() : QuickStartPage(QuickStart, msg::pageQuickStart) {
     AddText(msg::QuickDemoText);
     AddText(msg::QuickDemoSteps);
-    AddStep("lblCompany", msg::lblDemoCompany, "", msg::TipQuickCompany);
-    AddStep("lblInstall", msg::lblInstall, "", msg::TipQuickInstall);
+    const std::pair<QAbstractButton*, MessageId> labels[] = {
+        {&AddLabel("lblCompany", msg::lblDemoCompany), msg::TipQuickCompany},
+        {&AddLabel("lblInstall", msg::lblInstall), msg::TipQuickInstall}};
+    for (const auto& [label, tip] : labels) label->setToolTip(PlainTip(ToQt(Text(tip))));
     AddText(msg::QuickOwnText);
 
     aniHSWait = new QLabel;
@@ -65,6 +69,8 @@ void frmQuickStart::Form_Load() {
 void frmQuickStart::Form_Unload() {
     Trace("Form_Unload");
     run_.Cancel();
+    // Behind an install the bricks of the manual downloads, and the list of handhelds that goes with them.
+    if (auto* main = IfLoaded<frmMain1>(); main && !main->IsOver()) main->GetHHBricksStd();
 }
 
 void frmQuickStart::lblCompany_Click() {
