@@ -5,7 +5,7 @@ add_library(engine STATIC)
 target_link_libraries(engine PUBLIC house)
 set_target_properties(engine PROPERTIES AUTOMOC OFF AUTOUIC OFF AUTORCC OFF)
 
-foreach(folder core store sync exchange maintenance views quality)
+foreach(folder core store sync exchange maintenance views quality tools help installation)
     engine_folder(${folder})
 endforeach()
 

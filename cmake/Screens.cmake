@@ -1,6 +1,7 @@
 # The screens: all forms and what stands in for the platform, one static library that links the
 # engine; and the programs.
-find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets Network PrintSupport)
+find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets Network PrintSupport Help)
+include(Help)
 
 set(CMAKE_AUTOMOC ON)
 set(CMAKE_AUTOUIC ON)
@@ -16,7 +17,7 @@ file(GLOB form_uis CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/*/forms/*.ui)
 file(GLOB pictures CONFIGURE_DEPENDS RELATIVE ${CMAKE_SOURCE_DIR}/resources ${CMAKE_SOURCE_DIR}/resources/graphics/*.svg)
 
 add_library(screens STATIC ${screen_sources})
-target_link_libraries(screens PUBLIC engine hotsynccore handheldline Qt6::Widgets Qt6::Network Qt6::PrintSupport)
+target_link_libraries(screens PUBLIC engine hotsynccore handheldline Qt6::Widgets Qt6::Network Qt6::PrintSupport Qt6::Help)
 # A form's header takes in what the form's layout was made into.
 target_include_directories(screens PUBLIC ${CMAKE_BINARY_DIR}/screens_autogen/include)
 target_precompile_headers(screens PRIVATE <QtWidgets> <string> <vector>)
@@ -69,13 +70,15 @@ add_executable(day ${CMAKE_SOURCE_DIR}/tools/day.cpp ${CMAKE_SOURCE_DIR}/tools/L
 target_link_libraries(day PRIVATE mappingbykeys officeforday screens)
 
 add_library(screensbykeys STATIC ${CMAKE_SOURCE_DIR}/tools/ScreensByKeys.cpp ${CMAKE_SOURCE_DIR}/tools/ScreensByKeys.h
-    ${CMAKE_SOURCE_DIR}/tools/FilledTables.cpp ${CMAKE_SOURCE_DIR}/tools/FilledTables.h)
+    ${CMAKE_SOURCE_DIR}/tools/FilledTables.cpp ${CMAKE_SOURCE_DIR}/tools/FilledTables.h
+    ${CMAKE_SOURCE_DIR}/tools/OfficeForKeys.cpp ${CMAKE_SOURCE_DIR}/tools/OfficeForKeys.h)
 target_include_directories(screensbykeys PUBLIC ${CMAKE_SOURCE_DIR}/tools)
-target_link_libraries(screensbykeys PUBLIC driverclient engine)
+target_link_libraries(screensbykeys PUBLIC driverclient officeforday engine)
 add_executable(keys ${CMAKE_SOURCE_DIR}/tools/keys.cpp)
-target_link_libraries(keys PRIVATE screensbykeys officeforday)
+target_link_libraries(keys PRIVATE screensbykeys)
 
-add_executable(pictures_of_screens ${CMAKE_SOURCE_DIR}/tools/pictures.cpp ${CMAKE_SOURCE_DIR}/tools/FilledTables.cpp)
+add_executable(pictures_of_screens ${CMAKE_SOURCE_DIR}/tools/pictures.cpp ${CMAKE_SOURCE_DIR}/tools/FilledTables.cpp
+    ${CMAKE_SOURCE_DIR}/tools/PagePictures.cpp ${CMAKE_SOURCE_DIR}/tools/PagePictures.h)
 target_link_libraries(pictures_of_screens PRIVATE screens pictures officeforday)
 target_compile_definitions(pictures_of_screens PRIVATE TRAMBLE_VERSION="${PROJECT_VERSION}")
 

@@ -62,10 +62,12 @@ private:
         std::vector<std::uint8_t>(std::size_t{Width} * Oversize * Height * Oversize, Clear);
 };
 
+constexpr double ButtonX = 20, ButtonY = 39;
+
 void DrawHandheld(Frame& frame, Tone body, Tone screen) {
     frame.Box(8, 3, 24, 42, 4, body);
     frame.Box(11.5, 7, 17, 26, 1.5, screen);
-    frame.Disc(20, 39, 2.4, screen);
+    frame.Disc(ButtonX, ButtonY, 2.4, screen);
 }
 
 void DrawComputer(Frame& frame) {
@@ -186,6 +188,24 @@ std::string WaitingForHotsync() {
         frames.push_back(std::move(frame));
     }
     return Gif(frames, 45);
+}
+
+std::string SingleHotsync() {
+    // The button that is to be pressed: rings go out from it, and the computer is ready.
+    std::vector<Frame> frames;
+    for (int step = 0; step < 6; ++step) {
+        Frame frame;
+        if (step >= 1 && step <= 4) {
+            frame.Disc(ButtonX, ButtonY, 3 + 2.2 * step, Faint);
+            frame.Disc(ButtonX, ButtonY, 1.6 + 2.2 * step, Clear);
+        }
+        DrawHandheld(frame, Grey, Light);
+        frame.Disc(ButtonX, ButtonY, step == 0 ? 3.2 : 2.8, step < 3 ? Blue : Green);
+        for (int dot = 0; dot < 5; ++dot) frame.Disc(44 + 11 * dot, 22, 1.8, dot < step ? Blue : Faint);
+        DrawComputer(frame);
+        frames.push_back(std::move(frame));
+    }
+    return Gif(frames, 25);
 }
 
 std::string HotsyncRunning() {

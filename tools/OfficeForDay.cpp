@@ -23,6 +23,8 @@ OfficeForDay::OfficeForDay(const QString& build, const QString& office, const QS
     if (!QDir(samples).exists()) throw OfficeFailure((samples + " is no folder").toStdString());
     Run(QStringLiteral("layoutoffice"), {build_ + QStringLiteral("/installed"), office_});
     Copy(build_ + QStringLiteral("/bin/ZUKTramble"), Program());
+    const QString help = QStringLiteral("Tramble_Help.qch");
+    Copy(build_ + QStringLiteral("/installed/") + help, Path(help));
 
     QDir().mkpath(Path(QStringLiteral("DataIn")));
     QStringList tables{office_};

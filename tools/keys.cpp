@@ -6,19 +6,15 @@
 // with so many, and goes through the screens in the light and in the dark look. Pictures of them go to
 // FOLDER. Ends in 0 only if every screen did as it should.
 
-#include "FilledTables.h"
-#include "OfficeForDay.h"
+#include "OfficeForKeys.h"
 #include "ScreensByKeys.h"
-#include "core/Failure.h"
-#include "driver/DriverClient.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QElapsedTimer>
-#include <QFile>
-#include <QTemporaryDir>
 
 #include <cstdio>
+#include <exception>
 
 namespace {
 
@@ -31,18 +27,8 @@ void Say(const QString& line) {
 
 /// In an office of its own, since what is saved in an empty table stays.
 void GoThrough(const QString& build, const QString& folder, int records, const QString& look) {
-    const QTemporaryDir place;
-    const QTemporaryDir samples;
-    const OfficeForDay office(build, place.filePath(QStringLiteral("office")), samples.path());
-    FillAllTables(QFile::encodeName(office.Path(QStringLiteral("DBFFiles"))).toStdString(), records);
-
-    DrivenProgram start;
-    start.Program = office.Program();
-    start.Folder = office.Path(QString());
-    DriverClient program(start);
-    program.ExpectContaining(QStringLiteral("Palm Desktop software is needed"));
-    program.Start();
-    program.WaitForm(QStringLiteral("frmMain1"));
+    OfficeForKeys office(build, records);
+    DriverClient& program = office.Program();
     if (look == Dark) {
         for (const char* key : {"Alt+V", "D"}) program.Key(QLatin1String(key));
     }

@@ -47,6 +47,7 @@ int main(int argc, char** argv) {
         CopyFolder(resources + "graphics/", install + "Graphics/");
         WriteWholeFile(install + "Graphics/WaitingforHotsync.gif", WaitingForHotsync(), false);
         WriteWholeFile(install + "Graphics/synczukwhite.gif", HotsyncRunning(), false);
+        WriteWholeFile(install + "Graphics/SingleHotsync.gif", SingleHotsync(), false);
         CopyFolder(resources + "templates/", out + "Templates/");
         WriteWholeFile(out + "complete.txt", "", false);
     } catch (const RunTimeFailure& failure) {

@@ -1,15 +1,18 @@
 // A picture of every screen of the program, in the light look and in the dark one:
 //
 //   pictures_of_screens BUILD FOLDER [TEXTS]
+//   pictures_of_screens BUILD --pages
 //
-// writes FOLDER/<form>-light.png and FOLDER/<form>-dark.png, with the demonstration day's files in
+// The first writes FOLDER/<form>-light.png and FOLDER/<form>-dark.png, with the demonstration day's files in
 // the office that the screens show; and more of a form that has several faces. FOLDER/Report-*.pdf are the
 // reports as a printer would have them. TEXTS is a translation, a file of rows as in Messages.tsv. At
-// another scale: set QT_SCALE_FACTOR before.
+// another scale: set QT_SCALE_FACTOR before. The second, in the folder of the sources, makes anew the
+// pictures that the help and README.md refer to, in the light look.
 
 #include "AllForms.h"
 #include "FilledTables.h"
 #include "OfficeForDay.h"
+#include "PagePictures.h"
 #include "core/Failure.h"
 #include "core/Globals.h"
 #include "core/Messages.h"
@@ -28,12 +31,15 @@
 #include "sync/SFrmAX40.h"
 #include "sync/TableTemplates.h"
 #include "sync/UnattendedSettings.h"
+#include "sync/forms/StatusFile.h"
 #include "sync/forms/TableSelectForm.h"
 #include "sync/forms/UnattendedMode.h"
+#include "tools/Notes.h"
 
 #include <QApplication>
 #include <QComboBox>
 #include <QDir>
+#include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPainter>
@@ -109,7 +115,7 @@ public:
 
     /// What an office has after a morning.
     void Fill() {
-        Global.Clock = [] { return DateTime{2026, 11, 21, 8, 30, 5}; };
+        const auto before = std::exchange(Global.Clock, [] { return DateTime{2026, 11, 21, 8, 30, 5}; });
         const std::uint32_t anna = users_.New("Anna Berg").Id;
         const std::uint32_t ben = users_.New("Ben Okafor").Id;
         users_.New("Chlo\xE9 Martin");
@@ -119,7 +125,7 @@ public:
         log_.Write("Anna Berg: session from 192.168.1.57");
         log_.Write("Anna Berg: ZUKCUST to the handheld, 1204 rows");
         log_.Write("Anna Berg: ended well");
-        Global.Clock = nullptr;
+        Global.Clock = before;
     }
 
     ListeningState State{"192.168.1.20", 14238, {}};
@@ -148,14 +154,15 @@ void FillTables(const QString& build, const QString& office,
 void FillOffice(const QString& build, const OfficeForDay& office) {
     const QByteArray links = "LK_HOTSYNC\tLK_MACH_ID\nAnna Berg\tA001\nBen Okafor\tB002\n"
                              "Chloé Martin\tC003\nDiego Ruiz\tD004\nEmi Sato\tE005\nFrank Weiss\tF006\n";
-    QByteArray totals = "TP_NUMHEAD\tTP_NUMLINE\tTP_DOL_LIN\tTP_EVENT\tTP_DATETIM\tTP_HOTSYNC\n";
-    const char* names[] = {"Anna Berg", "Ben Okafor", "Chloé Martin", "Diego Ruiz"};
-    for (int i = 0; i < 4; ++i) {
-        const QByteArray number = QByteArray::number(i + 3);
-        totals += number + '\t' + QByteArray::number(7 * i + 12) + '\t' +
-                  QByteArray::number(431.5 * (i + 1)) + "\tUPLOAD-ADD\t2999-11-1" + number + " 17:4" +
-                  number + ":05\t" + names[i] + '\n';
-    }
+    QByteArray totals = "TP_NUMHEAD\tTP_NUMLINE\tTP_DOL_LIN\tTP_CURHEAD\tTP_CURLINE\tTP_CURDOL\tTP_EVENT\t"
+                        "TP_DATETIM\tTP_HOTSYNC\tTP_MACHINE\n";
+    // The newest first: each upload adds to what was there.
+    const QByteArray uploads[] = {
+        "3\t12\t431.5\t18\t90\t4315\tUPLOAD-ADD\t2026-11-21 17:46:05\tAnna Berg\tA001",
+        "4\t19\t863\t15\t78\t3883.5\tUPLOAD-ADD\t2026-11-21 17:43:40\tBen Okafor\tB002",
+        "5\t26\t1294.5\t11\t59\t3020.5\tUPLOAD-ADD\t2026-11-21 17:31:12\tChloé Martin\tC003",
+        "6\t33\t1726\t6\t33\t1726\tUPLOAD-ADD\t2026-11-21 17:22:58\tDiego Ruiz\tD004"};
+    for (const QByteArray& upload : uploads) totals += upload + '\n';
     FillTables(
         build, office.Path(QString()),
         {{QStringLiteral("ZUKLINK"), links},
@@ -224,9 +231,13 @@ void Settle() {
     for (int i = 0; i < 5; ++i) QCoreApplication::processEvents();
 }
 
+/// Set when only the pictures for pages are wanted.
+PagePictures* OnlyForPages = nullptr;
+
 void Save(QWidget& window, const QString& folder, const QString& name) {
     window.show();
     Settle();
+    if (OnlyForPages != nullptr) return OnlyForPages->Take(window, name);
     const QString path = folder + QLatin1Char('/') + name + (IsDarkLook() ? "-dark.png" : "-light.png");
     if (!window.grab().save(path)) throw OfficeFailure("cannot write " + path.toStdString());
     std::printf("%s\n", path.toLocal8Bit().constData());
@@ -267,7 +278,7 @@ void Prepare(FormBehaviour& form) {
         options->TurnTo("DemoExport.xpm");
     }
     if (auto* details = dynamic_cast<frmHHStatus*>(&form)) {
-        details->Fill("Anna Berg", {{3, 12, 431.5}, {3, 11, 402.75}});
+        details->Fill("Anna Berg", {{3, 12, 431.5}, {3, 12, 431.5}});
     }
     if (auto* pick = dynamic_cast<frmHSPickUser*>(&form))
         pick->Fill({{1, "Chlo\xE9 Martin", {}, false}, {2, "Diego Ruiz", {}, false}});
@@ -275,6 +286,15 @@ void Prepare(FormBehaviour& form) {
         progress->ShowUser(Text::Value(std::string_view("Anna Berg")));
         QThread::msleep(60); // it paints only so often
         progress->ShowStep(Text::Value(std::string_view("ZUKCUST to the handheld")), 730, 1204);
+    }
+    if (dynamic_cast<frmAbout*>(&form)) {
+        // What would stand there tells of this computer, and changes with it.
+        for (const auto& [label, words] : {std::pair{"lblOSVer1", "Version 6.1, Build 0"},
+                                           {"lblAppPath1", "/home/anna/office/"},
+                                           {"lblDBFPath1", "/home/anna/office/DBFFiles/"},
+                                           {"lblDataInPath1", "/home/anna/office/DataIn/"},
+                                           {"lblDataOutPath1", "/home/anna/office/DataOut/"}})
+            form.Window().findChild<QLabel*>(QLatin1String(label))->setText(QString::fromLatin1(words));
     }
     if (dynamic_cast<TableSelectForm*>(&form)) Press(form, "cmdSelectAll");
     if (dynamic_cast<frmChgLink*>(&form)) {
@@ -291,10 +311,20 @@ void GivenUnattended() {
     SaveUA(Global.UnattendedTemplates + "Evening.uhs", {false, "", true, "All orders", true, "Orders"});
     Global.RemoteSyncSettings = "Evening";
     MakePath(Global.HHTotalsPath + "Anna Berg");
-    std::string receipt = "Anna Berg, 2026-11-21 17:40:05\r\n\r\n";
-    for (int k = 1; k <= 60; ++k)
-        receipt += "order A0010000" + std::to_string(k) + "   12 lines   431.50\r\n";
-    WriteWholeFile(Global.HHTotalsPath + "Anna Berg/Receipt 2026-11-21 174005.txt", receipt);
+    const std::string receipt =
+        "Receipt of a HotSync\r\n2026-11-21 17:46:05\r\nHandheld: Anna Berg\r\nUnattended session\r\n\r\n"
+        "BALANCED\r\n\r\nTransfers:\r\n"
+        "  from the handheld  HHTotals/Anna Berg/ZUKLINK.DBF          well\r\n"
+        "  from the handheld  ZUKORHDR.DBF                            well\r\n"
+        "  from the handheld  ZUKORLIN.DBF                            well\r\n"
+        "  from the handheld  HHTotals/Anna Berg/ZUKAudHH.dbf         well\r\n\r\n"
+        "                            Orders     Lines           Money\r\n"
+        "The handheld states              3        12          431.50\r\n"
+        "Arrived                          3        12          431.50\r\n"
+        "The PC held before              15        78         3883.50\r\n"
+        "The PC holds now                18        90         4315.00\r\n\r\n"
+        "Orders that arrived:\r\n  A00100000126, A00100000127, A00100000128\r\n";
+    WriteWholeFile(Global.HHTotalsPath + "Anna Berg/Receipt 2026-11-21 174605.txt", receipt);
 }
 
 /// An activity that clears tables.
@@ -306,6 +336,23 @@ void GivenClearing() {
     Activity activity;
     activity.Rows[0].Template = "Orders and audits.pct";
     WriteActivity(Global.QuickButtonTemplates + "Evening.ctm", activity);
+}
+
+/// A few notes, the first of them open on its screen.
+void GivenNotes() {
+    const struct {
+        double Date;
+        const char *Process, *Person, *Issue, *Resolved, *Resolution;
+    } notes[] = {
+        {46346.42, "Import", "Anna Berg", "The price list stops at line 84.", "2026-11-21",
+         "A comma in a name. The export of the accounting system now writes quotes."},
+        {46347.61, "Unattended Hotsync", "Ben Okafor", "The HotSync broke off in the garage.", "", ""},
+        {46347.73, "Barcodes", "Chlo\xE9 Martin", "Two items have the same barcode.", "", ""},
+    };
+    std::int32_t number = 0;
+    for (const auto& [date, process, person, issue, resolved, resolution] : notes)
+        WriteNote({++number, date, issue, person, resolved, "1.0.0", process, resolution});
+    Global.CurrentNote = 1;
 }
 
 /// An upload has just added three orders.
@@ -321,10 +368,43 @@ void GivenTotals() {
     Global.UploadClosing = true;
 }
 
+/// The quarters of the main screen by themselves, with a handheld of each status.
+void Quarters(const QString& folder) {
+    auto& main = The<frmMain1>();
+    Global.HHStatus = {"", "G", "G", "B", "", "G", ""};
+    ShowHHStatus();
+    Save(main, folder, QStringLiteral("frmMain1-letters"));
+    const QSize usual = main.size();
+    main.resize(usual * 7 / 5);
+    for (const auto& [quarter, name] : {std::pair{"frame1", "status"},
+                                        {"frame2", "uploads"},
+                                        {"frame3", "quickbuttons"},
+                                        {"frame4", "tools"}})
+        Save(*main.findChild<QWidget*>(QLatin1String(quarter)), folder,
+             QStringLiteral("frmMain1-") + QLatin1String(name));
+    Press(main, "lblNext");
+    Save(*main.findChild<QWidget*>(QStringLiteral("frame4")), folder, QStringLiteral("frmMain1-summary"));
+    Press(main, "lblPrev");
+    main.resize(usual);
+    for (std::string& letter : Global.HHStatus) letter.clear();
+    ShowHHStatus();
+}
+
+/// What is said before the HotSync users are brought up to date.
+void UsersQuestion(const QString& folder) {
+    auto& question = The<frmMessage>();
+    Text words = Lines(msg::UpdateUsersWhy, Lines({}, msg::UpdateUsersSteps));
+    for (const MessageId step : {msg::UpdateUsersClose, msg::UpdateUsersRegister, msg::UpdateUsersRestart})
+        words = Lines(words, step);
+    question.Fill({words, msg::Ok, msg::Cancel, {}, msg::lblUpdateHSUsers});
+    Save(question, folder, QStringLiteral("frmMessage-users"));
+    question.Unload();
+}
+
 /// The other pages of the main screen, screens at work, and a report at its end.
 void OtherFaces(Nobody& nobody, const QString& folder) {
     auto& main = The<frmMain1>();
-    for (const char* page : {"frmMain1-summary", "frmMain1-quickstart"}) {
+    for (const char* page : {"frmMain1-page2", "frmMain1-quickstart"}) {
         Press(main, "lblNext");
         Save(main, folder, QString::fromLatin1(page));
     }
@@ -487,6 +567,7 @@ void BrowserFaces(const QString& folder) {
 /// being put back.
 void RestoreFaces(const QString& folder) {
     const char* events[] = {"UPLOAD-ADD", "EXPORT", "CLEAR"};
+    const auto before = Global.Clock;
     for (int k = 0; k < 3; ++k) {
         static DateTime moment;
         moment = {2026, 11, 21, 17 + k, 5, 30};
@@ -496,7 +577,7 @@ void RestoreFaces(const QString& folder) {
         if (k == 0) PurgeBackups(moment, [](std::string_view) {});
         if (k == 1) WriteWholeFile(backup + "ZUKOrLin.dbf", "not what it was");
     }
-    Global.Clock = nullptr;
+    Global.Clock = before;
     ShowTable(ViewRestore);
     Save(The<frmViewGrid>(), folder, QStringLiteral("frmViewGrid-restore"));
     The<frmViewGrid>().Unload();
@@ -592,13 +673,18 @@ int main(int argc, char** argv) {
     QApplication::setApplicationVersion(QStringLiteral(TRAMBLE_VERSION));
     const QStringList arguments = QCoreApplication::arguments();
     if (arguments.size() != 3 && arguments.size() != 4) {
-        std::fputs("pictures_of_screens BUILD FOLDER [TEXTS]\n", stderr);
+        std::fputs("pictures_of_screens BUILD FOLDER [TEXTS]\n"
+                   "pictures_of_screens BUILD --pages\n",
+                   stderr);
         return 2;
     }
     Nobody nobody;
     try {
-        const QString folder = QDir(arguments[2]).absolutePath();
-        QDir().mkpath(folder);
+        const bool forPages = arguments[2] == QLatin1String("--pages");
+        PagePictures pages(QDir::currentPath());
+        if (forPages) OnlyForPages = &pages;
+        const QString folder = forPages ? QString() : QDir(arguments[2]).absolutePath();
+        if (!forPages) QDir().mkpath(folder);
         const OfficeForDay office(arguments[1], work.filePath(QStringLiteral("office")),
                                   QStringLiteral("samples/day"));
         FillOffice(arguments[1], office);
@@ -611,7 +697,9 @@ int main(int argc, char** argv) {
         manager.Fill();
         const std::string standIn = MakeStandIn(arguments[1], work.filePath(QStringLiteral("handheld")));
         for (const bool dark : {false, true}) {
+            if (dark && forPages) break;
             Global = Globals{};
+            Global.Clock = [] { return DateTime{2026, 11, 21, 17, 50, 0}; };
             Global.TheOperator = &nobody;
             Global.MakeSFrmAX40 = [] { return std::make_unique<TwoUsers>(); };
             Global.AppPath = PathFromQt(office.Path(QString()));
@@ -621,11 +709,14 @@ int main(int argc, char** argv) {
             The<frmMain1>();
             GivenUnattended();
             GivenClearing();
+            GivenNotes();
             Global.View[ViewOrLinAudt] = true;
             GivenTotals();
 #define PICTURE(form) Picture<form>(folder, #form);
             ALL_FORMS(PICTURE)
 #undef PICTURE
+            Quarters(folder);
+            UsersQuestion(folder);
             UnattendedFaces(folder);
             OtherFaces(nobody, folder);
             ManagerFaces(folder, PathFromQt(work.filePath(QStringLiteral("nobody"))));
@@ -638,6 +729,7 @@ int main(int argc, char** argv) {
             if (dark) PrintReports(nobody, folder);
             FormRegistry::Instance().Clear();
         }
+        if (forPages) pages.Finish();
     } catch (const std::exception& failure) {
         std::fprintf(stderr, "%s\n", failure.what());
         return 1;

@@ -21,6 +21,13 @@ std::string OneLine(std::string_view text) {
     return line;
 }
 
+std::string WithoutControls(std::string_view text, char instead) {
+    std::string plain(text);
+    std::replace_if(
+        plain.begin(), plain.end(), [](unsigned char c) { return c < ' ' || c == 127; }, instead);
+    return plain;
+}
+
 RunTimeFailure FailureInLine(int number, std::string_view path, std::int64_t lineNumber,
                              std::string_view line) {
     return RunTimeFailure(number, std::string(FileNameOf(path)) + ", line " + std::to_string(lineNumber) +

@@ -11,6 +11,9 @@
 /// whatever it came from.
 std::string OneLine(std::string_view text);
 
+/// The text with `instead` in the place of each control character: what may stand on paper.
+std::string WithoutControls(std::string_view text, char instead);
+
 /// A failure over a line of a text file: it names the file and the line's number, and quotes its
 /// beginning. `line` is code page 1252.
 RunTimeFailure FailureInLine(int number, std::string_view path, std::int64_t lineNumber,

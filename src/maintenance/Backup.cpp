@@ -120,14 +120,15 @@ std::string BackupName(const DateTime& moment) {
     return name;
 }
 
-bool MakeBackup(std::string_view event, const std::vector<std::string>& further) {
+bool MakeBackup(std::string_view event, const std::vector<std::string>& further,
+                std::optional<DateTime> moment) {
     TraceEvent("basCommon:MakeBackup");
     const std::vector<std::string> tables = TablesOfABackup(further);
     const bool locked = std::any_of(tables.begin(), tables.end(), [](const std::string& table) {
         return TableIsLocked(Global.DBFPath + table);
     });
     if (locked) return false;
-    Global.BackupTime = Now();
+    Global.BackupTime = moment ? *moment : Now();
     Global.BackupEvent = event;
     try {
         CopyTables(event, tables);
@@ -137,6 +138,10 @@ bool MakeBackup(std::string_view event, const std::vector<std::string>& further)
         Global.BackupEvent.clear();
         return false;
     }
+}
+
+bool HasBackupOfThisSecond() {
+    return FileExists(AddBackslash(Global.BackupPath + BackupName(Now())) + "Backup.txt");
 }
 
 int PurgeBackups(const DateTime& limit, const std::function<void(std::string_view)>& cannotDelete) {

@@ -19,8 +19,13 @@
 /// Events: "EXPORT", "QUALCHECK", "RESTORE", "UPLOAD-ADD", "CLEAR". False when a table is locked or
 /// missing, before anything was made, or for any failure after that, a copy that differs among them; a
 /// directory that was made then has no `Backup.txt`.
-/// `further` are the file names of other tables that the operation replaces, copied too.
-bool MakeBackup(std::string_view event, const std::vector<std::string>& further = {});
+/// `further` are the file names of other tables that the operation replaces, copied too. `moment` is the
+/// event's, the present when it is not given.
+bool MakeBackup(std::string_view event, const std::vector<std::string>& further = {},
+                std::optional<DateTime> moment = {});
+
+/// Whether a backup of this very second stands, whose place another one would take.
+bool HasBackupOfThisSecond();
 
 /// A table of a backup as a line behind the eighth of `Backup.txt` tells it: name, bytes, records and
 /// checksum, parted by tabs.

@@ -4,6 +4,7 @@
 #include "core/Globals.h"
 #include "core/Messages.h"
 #include "core/Paths.h"
+#include "maintenance/Backup.h"
 #include "store/TableCatalogue.h"
 #include "store/TableScan.h"
 
@@ -79,6 +80,12 @@ std::vector<std::string> TablesOf(const ClearPlan& plan) {
     std::vector<std::string> paths;
     ForEachTable(plan, [&](std::string_view table) { paths.push_back(Global.DBFPath + FileOf(table)); });
     return paths;
+}
+
+TableJob MarkClearing(const ClearPlan& plan) {
+    std::vector<std::string> tables;
+    ForEachTable(plan, [&](std::string_view table) { tables.push_back(FileOf(table)); });
+    return {JobKind::Clear, plan.NeedsBackup() ? BackupName(Global.BackupTime) : std::string(), tables};
 }
 
 void ClearPCTotals(const ClearPlan& plan, ClearedTables& cleared) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/Text.h"
+#include "maintenance/UnfinishedJobs.h"
 
 #include <array>
 #include <cstddef>
@@ -64,6 +65,10 @@ struct ClearedTables {
     std::vector<Table> Tables;
     int Images = 0; ///< that were deleted
 };
+
+/// The mark around a clearing, to be set when its backup has been made, before the first table is cleared,
+/// and to be finished behind the last. RunTimeFailure as TableJob.
+TableJob MarkClearing(const ClearPlan& plan);
 
 /// The first step of a clearing, before its totals event: clears the PC totals if the plan has them, so that
 /// they begin with that event. RunTimeFailure as ClearTables.

@@ -6,9 +6,11 @@
 #include "core/Paths.h"
 #include "core/TextCompare.h"
 #include "core/TextFile.h"
+#include "maintenance/UnfinishedJobs.h"
 #include "maintenance/VersionUpdate.h"
 #include "store/TableLock.h"
 #include "store/TableScan.h"
+#include "sync/SafetyCopies.h"
 
 #include <algorithm>
 #include <exception>
@@ -141,6 +143,10 @@ void CompareSums(BackupPoint& point) {
     point.SumsCompared = true;
 }
 
+std::string NameOfFolder(std::string_view path) {
+    return std::string(FileNameOf(path.substr(0, path.find_last_not_of("/\\") + 1)));
+}
+
 std::string FindBackup(std::string_view dateAndTime) {
     const auto moment = CDate(dateAndTime);
     if (!moment) return {};
@@ -152,41 +158,45 @@ RestoreResult RestoreTables(
     const std::string& folder,
     const std::function<void(const std::string& oldTable, const std::string& newTable)>& copyTable) {
     using End = RestoreResult::End;
+    const DateTime moment = Now();
     RestoreResult result;
+    const auto endedBy = [&result](End how, const std::string& why = {}) {
+        result.How = how;
+        result.Why = why;
+        return result;
+    };
     const std::vector<std::string> tables = TablesIn(folder);
-    if (folder.empty() || tables.empty()) {
-        result.How = End::NotFound;
-        return result;
-    }
-    if (SameText(AddBackslash(Global.BackupPath + BackupName(Now())), folder)) {
-        result.How = End::ThisMoment;
-        return result;
-    }
+    if (folder.empty() || tables.empty()) return endedBy(End::NotFound);
+    if (SameText(AddBackslash(Global.BackupPath + BackupName(moment)), folder))
+        return endedBy(End::ThisMoment);
     for (const std::string& table : tables) {
-        result.Why = Obstacle(folder + table, Global.DBFPath + table);
-        if (result.Why.empty()) continue;
-        result.How = End::Unusable;
-        return result;
+        const std::string obstacle = Obstacle(folder + table, Global.DBFPath + table);
+        if (!obstacle.empty()) return endedBy(End::Unusable, obstacle);
+    }
+    try {
+        RecoverBeforeReplacing(tables);
+    } catch (const RunTimeFailure& failure) {
+        return endedBy(End::CopiesStay, failure.what());
     }
     // Also a table that backups hold only at times is not to be replaced without a copy.
     std::vector<std::string> replaced;
     std::copy_if(tables.begin(), tables.end(), std::back_inserter(replaced),
                  [](const std::string& table) { return FileExists(Global.DBFPath + table); });
-    if (!MakeBackup("RESTORE", replaced)) {
-        result.How = End::NoSafetyCopy;
-        return result;
-    }
-    for (const std::string& table : tables) {
-        try {
+    if (!MakeBackup("RESTORE", replaced, moment)) return endedBy(End::NoSafetyCopy);
+
+    try {
+        TableJob job(JobKind::Restore, NameOfFolder(folder), tables);
+        result.Left = tables;
+        while (!result.Left.empty()) {
+            const std::string table = result.Left.front();
             copyTable(folder + table, Global.DBFPath + table);
             result.Done.push_back(table);
-        } catch (const std::exception& failure) {
-            result.How = End::Stopped;
-            result.Why = failure.what();
-            result.Left.assign(tables.begin() + static_cast<std::ptrdiff_t>(result.Done.size()),
-                               tables.end());
-            break;
+            result.Left.erase(result.Left.begin());
         }
+        job.Finish();
+    } catch (const std::exception& failure) {
+        // Without a mark nothing has been begun.
+        return endedBy(result.Left.empty() ? End::Unusable : End::Stopped, failure.what());
     }
     return result;
 }

@@ -43,26 +43,33 @@ void CompareSums(BackupPoint& point);
 /// list shows it. Empty when there is none that holds a table.
 std::string FindBackup(std::string_view dateAndTime);
 
+/// The name of a directory, whose path ends in a separator or not.
+std::string NameOfFolder(std::string_view path);
+
 /// How a restore ended.
 struct RestoreResult {
     enum class End {
         Restored,
         NotFound,     ///< the directory holds no table
         ThisMoment,   ///< the copy of the present tables would replace the very backup
+        CopiesStay,   ///< what the PC held before an upload is still to be put back, and cannot be
         NoSafetyCopy, ///< there is no copy of the present tables
-        Unusable,     ///< a table of the backup cannot be read, or one of the office is locked
-        Stopped       ///< a table could not be written
+        Unusable, ///< a table of the backup cannot be read, one of the office is locked, or no mark can be
+                  ///< set
+        Stopped   ///< a table could not be written
     };
     End How = End::Restored;
     std::vector<std::string> Done; ///< names of the tables that were restored
     std::vector<std::string> Left; ///< when it stopped: those that were not, and are as they were
-    std::string Why;               ///< UTF-8: of Unusable and Stopped
+    std::string Why;               ///< UTF-8: of CopiesStay, Unusable and Stopped
 };
 
 /// Puts the tables of a backup's directory in the place of those of the same names: `copyTable` copies one
-/// over the other as CopySingleTable does, and may show it. All of them are looked at first, and the present
-/// tables are backed up under "RESTORE": a restore that ends before `copyTable` is called has changed no
-/// table. Whatever happens, each table is the old one or the restored one, and the restore can be run again.
+/// over the other as CopySingleTable does, and may show it. All of them are looked at first, what an upload
+/// has left to be put back is put back, and the present tables are backed up under "RESTORE": a restore that
+/// ends before `copyTable` is called has replaced no table. Whatever happens, each table is the old one or
+/// the restored one, and the restore can be run again; when only some are restored ones, a mark says so
+/// (UnfinishedJobs.h).
 RestoreResult
 RestoreTables(const std::string& folder,
               const std::function<void(const std::string& oldTable, const std::string& newTable)>& copyTable);

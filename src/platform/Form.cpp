@@ -1,18 +1,23 @@
 #include "platform/Form.h"
 
 #include "core/Catalogue.h"
+#include "core/Failure.h"
 #include "core/Globals.h"
 #include "core/Messages.h"
 #include "core/Operator.h"
 #include "core/Trace.h"
+#include "help/HTMLHelp.h"
+#include "help/HelpTopics.h"
 #include "platform/Convert.h"
 #include "platform/GridView.h"
+#include "platform/HelpKeys.h"
 
 #include <QAbstractButton>
 #include <QAbstractEventDispatcher>
 #include <QAbstractSpinBox>
 #include <QAction>
 #include <QApplication>
+#include <QCalendarWidget>
 #include <QCheckBox>
 #include <QCloseEvent>
 #include <QComboBox>
@@ -24,6 +29,7 @@
 #include <QListWidget>
 #include <QMenu>
 #include <QMetaMethod>
+#include <QPlainTextEdit>
 #include <QRadioButton>
 #include <QSpinBox>
 #include <QTabBar>
@@ -54,10 +60,35 @@ int ElementIndex(const QString& name, const QString& control) {
     return isNumber ? index : -1;
 }
 
-int FirstOwnMethod(const QWidget& window) {
-    return qobject_cast<const QDialog*>(&window) ? QDialog::staticMetaObject.methodCount()
-                                                 : QMainWindow::staticMetaObject.methodCount();
+/// A handler of a form: its method, and whose it is.
+struct Handler {
+    QObject* Owner;
+    int Method;
+    QString Control;
+    QString Event;
+    bool TakesIndex;
+};
+
+/// Those of the form itself and of its parts.
+std::vector<Handler> HandlersOf(QWidget& window) {
+    const bool isDialog = qobject_cast<const QDialog*>(&window);
+    const QMetaObject& base = isDialog ? QDialog::staticMetaObject : QMainWindow::staticMetaObject;
+    std::vector<std::pair<QObject*, int>> owners{{&window, base.methodCount()}};
+    for (auto* part : window.findChildren<FormPart*>(Qt::FindDirectChildrenOnly))
+        owners.emplace_back(part, FormPart::staticMetaObject.methodCount());
+    std::vector<Handler> handlers;
+    for (const auto& [owner, first] : owners) {
+        for (int at = first; at < owner->metaObject()->methodCount(); ++at) {
+            const QMetaMethod method = owner->metaObject()->method(at);
+            Handler handler{owner, at, {}, {}, method.parameterCount() == 1};
+            if (SplitHandler(method, handler.Control, handler.Event)) handlers.push_back(handler);
+        }
+    }
+    return handlers;
 }
+
+/// Names the topic that a control opens.
+constexpr const char* HelpTopicProperty = "HelpTopic";
 
 /// Not what Qt makes for itself inside a control: a combo box's list, a table's corner button.
 bool IsOurs(const QObject& object) {
@@ -65,7 +96,7 @@ bool IsOurs(const QObject& object) {
     for (const QObject* around = object.parent(); around; around = around->parent()) {
         if (qobject_cast<const QAbstractItemView*>(around) || qobject_cast<const QComboBox*>(around) ||
             qobject_cast<const QLineEdit*>(around) || qobject_cast<const QAbstractSpinBox*>(around) ||
-            qobject_cast<const QTabBar*>(around)) {
+            qobject_cast<const QTabBar*>(around) || qobject_cast<const QCalendarWidget*>(around)) {
             return false;
         }
     }
@@ -136,6 +167,30 @@ public:
     }
 };
 
+/// A click into a line; in one that cannot be typed into the space bar is the same.
+class LineClick final : public QObject {
+public:
+    LineClick(QLineEdit& line, QObject& context, std::function<void()> call)
+        : QObject(&context),
+          line_(line),
+          call_(std::move(call)) {
+        line.installEventFilter(this);
+    }
+
+    bool eventFilter(QObject*, QEvent* event) override {
+        const bool isClick = event->type() == QEvent::MouseButtonRelease &&
+                             static_cast<const QMouseEvent*>(event)->button() == Qt::LeftButton;
+        const bool isSpace = event->type() == QEvent::KeyPress && line_.isReadOnly() &&
+                             static_cast<const QKeyEvent*>(event)->key() == Qt::Key_Space;
+        if (isClick || isSpace) QTimer::singleShot(0, this, [this] { call_(); }); // behind the event itself
+        return isSpace;
+    }
+
+private:
+    QLineEdit& line_;
+    std::function<void()> call_;
+};
+
 /// Connects an event of a control to a call with the control's index, or with the column where the
 /// event has one. False when a control of this kind has no such event.
 bool ConnectEvent(QObject& control, const QString& event, int index, QObject& context,
@@ -150,6 +205,10 @@ bool ConnectEvent(QObject& control, const QString& event, int index, QObject& co
             return QObject::connect(box, &QComboBox::activated, &context, run);
         if (auto* list = qobject_cast<QListWidget*>(&control))
             return QObject::connect(list, &QListWidget::itemSelectionChanged, &context, run);
+        if (auto* line = qobject_cast<QLineEdit*>(&control)) {
+            new LineClick(*line, context, run);
+            return true;
+        }
         if (auto* view = qobject_cast<QAbstractItemView*>(&control))
             return QObject::connect(view, &QAbstractItemView::clicked, &context, run);
     } else if (event == QLatin1String("DblClick") || event == QLatin1String("RequestEdit")) {
@@ -162,6 +221,14 @@ bool ConnectEvent(QObject& control, const QString& event, int index, QObject& co
             return QObject::connect(box, &QComboBox::editTextChanged, &context, run);
         if (auto* spin = qobject_cast<QSpinBox*>(&control))
             return QObject::connect(spin, &QSpinBox::valueChanged, &context, run);
+        if (auto* text = qobject_cast<QPlainTextEdit*>(&control))
+            return QObject::connect(text, &QPlainTextEdit::textChanged, &context, run);
+    } else if (event == QLatin1String("DateClick")) {
+        // Enter on a date is the same as a click on it.
+        if (auto* calendar = qobject_cast<QCalendarWidget*>(&control)) {
+            QObject::connect(calendar, &QCalendarWidget::activated, &context, run);
+            return QObject::connect(calendar, &QCalendarWidget::clicked, &context, run);
+        }
     } else if (event == QLatin1String("ColumnClick")) {
         if (auto* view = qobject_cast<QTableView*>(&control))
             return QObject::connect(view->horizontalHeader(), &QHeaderView::sectionClicked, &context, call);
@@ -178,6 +245,23 @@ bool ConnectEvent(QObject& control, const QString& event, int index, QObject& co
 /// Whether a handler for `name` serves a control: it bears that name, or is an element of that array.
 bool Serves(const QString& name, const QObject& control) {
     return control.objectName() == name || ElementIndex(control.objectName(), name) >= 0;
+}
+
+/// Whether a control opens a topic of the help, unless the form has a handler for it.
+bool OpensHelp(const QObject& control) {
+    if (!qobject_cast<const QAbstractButton*>(&control)) return false;
+    const QString name = control.objectName();
+    return name == QLatin1String("cmdHelp") || control.property(HelpTopicProperty).isValid() ||
+           (name.startsWith(QLatin1String("img")) && name.endsWith(QLatin1String("Help")));
+}
+
+/// The topic of a control, or of what it is a part of, where these have one that is not their form's.
+QVariant TopicAt(const QObject* control) {
+    for (; control; control = control->parent()) {
+        const QVariant topic = control->property(HelpTopicProperty);
+        if (topic.isValid()) return topic;
+    }
+    return {};
 }
 
 /// The tab strip that has a widget for a page; nothing for any other widget.
@@ -311,55 +395,94 @@ void FormBehaviour::Run(const std::function<void()>& handler) {
     Leave();
 }
 
-void FormBehaviour::RunMethod(int method, int index) {
+bool FormBehaviour::Try(const std::function<void()>& step) {
+    try {
+        step();
+        return true;
+    } catch (const RunTimeFailure& failure) {
+        Tell(Lines(msg::FileError, Text::Path(std::string_view(failure.what()))), Icon::Stop);
+        return false;
+    }
+}
+
+void FormBehaviour::Trace(std::string_view routine) const {
+    const QWidget& window = const_cast<FormBehaviour*>(this)->Window();
+    TraceEvent(std::string(window.metaObject()->className()) + ":" + std::string(routine));
+}
+
+void FormBehaviour::RunMethod(QObject& owner, int method, int index) {
     if (IsOver()) return;
     Run([&] {
         void* arguments[] = {nullptr, &index};
-        QMetaObject::metacall(&Window(), QMetaObject::InvokeMetaMethod, method, arguments);
+        QMetaObject::metacall(&owner, QMetaObject::InvokeMetaMethod, method, arguments);
     });
 }
 
 void FormBehaviour::WireControl(QObject& control) {
+    bool handled = false;
+    for (const Handler& handler : HandlersOf(Window())) {
+        if (!Serves(handler.Control, control)) continue;
+        ConnectEvent(control, handler.Event, ElementIndex(control.objectName(), handler.Control),
+                     *handler.Owner, [this, owner = handler.Owner, method = handler.Method](int index) {
+                         RunMethod(*owner, method, index);
+                     });
+        if (handler.Event == QLatin1String("Click")) handled = true;
+    }
+    if (!handled) WireHelp(control);
+}
+
+std::string FormBehaviour::HelpTopic() const {
+    return HelpTopicOfForm(const_cast<FormBehaviour*>(this)->Window().metaObject()->className());
+}
+
+/// Connects a help button, or the keys of the help for the window itself.
+void FormBehaviour::WireHelp(QObject& control) {
     QWidget& window = Window();
-    const QMetaObject* meta = window.metaObject();
-    for (int method = FirstOwnMethod(window); method < meta->methodCount(); ++method) {
-        QString name;
-        QString event;
-        if (!SplitHandler(meta->method(method), name, event) || !Serves(name, control)) continue;
-        ConnectEvent(control, event, ElementIndex(control.objectName(), name), window,
-                     [this, method](int index) { RunMethod(method, index); });
+    const auto show = [this, &window, &control] {
+        if (IsOver()) return;
+        Run([&] {
+            const QString name =
+                &control == &window ? QStringLiteral("OnHelp") : control.objectName() + "_Click";
+            TraceEvent((QString::fromLatin1(window.metaObject()->className()) + ':' + name).toStdString());
+            const QVariant topic = TopicAt(&control == &window ? window.focusWidget() : &control);
+            ShowHelpTopic(topic.isValid() ? topic.toString().toStdString() : HelpTopic());
+        });
+    };
+    if (&control == &window) {
+        new HelpKeys(window, show);
+    } else if (OpensHelp(control)) {
+        auto& button = static_cast<QAbstractButton&>(control);
+        button.setEnabled(true); // whatever its layout says
+        QObject::connect(&button, &QAbstractButton::clicked, &window, show);
     }
 }
 
 QStringList FormBehaviour::WiringProblems() const {
     QWidget& window = const_cast<FormBehaviour*>(this)->Window();
-    const QMetaObject* meta = window.metaObject();
-    const QString form = QString::fromLatin1(meta->className());
+    const QString form = QString::fromLatin1(window.metaObject()->className());
     const QList<QObject*> all = window.findChildren<QObject*>();
+    const std::vector<Handler> handlers = HandlersOf(window);
     QStringList problems;
-    QStringList handled;
-    for (int method = FirstOwnMethod(window); method < meta->methodCount(); ++method) {
-        QString name;
-        QString event;
-        if (!SplitHandler(meta->method(method), name, event)) continue;
-        handled << name;
+    for (const Handler& handler : handlers) {
         bool found = false;
         for (QObject* object : all) {
-            if (!Serves(name, *object)) continue;
+            if (!Serves(handler.Control, *object)) continue;
             found = true;
             QObject trial;
-            if (!ConnectEvent(*object, event, -1, trial, [](int) {}))
-                problems << QStringLiteral("%1: %2 has no event %3").arg(form, object->objectName(), event);
+            if (!ConnectEvent(*object, handler.Event, -1, trial, [](int) {}))
+                problems << QStringLiteral("%1: %2 has no event %3")
+                                .arg(form, object->objectName(), handler.Event);
         }
-        const bool takesIndex =
-            meta->method(method).parameterCount() == 1 && event != QLatin1String("ColumnClick");
         // The elements of an array are made when there are rows for them.
-        if (!found && !takesIndex) problems << QStringLiteral("%1 has no control %2").arg(form, name);
+        const bool isArray = handler.TakesIndex && handler.Event != QLatin1String("ColumnClick");
+        if (!found && !isArray) problems << QStringLiteral("%1 has no control %2").arg(form, handler.Control);
     }
     for (const QObject* object : all) {
         if (!IsOurs(*object) || !IsClickable(*object)) continue;
-        const bool has = std::any_of(handled.begin(), handled.end(),
-                                     [&](const QString& name) { return Serves(name, *object); });
+        const bool has = OpensHelp(*object) ||
+                         std::any_of(handlers.begin(), handlers.end(), [&](const Handler& handler) {
+                             return Serves(handler.Control, *object);
+                         });
         const QString control = object->objectName().isEmpty()
                                     ? QStringLiteral("a nameless %1").arg(object->metaObject()->className())
                                     : object->objectName();
@@ -385,6 +508,7 @@ void FormBehaviour::LoadNow() {
             if (IsOurs(*child)) WireControl(*child);
         }
         FillCaptions(window);
+        WireHelp(window);
         Form_Load();
     } catch (...) {
         // The failure is the caller's, who asked for the form; half a form is no form.
@@ -509,7 +633,7 @@ void FormRegistry::Raise(FormBehaviour& form) {
 }
 
 void FormRegistry::Forget(FormBehaviour& form) {
-    const bool wasTop = !shown_.empty() && shown_.back() == &form;
+    const bool wasTop = Topmost() == &form;
     std::erase(shown_, &form);
     const auto own =
         std::find_if(forms_.begin(), forms_.end(), [&](const auto& f) { return f.get() == &form; });
@@ -528,12 +652,18 @@ void FormRegistry::PassOn(const QWindow* owner) {
     }
 }
 
+FormBehaviour* FormRegistry::Topmost() const {
+    const auto top = std::find_if(shown_.rbegin(), shown_.rend(),
+                                  [](const FormBehaviour* form) { return !form->IsBeside(); });
+    return top == shown_.rend() ? nullptr : *top;
+}
+
 void FormRegistry::FocusTopmost() {
-    if (shown_.empty()) return;
-    FormBehaviour* top = shown_.back();
+    FormBehaviour* top = Topmost();
+    if (!top) return;
     QTimer::singleShot(0, &top->Window(), [this, top] {
         // A form that was opened meanwhile stands above this one, which is called when that has gone.
-        if (shown_.empty() || shown_.back() != top || top->IsOver()) return;
+        if (Topmost() != top || top->IsOver()) return;
         top->Run([top] { top->Form_GotFocus(); });
     });
 }
@@ -580,8 +710,4 @@ void FailUnexpectedly(const std::exception& failure) {
     const Text words = Text::Path(std::string_view(failure.what()));
     Tell(Lines(words, Text::Value(Global.Events.Entry(0))), Icon::Stop);
     EndProgram(1);
-}
-
-std::string FormBehaviour::HelpTopic() const {
-    return {};
 }

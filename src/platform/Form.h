@@ -8,6 +8,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 class QWindow;
@@ -68,6 +69,9 @@ public:
     /// A short pause in which the screen paints. What the operator does meanwhile comes behind it.
     void PauseFor(double seconds);
 
+    /// Names a routine of this form in the trace.
+    void Trace(std::string_view routine) const;
+
 protected:
     FormBehaviour() = default;
 
@@ -82,13 +86,16 @@ protected:
     /// ends the process.
     void Run(const std::function<void()>& handler);
 
+    /// Takes a step over a file. False when the disk would not have it: the operator has been told.
+    static bool Try(const std::function<void()>& step);
+
 private:
     friend class FormRegistry;
 
     void LoadNow();
     void WireHelp(QObject& control);
     void Leave();
-    void RunMethod(int method, int index);
+    void RunMethod(QObject& owner, int method, int index);
     void QueueGotFocus();
 
     int running_ = 0;
@@ -105,6 +112,20 @@ public:
 protected:
     Form() = default;
     void closeEvent(QCloseEvent* event) override;
+};
+
+/// Handlers that several forms share, for controls that all of them have under the same names. They are wired
+/// as if they were the form's own. Made before the form is loaded.
+class FormPart : public QObject {
+    Q_OBJECT
+
+protected:
+    explicit FormPart(Form& form) : QObject(&form), owner_(form) {}
+
+    Form& Owner() const { return owner_; }
+
+private:
+    Form& owner_;
 };
 
 /// The main screen's window: Esc and Enter do nothing.

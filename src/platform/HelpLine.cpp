@@ -42,8 +42,12 @@ void HelpLine::Hold(const Text& text) {
     label_.setText(ToQt(text));
 }
 
+QString HelpLine::TextFor(const QObject& control) {
+    return control.property(HelpText).toString();
+}
+
 void HelpLine::ShowFor(const QObject& control) {
-    label_.setText(control.property(HelpText).toString());
+    label_.setText(TextFor(control));
 }
 
 bool HelpLine::eventFilter(QObject* object, QEvent* event) {

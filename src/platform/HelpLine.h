@@ -17,6 +17,9 @@ public:
 
     void Add(QWidget& control, const Text& text);
 
+    /// What the line of its form says of a control; empty for any other.
+    static QString TextFor(const QObject& control);
+
     /// Shows the idle text again.
     void Rest();
 

@@ -7,8 +7,11 @@
 #include "platform/Convert.h"
 #include "platform/Registry.h"
 #include "sync/InstallFolder.h"
+#include "tools/FileVersion.h"
 
 #include <QProcess>
+
+#include <algorithm>
 
 namespace {
 
@@ -16,7 +19,46 @@ std::string HotSyncPath() {
     return Registry::HotSyncManagerValue("HotSyncPath").value_or("");
 }
 
+/// The last word of a program's answer, when that is a version.
+std::string VersionIn(const QByteArray& answer) {
+    constexpr qsizetype longest = 30;
+    const QByteArray line = answer.split('\n').constFirst().simplified();
+    const QByteArray word = line.mid(line.lastIndexOf(' ') + 1);
+    const bool isVersion = !word.isEmpty() && word.size() <= longest && word.front() >= '0' &&
+                           word.front() <= '9' &&
+                           std::all_of(word.begin(), word.end(), [](char c) { return c > ' ' && c <= '~'; });
+    return isVersion ? word.toStdString() : std::string();
+}
+
+/// What a program says of its version; nothing when it does not end by itself.
+std::string AskForVersion(const std::string& program) {
+    constexpr int patience = 3000; // milliseconds
+    QProcess process;
+    process.setProgram(PathToQt(program));
+    process.setArguments({QStringLiteral("--version")});
+    process.setStandardErrorFile(QProcess::nullDevice());
+    process.start(QIODevice::ReadOnly);
+    if (process.waitForFinished(patience) && process.exitStatus() == QProcess::NormalExit &&
+        process.exitCode() == 0)
+        return VersionIn(process.readAllStandardOutput());
+    process.kill();
+    process.waitForFinished(patience);
+    return {};
+}
+
 } // namespace
+
+std::string HotSyncManagerVersion() {
+    const std::string program = HotSyncPath();
+    if (program.empty() || !FileExists(program)) return {};
+    const std::string version = FileVersion(program);
+    return version.empty() ? AskForVersion(program) : version;
+}
+
+std::string PalmDesktopVersion() {
+    const std::string folder = Registry::HotSyncManagerValue("Path").value_or("");
+    return folder.empty() ? std::string() : FileVersion(AddBackslash(folder) + "Palm.exe");
+}
 
 std::string HotSyncManagerFolder() {
     return std::string(FolderOf(HotSyncPath()));

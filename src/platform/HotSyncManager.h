@@ -9,6 +9,15 @@
 /// The folder of the manager's program, with a trailing separator; empty when none is registered.
 std::string HotSyncManagerFolder();
 
+/// The manager's version, such as "1.0.0": of a Windows program its file version, else what it answers when
+/// it is run with "--version", which may take it three seconds. Empty when none is registered, or it says
+/// none.
+std::string HotSyncManagerVersion();
+
+/// The file version of `Palm.exe` in the folder that the registry value "Path" names; empty when it is not
+/// there.
+std::string PalmDesktopVersion();
+
 /// Starts the manager, minimised, and returns true; false when none is registered. One that runs already
 /// stays the only one. A program that cannot be started changes nothing in the answer: the trace says so,
 /// once for each path.

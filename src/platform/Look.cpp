@@ -110,19 +110,19 @@ TitleBox::TitleBox(QWidget* parent) : QWidget(parent) {
     setPalette(white);
 }
 
-void TitleBox::ShadeObject(QPainter& painter) const {
+void TitleBox::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    ShadeObject(painter, rect());
+}
+
+void ShadeObject(QPainter& painter, const QRect& place) {
     const QColor from(0x2b6ea6);
     const QColor to(0x17456d);
-    const int steps = std::max(1, height() - 1);
-    for (int y = 0; y < height(); ++y) {
+    const int steps = std::max(1, place.height() - 1);
+    for (int y = 0; y < place.height(); ++y) {
         const auto mix = [&](int a, int b) { return a + (b - a) * y / steps; };
         painter.setPen(
             QColor(mix(from.red(), to.red()), mix(from.green(), to.green()), mix(from.blue(), to.blue())));
-        painter.drawLine(0, y, width(), y);
+        painter.drawLine(place.left(), place.top() + y, place.right(), place.top() + y);
     }
-}
-
-void TitleBox::paintEvent(QPaintEvent*) {
-    QPainter painter(this);
-    ShadeObject(painter);
 }

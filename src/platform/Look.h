@@ -19,15 +19,16 @@ QColor WarningTone();
 /// A picture in the graphics directory wins over the built-in one. Empty when there is none.
 QIcon Picture(std::string_view name);
 
+/// Paints the shade of titles, on which text is white: one line for each pixel of height, its colour changing
+/// step by step.
+void ShadeObject(QPainter& painter, const QRect& place);
+
 /// A quadrant's title: white text on a shade that runs from top to bottom.
 class TitleBox final : public QWidget {
     Q_OBJECT
 
 public:
     explicit TitleBox(QWidget* parent = nullptr);
-
-    /// Paints one line for each pixel of height, its colour changing step by step.
-    void ShadeObject(QPainter& painter) const;
 
 protected:
     void paintEvent(QPaintEvent* event) override;

@@ -3,6 +3,7 @@
 #include "core/Failure.h"
 #include "core/Globals.h"
 #include "core/forms/frmMain1.h"
+#include "help/forms/QtHelp.h"
 #include "maintenance/Office.h"
 #include "platform/Convert.h"
 #include "platform/Look.h"
@@ -20,10 +21,13 @@ int RunProgram(int argc, char** argv, const char* version) {
     QApplication::setQuitOnLastWindowClosed(false);
     QtOperator atTheScreen;
     Global.TheOperator = &atTheScreen;
+    QtHelp help;
     try {
         const QString data = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
         Global.AppPath =
             ApplicationDirectory(PathFromQt(QApplication::applicationDirPath()), PathFromQt(data));
+        help.Help().HHSetHelpFile(
+            HelpFilePath(PathFromQt(QApplication::applicationDirPath()), Global.AppPath));
         ApplyLook(application, Registry::DarkLook());
         auto& main = The<frmMain1>();
         main.Show();

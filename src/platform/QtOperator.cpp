@@ -5,11 +5,11 @@
 #include "core/Messages.h"
 #include "core/forms/frmMessage.h"
 #include "platform/Convert.h"
+#include "platform/DesktopLink.h"
 #include "platform/Look.h"
 #include "platform/Printing.h"
 
 #include <QApplication>
-#include <QDesktopServices>
 #include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QLabel>
@@ -17,7 +17,6 @@
 #include <QMessageBox>
 #include <QPointer>
 #include <QPushButton>
-#include <QUrl>
 #include <QVBoxLayout>
 
 namespace {
@@ -147,7 +146,7 @@ std::unique_ptr<Printer> QtOperator::PrinterDialog(const Text& document) {
 }
 
 bool QtOperator::OpenLink(std::string_view link) {
-    return QDesktopServices::openUrl(QUrl(ToQt(link)));
+    return OpenDesktopLink(link);
 }
 
 void QtOperator::Beep() {

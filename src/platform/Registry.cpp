@@ -48,10 +48,29 @@ QString CoreKey(std::string_view name) {
 }
 
 /// A name in a key: neither separator stands in it.
-QString WidthsKey(const QString& grid) {
-    QString name = grid;
+QString NumbersKey(const char* group, QString name) {
     for (const char c : {'/', '\\'}) name.replace(QLatin1Char(c), QLatin1Char(' '));
-    return Office() + QStringLiteral("/ColumnWidths/") + name;
+    return Office() + QLatin1Char('/') + QLatin1String(group) + QLatin1Char('/') + name;
+}
+
+constexpr const char* Widths = "ColumnWidths";
+constexpr const char* Places = "WindowPlaces";
+
+/// Numbers in one value, parted by blanks.
+QList<int> ReadNumbers(const QString& key) {
+    QList<int> numbers;
+    for (const QString& part : Own().value(key).toString().split(QLatin1Char(' '))) {
+        bool isNumber = false;
+        numbers << part.toInt(&isNumber);
+        if (!isNumber) return {};
+    }
+    return numbers;
+}
+
+void WriteNumbers(const QString& key, const QList<int>& numbers) {
+    QStringList parts;
+    for (const int number : numbers) parts << QString::number(number);
+    Own().setValue(key, parts.join(QLatin1Char(' ')));
 }
 
 } // namespace
@@ -98,17 +117,17 @@ void Registry::SetDarkLook(bool dark) {
 }
 
 QList<int> Registry::ColumnWidths(const QString& grid) {
-    QList<int> widths;
-    for (const QString& part : Own().value(WidthsKey(grid)).toString().split(QLatin1Char(' '))) {
-        bool isNumber = false;
-        widths << part.toInt(&isNumber);
-        if (!isNumber) return {};
-    }
-    return widths;
+    return ReadNumbers(NumbersKey(Widths, grid));
 }
 
 void Registry::SetColumnWidths(const QString& grid, const QList<int>& widths) {
-    QStringList parts;
-    for (const int width : widths) parts << QString::number(width);
-    Own().setValue(WidthsKey(grid), parts.join(QLatin1Char(' ')));
+    WriteNumbers(NumbersKey(Widths, grid), widths);
+}
+
+QList<int> Registry::WindowPlace(const QString& window) {
+    return ReadNumbers(NumbersKey(Places, window));
+}
+
+void Registry::SetWindowPlace(const QString& window, const QList<int>& numbers) {
+    WriteNumbers(NumbersKey(Places, window), numbers);
 }

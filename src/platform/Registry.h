@@ -36,4 +36,9 @@ public:
     /// none or they cannot be read.
     static QList<int> ColumnWidths(const QString& grid);
     static void SetColumnWidths(const QString& grid, const QList<int>& widths);
+
+    /// What a window keeps of its place, as numbers of its own; empty when there are none or they cannot be
+    /// read.
+    static QList<int> WindowPlace(const QString& window);
+    static void SetWindowPlace(const QString& window, const QList<int>& numbers);
 };

@@ -1,7 +1,10 @@
 #include "sync/Links.h"
 
+#include "core/Failure.h"
 #include "core/Globals.h"
 #include "core/TextCompare.h"
+#include "store/TableLock.h"
+#include "store/TableRewrite.h"
 #include "store/TableScan.h"
 
 namespace {
@@ -63,4 +66,34 @@ std::int32_t LinkTable::OtherWith(std::string_view id) const {
         if (number != RecordNumber() && SameText(ids_[k], id)) return number;
     }
     return 0;
+}
+
+bool AddLink(std::string_view id) {
+    id = Trim(id);
+    const std::string path = LinksPath();
+    if (id.empty()) throw RunTimeFailure(5, path);
+    TableScan links(path);
+    if (TableIsLocked(path)) throw RunTimeFailure(70, path);
+    const int key = links.Layout().Find(FieldKey(HotSync));
+    if (key == 0) throw RunTimeFailure(321, path);
+    if (id.size() > links.Field(key).size()) throw RunTimeFailure(6, std::string(id));
+
+    TableRewrite rewrite(path);
+    bool entered = false;
+    const auto enter = [&] {
+        rewrite.Append();
+        rewrite.Write(key, id);
+        entered = true;
+    };
+    while (links.Next()) {
+        const std::string_view other = links.Trimmed(key);
+        if (SameText(other, id) && !links.Deleted()) return false;
+        if (!entered && TextCompare(other, id) > 0) enter();
+        rewrite.AppendRaw(links.Flag(), links.Record());
+    }
+    if (!entered) enter();
+    rewrite.SetTrailing(links.Trailing());
+    links.Close();
+    rewrite.Commit();
+    return true;
 }

@@ -57,3 +57,9 @@ private:
     TableRecords links_;
     std::vector<std::string> ids_;
 };
+
+/// Enters a handheld by its HotSync id in the Links table, in the order of the ids, its other fields blank.
+/// False when it stands there already, whatever the case. RunTimeFailure 5 for a blank id, 6 for one that is
+/// longer than its field, 70 when another program has the table, 321 when that has no field for the id, else
+/// as TableScan and TableRewrite. The table is as it was then.
+bool AddLink(std::string_view id);

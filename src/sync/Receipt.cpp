@@ -77,9 +77,7 @@ std::string FreeName(const std::string& directory, const DateTime& moment) {
 
 /// What came out of a table or over a line: one line, without control characters.
 Text Clean(std::string_view codePage) {
-    std::string value = OneLine(codePage);
-    std::replace_if(
-        value.begin(), value.end(), [](unsigned char c) { return c < ' ' || c == 127; }, '?');
+    const std::string value = WithoutControls(OneLine(codePage), '?');
     return Text::Value(std::string_view(value));
 }
 

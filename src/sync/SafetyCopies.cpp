@@ -65,6 +65,16 @@ void NoteFailure(std::optional<RunTimeFailure>& first, const Step& step) {
     }
 }
 
+/// Whether one of the tables has a copy that a recovery merges.
+bool HaveKeptCopy(std::span<const std::string> tables) {
+    if (!FileExists(Mark())) return false;
+    return std::any_of(tables.begin(), tables.end(), [](const std::string& table) {
+        return std::any_of(std::begin(SentByHandhelds), std::end(SentByHandhelds), [&](const auto& each) {
+            return SameText(FileNameOf(table), each.Target) && FileExists(InTables(each.Source));
+        });
+    });
+}
+
 void Merge(const MergedTable& table) {
     NoProgress silent;
     BridgeFields fields;
@@ -137,4 +147,13 @@ std::vector<RecoveredTable> RecoverSafetyCopies() {
     Global.FailedMerges.clear();
     DeleteSafetyCopies(SafetyCopies::OfSession);
     return recovered;
+}
+
+void RecoverBeforeReplacing(std::span<const std::string> tables) {
+    if (!HaveKeptCopy(tables)) return;
+    try {
+        RecoverSafetyCopies();
+    } catch (const RunTimeFailure&) {
+        if (HaveKeptCopy(tables)) throw;
+    }
 }

@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -82,3 +83,9 @@ struct RecoveredTable {
 /// cannot be read: the others are done, and the copies of those that failed stay for the next call, with the
 /// mark.
 std::vector<RecoveredTable> RecoverSafetyCopies();
+
+/// To be called before any of these tables, by path or file name, is replaced: where one has a copy that
+/// RecoverSafetyCopies would merge, it is merged now, since later it would come behind what replaced the
+/// table. RunTimeFailure as RecoverSafetyCopies when one of these tables still has its copy: it must not be
+/// replaced.
+void RecoverBeforeReplacing(std::span<const std::string> tables);

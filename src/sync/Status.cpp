@@ -112,9 +112,10 @@ void ClearHHStatus() {
 
 void MakeHHStatus(StatusStore& store) {
     TraceEvent("basCommon:MakeHHStatus");
+    const std::vector<std::string> ids = LinkIDs(); // a table that cannot be read loses no row
     store.RemoveAll();
     std::size_t row = 0;
-    for (const std::string& id : LinkIDs()) {
+    for (const std::string& id : ids) {
         const std::string section = Section(++row);
         store.Write(section, "HHSyncID", id);
         for (const char* key : {"HHStatusInst", "HHStatusDT", "HHStatusType"}) store.Write(section, key, "");

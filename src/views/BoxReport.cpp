@@ -1,8 +1,10 @@
 #include "views/BoxReport.h"
 
 #include "core/Messages.h"
+#include "core/TextFile.h"
 
 #include <algorithm>
+#include <numeric>
 #include <utility>
 
 namespace {
@@ -16,6 +18,9 @@ constexpr int ShortestPage = 20;
 /// page's number, an empty one, and the dashes around the boxes' head.
 constexpr int LinesOfHead = 9;
 
+/// Rows whose lines are made ahead.
+constexpr std::int32_t RowsAhead = 65'536;
+
 std::string Blanks(int count) {
     return std::string(static_cast<std::size_t>(count), ' ');
 }
@@ -26,13 +31,6 @@ std::string Dashes(std::size_t count) {
 
 void Print(Printer& printer, std::string_view line) {
     printer.Print(Text::Value(line));
-}
-
-/// A value that leaves its line in one piece.
-std::string OneLine(std::string value) {
-    std::replace_if(
-        value.begin(), value.end(), [](char c) { return (c >= 0 && c < ' ') || c == '\x7F'; }, ' ');
-    return value;
 }
 
 void PadTo(std::string& line, std::size_t length) {
@@ -95,6 +93,8 @@ void BoxReport::Begin(Printer& printer) {
     // The last line of a page stands below those that are counted.
     const int lines = std::min(pageLength_, printer.LinesPerPage() - 1);
     rowsPerPage_ = std::max(1, lines - LinesOfHead - static_cast<int>(form_.Head.size()));
+    nextPage_ = 0;
+    ahead_ = {};
 }
 
 std::int32_t BoxReport::PageCount() const {
@@ -125,7 +125,7 @@ std::string BoxReport::LineOf(std::int32_t row) {
     std::string line = "|";
     for (const Box& box : boxes_) {
         if (box.Column >= 0) {
-            const std::string value = OneLine(rows_->Cell(row, box.Column).CodePage());
+            const std::string value = WithoutControls(rows_->Cell(row, box.Column).CodePage(), ' ');
             const bool isNumber = rows_->Heading(box.Column).Kind == SortKind::Number;
             if (isNumber && value.size() < box.End) PadTo(line, box.End - value.size());
             line += value;
@@ -136,11 +136,33 @@ std::string BoxReport::LineOf(std::int32_t row) {
     return line;
 }
 
+/// The line of a row when the row behind it comes next.
+std::string BoxReport::NextLine(std::int32_t row) {
+    if (row < firstAhead_ || row >= firstAhead_ + static_cast<std::int32_t>(ahead_.size())) MakeAhead(row);
+    return std::move(ahead_[static_cast<std::size_t>(row - firstAhead_)]);
+}
+
+void BoxReport::MakeAhead(std::int32_t first) {
+    std::vector<std::int32_t> rows(static_cast<std::size_t>(std::min(RowsAhead, rows_->RowCount() - first)));
+    std::iota(rows.begin(), rows.end(), first);
+    std::sort(rows.begin(), rows.end(),
+              [this](std::int32_t a, std::int32_t b) { return rows_->RecordOf(a) < rows_->RecordOf(b); });
+    ahead_.clear();
+    ahead_.resize(rows.size());
+    firstAhead_ = first;
+    for (const std::int32_t row : rows) ahead_[static_cast<std::size_t>(row - first)] = LineOf(row);
+}
+
 void BoxReport::PrintPage(std::int32_t page, Printer& printer) {
     PageBreak(page, printer);
     const std::int32_t first = (page - 1) * rowsPerPage_;
     const std::int32_t rows = std::clamp(rows_->RowCount() - first, 0, rowsPerPage_);
-    for (std::int32_t row = first; row < first + rows; ++row) Print(printer, LineOf(row));
+    const bool goesOn = rows_->IsSorted() && page == nextPage_;
+    if (!goesOn) ahead_ = {}; // they were taken, or are not wanted
+    for (std::int32_t row = first; row < first + rows; ++row)
+        Print(printer, goesOn ? NextLine(row) : LineOf(row));
+    nextPage_ = page < PageCount() ? page + 1 : 0;
+    if (nextPage_ == 0) ahead_ = {};
     if (page < PageCount()) {
         return Print(printer, Blanks(form_.BlanksBeforeContinued) + Text(msg::ReportContinued).CodePage() +
                                   std::to_string(page + 1) + Text(msg::ReportContinuedEnd).CodePage());

@@ -1,6 +1,12 @@
 #include "views/Report.h"
 
+#include "core/Messages.h"
+
 #include <algorithm>
+
+Text Report::WhenNotPrinted() const {
+    return msg::ReportFailed;
+}
 
 ReportRun::ReportRun(Report& report, Printer& printer) : report_(report), printer_(printer) {
     report.Begin(printer);

@@ -31,6 +31,9 @@ public:
 
     /// What the operator is told when it has been printed; empty for nothing.
     virtual Text WhenPrinted() const { return {}; }
+
+    /// What it is told, before the reason, when it could not be printed.
+    virtual Text WhenNotPrinted() const;
 };
 
 /// The way of a report to a printer, so many pages at a time: whoever shows how far it is can stop it between

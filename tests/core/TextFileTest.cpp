@@ -42,6 +42,17 @@ TEST_F(TextFileTest, BytesAreHandedOnAsTheyStand) {
     EXPECT_EQ(Read(odd + "\r\nb"), (Strings{odd, "b"}));
 }
 
+TEST_F(TextFileTest, WhatIsToStandOnOneLineLosesItsEndsAndKeepsItsOtherControlCharacters) {
+    EXPECT_EQ(OneLine("a\r\nb\tc\n"), "a  b\tc ");
+}
+
+TEST_F(TextFileTest, WhatIsPrintedHoldsNoControlCharacterAndEveryLetterOfTheCodePage) {
+    const std::string odd("\0a\t\r\n\x1F\x7F \x80\xE9\xFF", 11);
+
+    EXPECT_EQ(WithoutControls(odd, '?'), "?a????? \x80\xE9\xFF");
+    EXPECT_EQ(WithoutControls("", '?'), "");
+}
+
 TEST_F(TextFileTest, ALineEndAcrossABlocksBorderIsOneEnd) {
     for (const std::size_t length : {131070u, 131071u, 131072u}) {
         const std::string line(length, 'x');

@@ -54,22 +54,18 @@ public:
     }
 
 private:
-    class File final : public DiskFile {
+    class File final : public PassingFile {
     public:
-        File(std::unique_ptr<DiskFile> under, UnreadableDisk& disk) : under_(std::move(under)), disk_(disk) {}
+        File(std::unique_ptr<DiskFile> under, UnreadableDisk& disk)
+            : PassingFile(std::move(under)),
+              disk_(disk) {}
         std::size_t ReadAt(std::uint64_t offset, void* to, std::size_t size) override {
             ++disk_.reads_;
             if (disk_.reads_ >= disk_.first_ && disk_.reads_ <= disk_.last_) throw RunTimeFailure(57);
-            return under_->ReadAt(offset, to, size);
+            return PassingFile::ReadAt(offset, to, size);
         }
-        void WriteAt(std::uint64_t offset, std::string_view bytes) override {
-            under_->WriteAt(offset, bytes);
-        }
-        std::uint64_t Size() override { return under_->Size(); }
-        void Flush() override { under_->Flush(); }
 
     private:
-        std::unique_ptr<DiskFile> under_;
         UnreadableDisk& disk_;
     };
 

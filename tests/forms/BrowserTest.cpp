@@ -674,6 +674,33 @@ TEST_F(Browser, TheGridComesBackOnTheSameRow) {
     EXPECT_EQ(ChosenView()->Flag, ViewCust);
 }
 
+TEST_F(Browser, FromEachEditorTheGridComesBackOnTheSameRecordAlsoWhenItWasSorted) {
+    GivenRows("ZUKITEM", {"I_SEARCH|I_ITEMCODE|I_DESC1|I_PRICE", "A|I1|Awl|1", "S|I2|Saw|2", "N|I3|Nail|3"});
+    GivenRows("ZUKSTAX", {"ST_CODE|ST_DESC|ST_RATE", "AK|Alaska|1", "TX|Texas|2", "NY|New York|3"});
+    GivenRows("ZUKPAY", {"PAY_CODE|PAY_CDESC", "CARD|Amex", "CASH|", "CHECK|"});
+    for (const ViewFlag flag : {ViewItem, ViewSTax, ViewPay}) {
+        SCOPED_TRACE(flag);
+        auto& grid = OpenGrid(flag);
+        ClickHeading(Grid(grid), 1);
+        ClickHeading(Grid(grid), 1); // downwards
+        Grid(grid).SelectRecord(2);
+        Click(grid, "cmdEdit");
+        ASSERT_EQ(IfLoaded<frmViewGrid>(), nullptr);
+        auto* editor = FormRegistry::Instance().Find(flag == ViewItem   ? "frmEditItem"
+                                                     : flag == ViewSTax ? "frmEditSTax"
+                                                                        : "frmPay");
+        ASSERT_NE(editor, nullptr);
+        EXPECT_EQ(TextOf(*editor, "lblCount"), QStringLiteral("2 of 3"));
+
+        Click(*editor, "cmdView");
+        Settle();
+
+        ASSERT_NE(IfLoaded<frmViewGrid>(), nullptr);
+        EXPECT_EQ(Grid(The<frmViewGrid>()).SelectedRecord(), 2);
+        The<frmViewGrid>().Unload();
+    }
+}
+
 TEST_F(Browser, ARowThatIsNoLongerThereIsNotSelectedAgain) {
     GivenCustomers(3);
     ClearViewFlags();

@@ -12,7 +12,9 @@
 #include <QAbstractButton>
 #include <QComboBox>
 #include <QStatusBar>
+#include <QTimer>
 
+#include <algorithm>
 #include <filesystem>
 
 namespace {
@@ -22,10 +24,6 @@ using Names = std::vector<std::string>;
 constexpr const char* Boxes[] = {"chkOrHdr", "chkAudtH", "chkAudHH", "chkBarIn",  "chkComp",
                                  "chkCust",  "chkHelp",  "chkItem",  "chkPrint",  "chkSetup",
                                  "chkSTax",  "chkPay",   "chkLinks", "chkTotalPC"};
-
-Text T(std::string_view words) {
-    return Text::Path(words);
-}
 
 /// An office with two orders of three lines, a signature, an audit and two customers.
 class ClearPC : public FormTest {
@@ -195,6 +193,25 @@ TEST_F(ClearPC, AsAKeeperOfTemplatesItAsksFirstWhetherItIsToClear) {
     EXPECT_EQ(Backups().size(), 1U);
 }
 
+TEST_F(ClearPC, CustomersAloneAreClearedBehindABackupThatHoldsOnlyTheOrderAndAuditTables) {
+    auto& form = Open<frmTableSelectPC>();
+    Tick(form, {"chkCust"});
+    ExpectWarning(Answer::Yes);
+
+    Click(form, "cmdOK");
+
+    EXPECT_EQ(RecordCount("ZUKCUST"), 0);
+    EXPECT_EQ(RecordCount("ZUKOrHdr"), 2);
+    EXPECT_EQ(RecordCount("ZUKTOTALPC"), 0) << "no event: the orders stand as they stood";
+    ASSERT_EQ(Backups().size(), 1U);
+    const std::string backup = Global.BackupPath + Backups()[0] + "/";
+    EXPECT_EQ(EngineTest::Lines(backup + "Backup.txt").at(0), "CLEAR");
+    Names files = Global.TheDisk->FilesIn(backup);
+    std::sort(files.begin(), files.end());
+    EXPECT_EQ(files, (Names{"Backup.txt", "ZUKAudHH.dbf", "ZUKAudTH.dbf", "ZUKAudTL.dbf", "ZUKOrHdr.dbf",
+                            "ZUKOrLin.dbf"}));
+}
+
 TEST_F(ClearPC, ClearedLinksAndCompanyAreGoneFromTheMainScreenToo) {
     GivenRows("ZUKLINK", {"LK_HOTSYNC", "Anna", "Ben"});
     auto& main = Start();
@@ -280,6 +297,30 @@ TEST_F(ClearPC, TheErrorsOfTheScreenDecideAndARowThatFailsDoesNotStopTheNext) {
     EXPECT_EQ(Row(form, "1"), "failed: Items.pct, 0 of 2");
     EXPECT_EQ(Row(form, "2"), "succeeded: Customers.pct, 1 of 1");
     EXPECT_EQ(TextOf(form, "cmdCancel").remove(u'&'), QStringLiteral("Done"));
+}
+
+TEST_F(ClearPC, RowsOfTheSameSecondHaveABackupEachSoThatWhatTheFirstHasClearedIsStillInOne) {
+    static DateTime clockTime;
+    clockTime = {2026, 11, 15, 2, 36, 7};
+    Global.Clock = [] { return clockTime; };
+    // Time stands still but for a pause that the screen makes behind its Ok.
+    QTimer time;
+    QObject::connect(&time, &QTimer::timeout, [] {
+        if (Global.Events.Entry(0).find("frmTableSelectPC:cmdOK_Click") != std::string::npos)
+            clockTime.Second = 8;
+    });
+    time.start(0);
+    GivenTemplate("Orders.pct", {ClearGroup::OrHdr});
+    GivenTemplate("Customers.pct", {ClearGroup::Cust});
+    auto& form = RunActivity("Orders.pct", "Customers.pct");
+
+    Click(form, "cmdOK");
+
+    EXPECT_EQ(TextOf(form, "lblProgress"), QStringLiteral("Process completed with no errors!"));
+    EXPECT_EQ(RecordCount("ZUKOrHdr") + RecordCount("ZUKCUST"), 0);
+    ASSERT_EQ(Backups(), (Names{"61115023607", "61115023608"}));
+    EXPECT_EQ(EngineTest::Lines(Global.BackupPath + "61115023607/Backup.txt").at(2), "2");
+    EXPECT_EQ(EngineTest::Lines(Global.BackupPath + "61115023608/Backup.txt").at(2), "0");
 }
 
 TEST_F(ClearPC, TwoRowsNamingOneTemplateRunItTwiceAndATemplateOfAnotherKindIsNone) {

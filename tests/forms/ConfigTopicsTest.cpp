@@ -105,12 +105,19 @@ TEST_F(ConfigTopics, TheItemsHaveTheirOwnChoicesAndTheWayToTheirImport) {
     auto& form = Open<frmConfigItem>();
     EXPECT_EQ(form.windowTitle(), QStringLiteral("Configure Items"));
     EXPECT_EQ(TextOf(form, "cboSrchItm"), QStringLiteral("Code"));
-    Operator_.Expect(msg::UpdateItemsSearch).Answer(Answer::Yes);
+    Operator_.Expect(msg::UpdateItemsSearch).With(Icon::Question).Answer(Answer::No);
     Choose(form, "cboSrchItm", QStringLiteral("Description"));
+    EXPECT_EQ(Cell("ZUKITEM", 1, "I_SEARCH"), "OLD");
+    EXPECT_EQ(TextOf(form, "cboSrchItm"), QStringLiteral("Description"));
+    form.Unload();
+    EXPECT_EQ(Cell("ZUKSETUP", 1, "SU_SRCHITM"), "Code");
+    auto& again = Open<frmConfigItem>();
+    Operator_.Expect(msg::UpdateItemsSearch).Answer(Answer::Yes);
+    Choose(again, "cboSrchItm", QStringLiteral("Description"));
     EXPECT_EQ(Cell("ZUKITEM", 1, "I_SEARCH"), "Hammer");
 
     Operator_.Expect(msg::NoProblems);
-    Click(form, "cmdQC");
+    Click(again, "cmdQC");
 
     bool items = false;
     Meanwhile([&] {
@@ -118,13 +125,13 @@ TEST_F(ConfigTopics, TheItemsHaveTheirOwnChoicesAndTheWayToTheirImport) {
         items = dynamic_cast<QRadioButton&>(Control(convert, "optItem")).isChecked();
         convert.Unload();
     });
-    Click(form, "cmdImport");
+    Click(again, "cmdImport");
     EXPECT_TRUE(items);
 
-    Click(form, "cmdEdit");
+    Click(again, "cmdEdit");
     ExpectGrid("View Items");
     EXPECT_TRUE(dynamic_cast<QPushButton&>(Control(The<frmViewGrid>(), "cmdEdit")).isDefault());
-    form.Unload();
+    again.Unload();
     EXPECT_EQ(Cell("ZUKSETUP", 1, "SU_SRCHITM"), "Description");
     EXPECT_EQ(Cell("ZUKSETUP", 1, "SU_SRCHCUS"), "Company");
 }

@@ -14,14 +14,6 @@
 
 namespace {
 
-Text T(std::string_view words) {
-    return Text::Path(words);
-}
-
-QString Q(const char* text) {
-    return QString::fromLatin1(text);
-}
-
 class ExportScreen : public FormTest {
 protected:
     using Keys = std::vector<std::string>;

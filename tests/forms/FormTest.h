@@ -1,11 +1,22 @@
 #pragma once
 
+#include "core/Text.h"
 #include "forms/ScriptedOperator.h"
 #include "platform/Form.h"
 #include "support/EngineTest.h"
 
 #include <QString>
 #include <QWidget>
+
+#include <string_view>
+
+/// Words of a message, and of a control.
+inline Text T(std::string_view words) {
+    return Text::Path(words);
+}
+inline QString Q(const char* text) {
+    return QString::fromUtf8(text);
+}
 
 /// A test of a real form, offscreen: acts on it by object name as a person would, answers through
 /// the scripted operator, and looks at files and tables.

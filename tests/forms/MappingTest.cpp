@@ -21,10 +21,6 @@
 
 namespace {
 
-Text T(std::string_view words) {
-    return Text::Path(words);
-}
-
 QString Caption(MessageId entry) {
     return QString::fromStdString(CatalogueText(entry));
 }

@@ -65,9 +65,9 @@ TEST_F(MasterEditors, AMoveSavesTheRecordAndABlankCodeStopsIt) {
     EXPECT_EQ(TextOf(form, "cboC_STCode"), QStringLiteral("NY")); // also in small letters
 
     Type(form, "txtField_2", QString());
-    const int moves = 5;
+    const int moves = 7;
     for (int k = 0; k < moves; ++k) Operator_.Expect(msg::CustCodeEmpty).With(Icon::Warning);
-    for (const char* move : {"cmdNext", "cmdFirst", "cmdAdd", "cmdOK"}) {
+    for (const char* move : {"cmdNext", "cmdPrevious", "cmdFirst", "cmdLast", "cmdAdd", "cmdOK"}) {
         Click(form, move);
         EXPECT_EQ(Shown(form), "2 of 3 ") << move;
         EXPECT_EQ(form.focusWidget(), &Control(form, "txtField_2")) << move;
@@ -254,6 +254,30 @@ TEST_F(MasterEditors, TheItemsAndTheSalesTaxesHaveTheirOwnFieldsAndWords) {
     Click(tax, "cmdOK");
     EXPECT_EQ(Cell("ZUKSTAX", 1, "ST_RATE"), "8.12345");
     EXPECT_EQ(Cell("ZUKSTAX", 1, "ST_TYPE"), "State");
+}
+
+TEST_F(MasterEditors, ABlankItemOrTaxCodeStopsEveryMoveToo) {
+    GivenRows("ZUKITEM", {"I_SEARCH|I_ITEMCODE|I_DESC1|I_PRICE", "A|I1|Awl|1", "S|I2|Saw|2", "N|I3|Nail|3"});
+    GivenRows("ZUKSTAX", {"ST_CODE|ST_DESC|ST_RATE", "AK|Alaska|1", "TX|Texas|2", "NY|New York|3"});
+    const auto stops = [&](FormBehaviour& form, const char* key, MessageId words) {
+        Type(form, key, QStringLiteral("  "));
+        for (const char* move : {"cmdFirst", "cmdPrevious", "cmdNext", "cmdLast", "cmdAdd", "cmdOK"}) {
+            Operator_.Expect(words).With(Icon::Warning);
+            Click(form, move);
+            EXPECT_EQ(TextOf(form, "lblCount"), QStringLiteral("2 of 3")) << move;
+            EXPECT_EQ(form.Window().focusWidget(), &Control(form, key)) << move;
+        }
+        Click(form, "cmdCancel");
+    };
+    Global.SelectedRow = 2;
+    stops(Open<frmEditItem>(), "txtField_2", msg::ItemCodeEmpty);
+    EXPECT_EQ(Cell("ZUKITEM", 2, "I_ITEMCODE"), "I2");
+    EXPECT_EQ(RecordCount("ZUKITEM"), 3);
+
+    Global.SelectedRow = 2;
+    stops(Open<frmEditSTax>(), "txtField_1", msg::TaxCodeEmpty);
+    EXPECT_EQ(Cell("ZUKSTAX", 2, "ST_CODE"), "TX");
+    EXPECT_EQ(RecordCount("ZUKSTAX"), 3);
 }
 
 TEST_F(MasterEditors, TheGridOpensTheEditorAtItsRowAndTheEditorGoesBackToIt) {

@@ -23,14 +23,6 @@
 
 namespace {
 
-Text T(std::string_view words) {
-    return Text::Path(words);
-}
-
-QString Q(const char* text) {
-    return QString::fromUtf8(text);
-}
-
 class Options : public FormTest {
 protected:
     Options() {

@@ -1,6 +1,7 @@
 #include "core/Failure.h"
 #include "core/Messages.h"
 #include "forms/FormTest.h"
+#include "forms/ReadPdf.h"
 #include "platform/Convert.h"
 #include "platform/GridView.h"
 #include "platform/PageView.h"
@@ -17,7 +18,6 @@
 #include <QFontMetricsF>
 #include <QImage>
 #include <QPainter>
-#include <QProcess>
 #include <QTimer>
 
 #include <filesystem>
@@ -53,22 +53,6 @@ protected:
         return [path = Pdf(), pages] {
             return NewPdfPrinter(path, UsualPaper(), QStringLiteral("Report"), pages);
         };
-    }
-
-    /// What a reader of PDF files makes of ours: the lines without what is blank, the pages parted by one
-    /// that is "\f".
-    static QStringList ReadPdf(const std::string& path) {
-        QProcess reader;
-        reader.start(QStringLiteral("pdftotext"),
-                     {QStringLiteral("-layout"), QString::fromStdString(path), QStringLiteral("-")});
-        EXPECT_TRUE(reader.waitForFinished()) << "pdftotext is missing";
-        QString text = QString::fromUtf8(reader.readAllStandardOutput());
-        text.replace(QLatin1Char('\f'), QStringLiteral("\n\\f\n"));
-        QStringList lines;
-        for (const QString& line : text.split(QLatin1Char('\n'))) {
-            if (!line.trimmed().isEmpty()) lines << line.simplified();
-        }
-        return lines;
     }
 
     static void Meanwhile(std::function<void()> deed) { QTimer::singleShot(0, qApp, std::move(deed)); }

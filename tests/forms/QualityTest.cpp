@@ -508,6 +508,22 @@ TEST_F(QualityOnMainScreen, AConfiguratorOpenedOverAReportDoesNotCheckByItself) 
 
 // ---- the Configurator ----
 
+TEST_F(QualityCheck, AConfiguratorThatIsLoadedForARunChecksAtOnceAndWaitsForNoClick) {
+    GivenCleanOffice();
+    Global.QCAutoRun = true;
+    Operator_.Expect(msg::NoFatalProblems);
+    The<frmConfig>();
+    EXPECT_FALSE(IfLoaded<frmConfig>()) << "nothing was shown, and nothing is left to be closed";
+    EXPECT_FALSE(Global.QCAutoRun);
+
+    GivenFatal();
+    Global.QCAutoRun = true;
+    Operator_.Expect(msg::FatalProblems);
+    auto& form = The<frmConfig>();
+    EXPECT_TRUE(ReportShown());
+    EXPECT_FALSE(form.isVisible());
+}
+
 TEST_F(QualityCheck, TheConfiguratorSaysWhenEachLineWasCheckedAndHowItEnded) {
     GivenCleanOffice();
     GivenFatal();
@@ -588,6 +604,16 @@ protected:
         Settle();
         return The<frmConfigMsg>();
     }
+
+    /// How many cells of a grid have a ground of their own.
+    static int Marked(GridView& grid) {
+        int marked = 0;
+        for (int row = 0; row < grid.model()->rowCount(); ++row) {
+            for (int column = 0; column < grid.model()->columnCount(); ++column)
+                marked += Ground(grid, row, column).isValid();
+        }
+        return marked;
+    }
 };
 
 TEST_F(QualityReport, ViewRecordsMarksExactlyTheFaultyCells) {
@@ -599,12 +625,7 @@ TEST_F(QualityReport, ViewRecordsMarksExactlyTheFaultyCells) {
     Settle();
 
     auto& grid = Grid(The<frmViewGrid>());
-    int marked = 0;
-    for (int row = 0; row < grid.model()->rowCount(); ++row) {
-        for (int column = 0; column < grid.model()->columnCount(); ++column)
-            marked += Ground(grid, row, column).isValid();
-    }
-    EXPECT_EQ(marked, 2);
+    EXPECT_EQ(Marked(grid), 2);
     EXPECT_EQ(Ground(grid, 0, 1), QColor(255, 0, 0));
     EXPECT_EQ(Ground(grid, 2, 1), QColor(255, 0, 0));
     EXPECT_EQ(grid.SelectedRecord(), 1);
@@ -629,13 +650,16 @@ TEST_F(QualityReport, ViewRecordsBringsAFaultyCellFarToTheRightIntoSight) {
 
 TEST_F(QualityReport, AWarnMarksInYellow) {
     GivenCleanOffice();
-    GivenRows("ZUKITEM", {"I_SEARCH|I_ITEMCODE|I_PRICE", "SAW|S1|0"});
+    GivenRows("ZUKITEM", {"I_SEARCH|I_ITEMCODE|I_PRICE", "ADZE|A1|0", "NAIL|N1|2.50", "SAW|S1|0"});
     auto& report = GivenReport("cmdItems2");
 
     Click(report, "cmdView");
     Settle();
 
-    EXPECT_EQ(Ground(Grid(The<frmViewGrid>()), 0, 4), QColor(255, 255, 0));
+    auto& grid = Grid(The<frmViewGrid>());
+    EXPECT_EQ(Marked(grid), 2);
+    EXPECT_EQ(Ground(grid, 0, 4), QColor(255, 255, 0));
+    EXPECT_EQ(Ground(grid, 2, 4), QColor(255, 255, 0));
 }
 
 TEST_F(QualityReport, ARowOfTheLinksTableMarksTheHotsyncID) {
@@ -646,6 +670,7 @@ TEST_F(QualityReport, ARowOfTheLinksTableMarksTheHotsyncID) {
     Click(report, "cmdView");
     Settle();
 
+    EXPECT_EQ(Marked(Grid(The<frmViewGrid>())), 1);
     EXPECT_EQ(Ground(Grid(The<frmViewGrid>()), 0, 1), QColor(255, 255, 0));
 }
 

@@ -20,8 +20,6 @@ class QuickButtons : public FormTest {
 protected:
     QuickButtons() { GivenOffice(); }
 
-    static Text T(std::string_view words) { return Text::Path(words); }
-
     void GivenActivity(const std::string& name, const std::string& first, const std::string& second = {}) {
         Activity activity;
         activity.Rows[0].Template = first;
@@ -178,16 +176,22 @@ TEST_F(QuickButtons, TwoErrorsAreCounted) {
     EXPECT_EQ(TextOf(form, "lblProgress"), QStringLiteral("Process completed with 2 errors!"));
 }
 
-TEST_F(QuickButtons, ATemplateWithAFullPathInItsFirstLineWorks) {
+TEST_F(QuickButtons, ATemplateWithAFullPathInItsFirstLineWorksAndThePathIsDropped) {
     GivenFile("app/DataIn/c.csv", "A1,Acme\r\n");
-    WriteWholeFile(Global.ImportTemplates + "Cust.cst",
-                   "C:\\Old\\c.csv\r\nCSV\r\nStartLine=1\r\n[FIELDS]\r\nC_CODE\r\n[LITERALS]\r\n");
-    GivenActivity("Morning.ipm", "Cust.cst");
+    GivenFile("app/DataIn/i.csv", "I1,Nail\r\n");
+    const std::string elsewhere = GivenFile("elsewhere/i.csv", "X9,not this one\r\n");
+    const std::string rest = "\r\nCSV\r\nStartLine=1\r\n[FIELDS]\r\n";
+    WriteWholeFile(Global.ImportTemplates + "Cust.cst", "C:\\Old\\c.csv" + rest + "C_CODE\r\n[LITERALS]\r\n");
+    WriteWholeFile(Global.ImportTemplates + "Items.itm", elsewhere + rest + "I_ITEMCODE\r\n[LITERALS]\r\n");
+    GivenActivity("Morning.ipm", "Cust.cst", "Items.itm");
     auto& form = Run<frmQBImport>("Morning");
 
     Click(form, "cmdOK");
 
+    EXPECT_TRUE(Succeeded(form, 1) && Succeeded(form, 2));
     EXPECT_EQ(Cell("ZUKCust", 1, "C_CODE"), "A1");
+    EXPECT_EQ(Cell("ZUKItem", 1, "I_ITEMCODE"), "I1");
+    EXPECT_EQ(TextOf(form, "lblProgress"), QStringLiteral("Process completed with no errors!"));
 }
 
 TEST_F(QuickButtons, ADataFileThatIsGoneIsTold) {
@@ -205,17 +209,28 @@ TEST_F(QuickButtons, ADataFileThatIsGoneIsTold) {
     EXPECT_FALSE(Succeeded(form, 1));
 }
 
-TEST_F(QuickButtons, TwoRowsNamingOneTemplateRunItTwice) {
+TEST_F(QuickButtons, TwoRowsNamingOneTemplateRunItTwiceAndTheSecondReplacesTheContentAgain) {
     GivenFile("app/DataIn/c.csv", "A1,Acme\r\n");
     GivenImportTemplate("Cust.cst", "c.csv", {"C_CODE"});
     GivenActivity("Morning.ipm", "Cust.cst", "Cust.cst");
     auto& form = Run<frmQBImport>("Morning");
+    // Between the rows the table gets another content.
+    int changed = 0;
+    QTimer between;
+    QObject::connect(&between, &QTimer::timeout, [&] {
+        if (changed > 0 || TextOf(form, "lblSST_1") != QStringLiteral("1 of 1")) return;
+        ++changed;
+        GivenRows("ZUKCust", {"C_CODE", "OLD", "OLDER"});
+    });
+    between.start(0);
 
     Click(form, "cmdOK");
 
-    EXPECT_TRUE(Succeeded(form, 1));
-    EXPECT_TRUE(Succeeded(form, 2));
+    EXPECT_EQ(changed, 1);
+    EXPECT_TRUE(Succeeded(form, 1) && Succeeded(form, 2));
+    EXPECT_EQ(TextOf(form, "lblSST_2"), QStringLiteral("1 of 1"));
     EXPECT_EQ(RecordCount("ZUKCust"), 1);
+    EXPECT_EQ(Cell("ZUKCust", 1, "C_CODE"), "A1");
 }
 
 TEST_F(QuickButtons, AMismatchFailsTheRowLeavesTheTableAndGoesOn) {
@@ -233,7 +248,10 @@ TEST_F(QuickButtons, AMismatchFailsTheRowLeavesTheTableAndGoesOn) {
     EXPECT_EQ(TextOf(form, "lblSST_1"), QStringLiteral("0 of 2"));
     EXPECT_FALSE(Succeeded(form, 1));
     EXPECT_TRUE(Succeeded(form, 2));
+    EXPECT_EQ(RecordCount("ZUKCust"), 1);
     EXPECT_EQ(Cell("ZUKCust", 1, "C_CODE"), "OLD");
+    EXPECT_EQ(Cell("ZUKItem", 1, "I_ITEMCODE"), "I1");
+    EXPECT_EQ(TextOf(form, "lblProgress"), QStringLiteral("Process completed with 1 error!"));
 }
 
 TEST_F(QuickButtons, AStartLineBehindTheEndIsToldAndTheTableStays) {
@@ -381,6 +399,28 @@ TEST_F(QuickButtons, YesMakesABackupRecordsTheEventAndEmptiesTheTables) {
     EXPECT_EQ(Cell("ZUKTOTALPC", 1, "TP_DATETIM"), "2026-11-15 02:36:07");
 }
 
+TEST_F(QuickButtons, AYesInTheSecondOfAnotherYesLeavesTheFirstOnesBackupInItsPlace) {
+    static DateTime clockTime;
+    clockTime = {2026, 11, 15, 2, 36, 7};
+    Global.Clock = [] { return clockTime; };
+    GivenOrders();
+    GivenExportTemplate("Orders.xor", "out.txt", {"H_ORDCODE"});
+    GivenActivity("Evening.xpm", "Orders.xor", "Orders.xor");
+    auto& form = Run<frmQBExport>("Evening");
+    const Text question = ::Lines(msg::DeleteExported, msg::DeleteExportedNote);
+    Operator_.Expect(question).Answer(Answer::Yes);
+    // Time passes only when the program waits.
+    Operator_.Expect(question).Answer(Answer::Yes).Then([] {
+        QTimer::singleShot(0, qApp, [] { clockTime.Second = 8; });
+    });
+
+    Click(form, "cmdOK");
+
+    EXPECT_EQ(TextOf(form, "lblSST_2"), QStringLiteral("0 of 0"));
+    EXPECT_EQ(EngineTest::Lines(Global.BackupPath + "61115023607/Backup.txt").at(2), "2");
+    EXPECT_EQ(EngineTest::Lines(Global.BackupPath + "61115023608/Backup.txt").at(2), "0");
+}
+
 TEST_F(QuickButtons, AFailedBackupIsToldAndTheOrdersStay) {
     GivenOrders();
     GivenExportTemplate("Orders.xor", "out.txt", {"H_ORDCODE"});
@@ -409,6 +449,24 @@ TEST_F(QuickButtons, OrphanLinesAreToldBeforeTheDeletionIsAsked) {
     Click(form, "cmdOK");
 
     EXPECT_EQ(TextOf(form, "lblSST_1"), QStringLiteral("2 of 3"));
+}
+
+TEST_F(QuickButtons, AMissingExportTemplateInRowOneStillRunsRowTwoAndAPathInItsFileNameIsDropped) {
+    GivenOrders();
+    WriteWholeFile(Global.ExportTemplates + "Orders.xor",
+                   "Filename=" + Folder() + "elsewhere/out.txt\r\nCSV\r\nH_ORDCODE\r\n");
+    GivenActivity("Evening.xpm", "Gone.xor", "Orders.xor");
+    auto& form = Run<frmQBExport>("Evening");
+    Operator_.ExpectBeginning(T("Error opening Export file defined in Gone.xor!")).With(Icon::Warning);
+    Operator_.Expect(::Lines(msg::DeleteExported, msg::DeleteExportedNote)).Answer(Answer::No);
+
+    Click(form, "cmdOK");
+
+    EXPECT_FALSE(Succeeded(form, 1));
+    EXPECT_TRUE(Succeeded(form, 2));
+    EXPECT_EQ(TextOf(form, "lblProgress"), QStringLiteral("Process completed with 1 error!"));
+    EXPECT_EQ(Bytes(Global.DataOutPath + "out.txt"), "A1\r\nA2\r\n");
+    EXPECT_FALSE(Exists(Folder() + "elsewhere"));
 }
 
 TEST_F(QuickButtons, ATemplateWithoutAFileNameLineIsAnOldOne) {

@@ -17,14 +17,6 @@
 
 namespace {
 
-Text T(std::string_view words) {
-    return Text::Path(words);
-}
-
-QString Q(const char* text) {
-    return QString::fromUtf8(text);
-}
-
 /// Screens as the report of the Quality Check opens them, for one template.
 class Repair : public FormTest {
 protected:

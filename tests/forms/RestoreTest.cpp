@@ -1,4 +1,7 @@
+#include "maintenance/Restore.h"
+#include "core/Failure.h"
 #include "core/Messages.h"
+#include "core/Paths.h"
 #include "core/SafeFile.h"
 #include "core/forms/frmMain1.h"
 #include "forms/FormTest.h"
@@ -147,6 +150,25 @@ TEST_F(RestoreScreen, ABackupIsListedLookedAtAndRestoredAndWhatWasThereBeforeIsL
     EXPECT_EQ(IfLoaded<frmViewGrid>(), nullptr);
 }
 
+TEST_F(RestoreScreen, TwoRestoresInOneSecondLeaveTheStateBeforeEach) {
+    GivenBackup("CLEAR", 10);
+    auto& form = OpenList();
+    const auto restore = [&](const std::vector<std::string>& before, const std::function<void()>& deed) {
+        GivenOrders(before);
+        Grid(form).SelectRecord(static_cast<int>(GridRows(form, "FG1").size())); // the oldest
+        Operator_.Expect(msg::RestoreQuestion).Answer(Answer::Yes).Then(deed);
+        Operator_.ExpectBeginning(msg::RestoreDone);
+        Click(form, "cmdEdit");
+    };
+    restore({"B1"}, [] {});
+    // Time passes only when the program waits.
+    restore({"C1", "C2", "C3"}, [] { QTimer::singleShot(0, qApp, [] { clockTime.Second = 1; }); });
+
+    ASSERT_EQ(GridRows(form, "FG1").size(), 3U);
+    EXPECT_EQ(Cells(form, 0)[0] + Cells(form, 0)[2], "RESTORE3");
+    EXPECT_EQ(Cells(form, 1)[0] + Cells(form, 1)[2], "RESTORE1");
+}
+
 TEST_F(RestoreScreen, WhatHasBecomeOfABackupIsMarkedAndTold) {
     auto& none = OpenList();
     EXPECT_FALSE(Enabled(none, "cmdEdit"));
@@ -196,6 +218,28 @@ TEST_F(RestoreScreen, WhatHasBecomeOfABackupIsMarkedAndTold) {
     Operator_.ExpectBeginning(::Lines(msg::FileError, msg::RestoreNothing)).With(Icon::Stop);
     Click(form, "cmdEdit");
     EXPECT_EQ(Cell("ZUKORHDR", 1, "H_ORDCODE"), "B1");
+}
+
+TEST_F(RestoreScreen, AStartTellsOfARestoreThatWasCutOffAndInUnattendedModeOnlyTheTraceDoes) {
+    GivenBackup("CLEAR", 20);
+    GivenOrders({"B1"});
+    RestoreTables(Folder(20), [](const std::string& from, const std::string& to) {
+        if (to.ends_with("ZUKOrLin.dbf")) throw RunTimeFailure(61, to);
+        CopyOver(from, to);
+    });
+    Operator_.Expect(msg::PalmDesktopMissing);
+    Operator_.ExpectBeginning(msg::RestoreCutOff).With(Icon::Warning);
+
+    Open<frmMain1>().Unload();
+
+    Global.UnattendedActive = true;
+    Operator_.Expect(msg::PalmDesktopMissing);
+    Open<frmMain1>();
+    bool traced = false;
+    for (int k = 0; k < 100; ++k)
+        traced = traced || Global.Events.Entry(k).find("FindUnfinishedJobs RESTORE") != std::string::npos;
+    EXPECT_TRUE(traced);
+    Global.UnattendedActive = false;
 }
 
 TEST_F(RestoreScreen, AStartCarriesTheTablesOfAnUpdateAndTellsAFileThatIsNone) {

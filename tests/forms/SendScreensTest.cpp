@@ -19,14 +19,6 @@ namespace {
 
 using Names = std::vector<std::string>;
 
-Text T(std::string_view words) {
-    return Text::Path(words);
-}
-
-QString Q(const char* text) {
-    return QString::fromUtf8(text);
-}
-
 const Names SetupTables{"DOWNLOAD ZUKSETUP.DBF", "DOWNLOAD ZUKCOMP.DBF", "DOWNLOAD ZUKHELP.DBF",
                         "DOWNLOAD ZUKPRINT.DBF", "DOWNLOAD ZUKSTAX.DBF", "DOWNLOAD ZUKPAY.DBF",
                         "DOWNLOAD ZUKLINK.DBF"};

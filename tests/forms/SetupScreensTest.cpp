@@ -17,6 +17,8 @@
 #include <QPushButton>
 #include <QRadioButton>
 
+#include <functional>
+
 namespace {
 
 class SetupScreens : public FormTest {
@@ -196,11 +198,12 @@ TEST_F(SetupScreens, APaymentIsAskedForItsTypeAndSavedWhenTheOperatorWants) {
     Click(form, "cmdAdd");
     EXPECT_EQ(Shown(form, "lblCount") + Chosen(form), "4 of 4none");
     EXPECT_EQ(RecordCount("ZUKPAY"), 4);
-    for (const char* move : {"cmdPrevious", "cmdOK"}) {
+    for (const char* move : {"cmdFirst", "cmdPrevious", "cmdAdd", "cmdOK"}) {
         Operator_.Expect(msg::SelectPaymentType);
         Click(form, move);
         EXPECT_EQ(Shown(form, "lblCount"), "4 of 4") << move;
     }
+    EXPECT_EQ(RecordCount("ZUKPAY"), 4);
     Operator_.Expect(msg::DeleteCurrentLink).Answer(Answer::Yes);
     Click(form, "cmdDelete");
     EXPECT_EQ(Shown(form, "lblCount") + Chosen(form), "3 of 3optCheck");
@@ -294,6 +297,26 @@ TEST_F(SetupScreens, TheViewerWalksTheSignedOrdersAndLeavesNoCopyBehind) {
     EXPECT_EQ(Shown(The<frmViewSign>(), "lblCount"), "No records to display!");
     Click(The<frmViewSign>(), "cmdOK");
     EXPECT_EQ(Global.Files.Count(), 0);
+}
+
+TEST_F(SetupScreens, HoweverTheViewerIsClosedNoWorkingCopyStays) {
+    GivenRows("ZUKORHDR", {"H_ORDCODE", "A1", "A2"});
+    WriteWholeFile(Global.ImagesPath + "A1.bmp", "BM");
+    const std::vector<std::function<void(frmViewSign&)>> ways{
+        [](frmViewSign& form) { Press(form, "cmdOK", Qt::Key_Escape); },
+        [](frmViewSign& form) { form.close(); },
+        [](frmViewSign&) { FormRegistry::Instance().UnloadSecondary(); }};
+    for (const auto& close : ways) {
+        auto& form = Open<frmViewSign>();
+        ASSERT_TRUE(Exists(SignTablePath()));
+
+        close(form);
+
+        EXPECT_EQ(IfLoaded<frmViewSign>(), nullptr);
+        EXPECT_FALSE(Exists(SignTablePath()));
+        EXPECT_EQ(RecordCount("ZUKORHDR"), 2);
+        EXPECT_EQ(Global.Files.Count(), 0);
+    }
 }
 
 TEST_F(SetupScreens, ABitmapThatLiesAboutItsSizeIsNoPicture) {

@@ -4,12 +4,12 @@
 #include "core/SafeFile.h"
 #include "core/forms/frmMain1.h"
 #include "forms/HotSyncTest.h"
+#include "forms/Steps.h"
 #include "platform/Convert.h"
 #include "platform/HotSyncManager.h"
 #include "platform/TitledWindow.h"
 #include "sync/Conduits.h"
 
-#include <QDeadlineTimer>
 #include <QDialog>
 #include <QDir>
 #include <QPushButton>
@@ -66,28 +66,11 @@ protected:
         return text;
     }
 
-    /// What is done as soon as something holds.
-    struct Step {
-        std::function<bool()> When;
-        std::function<void()> Deed;
-    };
-
     /// Presses "Update Hotsync Users", agrees, and does the steps in their order while that waits for the
     /// windows. Returns when it has ended.
     void Update(frmMain1& form, const std::vector<Step>& steps) {
         Operator_.Expect(Question()).Answer(Answer::Yes);
-        std::size_t done = 0;
-        const QDeadlineTimer until(10000);
-        QTimer look;
-        QObject::connect(&look, &QTimer::timeout, &look, [&] {
-            if (done < steps.size() && steps[done].When())
-                steps[done++].Deed();
-            else if (until.hasExpired())
-                Global.Ending = true; // so that the update ends, and the test fails
-        });
-        look.start(1);
-        Click(form, "lblUpdateHSUsers");
-        EXPECT_EQ(done, steps.size()) << "a step never came";
+        WithSteps(steps, [&] { Click(form, "lblUpdateHSUsers"); });
     }
 
     Step WhenRegistered(std::function<void()> deed) {

@@ -20,14 +20,6 @@ namespace {
 
 using Names = std::vector<std::string>;
 
-Text T(std::string_view words) {
-    return Text::Path(words);
-}
-
-QString Q(const char* text) {
-    return QString::fromUtf8(text);
-}
-
 class UploadScreen : public TableScreens {
 protected:
     /// One order on the handheld, another one on the PC, and a row of the Links table on both.
@@ -55,6 +47,13 @@ protected:
         Operator_.Expect(msg::UploadNow).Answer(Answer::Yes);
         WhenItWaits([this, cutAt] { Session(cutAt); });
         Click(form, "cmdOK");
+    }
+
+    /// Puts a dialog in the place of the manager's progress window.
+    void ShowAsProgress(QDialog& progress) const {
+        progress.setWindowTitle(Q("Hotsync Progress"));
+        new TitledWindow(progress, PathToQt(ManagerFolder()));
+        progress.show();
     }
 
     /// Closes the summary of totals when it comes.
@@ -583,9 +582,7 @@ TEST_F(UploadScreen, AHandheldThatNobodyWaitsForIsLeftAlone) {
 TEST_F(UploadScreen, TheMergeWaitsUntilTheProgressWindowHasGone) {
     GivenOrders();
     QDialog progress;
-    progress.setWindowTitle(Q("Hotsync Progress"));
-    new TitledWindow(progress, PathToQt(ManagerFolder()));
-    progress.show();
+    ShowAsProgress(progress);
     auto& form = Open<frmUploadSelect>();
     Tick(form, "chkOrHdr");
     CloseSummary();
@@ -607,9 +604,7 @@ TEST_F(UploadScreen, TheMergeWaitsUntilTheProgressWindowHasGone) {
 TEST_F(UploadScreen, AProgramThatEndsBeforeTheMergeKeepsTheSafetyCopiesForItsNextStart) {
     GivenOrders();
     QDialog progress;
-    progress.setWindowTitle(Q("Hotsync Progress"));
-    new TitledWindow(progress, PathToQt(ManagerFolder()));
-    progress.show();
+    ShowAsProgress(progress);
     auto& form = Open<frmUploadSelect>();
     Tick(form, "chkOrHdr");
     QTimer::singleShot(0, &form, [&] {

@@ -22,6 +22,7 @@
 #include "maintenance/Office.h"
 #include "maintenance/Restore.h"
 #include "maintenance/Totals.h"
+#include "maintenance/UnfinishedJobs.h"
 #include "maintenance/VersionUpdate.h"
 #include "quality/SearchField.h"
 #include "store/CreateTable.h"
@@ -35,6 +36,7 @@
 #include "sync/SafetyCopies.h"
 #include "sync/Status.h"
 #include "sync/UnattendedSettings.h"
+#include "tools/Notes.h"
 #include "views/MasterTable.h"
 
 #include <algorithm>
@@ -56,6 +58,7 @@ constexpr int Lines = 1100;
 constexpr int TotalsEvents = 2200;
 constexpr int Links = 2500;
 constexpr int HotSyncUsersInFile = 5000;
+constexpr int Notes = 200;
 
 using Cells = std::vector<std::pair<const char*, std::string>>;
 
@@ -285,9 +288,50 @@ std::string Event(std::string_view event) {
     return {};
 }
 
+/// What the tables of a job were before it and are to be behind it, for its judge.
+std::string Old(const std::string& table) {
+    return Global.AppPath + "Old/" + table;
+}
+std::string New(const std::string& table) {
+    return Global.AppPath + "New/" + table;
+}
+
+/// Keeps what a table is and what the job makes of it.
+void Keep(const std::string& table, const std::string& made) {
+    MakePath(Global.AppPath + "Old");
+    MakePath(Global.AppPath + "New");
+    CopyOver(Table(table.c_str()), Old(table));
+    CopyOver(made, New(table));
+}
+
+/// Each table is the old or the new one, and the mark names those of a job that came to some of them and not
+/// to others. The PC totals, which take events in the middle of the job, are new when they are not the old
+/// ones.
+std::string JudgeJob(CutOffJob job, const std::vector<std::string>& tables) {
+    bool changed = false;
+    for (const std::string& table : tables) {
+        const std::string now = ReadWholeFile(Table(table.c_str()));
+        const bool isOld = now == ReadWholeFile(Old(table));
+        const bool isNew = now == ReadWholeFile(New(table)) || (!isOld && table == "ZUKTOTALPC.DBF");
+        if (!isOld && !isNew) return table + " is neither the old nor the new one";
+        (isNew ? job.Done : job.Left).push_back(table);
+        changed = changed || !isOld;
+    }
+    std::vector<CutOffJob> expected;
+    if (changed && !job.Left.empty()) expected.push_back(std::move(job));
+    const UnfinishedJobs found = FindUnfinishedJobs();
+    if (!found.Broken.empty()) return found.Broken;
+    if (found.Jobs != expected) return "the mark does not say which tables have been replaced";
+    if (expected.empty() && FileExists(Table("UnfinishedJobs.txt"))) return "a mark lies about";
+    return {};
+}
+
 std::string Backup() {
     return MakeBackup("CLEAR") ? "" : "the tables cannot be backed up";
 }
+
+const std::vector<std::string> TablesToClear = {"ZUKORHDR.DBF", "ZUKORLIN.DBF", "ZUKCUST.DBF",
+                                                "ZUKTOTALPC.DBF"};
 
 /// Few records, for the sake of the totals event, which shifts them; the images lie where an upload puts
 /// them.
@@ -297,6 +341,7 @@ void PrepareClear() {
     Fill("ZUKCust.dbf", 40, [](int k) { return Cells{{"C_CODE", "C" + std::to_string(k)}}; });
     FillTotals(12);
     for (const char* image : {"a.bmp", "b.bmp"}) WriteWholeFile(Global.ImagesPath + image, "BM");
+    for (const std::string& table : TablesToClear) Keep(table, Global.DBFEmptyPath + table);
 }
 
 /// The steps of the screen.
@@ -307,11 +352,30 @@ std::string Clear() {
     if (!MakeBackup("CLEAR")) return "the tables cannot be backed up";
     NoProgress silent;
     ClearedTables cleared;
+    TableJob job = MarkClearing(plan);
     ClearPCTotals(plan, cleared);
     CalcPCTotals("CLEAR", silent);
     ClearTables(plan, cleared);
+    job.Finish();
     CalcPCTotals("CLEAR2", silent);
     return cleared.Images == 2 ? "" : "not all images were deleted"; // the screen says how many were
+}
+
+std::string JudgeClear() {
+    return JudgeJob({JobKind::Clear, "61115093000", {}, {}}, TablesToClear);
+}
+
+void PrepareNotes() {
+    std::string notes;
+    for (int k = 1; k <= Notes; ++k) notes += NoteRecord(NewNote(k, "1.0.0"));
+    WriteWholeFile(Global.DBFPath + "Notes.dat", notes);
+}
+
+std::string ResolveNote() {
+    Note note = ReadNote(Notes / 2);
+    note.Resolution = "Repaired";
+    WriteNote(note);
+    return {};
 }
 
 std::string WriteSettings() {
@@ -469,6 +533,9 @@ void PutInto(const std::string& folder, const char* table, std::initializer_list
 
 constexpr int PaymentTerms = 9000;
 
+const std::vector<std::string> TablesToRestore = {"ZUKAudHH.dbf", "ZUKAudTH.dbf", "ZUKAudTL.dbf",
+                                                  "ZUKOrHdr.dbf", "ZUKOrLin.dbf"};
+
 /// A backup of this morning, its headers of an older release, and other orders since.
 void PrepareRestore() {
     FillOrders();
@@ -485,7 +552,13 @@ void PrepareRestore() {
     headers.Commit();
     Fill("ZUKOrHdr.dbf", OrdersSent, [](int k) { return Cells{{"H_ORDCODE", CodeSent(k)}}; });
     Fill("ZUKOrLin.dbf", OrdersSent, [](int k) { return Cells{{"L_KEY", CodeSent(k)}}; });
+    Fill("ZUKAudTH.dbf", 5, [](int k) { return Cells{{"A_ORDCODE", CodeSent(k)}}; });
     FillTotals(12);
+    NoProgress silent;
+    for (const std::string& table : TablesToRestore) {
+        Keep(table, Table(table.c_str()));
+        CopySingleTable(folder + table, New(table), silent);
+    }
 }
 
 std::string Restore() {
@@ -499,18 +572,16 @@ std::string Restore() {
     return Event("RESTORE");
 }
 
-/// Each table is the one from before or that of the backup.
 std::string JudgeRestore() {
-    std::vector<std::string> sent;
-    for (int k = 1; k <= OrdersSent; ++k) sent.push_back(CodeSent(k));
-    const std::vector<std::string> headers = Column("ZUKOrHdr.dbf", "H_ORDCODE");
-    const std::vector<std::string> lines = Column("ZUKOrLin.dbf", "L_KEY");
-    if (headers != sent && (headers.size() != 1500 || headers[1499] != OrderCode(1500)))
-        return "the headers are neither the old nor the restored ones";
-    if (lines != sent && lines.size() != static_cast<std::size_t>(Lines))
-        return "the lines are neither the old nor the restored ones";
+    const auto headers = ReadWholeFile(Table("ZUKOrHdr.dbf"));
+    if (headers == ReadWholeFile(New("ZUKOrHdr.dbf"))) {
+        std::vector<std::string> codes;
+        for (int k = 1; k <= 1500; ++k) codes.push_back(OrderCode(k));
+        if (Column("ZUKOrHdr.dbf", "H_ORDCODE") != codes)
+            return "the headers of the older release are others";
+    }
     if (FileExists(Table("DBFCOPY.TXT"))) return "the text of the transfer lies about";
-    return {};
+    return JudgeJob({JobKind::Restore, "61115090000", {}, {}}, TablesToRestore);
 }
 
 /// One table with other fields and one that is new.
@@ -684,8 +755,9 @@ std::vector<SweepJob> MakeJobs() {
 
     // Nothing is cleared before the backup stands; images that cannot go stop nothing.
     std::vector<std::string> clear = backup;
-    clear.insert(clear.end(), {totals, totals, headers, "DBFFiles/Images/a.bmp", "DBFFiles/Images/b.bmp",
-                               lines, customers, totals});
+    const std::string unfinished = "DBFFiles/UnfinishedJobs.txt";
+    clear.insert(clear.end(), {unfinished, totals, totals, headers, "DBFFiles/Images/a.bmp",
+                               "DBFFiles/Images/b.bmp", lines, customers, unfinished, totals});
 
     // The copies, the mark, what the handheld sends, the merge, and all of it away.
     std::vector<std::string> copies;
@@ -701,8 +773,9 @@ std::vector<SweepJob> MakeJobs() {
 
     // Behind the backup of the present tables those of the older one, the headers by way of a text.
     std::vector<std::string> restore = backup;
-    restore.insert(restore.end(), {"DBFFiles/ZUKAudHH.dbf", "DBFFiles/ZUKAudTH.dbf", "DBFFiles/ZUKAudTL.dbf",
-                                   "DBFFiles/DBFCOPY.TXT", "DBFFiles/DBFCOPY.TXT", headers, lines, totals});
+    restore.insert(restore.end(),
+                   {unfinished, "DBFFiles/ZUKAudHH.dbf", "DBFFiles/ZUKAudTH.dbf", "DBFFiles/ZUKAudTL.dbf",
+                    "DBFFiles/DBFCOPY.TXT", "DBFFiles/DBFCOPY.TXT", headers, lines, unfinished, totals});
 
     const auto ordersAndTotals = [] {
         FillOrders();
@@ -753,7 +826,7 @@ std::vector<SweepJob> MakeJobs() {
         {"totals event", {totals}, ordersAndTotals, [] { return Event("EXPORT"); }, ""},
         {"totals event, second half", {totals}, ordersAndTotals, [] { return Event("CLEAR2"); }, ""},
         {"backup", backup, FillOrders, Backup, ""},
-        {"clear", clear, PrepareClear, Clear, ""},
+        {"clear", clear, PrepareClear, Clear, "", false, JudgeClear, unfinished},
         {"export", {"DataOut/orders.csv"}, FillOrders, Export, ""},
         {"export over a file",
          {"DataOut/orders.csv"},
@@ -792,10 +865,12 @@ std::vector<SweepJob> MakeJobs() {
          WriteUnattended,
          ""},
 
+        {"note", {"DBFFiles/Notes.dat"}, PrepareNotes, ResolveNote, ""},
+
         {"HotSync users", {"HotSync/Users.txt"}, PrepareHotSyncUsers, EndHotSyncSession, ""},
         {"HotSync settings", {"HotSync/HotSync.ini"}, PrepareHotSyncSettings, WriteHotSyncSettings, ""},
 
-        {"restore", restore, PrepareRestore, Restore, "", false, JudgeRestore},
+        {"restore", restore, PrepareRestore, Restore, "", false, JudgeRestore, unfinished},
         {"version update", StepsOfUpdate(), PrepareUpdate, nullptr, "", true},
 
         {"start", StepsOfStart(), PrepareStart, nullptr, "", true},
@@ -854,6 +929,7 @@ void StartOffice(const std::string& folder) {
     BeginOffice(folder);
     GetIniFile();
     if (!PrepareOffice([] {}, updateSilently)) throw RunTimeFailure(53, "tables");
+    FindUnfinishedJobs();
     RecoverSafetyCopies();
     GetPCTotals();
     GetHHStatus();

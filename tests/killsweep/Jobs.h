@@ -29,6 +29,10 @@ struct SweepJob {
     /// For a job that the next start puts in order: whether it has, the office being open. Returns what is
     /// wrong. The start may then change files.
     std::string (*JudgeStarted)() = nullptr;
+
+    /// The path of a file in which a job that fails on the way says how far it came: its content then is for
+    /// JudgeStarted.
+    std::string Mark = {};
 };
 
 /// The jobs of an office, and those that do harm.

@@ -210,7 +210,9 @@ private:
             Complain("said that all went well, and it did not");
         if (!fine) ++findings_.ByFault[fault_].Told;
         if (!fine && TextOf(tools_.Log + "said").empty()) Complain("told of a failure without a word");
-        JudgeFiles(Judged(left, false), false);
+        OfficeFiles files = Judged(left, false);
+        files.erase(job_.Mark);
+        JudgeFiles(files, false);
         for (const auto& [path, content] : left) {
             if (IsWorkFile(path) && !removal) Complain(path + " was left by a process that lived");
         }

@@ -125,22 +125,14 @@ public:
     }
 
 private:
-    class File final : public DiskFile {
+    class File final : public PassingFile {
     public:
-        explicit File(std::unique_ptr<DiskFile> under) : under_(std::move(under)) {}
-        std::size_t ReadAt(std::uint64_t offset, void* to, std::size_t size) override {
-            return under_->ReadAt(offset, to, size);
-        }
+        using PassingFile::PassingFile;
         void WriteAt(std::uint64_t offset, std::string_view bytes) override {
             std::string changed(bytes);
             changed.back() ^= 1;
-            under_->WriteAt(offset, changed);
+            PassingFile::WriteAt(offset, changed);
         }
-        std::uint64_t Size() override { return under_->Size(); }
-        void Flush() override { under_->Flush(); }
-
-    private:
-        std::unique_ptr<DiskFile> under_;
     };
 
     std::string name_;
@@ -226,6 +218,18 @@ TEST_F(BackupTest, TwoInTheSameSecondWriteIntoOneDirectoryAndTheSecondReplacesTh
     EXPECT_EQ(Lines(Directory() + "Backup.txt")[0], "RESTORE");
     EXPECT_EQ(Lines(Directory() + "Backup.txt")[2], "1");
     EXPECT_EQ(TableAt(Directory() + "ZUKOrHdr.dbf").Count, 1);
+}
+
+TEST_F(BackupTest, WhetherOneOfThisSecondStandsGoesByTheTextThatMakesItCount) {
+    EXPECT_FALSE(HasBackupOfThisSecond());
+    ASSERT_TRUE(MakeBackup("CLEAR"));
+    EXPECT_TRUE(HasBackupOfThisSecond());
+    fs::remove(Directory() + "Backup.txt");
+    EXPECT_FALSE(HasBackupOfThisSecond());
+
+    ASSERT_TRUE(MakeBackup("CLEAR"));
+    ++clockTime.Second;
+    EXPECT_FALSE(HasBackupOfThisSecond());
 }
 
 TEST_F(BackupTest, TablesAreFoundWhateverTheirLetters) {

@@ -338,6 +338,25 @@ TEST_F(RestoreTest, ABackupOfThisVerySecondIsNotReplacedByTheCopyThatWouldBeMade
     EXPECT_EQ(TableAt(folder + "ZUKOrHdr.dbf").Count, 2);
 }
 
+TEST_F(RestoreTest, ASecondThatPassesWhileItBeginsDoesNotBringItToReplaceTheVeryBackup) {
+    const std::string folder = GivenBackup(30);
+    GivenOrders({"B1"});
+    Global.Clock = [] {
+        ++clockTime.Second;
+        return clockTime;
+    };
+    for (int second = 20; second < 30; ++second) {
+        clockTime.Second = second;
+
+        const RestoreResult result = Restore(folder);
+
+        EXPECT_TRUE(result.How == End::Restored || result.How == End::ThisMoment) << second;
+        EXPECT_EQ(TableAt(folder + "ZUKOrHdr.dbf").Count, 2) << second;
+        EXPECT_EQ(Lines(folder + "Backup.txt").at(0), "CLEAR") << second;
+        GivenOrders({"B1"});
+    }
+}
+
 TEST_F(RestoreTest, WithoutACopyOfThePresentTablesNothingIsTouched) {
     const std::string folder = GivenBackup(7);
     fs::remove(folder + "ZUKAudTL.dbf");

@@ -219,13 +219,27 @@ TEST_F(TextBridgeTest, ANumberFieldTakesZeroForWhatIsNoNumberAndADateFieldEightD
     EXPECT_EQ(Table().Rows, (std::vector<Values>{{"0  ", "20261115"}, {"0  ", "        "}}));
 }
 
-TEST_F(TextBridgeTest, AMemoFieldTravelsAsTheNumberOfItsBlock) {
-    GivenTable(Old, {{"SIGN", 'M', 10}}, {{"        12"}});
-    GivenTable(New, {{"SIGN", 'M', 10}}, {});
+TEST_F(TextBridgeTest, AMemoOrBinaryFieldTravelsAsTheNumberOfItsBlockAndNoMore) {
+    const std::vector<TableMaker::Column> columns = {{"SIGN", 'M', 10}, {"INK", 'B', 10}, {"PIC", 'G', 10}};
+    GivenTable(Old, columns, {{"        12", "       345", "         6"}, {}});
+    GivenTable(New, columns, {});
+    const std::string memo = GivenFile("OLD.DBT", "the signatures themselves");
 
     Bridge();
 
-    EXPECT_EQ(Table().Rows, (std::vector<Values>{{"12        "}}));
+    EXPECT_EQ(Table().Rows, (std::vector<Values>{{"12        ", "345       ", "6         "},
+                                                 {"          ", "          ", "          "}}));
+    EXPECT_EQ(Bytes(memo), "the signatures themselves");
+    EXPECT_FALSE(Exists(Path("NEW.DBT")));
+}
+
+TEST_F(TextBridgeTest, AValueLosesTheBlanksAtItsEndsAndKeepsThoseInside) {
+    GivenTable(Old, {{"NAME", 'C', 12}}, {{"  Acme  Ltd "}, {"            "}, {" x"}});
+    GivenTable(New, {{"NAME", 'C', 12}}, {});
+
+    Bridge();
+
+    EXPECT_EQ(Table().Rows, (std::vector<Values>{{"Acme  Ltd   "}, {"            "}, {"x           "}}));
 }
 
 TEST_F(TextBridgeTest, Byte165InAValueMovesTheValuesBehindItOfItsRecordAlone) {

@@ -17,24 +17,18 @@ public:
     std::uint64_t BytesRead = 0;
 
 private:
-    class File final : public DiskFile {
+    class File final : public PassingFile {
     public:
-        File(std::unique_ptr<DiskFile> under, CountingDisk& disk) : under_(std::move(under)), disk_(disk) {}
-
+        File(std::unique_ptr<DiskFile> under, CountingDisk& disk)
+            : PassingFile(std::move(under)),
+              disk_(disk) {}
         std::size_t ReadAt(std::uint64_t offset, void* to, std::size_t size) override {
-            const std::size_t read = under_->ReadAt(offset, to, size);
+            const std::size_t read = PassingFile::ReadAt(offset, to, size);
             disk_.BytesRead += read;
             return read;
         }
-        void WriteAt(std::uint64_t offset, std::string_view bytes) override {
-            under_->WriteAt(offset, bytes);
-        }
-        std::uint64_t Size() override { return under_->Size(); }
-        std::uint64_t Version() override { return under_->Version(); }
-        void Flush() override { under_->Flush(); }
 
     private:
-        std::unique_ptr<DiskFile> under_;
         CountingDisk& disk_;
     };
 };

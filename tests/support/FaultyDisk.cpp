@@ -4,26 +4,20 @@
 
 namespace {
 
-class FaultyFile final : public DiskFile {
+class FaultyFile final : public PassingFile {
 public:
     FaultyFile(std::unique_ptr<DiskFile> under, FaultyDisk& disk, std::string path)
-        : under_(std::move(under)),
+        : PassingFile(std::move(under)),
           disk_(disk),
           path_(std::move(path)) {}
 
-    std::size_t ReadAt(std::uint64_t offset, void* to, std::size_t size) override {
-        return under_->ReadAt(offset, to, size);
-    }
     void WriteAt(std::uint64_t offset, std::string_view bytes) override {
         disk_.Step(path_);
-        under_->WriteAt(offset, bytes);
+        PassingFile::WriteAt(offset, bytes);
     }
-    std::uint64_t Size() override { return under_->Size(); }
-    std::uint64_t Version() override { return under_->Version(); }
     void Flush() override { disk_.Step(path_); } // what a test writes need not outlive the power
 
 private:
-    std::unique_ptr<DiskFile> under_;
     FaultyDisk& disk_;
     std::string path_;
 };

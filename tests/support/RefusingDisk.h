@@ -5,6 +5,7 @@
 
 #include <new>
 #include <string>
+#include <utility>
 
 /// The real disk, to be changed in one way or another.
 class PassingDisk : public Disk {
@@ -27,6 +28,23 @@ public:
 
 private:
     Disk& under_ = NativeDisk();
+};
+
+/// A file of a disk, to be changed in one way or another.
+class PassingFile : public DiskFile {
+public:
+    explicit PassingFile(std::unique_ptr<DiskFile> under) : under_(std::move(under)) {}
+
+    std::size_t ReadAt(std::uint64_t offset, void* to, std::size_t size) override {
+        return under_->ReadAt(offset, to, size);
+    }
+    void WriteAt(std::uint64_t offset, std::string_view bytes) override { under_->WriteAt(offset, bytes); }
+    std::uint64_t Size() override { return under_->Size(); }
+    std::uint64_t Version() override { return under_->Version(); }
+    void Flush() override { under_->Flush(); }
+
+private:
+    std::unique_ptr<DiskFile> under_;
 };
 
 /// A disk where paths that begin in a certain way may not be opened for one kind of access, as

@@ -13,21 +13,9 @@ public:
     void FlushFolder(const std::string&) override {}
 
 private:
-    class File final : public DiskFile {
+    class File final : public PassingFile {
     public:
-        explicit File(std::unique_ptr<DiskFile> under) : under_(std::move(under)) {}
-
-        std::size_t ReadAt(std::uint64_t offset, void* to, std::size_t size) override {
-            return under_->ReadAt(offset, to, size);
-        }
-        void WriteAt(std::uint64_t offset, std::string_view bytes) override {
-            under_->WriteAt(offset, bytes);
-        }
-        std::uint64_t Size() override { return under_->Size(); }
-        std::uint64_t Version() override { return under_->Version(); }
+        using PassingFile::PassingFile;
         void Flush() override {}
-
-    private:
-        std::unique_ptr<DiskFile> under_;
     };
 };

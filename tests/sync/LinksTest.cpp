@@ -1,5 +1,6 @@
 #include "sync/Links.h"
 
+#include "core/SafeFile.h"
 #include "store/DBFEdit.h"
 #include "support/EngineTest.h"
 #include "support/Fails.h"
@@ -300,6 +301,79 @@ TEST(HotSyncUsersOf, AManagerAreReadInItsOrderUntilAnEmptyName) {
     EXPECT_EQ(KnownUsers(IdleControl({"Zoe", "Anna"})), (Names{"Zoe", "Anna"}));
     EXPECT_EQ(KnownUsers(IdleControl({"Zoe", "", "Anna"})), Names{"Zoe"});
     EXPECT_EQ(KnownUsers(IdleControl(Names{})), Names{});
+}
+
+// ---- a handheld that is entered ----
+
+TEST_F(Links, AHandheldIsEnteredInItsOrderAndTheOthersKeepTheirFields) {
+    GivenLinks({"Anna", "Cleo"});
+
+    EXPECT_TRUE(AddLink(" Ben "));
+
+    EXPECT_EQ(IDsOnDisk(), (std::vector<std::string>{"Anna", "Ben", "Cleo"}));
+    const TableContent content = TableAt(path);
+    const std::vector<std::string> entered = content.Trimmed(2);
+    EXPECT_EQ(std::count(entered.begin(), entered.end(), ""), static_cast<long>(entered.size()) - 1);
+    EXPECT_EQ(content.Trimmed(3), RowOf("ZUKLINK", {{"LK_HOTSYNC", "Cleo"},
+                                                    {"LK_SERIAL", "S-Cleo"},
+                                                    {"LK_MACH_ID", "M1"},
+                                                    {"LK_LSTONUM", "000123"},
+                                                    {"LK_SFUSER", "opaque"}}));
+}
+
+TEST_F(Links, TheFirstHandheldIsEnteredInAnEmptyTable) {
+    GivenLinks({});
+
+    EXPECT_TRUE(AddLink("Ben"));
+
+    EXPECT_EQ(IDsOnDisk(), std::vector<std::string>{"Ben"});
+}
+
+TEST_F(Links, AHandheldThatStandsThereIsNotEnteredAgainWhateverItsCase) {
+    GivenLinks({"Anna", "Ben"});
+    const std::string before = ReadWholeFile(path);
+
+    EXPECT_FALSE(AddLink("BEN"));
+
+    EXPECT_EQ(ReadWholeFile(path), before);
+}
+
+TEST_F(Links, AnIdThatDoesNotFitOrIsBlankIsRefused) {
+    GivenLinks({"Anna"});
+
+    EXPECT_EQ(FailureNumber([] { AddLink(std::string(31, 'x')); }), 6);
+    EXPECT_EQ(FailureNumber([] { AddLink("  "); }), 5);
+    EXPECT_TRUE(AddLink(std::string(30, 'x')));
+
+    EXPECT_EQ(IDsOnDisk(), (std::vector<std::string>{"Anna", std::string(30, 'x')}));
+}
+
+TEST_F(Links, ADiskThatFailsLeavesTheTableAsItWas) {
+    GivenLinks({"Anna", "Cleo"});
+    const std::string before = ReadWholeFile(path);
+    int failures = 0;
+    for (bool failed = true; failed && failures < 50;) {
+        FaultyDisk disk(failures + 1);
+        Global.TheDisk = &disk;
+        failed = FailureNumber([] { AddLink("Ben"); }) != 0;
+        Global.TheDisk = &NativeDisk();
+        if (!failed) break;
+        ++failures;
+        EXPECT_EQ(ReadWholeFile(path), before) << failures;
+    }
+    EXPECT_GT(failures, 1);
+    EXPECT_EQ(IDsOnDisk(), (std::vector<std::string>{"Anna", "Ben", "Cleo"}));
+}
+
+TEST_F(Links, NoHandheldIsEnteredWhileAnotherProgramHasTheTableOrItHasNoIds) {
+    GivenLinks({"Anna"});
+    const std::string lock = GivenFile("app/DBFFiles/.~lock.ZUKLINK.dbf#", "office");
+    EXPECT_EQ(FailureNumber([] { AddLink("Ben"); }), 70);
+    std::filesystem::remove(lock);
+    EXPECT_EQ(IDsOnDisk(), std::vector<std::string>{"Anna"});
+
+    GivenFile("app/DBFFiles/ZUKLINK.dbf", TableMaker({{"OTHER", 'C', 5}}).Row({"x"}).Bytes());
+    EXPECT_EQ(FailureNumber([] { AddLink("Ben"); }), 321);
 }
 
 } // namespace

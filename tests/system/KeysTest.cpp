@@ -1,10 +1,7 @@
-#include "FilledTables.h"
-#include "OfficeForDay.h"
+#include "OfficeForKeys.h"
 #include "ScreensByKeys.h"
 
 #include <gtest/gtest.h>
-
-#include <QTemporaryDir>
 
 namespace {
 
@@ -13,18 +10,8 @@ namespace {
 class ScreensWithoutAMouse : public ::testing::TestWithParam<int> {};
 
 TEST_P(ScreensWithoutAMouse, DoWhatTheyAreFor) {
-    const QTemporaryDir folder;
-    const QTemporaryDir samples;
-    const OfficeForDay office(QStringLiteral(TRAMBLE_BUILD), folder.filePath(QStringLiteral("office")),
-                              samples.path());
-    FillAllTables(office.Path(QStringLiteral("DBFFiles")).toStdString(), GetParam());
-    DrivenProgram start;
-    start.Program = office.Program();
-    start.Folder = office.Path(QString());
-    DriverClient program(start);
-    program.ExpectContaining(QStringLiteral("Palm Desktop software is needed"));
-    program.Start();
-    program.WaitForm(QStringLiteral("frmMain1"));
+    OfficeForKeys office(QStringLiteral(TRAMBLE_BUILD), GetParam());
+    DriverClient& program = office.Program();
 
     ScreensByKeys{program, GetParam(), {}}.Run();
 

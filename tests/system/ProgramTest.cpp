@@ -36,6 +36,33 @@ TEST_F(Program, StartsAndEndsAndLeavesItsSettingsAndItsTrace) {
     EXPECT_EQ(QDir(office_.Path(QStringLiteral("DBFEmpty"))).entryList({QStringLiteral("*.dbf")}).size(), 24);
 }
 
+TEST_F(Program, F1OpensTheHelpBesideWhateverScreenStandsAndItsSearchFindsAWord) {
+    const QString help = QStringLiteral("frmHelp");
+    const QString page = QStringLiteral("rtbTopic");
+    DriverClient program(InOffice());
+    StartUp(program);
+    program.Focus(Main, QStringLiteral("cmdReset"));
+    program.Key(QStringLiteral("F1"));
+    program.WaitForm(help);
+    program.WaitTextContaining(help, page, QStringLiteral("Handheld Status"));
+
+    program.Click(Main, QStringLiteral("mnuTblCust"));
+    program.WaitForm(QStringLiteral("frmViewGrid"));
+    program.Click(Main, QStringLiteral("mnuMainImport"));
+    program.WaitForm(QStringLiteral("frmConvert"));
+    program.Click(QStringLiteral("frmConvert"), QStringLiteral("cmdHelp"));
+    program.WaitTextContaining(help, page, QStringLiteral("Importing"));
+
+    program.Set(help, QStringLiteral("txtWords"), QStringLiteral("signature"));
+    program.Click(help, QStringLiteral("cmdListTopics"));
+    program.WaitTextContaining(help, QStringLiteral("lblFound"), QStringLiteral("Topics found:"));
+    program.Click(help, QStringLiteral("cmdOK"));
+    program.WaitGone(help);
+    EXPECT_TRUE(program.IsShown(QStringLiteral("frmConvert")));
+    EXPECT_EQ(program.Quit(), 0);
+    EXPECT_TRUE(QDir(folder_.path()).entryList({QStringLiteral("ZUKHelp-*")}, QDir::Dirs).isEmpty());
+}
+
 TEST_F(Program, ASecondStartIsToldAndLeavesTheFirstUntouched) {
     DriverClient first(InOffice());
     StartUp(first);

@@ -2,6 +2,7 @@
 
 #include "core/Messages.h"
 #include "store/TableCatalogue.h"
+#include "support/CountingDisk.h"
 #include "support/EngineTest.h"
 #include "support/Fails.h"
 #include "support/PaperInMemory.h"
@@ -152,12 +153,27 @@ protected:
     std::string path_;
 };
 
-TEST_F(BoxReportTest, NoRowsGiveThePageHeadAndTheEndLine) {
-    Print(TotalsForm(), Grid(Totals(), {}, "ZUKTOTALPC.DBF"));
-    ASSERT_EQ(paper_.Printed.size(), 1U);
-    EXPECT_EQ(paper_.TextOf(0), TotalsHead + TotalsEnd);
-    EXPECT_EQ(paper_.FontName, "Courier New");
-    EXPECT_EQ(paper_.FontPoints, 8);
+TEST_F(BoxReportTest, NoRowsGiveThePageHeadAndTheEndLineInEachReport) {
+    const struct {
+        const BoxForm& Form;
+        TableMaker Table;
+        const char* File;
+        std::string Page;
+    } reports[] = {{TotalsForm(), Totals(), "ZUKTOTALPC.DBF", TotalsHead + TotalsEnd},
+                   {OrHdrAudtForm(), OrHdrAudt(), "ZUKAUDTH.DBF", OrHdrAudtHead + OrHdrAudtEnd},
+                   {OrLinAudtForm(), OrLinAudt(), "ZUKAUDTL.DBF", OrLinAudtHead + NarrowEnd},
+                   {AudtHHForm(), AudtHH(), "ZUKAUDHH.DBF", AudtHHHead + NarrowEnd}};
+    for (const auto& each : reports) {
+        PaperInMemory paper;
+        BoxReport report(each.Form, Grid(each.Table, {}, each.File), UsualPageLength);
+        ReportRun(report, paper).Step(AllPages);
+
+        EXPECT_TRUE(paper.Ended);
+        ASSERT_EQ(paper.Printed.size(), 1U) << each.File;
+        EXPECT_EQ(paper.TextOf(0), each.Page);
+        EXPECT_EQ(paper.FontName, "Courier New");
+        EXPECT_EQ(paper.FontPoints, 8);
+    }
 }
 
 TEST_F(BoxReportTest, TheTotalsStandInElevenBoxes) {
@@ -290,6 +306,7 @@ TEST_F(BoxReportTest, RowsThatJustFillOnePagePrintNoContinuationLine) {
     EXPECT_EQ(paper_.Printed[0].Lines.size(), 31U); // the end line stands below the counted ones
     EXPECT_EQ(RowsOf(0).size(), 20U);
     EXPECT_EQ(LastLine(0) + "\n", OrHdrAudtEnd);
+    EXPECT_EQ(paper_.TextOf(0).find("Continued"), std::string::npos);
 }
 
 TEST_F(BoxReportTest, OneRowMoreMakesASecondPageWhichTheContinuationLineNames) {
@@ -322,6 +339,43 @@ TEST_F(BoxReportTest, ThreePagesHoldEveryRowOnceInItsOrder) {
     EXPECT_EQ(LastLine(1),
               "                             -----------------  Continued on Page 3  ----------------");
     EXPECT_EQ(LastLine(2) + "\n", OrHdrAudtEnd);
+}
+
+TEST_F(BoxReportTest, SortedPagesAreTheSameOneBehindTheOtherAndEachByItself) {
+    auto rows = AuditGrid(70);
+    rows->Sort(0, true);
+    BoxReport report(OrHdrAudtForm(), std::move(rows), 30);
+    const auto print = [&report](std::int32_t page) {
+        PaperInMemory paper;
+        if (page == 1) report.Begin(paper);
+        report.PrintPage(page, paper);
+        return paper.TextOf(0);
+    };
+    const std::vector<std::string> inARow = {print(1), print(2), print(3), print(4)};
+
+    EXPECT_NE(inARow[1], inARow[2]);
+    for (const std::int32_t page : {4, 2, 3, 3, 2, 1, 2})
+        EXPECT_EQ(print(page), inARow[static_cast<std::size_t>(page - 1)]) << page;
+}
+
+TEST_F(BoxReportTest, ASortedTableThatIsLargerThanWhatIsKeptOfItIsReadOnceAndNotForEachRow) {
+    TableMaker maker({{"A_ORDCODE", 'C', 9},
+                      {"A_CUSTCODE", 'C', 250},
+                      {"A_TIME", 'C', 250},
+                      {"A_MACH_ID", 'C', 250},
+                      {"A_DELTYPE", 'C', 250}});
+    constexpr int Rows = 4000; // of 1010 bytes: twice the blocks that are kept
+    for (int k = 1; k <= Rows; ++k) maker.Row({std::to_string(10000 + k * 37 % Rows)});
+    auto rows = Grid(std::move(maker), {}, "ZUKAUDTH.DBF");
+    rows->Sort(1, false);
+    CountingDisk disk;
+    Global.TheDisk = &disk;
+
+    Print(OrHdrAudtForm(), std::move(rows));
+
+    Global.TheDisk = &NativeDisk();
+    EXPECT_LT(disk.BytesRead, 3U * Rows * 1010);
+    EXPECT_EQ(RowsOf(40).front().substr(1, 5), std::to_string(10000 + 40 * 50));
 }
 
 TEST_F(BoxReportTest, TheContinuationLineStandsWhereEachReportHasIt) {

@@ -162,6 +162,27 @@ TEST_F(MasterTableTest, ARecordThatIsNoLongerThereIsSavedIntoNoOther) {
     }
 }
 
+TEST_F(MasterTableTest, ATableThatWasClearedMeanwhileStaysEmptyWhateverIsDoneNext) {
+    const std::function<bool()> deeds[] = {[this] {
+                                               return Customers.Write({{C_NAME, "Acme & Co"}});
+                                           },
+                                           [this] { return Customers.Append(); },
+                                           [this] { return Customers.Delete(); }};
+    for (const auto& deed : deeds) {
+        GivenThree();
+        Customers.Open(2);
+        Given("ZUKCUST", {});
+
+        EXPECT_FALSE(deed());
+
+        EXPECT_EQ(TableAt(path_).Count, 0);
+        EXPECT_EQ(Customers.RecordNumber(), 0);
+        EXPECT_TRUE(Customers.Lookup().empty());
+        EXPECT_TRUE(Customers.Append()) << "an empty table takes a new record";
+        Customers.Close();
+    }
+}
+
 TEST_F(MasterTableTest, AFailureWhileTheRecordIsLookedForMakesNoOtherOneTheRecordThatIsSaved) {
     Global.AppPath.clear(); // no trace: only the editor meets the fault
     int failures = 0;

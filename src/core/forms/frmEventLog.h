@@ -3,7 +3,8 @@
 #include "platform/Form.h"
 #include "ui_frmEventLog.h"
 
-/// Shows the trace as it stands in `Events.log`, newest line first.
+/// Shows the trace as it stood in `Events.log` when it was opened, newest line first; prints it, and begins a
+/// message to which it can be attached.
 class frmEventLog final : public Form, private Ui::frmEventLog {
     Q_OBJECT
 
@@ -12,6 +13,8 @@ public:
 
 private slots:
     void cmdOK_Click();
+    void cmdPrint_Click();
+    void cmdEMail_Click();
 
 protected:
     void Form_Load() override;

@@ -15,9 +15,14 @@
 #include "exchange/forms/frmQBExport.h"
 #include "exchange/forms/frmQBImport.h"
 #include "exchange/forms/frmQBUpload.h"
+#include "help/HTMLHelp.h"
+#include "installation/forms/frmHHInstall.h"
+#include "installation/forms/frmQuickStart.h"
+#include "installation/forms/frmQuickStart2.h"
 #include "maintenance/Backup.h"
 #include "maintenance/Office.h"
 #include "maintenance/Totals.h"
+#include "maintenance/UnfinishedJobs.h"
 #include "maintenance/forms/frmTableSelectPC.h"
 #include "platform/Convert.h"
 #include "platform/HotSyncManager.h"
@@ -48,6 +53,7 @@
 #include "sync/forms/frmTableSelectDL.h"
 #include "sync/forms/frmUploadSelect.h"
 #include "tools/forms/frmAbout.h"
+#include "tools/forms/frmFindNotes.h"
 #include "tools/forms/frmOptions.h"
 #include "views/SetupTables.h"
 #include "views/TableViews.h"
@@ -175,6 +181,7 @@ void frmMain1::StartUp() {
     }
     if (!PrepareOffice([] { Tell(msg::DownloadSelectionMissing, Icon::Information); }, CopyTables))
         return StopStart(msg::TablesMissing);
+    TellUnfinishedJobs();
     PutBackSafetyCopies();
     LoadIcons();
     SetUpTotalsGrid();
@@ -194,6 +201,15 @@ void frmMain1::StartUp() {
     operating_ = true;
     WriteSettings();
     Timer2->start();
+}
+
+/// Before what was left of an upload changes the tables. In unattended mode the trace has it.
+void frmMain1::TellUnfinishedJobs() {
+    const UnfinishedJobs found = FindUnfinishedJobs();
+    if (Global.UnattendedActive) return;
+    for (const CutOffJob& job : found.Jobs) Tell(TellCutOff(job), Icon::Warning);
+    if (found.Broken.empty()) return;
+    Tell(Lines(msg::CutOffNotRead, Text::Path(std::string_view(found.Broken))), Icon::Warning);
 }
 
 void frmMain1::PutBackSafetyCopies() {
@@ -567,6 +583,7 @@ void frmMain1::ShowPage(int page) {
     picRemoteSync->setCurrentIndex(page);
     lblRemoteSync->setText(ToQt(Text(PageTitles[page])));
     imgTools->setPixmap(Picture(PagePictures[page]).pixmap(20, 20));
+    imgToolsHelp->setProperty("HelpTopic", picRemoteSync->currentWidget()->property("HelpTopic"));
     if (page == PageSummary) RefreshRecordCounts();
 }
 
@@ -828,16 +845,29 @@ void frmMain1::mnuQC_Click() {
         CheckAllProcesses();
 }
 
+void frmMain1::EnableRegistration(bool enabled) {
+    for (QWidget* label : {lblUpdateHSUsers, lblUA, lblDemoInstall, lblHelpCompany})
+        label->setEnabled(enabled);
+    for (QAction* entry : {mnuUpdateReg, mnuRemoteSync}) entry->setEnabled(enabled);
+}
+
 void frmMain1::UpdateUsers() {
     UnloadForms();
-    // One registration at a time: it waits for windows of the other programs.
-    const auto enable = [this](bool enabled) {
-        for (QWidget* label : {lblUpdateHSUsers, lblUA}) label->setEnabled(enabled);
-        for (QAction* entry : {mnuUpdateReg, mnuRemoteSync}) entry->setEnabled(enabled);
-    };
-    enable(false);
+    EnableRegistration(false); // while the question stands too
     UpdateHSUsers(*this);
-    enable(true);
+    EnableRegistration(true);
+}
+
+void frmMain1::lblDemoInstall_Click() {
+    TraceEvent("frmMain1:lblDemoInstall_Click");
+    UnloadForms();
+    The<frmQuickStart>().Show();
+}
+
+void frmMain1::lblHelpCompany_Click() {
+    TraceEvent("frmMain1:lblHelpCompany_Click");
+    UnloadForms();
+    The<frmQuickStart2>().Show();
 }
 
 void frmMain1::lblUpdateHSUsers_Click() {
@@ -848,6 +878,16 @@ void frmMain1::lblUpdateHSUsers_Click() {
 void frmMain1::mnuUpdateReg_Click() {
     TraceEvent("frmMain1:mnuUpdateReg_Click");
     UpdateUsers();
+}
+
+void frmMain1::lblInstallHH_Click() {
+    mnuSetupInitial_Click();
+}
+
+void frmMain1::mnuSetupInitial_Click() {
+    TraceEvent("frmMain1:mnuSetupInitial_Click");
+    UnloadForms();
+    The<frmHHInstall>().Show(ShowMode::Modal);
 }
 
 void frmMain1::lblSetupPC_Click() {
@@ -990,10 +1030,42 @@ void frmMain1::mnuViewTotals_Click() {
     View("mnuViewTotals_Click", ViewTotals);
 }
 
+void frmMain1::mnuHelpContents_Click() {
+    TraceEvent("frmMain1:mnuHelpContents_Click");
+    Global.TheHelp->HHDisplayContents();
+}
+
+void frmMain1::mnuHelpIndex_Click() {
+    TraceEvent("frmMain1:mnuHelpIndex_Click");
+    Global.TheHelp->HHDisplayIndex();
+}
+
+void frmMain1::mnuHelpSearch_Click() {
+    TraceEvent("frmMain1:mnuHelpSearch_Click");
+    Global.TheHelp->HHDisplaySearch();
+}
+
+void frmMain1::mnuWhatsThis_Click() {
+    TraceEvent("frmMain1:mnuWhatsThis_Click");
+    Global.TheHelp->HHInvokeWhatsThisHelp();
+}
+
 void frmMain1::mnuMainAbout_Click() {
     TraceEvent("frmMain1:mnuMainAbout_Click");
     UnloadForms();
     The<frmAbout>().Show(ShowMode::Modal);
+}
+
+void frmMain1::mnuNotes_Click() {
+    TraceEvent("frmMain1:mnuNotes_Click");
+    UnloadForms();
+    The<frmFindNotes>().Show(ShowMode::Modal);
+}
+
+void frmMain1::lblNotes_Click() {
+    TraceEvent("frmMain1:lblNotes_Click");
+    UnloadForms();
+    The<frmFindNotes>().Show(ShowMode::Modal);
 }
 
 void frmMain1::mnuDarkLook_Click() {

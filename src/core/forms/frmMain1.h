@@ -53,6 +53,10 @@ public:
     /// Brings the screen to the idle form of the mode, and enables what the other has disabled.
     void LoadInactiveRemoteSync();
 
+    /// Whether the ways to a registration of the HotSync users are open. One at a time: it waits for windows
+    /// of the other programs.
+    void EnableRegistration(bool enabled);
+
     /// A session of the armed mode: who is in it, and how far its phases are.
     void ShowSession(const std::string& user);
     void ShowPhase(SyncPhaseImage phase, PhaseLook look);
@@ -75,7 +79,13 @@ private slots:
     void mnuMainExport_Click();
     void mnuExit_Click();
     void mnuClearPCTables_Click();
+    void mnuHelpContents_Click();
+    void mnuHelpIndex_Click();
+    void mnuHelpSearch_Click();
+    void mnuWhatsThis_Click();
     void mnuMainAbout_Click();
+    void mnuNotes_Click();
+    void lblNotes_Click();
     void mnuDarkLook_Click();
     void mnuChgComp_Click();
     void mnuChgLinks_Click();
@@ -119,8 +129,12 @@ private slots:
     void lblQC_Click();
     void mnuConfig_Click();
     void mnuQC_Click();
+    void lblDemoInstall_Click();
+    void lblHelpCompany_Click();
     void lblUpdateHSUsers_Click();
     void mnuUpdateReg_Click();
+    void lblInstallHH_Click();
+    void mnuSetupInitial_Click();
     void lblSetupPC_Click();
     void mnuPCSetup_Click();
     void lblUA_Click();
@@ -140,6 +154,7 @@ protected:
 private:
     void StartUp();
     void StopStart(const Text& reason);
+    static void TellUnfinishedJobs();
     void PutBackSafetyCopies();
     void LoadIcons();
     void SetLLQStandard();

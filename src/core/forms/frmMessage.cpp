@@ -26,6 +26,11 @@ void frmMessage::Fill(const Question& question) {
     adjustSize();
 }
 
+std::string frmMessage::HelpTopic() const {
+    const QString topic = lblHelpURL->text();
+    return topic.isEmpty() ? Form::HelpTopic() : topic.toStdString();
+}
+
 void frmMessage::cmdYes_Click() {
     TraceEvent("frmMessage:cmdYes_Click");
     Global.MessageAnswer = true;

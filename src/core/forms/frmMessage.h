@@ -12,6 +12,7 @@ public:
     frmMessage() { setupUi(this); }
 
     void Fill(const Question& question);
+    std::string HelpTopic() const override;
 
 private slots:
     void cmdYes_Click();

@@ -9,6 +9,7 @@
 #include "core/forms/frmProgress.h"
 #include "exchange/forms/DataDirectory.h"
 #include "maintenance/Backup.h"
+#include "maintenance/forms/BackupRun.h"
 #include "platform/BarProgress.h"
 
 namespace {
@@ -47,8 +48,9 @@ void TellOrphanLines(const ExportResult& result) {
     Tell(Words(Text::Value(result.OrphanLines), msg::LinesWithoutHeader), Icon::Information);
 }
 
-bool AgreedToDelete() {
+bool AgreedToDelete(FormBehaviour& form) {
     if (!AskYesNo(Lines(msg::DeleteExported, msg::DeleteExportedNote))) return false;
+    if (!AwaitOwnSecond(form)) return false;
     if (!MakeBackup("EXPORT")) {
         // Without a backup nothing is emptied: the orders would be gone.
         Tell(Lines(msg::FileError, msg::CannotBackUp), Icon::Stop);

@@ -26,7 +26,7 @@ void TellOrphanLines(const ExportResult& result);
 
 /// Asks whether the exported tables are to go. After a Yes the tables are backed up and the event is
 /// recorded: true when that was done, and they may go.
-bool AgreedToDelete();
+bool AgreedToDelete(FormBehaviour& form);
 
 /// Shows the new state of the orders on the main screen, if there is one.
 void RefreshMainScreen();

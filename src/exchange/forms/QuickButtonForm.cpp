@@ -20,10 +20,6 @@ void QuickButtonForm::SetUp(MessageId caption) {
     lblSST = {lblSST_1, lblSST_2};
 }
 
-void QuickButtonForm::Trace(std::string_view routine) const {
-    TraceEvent(std::string(metaObject()->className()) + ":" + std::string(routine));
-}
-
 void QuickButtonForm::Form_Load() {
     Trace("Form_Load");
     lblProgress->hide();

@@ -46,9 +46,6 @@ protected:
     /// After the last row; `anyWorked` when at least one row did.
     virtual void FinishRun(bool anyWorked) = 0;
 
-    /// Trace text "form:routine".
-    void Trace(std::string_view routine) const;
-
     /// A template that a row names cannot be opened: tells so.
     static RowResult TellCannotOpen(const Text& templateName);
 

@@ -19,12 +19,8 @@ void frmConvert::Form_Load() {
     TraceEvent("frmConvert:Form_Load");
     repair_ =
         TemplateToRepair({TemplateExtension(TemplateKind::Cust), TemplateExtension(TemplateKind::Item)});
-    try {
-        EnsureDataDirectory(Global.DataInPath, "DataIn", msg::DataInUnavailable);
-    } catch (const RunTimeFailure& failure) {
-        Tell(Lines(msg::FileError, Text::Path(std::string_view(failure.what()))), Icon::Stop);
+    if (!Try([] { EnsureDataDirectory(Global.DataInPath, "DataIn", msg::DataInUnavailable); }))
         return Unload();
-    }
     for (const std::string& name : FilesWithExtension(Global.DataInPath, "")) {
         filFiles->addItem(PathToQt(name));
     }

@@ -385,11 +385,7 @@ bool frmExport1::Export() {
 
 /// The tables stay as they are here: the backup is all that a Yes does.
 void frmExport1::OfferBackup() {
-    try {
-        AgreedToDelete();
-    } catch (const RunTimeFailure& failure) {
-        Tell(Lines(msg::FileError, Text::Path(std::string_view(failure.what()))), Icon::Stop);
-    }
+    Try([this] { AgreedToDelete(*this); });
 }
 
 void frmExport1::cmdCancel_Click() {

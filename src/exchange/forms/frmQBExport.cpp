@@ -54,7 +54,7 @@ QuickButtonForm::RowResult frmQBExport::RunRow(std::size_t row, const std::strin
 
 void frmQBExport::OfferDeletion() {
     try {
-        if (!AgreedToDelete()) return;
+        if (!AgreedToDelete(*this)) return;
         for (const char* table : {"ZUKOrHdr.dbf", "ZUKOrLin.dbf"}) {
             CopyOver(Global.DBFEmptyPath + table, Global.DBFPath + table);
         }

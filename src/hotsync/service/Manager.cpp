@@ -6,6 +6,7 @@
 #include "core/Globals.h"
 #include "core/Operator.h"
 #include "core/Paths.h"
+#include "help/forms/QtHelp.h"
 #include "hotsync/forms/frmHSExit.h"
 #include "hotsync/forms/frmHSManager.h"
 #include "hotsync/forms/frmHSPickUser.h"
@@ -224,6 +225,11 @@ void Run(const std::string& folder, bool minimised) {
 } // namespace
 
 int RunManager(int argc, char** argv, const char* version) {
+    // The PC program asks so for its "About" screen: no display is needed for the answer.
+    if (argc == 2 && std::string_view(argv[1]) == "--version") {
+        std::printf("hotsync %s\n", version);
+        return 0;
+    }
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("hotsync"));
     QApplication::setApplicationVersion(QString::fromLatin1(version));
@@ -241,11 +247,13 @@ int RunManager(int argc, char** argv, const char* version) {
 
     QtOperator atTheScreen;
     Global.TheOperator = &atTheScreen;
+    QtHelp help;
     const std::string folder = AddBackslash(PathFromQt(QApplication::applicationDirPath()));
     // One manager a folder: a second start has nothing to do.
     if (!SingleInstance::Take(folder)) return 0;
     try {
         LoadMessages(OfficeOf(folder) + "Messages.tsv");
+        help.Help().HHSetHelpFile(HelpFilePath(folder, OfficeOf(folder)));
         ApplyLook(application, Registry::DarkLook(OfficeOf(folder)));
         Run(folder, options.isSet(minimised));
     } catch (const std::exception& failure) {

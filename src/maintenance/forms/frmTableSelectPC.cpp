@@ -8,9 +8,11 @@
 #include "core/forms/frmProgress.h"
 #include "exchange/forms/ExportRun.h"
 #include "maintenance/Backup.h"
+#include "maintenance/forms/BackupRun.h"
 #include "platform/Convert.h"
 #include "platform/HelpLine.h"
 #include "store/OfficeTables.h"
+#include "sync/SafetyCopies.h"
 #include "sync/Status.h"
 #include "sync/TableTemplates.h"
 #include "sync/forms/StatusFile.h"
@@ -79,7 +81,9 @@ bool frmTableSelectPC::IsAgreedTo() {
 void frmTableSelectPC::Perform() {
     if (!IsDriven() && !IsAgreedTo()) return;
     const ClearPlan plan = Plan();
+    if (plan.NeedsBackup() && !AwaitOwnSecond(*this)) return;
     if (!TablesAreFree(TablesOf(plan))) return;
+    if (!CopiesAreIn(plan)) return;
     if (plan.NeedsBackup() && !MakeBackup("CLEAR")) {
         Tell(Lines(msg::FileError, msg::TransferAborted), Icon::Stop);
         if (auto* main = IfLoaded<frmMain1>()) main->RefreshRecordCounts();
@@ -92,14 +96,30 @@ void frmTableSelectPC::Perform() {
     Unload();
 }
 
+/// What an upload has left to be put back comes first, or it would come back behind the clearing. False when
+/// it cannot be put back: the operator has been told.
+bool frmTableSelectPC::CopiesAreIn(const ClearPlan& plan) {
+    try {
+        RecoverBeforeReplacing(TablesOf(plan));
+        return true;
+    } catch (const RunTimeFailure& failure) {
+        Tell(
+            Lines(Lines(msg::FileError, msg::CopiesNotPutBack), Text::Path(std::string_view(failure.what()))),
+            Icon::Stop);
+        return false;
+    }
+}
+
 /// False when it was stopped: the operator has been told.
 bool frmTableSelectPC::Clear(const ClearPlan& plan) {
     ClearedTables cleared;
     std::optional<Text> stopped;
     try {
+        TableJob job = MarkClearing(plan);
         ClearPCTotals(plan, cleared);
         if (plan.ChangesOrders()) RecordTotals(ProgressFlag::Clear);
         ClearTables(plan, cleared);
+        job.Finish();
         if (plan.ChangesOrders()) RecordTotals(ProgressFlag::Clear2);
     } catch (const RunTimeFailure& failure) {
         stopped = Text::Path(std::string_view(failure.what()));

@@ -29,6 +29,7 @@ protected:
 
 private:
     bool IsAgreedTo();
+    static bool CopiesAreIn(const ClearPlan& plan);
     bool Clear(const ClearPlan& plan);
     static void ShowState(const ClearPlan& plan);
     ClearPlan Plan() const;

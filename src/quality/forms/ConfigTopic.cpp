@@ -4,7 +4,6 @@
 #include "core/Messages.h"
 #include "core/Operator.h"
 #include "core/TextCompare.h"
-#include "core/Trace.h"
 #include "exchange/forms/frmConvert.h"
 #include "platform/Convert.h"
 #include "platform/HelpLine.h"
@@ -27,10 +26,6 @@ void ConfigTopic::Bind(const std::vector<Help>& help) {
     line->Add(*findChild<QPushButton*>(QStringLiteral("cmdQC")), msg::TipCheck);
     line->Add(*findChild<QPushButton*>(QStringLiteral("cmdCancel")), msg::TipClose);
     lblHelp->setMinimumHeight(HelpLines * lblHelp->fontMetrics().lineSpacing());
-}
-
-void ConfigTopic::Trace(const char* routine) const {
-    TraceEvent(std::string(metaObject()->className()) + ":" + routine);
 }
 
 void ConfigTopic::Say(const Text& text) {
@@ -63,12 +58,7 @@ void SearchTopic::Form_Load() {
     Loading = true;
     for (const SearchField::Choice& choice : field_.Choices)
         list_->addItem(ToQt(std::string_view(choice.Value)));
-    try {
-        Global.*field_.InMemory = ReadSearchChoice(field_);
-        known_ = true;
-    } catch (const RunTimeFailure& failure) {
-        Tell(Lines(msg::FileError, Text::Path(std::string_view(failure.what()))), Icon::Stop);
-    }
+    known_ = Try([this] { Global.*field_.InMemory = ReadSearchChoice(field_); });
     ShowChoice();
     Loading = false;
 }
@@ -103,12 +93,7 @@ void SearchTopic::Import(TemplateKind kind) {
 
 void SearchTopic::Form_Unload() {
     // A choice that could not be read is not overwritten by one that nobody has made.
-    if (known_ && !(Global.*field_.InMemory).empty()) {
-        try {
-            WriteSearchChoice(field_, Global.*field_.InMemory);
-        } catch (const RunTimeFailure& failure) {
-            Tell(Lines(msg::FileError, Text::Path(std::string_view(failure.what()))), Icon::Stop);
-        }
-    }
+    if (known_ && !(Global.*field_.InMemory).empty())
+        Try([this] { WriteSearchChoice(field_, Global.*field_.InMemory); });
     ConfigTopic::Form_Unload();
 }

@@ -34,8 +34,6 @@ protected:
     void Form_Load() override;
     void Form_Unload() override;
 
-    void Trace(const char* routine) const;
-
     /// Says something in the place of the help, until a control is looked at.
     void Say(const Text& text);
 

@@ -137,3 +137,10 @@ bool PassQualityCheck(FormBehaviour& caller) {
     caller.WaitWhile([] { return Global.QCWaiting; });
     return !std::exchange(Global.QCFatalFound, false) && !caller.IsOver();
 }
+
+void OpenToConfigure(const std::function<void()>& open) {
+    Global.QCViewMode = false; // the screen opens for itself, whatever the report has shown last
+    Global.FromConfigurator = true;
+    open();
+    Global.FromConfigurator = false;
+}

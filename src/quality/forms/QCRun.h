@@ -2,6 +2,7 @@
 
 #include "quality/Checks.h"
 
+#include <functional>
 #include <span>
 
 class FormBehaviour;
@@ -25,3 +26,7 @@ void CheckAllProcesses();
 /// Tells that a check comes, has the Configurator check everything and waits for the end of the run.
 /// True when `caller` may go on: no Fatal problem, and the caller still there.
 bool PassQualityCheck(FormBehaviour& caller);
+
+/// Opens a screen on behalf of the Configurator or of QuickStart: `open` returns when it has been shown, or,
+/// for a modal one, when it has gone.
+void OpenToConfigure(const std::function<void()>& open);

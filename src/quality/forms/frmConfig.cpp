@@ -188,10 +188,7 @@ void frmConfig::cmdCheckAll_Click() {
 
 void frmConfig::Configure(const char* handler, const std::function<void()>& open) {
     TraceEvent(std::string("frmConfig:") + handler);
-    Global.QCViewMode = false; // the screen opens for itself, whatever the report has shown last
-    Global.FromConfigurator = true;
-    open();
-    Global.FromConfigurator = false;
+    OpenToConfigure(open);
 }
 
 void frmConfig::cmdLinks1_Click() {

@@ -2,7 +2,6 @@
 
 #include "core/Catalogue.h"
 #include "core/Dates.h"
-#include "core/Failure.h"
 #include "core/Globals.h"
 #include "core/Messages.h"
 #include "core/Operator.h"
@@ -208,11 +207,7 @@ void frmConfigMsg::cmdSave_Click() {
     if (FileExists(path)) {
         if (!AskYesNo(Lines(msg::ReportNameTaken, Text::Path(std::string_view(path))), Icon::Warning)) return;
     }
-    try {
-        SaveReport(path, problems_.Rows());
-    } catch (const RunTimeFailure& failure) {
-        return Tell(Lines(msg::FileError, Text::Path(std::string_view(failure.what()))), Icon::Stop);
-    }
+    if (!Try([&] { SaveReport(path, problems_.Rows()); })) return;
     Tell(Lines(msg::ReportSaved, Text::Path(std::string_view(path))), Icon::Information);
 }
 

@@ -21,10 +21,6 @@ void AppendForm::Bind() {
     pgbProgress = findChild<QProgressBar*>(QStringLiteral("pgbProgress"));
 }
 
-void AppendForm::Trace(std::string_view routine) const {
-    TraceEvent(std::string(metaObject()->className()) + ":" + std::string(routine));
-}
-
 void AppendForm::Form_Load() {
     Trace("Form_Load");
     const UploadRun& run = Global.MainSyncLoaded ? Global.SessionRun : Global.UploadScreenRun;

@@ -5,7 +5,6 @@
 #include "sync/UploadRun.h"
 
 #include <initializer_list>
-#include <string_view>
 #include <vector>
 
 class QLabel;
@@ -37,8 +36,6 @@ protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
-    void Trace(std::string_view routine) const;
-
     std::vector<Step> steps_;
     std::vector<TableMerge> merges_;
     bool reading_ = false;

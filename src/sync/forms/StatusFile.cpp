@@ -33,6 +33,12 @@ bool WithStatusFile(void (*routine)()) {
     }
 }
 
+void BeginHHStatusAnew() {
+    ClearHHStatus();
+    if (!WithStatusFile(MakeHHStatusFile)) return;
+    if (auto* main = IfLoaded<frmMain1>()) main->GetHHBricksStd();
+}
+
 void ShowHHStatus() {
     WriteAndDraw(&frmMain1::GetHHBricks);
 }

@@ -43,10 +43,6 @@ Text NameOf(std::string_view table, bool counted) {
 
 } // namespace
 
-void TableSelectForm::Trace(std::string_view routine) const {
-    TraceEvent(std::string(metaObject()->className()) + ":" + std::string(routine));
-}
-
 // ---- opening ----
 
 void TableSelectForm::Bind(std::vector<Group> groups, const Hints& hints, bool counted) {

@@ -77,9 +77,6 @@ protected:
     /// A QuickButton's run has come to its end, and the screen still stands.
     virtual void EndDrive() {}
 
-    /// Trace text "form:routine".
-    void Trace(std::string_view routine) const;
-
     /// A QuickButton performs a selection: nothing is asked.
     bool IsDriven() const { return driven_; }
     /// That has been done.

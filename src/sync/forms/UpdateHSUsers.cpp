@@ -6,6 +6,7 @@
 #include "core/Messages.h"
 #include "core/Operator.h"
 #include "core/Paths.h"
+#include "core/forms/frmMain1.h"
 #include "platform/Convert.h"
 #include "platform/Form.h"
 #include "platform/HotSyncManager.h"
@@ -15,6 +16,8 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
+
+#include <utility>
 
 namespace {
 
@@ -33,6 +36,20 @@ public:
 
 private:
     QString before_;
+};
+
+/// Lets the main screen begin no second registration, which would wait for the windows of this one.
+class OnlyOne {
+public:
+    OnlyOne() { Enable(false); }
+    OnlyOne(const OnlyOne&) = delete;
+    OnlyOne& operator=(const OnlyOne&) = delete;
+    ~OnlyOne() { Enable(true); }
+
+private:
+    static void Enable(bool enabled) {
+        if (auto* main = IfLoaded<frmMain1>()) main->EnableRegistration(enabled);
+    }
 };
 
 Text Explanation() {
@@ -116,10 +133,16 @@ void UpdateHSUsers(FormBehaviour& form) {
     if (!IsHotSyncActiveOrTell()) return;
     const bool agreed = Global.TheOperator->Ask(
         {Explanation(), msg::Ok, msg::Cancel, "Update_Hotsync_Users.htm", msg::lblUpdateHSUsers});
-    if (!agreed || form.IsOver()) return;
+    if (agreed && !form.IsOver()) UpdateHS(form);
+}
+
+bool UpdateHS(FormBehaviour& form) {
+    const OnlyOne registration;
     const WorkingDirectory before;
-    if (!StartRegistration()) return;
+    if (std::exchange(Global.TemporaryDirectory, false)) RemoveTemporaryDirectory();
+    if (!StartRegistration()) return false;
     AwaitSetup(form);
     if (!form.IsOver() && AnswerExit(form)) AwaitSetup(form);
-    if (!form.IsOver()) Global.HSUsersUpdated = true;
+    if (form.IsOver()) return false;
+    return Global.HSUsersUpdated = true;
 }

@@ -1,6 +1,5 @@
 #include "sync/forms/frmChgLink.h"
 
-#include "core/Failure.h"
 #include "core/Globals.h"
 #include "core/Messages.h"
 #include "core/Operator.h"
@@ -16,18 +15,19 @@
 #include "views/forms/frmViewData.h"
 #include "views/forms/frmViewGrid.h"
 
-#include <QShortcut>
-
 #include <algorithm>
 #include <utility>
 
+frmChgLink::frmChgLink() {
+    setupUi(this);
+    moves_ = new RecordMoves(*this, [this](std::int32_t target) { Move(target); });
+}
+
 void frmChgLink::Form_Load() {
-    TraceEvent("frmChgLink:Form_Load");
+    Trace("Form_Load");
     // A session would write the same table.
     UnloadMainSync();
     setWindowIcon(Picture("UpDtHSUsers32x32-16M.ico"));
-    for (const auto& [key, button] : {std::pair{Qt::Key_PageUp, cmdPrevious}, {Qt::Key_PageDown, cmdNext}})
-        connect(new QShortcut(key, this), &QShortcut::activated, button, &QPushButton::click);
     SFLink = NewSFrmAX40();
     SFLink->HotSyncStatus = [this](std::int32_t status) {
         if (!IsOver()) Run([this, status] { SFLink_HotSyncStatus(status); });
@@ -44,21 +44,10 @@ void frmChgLink::Form_Load() {
     (links_.RecordCount() > 0 ? static_cast<QWidget*>(txtHotSync) : cmdAdd)->setFocus();
 }
 
-/// Takes a step of the table. False when the disk would not have it: the operator has been told.
-bool frmChgLink::Try(const std::function<void()>& step) {
-    try {
-        step();
-        return true;
-    } catch (const RunTimeFailure& failure) {
-        Tell(Lines(msg::FileError, Text::Path(std::string_view(failure.what()))), Icon::Stop);
-        return false;
-    }
-}
-
 // ---- the screen ----
 
 void frmChgLink::DisplayData() {
-    TraceEvent("frmChgLink:DisplayData");
+    Trace("DisplayData");
     const LinkFields fields = links_.Trimmed();
     const std::pair<QLineEdit*, std::string_view> texts[] = {
         {txtHotSync, fields.HotSync}, {txtSerial, fields.Serial}, {txtSFUser, fields.SFUser}};
@@ -71,22 +60,7 @@ void frmChgLink::DisplayData() {
 }
 
 void frmChgLink::ShowCount() {
-    const std::int32_t record = links_.RecordNumber();
-    const std::int32_t count = links_.RecordCount();
-    lblCount->setText(
-        ToQt(count > 0 ? Words(Text::Value(std::int64_t{record}), msg::Of, Text::Value(std::int64_t{count}))
-                       : Text(msg::NoRecords)));
-    const QWidget* at = focusWidget();
-    frLinkField->setEnabled(count > 0);
-    cmdDelete->setEnabled(count > 0);
-    for (QPushButton* button : {cmdFirst, cmdPrevious}) button->setEnabled(record > 1);
-    for (QPushButton* button : {cmdNext, cmdLast}) button->setEnabled(record < count);
-    if (!at || at->isEnabled()) return;
-    // The same key once more, at either end or behind the last deletion, is to do no harm.
-    QWidget* const harmless[] = {cmdPrevious, cmdNext, txtHotSync, cmdAdd};
-    (*std::find_if(harmless, std::end(harmless) - 1, [](QWidget* each) {
-        return each->isEnabled();
-    }))->setFocus();
+    moves_->Show(links_.RecordNumber(), links_.RecordCount(), {frLinkField, cmdDelete}, {txtHotSync, cmdAdd});
 }
 
 /// Why no session, or another record's, might find the id on the screen; it is no reason to refuse it.
@@ -116,7 +90,7 @@ void frmChgLink::Form_GotFocus() {
 // ---- saving ----
 
 void frmChgLink::UpdateData() {
-    TraceEvent("frmChgLink:UpdateData");
+    Trace("UpdateData");
     if (links_.RecordNumber() == 0) return;
     const LinkFields fields{FromQt(txtHotSync->text()), FromQt(txtSerial->text()), FromQt(txtSFUser->text())};
     if (Trim(fields.HotSync).empty()) {
@@ -136,24 +110,22 @@ bool frmChgLink::Saved() {
 }
 
 void frmChgLink::SortData() {
-    TraceEvent("frmChgLink:SortData");
+    Trace("SortData");
     SortLinkFile(Global.DBFPath + "ZUKLINK.DBF");
 }
 
-/// Puts the table in order and lets the status of the handhelds, which goes by its rows, begin anew.
+/// Puts the table in order and lets the status of the handhelds begin anew.
 /// False when the table could not be put in order: the operator has been told.
 bool frmChgLink::Finish() {
     links_.Close();
     if (!Try([&] { SortData(); })) return false;
     before_ = links_.IDs();
-    ClearHHStatus();
-    if (!WithStatusFile(MakeHHStatusFile)) return true;
-    if (auto* main = IfLoaded<frmMain1>()) main->GetHHBricksStd();
+    BeginHHStatusAnew();
     return true;
 }
 
 void frmChgLink::SFLink_HotSyncStatus(std::int32_t status) {
-    TraceEvent("frmChgLink:SFLink_HotSyncStatus");
+    Trace("SFLink_HotSyncStatus");
     if (!Global.ManualUploadActive || status != SessionBegun) return;
     if (SameText(SFLink->UserName(), Global.NewHSUser))
         return Tell(Text::Value(std::int64_t{SFLink->UserID()}));
@@ -168,43 +140,23 @@ void frmChgLink::Move(std::int32_t target) {
     if (Saved() && Try([&] { links_.Go(target); })) DisplayData();
 }
 
-void frmChgLink::cmdFirst_Click() {
-    TraceEvent("frmChgLink:cmdFirst_Click");
-    Move(DBFEdit::First);
-}
-
-void frmChgLink::cmdPrevious_Click() {
-    TraceEvent("frmChgLink:cmdPrevious_Click");
-    Move(DBFEdit::Previous);
-}
-
-void frmChgLink::cmdNext_Click() {
-    TraceEvent("frmChgLink:cmdNext_Click");
-    Move(DBFEdit::Next);
-}
-
-void frmChgLink::cmdLast_Click() {
-    TraceEvent("frmChgLink:cmdLast_Click");
-    Move(DBFEdit::Last);
-}
-
 // ---- the other buttons ----
 
 void frmChgLink::cmdAdd_Click() {
-    TraceEvent("frmChgLink:cmdAdd_Click");
+    Trace("cmdAdd_Click");
     if (!Saved() || !Try([&] { links_.Append(); })) return;
     DisplayData();
     txtHotSync->setFocus();
 }
 
 void frmChgLink::cmdDelete_Click() {
-    TraceEvent("frmChgLink:cmdDelete_Click");
+    Trace("cmdDelete_Click");
     if (!AskYesNo(msg::DeleteCurrentLink) || IsOver()) return;
     if (Try([&] { links_.Delete(); })) DisplayData();
 }
 
 void frmChgLink::cmdView_Click() {
-    TraceEvent("frmChgLink:cmdView_Click");
+    Trace("cmdView_Click");
     if (!Saved()) return;
     const std::int32_t record = links_.RecordNumber();
     links_.Close();
@@ -219,7 +171,7 @@ void frmChgLink::cmdView_Click() {
 }
 
 void frmChgLink::cmdOK_Click() {
-    TraceEvent("frmChgLink:cmdOK_Click");
+    Trace("cmdOK_Click");
     if (!Saved()) return;
     const std::int32_t record = links_.RecordNumber();
     if (Finish()) return Unload();
@@ -227,12 +179,12 @@ void frmChgLink::cmdOK_Click() {
 }
 
 void frmChgLink::cmdCancel_Click() {
-    TraceEvent("frmChgLink:cmdCancel_Click");
+    Trace("cmdCancel_Click");
     Unload();
 }
 
 void frmChgLink::Form_Unload() {
-    TraceEvent("frmChgLink:Form_Unload");
+    Trace("Form_Unload");
     // A record that never got an id would be a handheld that nobody can name.
     if (links_.IsNew()) Try([&] { links_.Delete(); });
     // What was saved and deleted stays, whatever has closed the form.

@@ -2,12 +2,12 @@
 
 #include "core/Text.h"
 #include "platform/Form.h"
+#include "store/forms/RecordMoves.h"
 #include "sync/Links.h"
 #include "sync/SFrmAX40.h"
 #include "ui_frmChgLink.h"
 
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -18,13 +18,9 @@ class frmChgLink final : public Form, private Ui::frmChgLink {
     Q_OBJECT
 
 public:
-    frmChgLink() { setupUi(this); }
+    frmChgLink();
 
 private slots:
-    void cmdFirst_Click();
-    void cmdPrevious_Click();
-    void cmdNext_Click();
-    void cmdLast_Click();
     void cmdAdd_Click();
     void cmdDelete_Click();
     void cmdView_Click();
@@ -43,13 +39,13 @@ private:
     void SortData();
     void SFLink_HotSyncStatus(std::int32_t status);
 
-    bool Try(const std::function<void()>& step);
     bool Saved();
     void Move(std::int32_t target);
     void ShowCount();
     Text Warning() const;
     bool Finish();
 
+    RecordMoves* moves_ = nullptr;
     std::unique_ptr<SFrmAX40> SFLink;
     LinkTable links_;
     std::vector<std::string> users_;  ///< of the HotSync Manager

@@ -21,7 +21,7 @@ namespace {
 
 /// Takes a step behind the transfers. Its failure must not keep the steps that follow from being taken:
 /// nobody may be there to answer a box. It stands in the trace, and in the letter of the handheld.
-void Try(const char* routine, const std::function<void()>& step) {
+void Attempt(const char* routine, const std::function<void()>& step) {
     try {
         step();
     } catch (const RunTimeFailure& failure) {
@@ -97,11 +97,11 @@ void frmMainSync::Merge() {
 }
 
 void frmMainSync::RecordUpload() {
-    Try("RecordUpload", [] { RecordTotals(ProgressFlag::UploadAdd); });
+    Attempt("RecordUpload", [] { RecordTotals(ProgressFlag::UploadAdd); });
 }
 
 void frmMainSync::GetPCTotals() {
-    Try("GetPCTotals", [] {
+    Attempt("GetPCTotals", [] {
         if (auto* main = IfLoaded<frmMain1>()) main->GetPCTotals();
     });
 }
@@ -114,14 +114,14 @@ std::optional<SessionScreen::Upload> frmMainSync::NewestUpload() const {
 }
 
 void frmMainSync::RefreshRecordCounts() {
-    Try("RefreshRecordCounts", [] {
+    Attempt("RefreshRecordCounts", [] {
         if (auto* main = IfLoaded<frmMain1>()) main->RefreshRecordCounts();
     });
 }
 
 void frmMainSync::ShowHHStatus() {
     if (!WithStatusFile(UpdateHHStatus)) return;
-    Try("ShowHHStatus", [] {
+    Attempt("ShowHHStatus", [] {
         if (auto* main = IfLoaded<frmMain1>()) main->GetHHBricks();
     });
 }

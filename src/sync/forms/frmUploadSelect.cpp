@@ -152,22 +152,14 @@ void frmUploadSelect::MergeOrders() {
     The<frmAppendAudit>().Show(ShowMode::Modal);
     if (Global.Ending) return; // they were cut short
     Global.UploadClosing = true;
-    try {
-        RecordTotals(ProgressFlag::UploadAdd);
-    } catch (const RunTimeFailure& failure) {
-        Tell(Lines(msg::FileError, Text::Path(std::string_view(failure.what()))), Icon::Stop);
-    }
+    Try([] { RecordTotals(ProgressFlag::UploadAdd); });
     if (auto* main = IfLoaded<frmMain1>()) main->GetPCTotals();
     The<frmTotalsMsg>().Show(ShowMode::Modal);
 }
 
 void frmUploadSelect::EndUpload() {
     if (session_) session_->WriteReceipt();
-    try {
-        DeleteSafetyCopies(SafetyCopies::OfUploadScreen);
-    } catch (const RunTimeFailure& failure) {
-        Tell(Lines(msg::FileError, Text::Path(std::string_view(failure.what()))), Icon::Stop);
-    }
+    Try([] { DeleteSafetyCopies(SafetyCopies::OfUploadScreen); });
     if (auto* main = IfLoaded<frmMain1>()) main->RefreshRecordCounts();
 }
 

@@ -104,6 +104,10 @@ frmOptions::frmOptions() {
 
 // ---- opening ----
 
+std::string frmOptions::HelpTopic() const {
+    return SSTab1->currentWidget()->property("HelpTopic").toString().toStdString();
+}
+
 void frmOptions::Form_Load() {
     TraceEvent("frmOptions:Form_Load");
     PopImport();

@@ -22,6 +22,9 @@ public:
     void TurnTo(std::string_view file);
     void TurnToBackup() { GoTo(*optPurge); }
 
+    /// That of the tab at hand.
+    std::string HelpTopic() const override;
+
 private slots:
     void cboImpAct_Click();
     void cboExpAct_Click();

@@ -1,15 +1,14 @@
 #include "views/forms/MasterEditor.h"
 
-#include "core/Failure.h"
 #include "core/Messages.h"
 #include "core/Operator.h"
 #include "core/TextCompare.h"
-#include "core/Trace.h"
 #include "core/forms/frmMain1.h"
 #include "platform/Convert.h"
 #include "platform/HelpLine.h"
 #include "platform/Look.h"
 #include "platform/LookupBox.h"
+#include "store/forms/RecordMoves.h"
 #include "views/TableViews.h"
 #include "views/forms/frmViewGrid.h"
 
@@ -19,10 +18,8 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QShortcut>
 
 #include <algorithm>
-#include <iterator>
 
 namespace {
 
@@ -77,7 +74,6 @@ void MasterEditor::Bind(const std::vector<Help>& help, MessageId lookup) {
     bind(cboLookup, "cboLookup");
     bind(frFind, "frFind");
     bind(frFields, "frFields");
-    bind(lblCount, "lblCount");
     bind(lblWarning, "lblWarning");
     bind(lblHelp, "lblHelp");
     for (auto* control : frFields->findChildren<QWidget*>()) {
@@ -88,6 +84,8 @@ void MasterEditor::Bind(const std::vector<Help>& help, MessageId lookup) {
     }
     std::sort(bound_.begin(), bound_.end(), [](const Bound& a, const Bound& b) { return a.Place < b.Place; });
 
+    moves_ = new RecordMoves(*this, [this](std::int32_t target) { Move(target); });
+    moves_->UseKeys(Qt::CTRL | Qt::Key_Home, Qt::CTRL | Qt::Key_End);
     auto* line = new HelpLine(*lblHelp, msg::MoveMouse);
     for (const auto& [control, text] : help) line->Add(*control, text);
     line->Add(*cboLookup, lookup);
@@ -100,19 +98,9 @@ void MasterEditor::Bind(const std::vector<Help>& help, MessageId lookup) {
     lblWarning->setMinimumHeight(2 * lblWarning->fontMetrics().lineSpacing());
 }
 
-void MasterEditor::Trace(const char* routine) const {
-    TraceEvent(std::string(metaObject()->className()) + ":" + routine);
-}
-
 void MasterEditor::Form_Load() {
     Trace("Form_Load");
     if (const char* icon = AllTableViews()[kind_.Flag].Icon; *icon) setWindowIcon(Picture(icon));
-    const std::pair<QKeySequence, QPushButton*> keys[] = {{Qt::Key_PageUp, cmdPrevious},
-                                                          {Qt::Key_PageDown, cmdNext},
-                                                          {Qt::CTRL | Qt::Key_Home, cmdFirst},
-                                                          {Qt::CTRL | Qt::Key_End, cmdLast}};
-    for (const auto& [key, button] : keys)
-        connect(new QShortcut(key, this), &QShortcut::activated, button, &QPushButton::click);
     QPalette tone = lblWarning->palette();
     tone.setColor(QPalette::WindowText, WarningTone());
     lblWarning->setPalette(tone);
@@ -143,17 +131,6 @@ bool MasterEditor::eventFilter(QObject* object, QEvent* event) {
     return Form::eventFilter(object, event);
 }
 
-/// Takes a step of the table. False when the disk would not have it: the operator has been told.
-bool MasterEditor::Try(const std::function<void()>& step) {
-    try {
-        step();
-        return true;
-    } catch (const RunTimeFailure& failure) {
-        Tell(Lines(msg::FileError, Text::Path(std::string_view(failure.what()))), Icon::Stop);
-        return false;
-    }
-}
-
 // ---- the screen ----
 
 void MasterEditor::UpdateLookup() {
@@ -171,24 +148,9 @@ void MasterEditor::DisplayData() {
 }
 
 void MasterEditor::ShowCount() {
-    const std::int32_t record = table_.RecordNumber();
-    const std::int32_t count = table_.RecordCount();
-    lblCount->setText(
-        ToQt(count > 0 ? Words(Text::Value(std::int64_t{record}), msg::Of, Text::Value(std::int64_t{count}))
-                       : Text(msg::NoRecords)));
-    const QWidget* at = focusWidget();
-    for (QWidget* each :
-         {static_cast<QWidget*>(frFields), static_cast<QWidget*>(frFind), static_cast<QWidget*>(cmdDelete)})
-        each->setEnabled(count > 0);
-    for (QPushButton* button : {cmdFirst, cmdPrevious}) button->setEnabled(record > 1);
-    for (QPushButton* button : {cmdNext, cmdLast}) button->setEnabled(record < count);
-    cboLookup->Stand(record - 1);
-    if (!at || at->isEnabled()) return;
-    // The same key once more, at either end or behind the last deletion, is to do no harm.
-    QWidget* const harmless[] = {cmdPrevious, cmdNext, bound_.front().Control, cmdAdd};
-    (*std::find_if(harmless, std::end(harmless) - 1, [](QWidget* each) {
-        return each->isEnabled();
-    }))->setFocus();
+    moves_->Show(table_.RecordNumber(), table_.RecordCount(), {frFields, frFind, cmdDelete},
+                 {bound_.front().Control, cmdAdd});
+    cboLookup->Stand(table_.RecordNumber() - 1);
 }
 
 MasterTable::Cells MasterEditor::Cells() const {
@@ -299,26 +261,6 @@ void MasterEditor::GoTo(std::int32_t record) {
 void MasterEditor::cboLookup_Click() {
     Trace("cboLookup_Click");
     GoTo(cboLookup->currentIndex() + 1);
-}
-
-void MasterEditor::cmdFirst_Click() {
-    Trace("cmdFirst_Click");
-    Move(DBFEdit::First);
-}
-
-void MasterEditor::cmdPrevious_Click() {
-    Trace("cmdPrevious_Click");
-    Move(DBFEdit::Previous);
-}
-
-void MasterEditor::cmdNext_Click() {
-    Trace("cmdNext_Click");
-    Move(DBFEdit::Next);
-}
-
-void MasterEditor::cmdLast_Click() {
-    Trace("cmdLast_Click");
-    Move(DBFEdit::Last);
 }
 
 // ---- the other buttons ----

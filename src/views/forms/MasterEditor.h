@@ -5,7 +5,6 @@
 #include "views/MasterTable.h"
 
 #include <cstdint>
-#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -15,6 +14,7 @@ class LookupBox;
 class QGroupBox;
 class QLabel;
 class QPushButton;
+class RecordMoves;
 
 /// The editors of the master tables: one machine with different controls and words.
 ///
@@ -29,10 +29,6 @@ public:
     void GoTo(std::int32_t record);
 
 private slots:
-    void cmdFirst_Click();
-    void cmdPrevious_Click();
-    void cmdNext_Click();
-    void cmdLast_Click();
     void cmdAdd_Click();
     void cmdDelete_Click();
     void cmdView_Click();
@@ -71,7 +67,6 @@ private:
     void DisplayData();
     void UpdateData(bool& ok);
 
-    bool Try(const std::function<void()>& step);
     bool Saved();
     bool StillThere(bool there);
     bool IsModified() const;
@@ -79,17 +74,17 @@ private:
     void ShowCount();
     MasterTable::Cells Cells() const;
     Text Warning() const;
-    void Trace(const char* routine) const;
 
     const MasterKind& kind_;
     MasterTable table_;
     std::vector<Bound> bound_; ///< by place
     bool Loading = false;
 
+    RecordMoves* moves_ = nullptr;
     QPushButton *cmdFirst = nullptr, *cmdPrevious = nullptr, *cmdNext = nullptr, *cmdLast = nullptr;
     QPushButton *cmdAdd = nullptr, *cmdDelete = nullptr, *cmdView = nullptr;
     QPushButton *cmdOK = nullptr, *cmdCancel = nullptr;
     LookupBox* cboLookup = nullptr;
     QGroupBox *frFind = nullptr, *frFields = nullptr;
-    QLabel *lblCount = nullptr, *lblWarning = nullptr, *lblHelp = nullptr;
+    QLabel *lblWarning = nullptr, *lblHelp = nullptr;
 };

@@ -30,7 +30,7 @@ bool PrintReport(FormBehaviour& form, Report& report) {
             return false;
         }
     } catch (const RunTimeFailure& failure) {
-        Tell(Lines(msg::ReportFailed, Text::Path(std::string_view(failure.what()))), Icon::Stop);
+        Tell(Lines(report.WhenNotPrinted(), Text::Path(std::string_view(failure.what()))), Icon::Stop);
         return true;
     }
     if (const Text done = report.WhenPrinted(); !done.IsEmpty() && !form.IsOver())

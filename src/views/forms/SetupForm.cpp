@@ -1,6 +1,5 @@
 #include "views/forms/SetupForm.h"
 
-#include "core/Failure.h"
 #include "core/Messages.h"
 #include "core/Operator.h"
 #include "core/TextCompare.h"
@@ -21,20 +20,6 @@ bool IsWhole(const QString& text) {
 }
 
 } // namespace
-
-void SetupForm::Trace(std::string_view routine) const {
-    TraceEvent(std::string(metaObject()->className()) + ":" + std::string(routine));
-}
-
-bool SetupForm::Try(const std::function<void()>& step) {
-    try {
-        step();
-        return true;
-    } catch (const RunTimeFailure& failure) {
-        Tell(Lines(msg::FileError, Text::Path(std::string_view(failure.what()))), Icon::Stop);
-        return false;
-    }
-}
 
 void SetupForm::Form_Load() {
     Trace("Form_Load");

@@ -5,9 +5,7 @@
 #include "views/SetupTables.h"
 
 #include <cstddef>
-#include <functional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 class QComboBox;
@@ -49,10 +47,6 @@ protected:
 
     SetupTexts Held() const;
     bool Differs() const { return Held() != TextsOf(table_, records_); }
-
-    /// Takes a step of the table. False when it was not possible: the operator has been told.
-    bool Try(const std::function<void()>& step);
-    void Trace(std::string_view routine) const;
 
     TableRecords records_;
 

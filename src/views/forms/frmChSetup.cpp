@@ -9,7 +9,7 @@ void frmChSetup::Form_Load() {
         return ReadSearchFields();
     }
     SetupForm::Form_Load();
-    auto* help = new HelpLine(*lblHelp, msg::SetupHelpIdle);
+    auto* help = new HelpLine(*lblHelp, msg::MoveMouse);
     help->Add(*cboHHBackup, msg::HelpHHBackup);
     for (QWidget* list : {cboSrchCus, cboSrchItm}) help->Add(*list, msg::HelpSearchField);
     help->Add(*cmdOK, msg::HelpSaveAndClose);

@@ -2,10 +2,8 @@
 
 #include "core/Messages.h"
 #include "core/Operator.h"
-#include "platform/Convert.h"
 
 #include <QRadioButton>
-#include <QShortcut>
 
 #include <algorithm>
 
@@ -15,9 +13,12 @@ constexpr std::size_t PayCode = 0; // its place among the fields
 
 } // namespace
 
+frmPay::frmPay() : SetupForm(ViewPay, PaymentTable) {
+    setupUi(this);
+    moves_ = new RecordMoves(*this, [this](std::int32_t target) { Move(target); });
+}
+
 void frmPay::Form_Load() {
-    for (const auto& [key, button] : {std::pair{Qt::Key_PageUp, cmdPrevious}, {Qt::Key_PageDown, cmdNext}})
-        connect(new QShortcut(key, this), &QShortcut::activated, button, &QPushButton::click);
     SetupForm::Form_Load();
     if (records_.RecordCount() == 0) cmdAdd->setFocus();
 }
@@ -56,22 +57,8 @@ void frmPay::DisplayData() {
 }
 
 void frmPay::ShowCount() {
-    const std::int32_t record = records_.RecordNumber();
-    const std::int32_t count = records_.RecordCount();
-    lblCount->setText(
-        ToQt(count > 0 ? Words(Text::Value(std::int64_t{record}), msg::Of, Text::Value(std::int64_t{count}))
-                       : Text(msg::NoRecords)));
-    const QWidget* at = focusWidget();
-    frPayment->setEnabled(count > 0);
-    for (QPushButton* button : {cmdDelete, cmdUpdate}) button->setEnabled(count > 0);
-    for (QPushButton* button : {cmdFirst, cmdPrevious}) button->setEnabled(record > 1);
-    for (QPushButton* button : {cmdNext, cmdLast}) button->setEnabled(record < count);
-    if (!at || at->isEnabled()) return;
-    // The same key once more, at either end or behind the last deletion, is to do no harm.
-    QWidget* const harmless[] = {cmdPrevious, cmdNext, cboPayRef, cmdAdd};
-    (*std::find_if(harmless, std::end(harmless) - 1, [](QWidget* each) {
-        return each->isEnabled();
-    }))->setFocus();
+    moves_->Show(records_.RecordNumber(), records_.RecordCount(), {frPayment, cmdDelete, cmdUpdate},
+                 {cboPayRef, cmdAdd});
 }
 
 void frmPay::Form_GotFocus() {
@@ -128,26 +115,6 @@ void frmPay::Move(std::int32_t target) {
 void frmPay::GoTo(std::int32_t record) {
     const std::int32_t nearest = std::min(std::max(record, 1), records_.RecordCount());
     if (nearest != records_.RecordNumber()) Move(nearest);
-}
-
-void frmPay::cmdFirst_Click() {
-    Trace("cmdFirst_Click");
-    Move(DBFEdit::First);
-}
-
-void frmPay::cmdPrevious_Click() {
-    Trace("cmdPrevious_Click");
-    Move(DBFEdit::Previous);
-}
-
-void frmPay::cmdNext_Click() {
-    Trace("cmdNext_Click");
-    Move(DBFEdit::Next);
-}
-
-void frmPay::cmdLast_Click() {
-    Trace("cmdLast_Click");
-    Move(DBFEdit::Last);
 }
 
 // ---- the other buttons ----

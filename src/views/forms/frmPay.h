@@ -1,5 +1,6 @@
 #pragma once
 
+#include "store/forms/RecordMoves.h"
 #include "ui_frmPay.h"
 #include "views/forms/SetupForm.h"
 
@@ -9,7 +10,7 @@ class frmPay final : public SetupForm, private Ui::frmPay {
     Q_OBJECT
 
 public:
-    frmPay() : SetupForm(ViewPay, PaymentTable) { setupUi(this); }
+    frmPay();
 
     /// Moves to a record, or to the nearest that there is.
     void GoTo(std::int32_t record);
@@ -18,10 +19,6 @@ private slots:
     void optCash_Click();
     void optCheck_Click();
     void optCard_Click();
-    void cmdFirst_Click();
-    void cmdPrevious_Click();
-    void cmdNext_Click();
-    void cmdLast_Click();
     void cmdAdd_Click();
     void cmdDelete_Click();
     void cmdUpdate_Click();
@@ -42,4 +39,6 @@ private:
     bool HasType();
     void ShowCount();
     void Move(std::int32_t target);
+
+    RecordMoves* moves_ = nullptr;
 };

@@ -1,9 +1,8 @@
 #include "views/forms/frmViewData.h"
 
-#include "core/Failure.h"
 #include "core/Globals.h"
 #include "core/Messages.h"
-#include "core/Operator.h"
+#include "help/HelpTopics.h"
 #include "platform/Convert.h"
 #include "platform/Look.h"
 #include "views/forms/Editors.h"
@@ -45,6 +44,10 @@ QWidget* MakeBox(int length, QWidget* parent) {
 
 } // namespace
 
+std::string frmViewData::HelpTopic() const {
+    return view_ ? HelpTopicOfView(view_->Flag) : Form::HelpTopic();
+}
+
 void frmViewData::Form_Load() {
     TraceEvent("frmViewData:Form_Load");
     Navigation();
@@ -53,12 +56,7 @@ void frmViewData::Form_Load() {
     setWindowTitle(ToQt(Text(view_->RecordTitle)));
     if (*view_->Icon) setWindowIcon(Picture(view_->Icon));
     cmdEdit->setEnabled(HasEditor());
-    try {
-        DisplayFields(view_->Path());
-    } catch (const RunTimeFailure& failure) {
-        Tell(Lines(msg::FileError, Text::Path(std::string_view(failure.what()))), Icon::Stop);
-        return Unload();
-    }
+    if (!Try([this] { DisplayFields(view_->Path()); })) return Unload();
     Go(Global.SelectedRow);
     cmdNext->setFocus();
 }
@@ -147,12 +145,7 @@ void frmViewData::Go(std::int32_t record) {
     if (!table_) return;
     if (table_->CheckChanged()) {
         const std::string before = table_->Layout().Header().substr(12);
-        try {
-            table_->Reopen();
-        } catch (const RunTimeFailure& failure) {
-            Tell(Lines(msg::FileError, Text::Path(std::string_view(failure.what()))), Icon::Stop);
-            return Unload();
-        }
+        if (!Try([this] { table_->Reopen(); })) return Unload();
         if (table_->Layout().Header().substr(12) != before) LayOutFields();
     }
     record_ = std::min(std::max(record, 1), table_->RecordCount());

@@ -16,6 +16,9 @@ class frmViewData final : public Form, private Ui::frmViewData {
 public:
     frmViewData() { setupUi(this); }
 
+    /// That of the table.
+    std::string HelpTopic() const override;
+
 private slots:
     void cmdFirst_Click();
     void cmdPrevious_Click();

@@ -9,6 +9,8 @@
 #include "core/TextCompare.h"
 #include "core/forms/frmMain1.h"
 #include "core/forms/frmProgress.h"
+#include "help/HelpTopics.h"
+#include "maintenance/forms/BackupRun.h"
 #include "platform/BarProgress.h"
 #include "platform/Convert.h"
 #include "platform/Look.h"
@@ -27,9 +29,6 @@
 namespace {
 
 constexpr double PauseBeforeReading = 0.2;
-
-/// After it, a backup has another name.
-constexpr double OneSecond = 1.0;
 
 /// How long a backup has been selected before its files are read, in milliseconds.
 constexpr int TimeToRest = 200;
@@ -59,11 +58,6 @@ void ShowGrid(ViewFlag flag, ShowMode mode, std::int32_t record = 0) {
 /// A table of a backup is shown.
 bool IsPreview() {
     return !Global.ViewFolder.empty();
-}
-
-/// The last name of a path that ends in a separator.
-std::string NameOfFolder(std::string_view path) {
-    return std::string(FileNameOf(path.substr(0, path.size() - std::min<std::size_t>(path.size(), 1))));
 }
 
 /// The view of a table that a backup can hold; nullptr for any other file.
@@ -119,6 +113,8 @@ void TellOf(const RestoreResult& result, bool counted) {
         return Tell(msg::RestoreNotFound, Icon::Warning);
     case RestoreResult::End::ThisMoment:
         return Tell(msg::BackupOfThisMoment, Icon::Information);
+    case RestoreResult::End::CopiesStay:
+        return Tell(withWhy(msg::CopiesNotPutBack), Icon::Stop);
     case RestoreResult::End::NoSafetyCopy:
         return Tell(Lines(msg::FileError, msg::CannotBackUp), Icon::Stop);
     case RestoreResult::End::Unusable:
@@ -154,6 +150,11 @@ frmViewGrid::frmViewGrid() {
     Timer1 = new QTimer(this);
     Timer1->setObjectName(QStringLiteral("Timer1"));
     Timer1->setSingleShot(true);
+}
+
+std::string frmViewGrid::HelpTopic() const {
+    const TableView* view = ChosenView();
+    return view ? HelpTopicOfView(view->Flag, Form::HelpTopic()) : Form::HelpTopic();
 }
 
 void frmViewGrid::Form_Load() {
@@ -383,13 +384,8 @@ void frmViewGrid::Restore() {
                         msg::RestoreAnyway),
                   Icon::Warning))
         return;
-    if (IsOver()) return;
-    RestoreResult result = RestoreTables(folder, CopyTable);
-    if (result.How == RestoreResult::End::ThisMoment) {
-        PauseFor(OneSecond);
-        if (IsOver()) return;
-        result = RestoreTables(folder, CopyTable);
-    }
+    if (IsOver() || !AwaitOwnSecond(*this)) return;
+    const RestoreResult result = RestoreTables(folder, CopyTable);
     const bool recorded = !result.Done.empty() && RecordRestore();
     TellOf(result, recorded);
     if (!IsOver()) ShowBackups(name);
@@ -397,14 +393,10 @@ void frmViewGrid::Restore() {
 
 /// Adds the totals event of what is restored. False when that failed, of which the operator is told.
 bool frmViewGrid::RecordRestore() {
-    try {
+    return Try([] {
         RecordTotals(ProgressFlag::Restore);
         if (auto* main = IfLoaded<frmMain1>()) main->RefreshRecordCounts();
-        return true;
-    } catch (const RunTimeFailure& failure) {
-        Tell(Lines(msg::FileError, Text::Path(std::string_view(failure.what()))), Icon::Stop);
-        return false;
-    }
+    });
 }
 
 void frmViewGrid::Form_GotFocus() {

@@ -37,6 +37,9 @@ public:
 
     void MakeEditDefault();
 
+    /// That of the table.
+    std::string HelpTopic() const override;
+
 private slots:
     void cmdDataView_Click();
     void cmdEdit_Click();

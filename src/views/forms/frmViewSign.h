@@ -2,6 +2,7 @@
 
 #include "platform/Form.h"
 #include "store/TableRecords.h"
+#include "store/forms/RecordMoves.h"
 #include "ui_frmViewSign.h"
 
 /// The signed orders one by one, over a working copy of the order headers.
@@ -9,13 +10,9 @@ class frmViewSign final : public Form, private Ui::frmViewSign {
     Q_OBJECT
 
 public:
-    frmViewSign() { setupUi(this); }
+    frmViewSign();
 
 private slots:
-    void cmdFirst_Click();
-    void cmdPrevious_Click();
-    void cmdNext_Click();
-    void cmdLast_Click();
     void cmdOK_Click();
 
 protected:
@@ -27,7 +24,8 @@ private:
     void DisplayFields();
     void DisplayData();
     void ShowCount();
-    void Go(const char* handler, std::int32_t target);
+    void Move(std::int32_t target);
 
+    RecordMoves* moves_ = nullptr;
     TableRecords headers_;
 };

@@ -1,0 +1,61 @@
+#include "installation/InstallList.h"
+
+#include "core/Dates.h"
+#include "core/Globals.h"
+#include "core/TextCompare.h"
+#include "sync/Status.h"
+
+#include <algorithm>
+
+void TakeInLinks(StatusStore& store) {
+    GetHHStatusInst(store);
+    const std::vector<std::string> links = LinkIDs();
+    const std::vector<std::string> before = Global.HHSyncID;
+    if (std::equal(links.begin(), links.end(), before.begin() + 1, before.end())) return;
+    const auto statuses = Global.HHStatusInst;
+    const auto moments = Global.HHStatusDT;
+    const auto types = Global.HHStatusType;
+    MakeHHStatus(store);
+    GetHHStatusInst(store);
+    for (std::size_t i = 1; i < Global.HHSyncID.size(); ++i) {
+        const auto same = std::find_if(before.begin() + 1, before.end(), [&](const std::string& id) {
+            return SameText(id, Global.HHSyncID[i]);
+        });
+        if (same == before.end()) continue;
+        const auto row = static_cast<std::size_t>(same - before.begin());
+        Global.HHStatusInst[i] = statuses[row];
+        Global.HHStatusDT[i] = moments[row];
+        Global.HHStatusType[i] = types[row];
+    }
+    UpdateHHStatusInst(store);
+}
+
+std::vector<InstallRow> GetList(const StatusStore& store) {
+    TraceEvent("frmHHInstall:GetList");
+    std::vector<InstallRow> rows;
+    for (std::size_t row = 1;; ++row) {
+        const std::string section = "HH" + std::to_string(row);
+        const auto read = [&](const char* key) {
+            return std::string(Trim(store.Read(section, key).value_or("")));
+        };
+        if (!store.Read(section, "HHSyncID")) return rows;
+        rows.push_back({read("HHSyncID"), read("HHStatusDT"), read("HHStatusType")});
+    }
+}
+
+void RecordInstall(StatusStore& store, std::string_view user, const Text& type) {
+    TakeInLinks(store);
+    for (std::size_t i = 1; i <= static_cast<std::size_t>(Global.HHCount); ++i) {
+        if (!SameText(Global.HHSyncID[i], user)) continue;
+        Global.HHStatusInst[i] = "S";
+        Global.HHStatusDT[i] = DateAndTime(Now());
+        Global.HHStatusType[i] = type.CodePage();
+    }
+    UpdateHHStatusInst(store);
+    GetHHStatusInst(store);
+}
+
+void ResetInstalls(StatusStore& store) {
+    MakeHHStatus(store);
+    GetHHStatusInst(store);
+}

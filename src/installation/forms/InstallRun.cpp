@@ -1,0 +1,128 @@
+#include "installation/forms/InstallRun.h"
+
+#include "core/Failure.h"
+#include "core/Globals.h"
+#include "core/Messages.h"
+#include "core/Operator.h"
+#include "core/TextCompare.h"
+#include "core/forms/frmMain1.h"
+#include "installation/InstallList.h"
+#include "platform/Convert.h"
+#include "platform/Form.h"
+#include "platform/HotSyncControl.h"
+#include "platform/HotSyncManager.h"
+#include "platform/Registry.h"
+#include "platform/TitledWindow.h"
+#include "sync/SessionStatus.h"
+#include "sync/forms/frmMainSync.h"
+
+#include <QApplication>
+
+#include <algorithm>
+
+namespace {
+
+bool ProgressWindowStands() {
+    return FindWindow(QStringLiteral("Hotsync Progress")).has_value();
+}
+
+Text Number(std::size_t number) {
+    return Text::Value(static_cast<std::int64_t>(number));
+}
+
+/// Lets `frmMainSync` give way to another control for as long as it lives.
+class MainSyncAway {
+public:
+    MainSyncAway() { UnloadMainSync(); }
+    MainSyncAway(const MainSyncAway&) = delete;
+    MainSyncAway& operator=(const MainSyncAway&) = delete;
+    ~MainSyncAway() { LoadMainSync(); }
+};
+
+} // namespace
+
+InstallRun::~InstallRun() = default;
+
+InstallRun::End InstallRun::Install(InstallKind kind, const std::string& user) {
+    const MainSyncAway away;
+    SFInstall = NewSFrmAX40();
+    // The manager's folder for a user bears the manager's own spelling.
+    const std::vector<std::string> known = KnownUsers(*SFInstall);
+    const auto found = std::find_if(known.begin(), known.end(),
+                                    [&](const std::string& each) { return SameText(each, user); });
+    if (found == known.end() && !known.empty()) {
+        Tell(msg::UnknownUser, Icon::Warning);
+        return End::NotBegun;
+    }
+    const std::string& spelled = found == known.end() ? user : *found;
+    try {
+        install_ = std::make_unique<HandheldInstall>(*SFInstall, HotSyncManagerFolder(), spelled,
+                                                     PathFromQt(QApplication::applicationVersion()));
+        install_->Begin(kind);
+    } catch (const RunTimeFailure& failure) {
+        Tell(Lines(msg::NothingQueued, Text::Path(std::string_view(failure.what()))), Icon::Stop);
+        return End::NotBegun;
+    }
+
+    Global.HHInstallActive = true;
+    inSession_ = hotSynced_ = false;
+    begun_ = 0;
+    SFInstall->HotSyncStatus = [this](std::int32_t status) {
+        if (status == SessionBegun) ++begun_;
+        if (status == SessionBegun || status == SessionEnded) inSession_ = status == SessionBegun;
+        install_->SFInstall_HotSyncStatus(status);
+    };
+    SFInstall->SetEnabled(true);
+    screen_.SetActive(msg::ReadyToInstall + Text::Value(std::string_view(user)) + msg::ReadyPressHotsync);
+
+    const End end = Await();
+
+    SFInstall->SetEnabled(false);
+    if (end != End::Installed) install_->ClearHSInstallDir();
+    Global.HHInstallActive = Global.InstallSession = false;
+    if (end == End::Installed) Record(kind, user);
+    if (!form_.IsOver()) screen_.SetInactive();
+    if (end == End::Stopped) Tell(*install_->Stopped(), Icon::Stop);
+    if (end == End::Cancelled && hotSynced_ && !form_.IsOver()) Tell(msg::CancelledInHotsync, Icon::Warning);
+    return end;
+}
+
+InstallRun::End InstallRun::Await() {
+    for (std::int32_t seen = 0;; seen = begun_) {
+        LookUntil(form_, [&] { return !GoesOn() || begun_ > seen || ProgressWindowStands(); });
+        if (!GoesOn()) return End::Cancelled;
+        hotSynced_ = true;
+        screen_.SetActiveSync({});
+        LookUntil(form_, [&] { return !GoesOn() || (!inSession_ && !ProgressWindowStands()); });
+        if (!GoesOn()) return End::Cancelled;
+        if (install_->Stopped()) return End::Stopped;
+        if (install_->IsComplete()) return End::Installed;
+        if (install_->AwaitsTables())
+            screen_.SetActiveSync(msg::SecondHotsync);
+        else
+            screen_.SetActive(install_->Missing());
+    }
+}
+
+bool InstallRun::GoesOn() const {
+    return Global.HHInstallActive && !form_.IsOver();
+}
+
+void InstallRun::Cancel() {
+    Global.HHInstallActive = false;
+}
+
+void InstallRun::Record(InstallKind kind, const std::string& user) {
+    const Text type = InstallType(kind);
+    Text amount = Words(msg::FilesInstalled, Number(install_->FileCount()));
+    if (install_->TableCount() > 0)
+        amount = Words(amount, msg::TablesInstalled, Number(install_->TableCount()));
+    outcome_ = Lines(Words(type, msg::WasInstalled, Text::Value(std::string_view(user))), amount);
+    try {
+        Registry registry;
+        RecordInstall(registry, user, type);
+        if (auto* main = IfLoaded<frmMain1>()) main->GetHHBricksInst();
+    } catch (const RunTimeFailure& failure) {
+        Tell(Lines(msg::StoreFailed, Text::Path(std::string_view(failure.what()))), Icon::Warning);
+    }
+}

@@ -1,0 +1,136 @@
+#include "installation/InstallList.h"
+
+#include "core/Dates.h"
+#include "core/Messages.h"
+#include "support/EngineTest.h"
+#include "support/Fails.h"
+#include "support/Tables.h"
+#include "sync/Status.h"
+
+#include <map>
+
+namespace {
+
+using Strings = std::vector<std::string>;
+
+class MemoryStore final : public StatusStore {
+public:
+    std::optional<std::string> Read(std::string_view section, std::string_view key) const override {
+        const auto at = values_.find({std::string(section), std::string(key)});
+        if (at == values_.end()) return std::nullopt;
+        return at->second;
+    }
+    void Write(std::string_view section, std::string_view key, std::string_view value) override {
+        values_[{std::string(section), std::string(key)}] = value;
+    }
+    void RemoveAll() override { values_.clear(); }
+
+private:
+    std::map<std::pair<std::string, std::string>, std::string> values_;
+};
+
+class InstallList : public EngineTest {
+protected:
+    InstallList() {
+        GivenAppDirectory();
+        Global.Clock = [] { return DateTime{2026, 11, 22, 18, 3, 11}; };
+        GivenHandhelds({"Anna", "Bea"});
+    }
+
+    static void GivenHandhelds(const Strings& ids) {
+        std::vector<Strings> rows;
+        for (const std::string& id : ids) rows.push_back({id});
+        GivenTable(Global.DBFPath, "ZUKLINK", rows);
+    }
+
+    using Rows = std::vector<InstallRow>;
+    MemoryStore Store;
+};
+
+TEST_F(InstallList, AnInstallIsNotedWithItsMomentForEachEntryOfTheUser) {
+    GivenHandhelds({"Anna", "Bea", "ANNA"});
+
+    RecordInstall(Store, "anna", msg::TypeDemo);
+
+    EXPECT_EQ(GetList(Store), (Rows{{"Anna", "2026-11-22 18:03:11", "Demo Company"},
+                                    {"Bea", "", ""},
+                                    {"ANNA", "2026-11-22 18:03:11", "Demo Company"}}));
+    EXPECT_EQ(Global.HHStatusInst, (Strings{"", "S", "", "S"}));
+    EXPECT_EQ(Store.Read("HH3", "HHStatusInst"), "S");
+}
+
+TEST_F(InstallList, TheThreeTypesAreToldByTheirNames) {
+    RecordInstall(Store, "Anna", msg::TypeLive);
+    RecordInstall(Store, "Bea", msg::cmdProgram);
+
+    EXPECT_EQ(GetList(Store).at(0).HHStatusType, "Live Data");
+    EXPECT_EQ(GetList(Store).at(1).HHStatusType, "Program Only");
+}
+
+TEST_F(InstallList, WhatStandsInTheStoreIsShownTrimmed) {
+    Store.Write("HH1", "HHSyncID", " Anna ");
+    Store.Write("HH1", "HHStatusDT", " once  ");
+    Store.Write("HH1", "HHStatusType", "Live Data ");
+
+    EXPECT_EQ(GetList(Store), (Rows{{"Anna", "once", "Live Data"}}));
+}
+
+TEST_F(InstallList, AHandheldThatIsAddedToTheLinksComesInAndTheOthersKeepTheirInstalls) {
+    RecordInstall(Store, "Bea", msg::TypeDemo);
+    GivenHandhelds({"Aaron", "Anna", "Bea"});
+
+    TakeInLinks(Store);
+
+    EXPECT_EQ(GetList(Store),
+              (Rows{{"Aaron", "", ""}, {"Anna", "", ""}, {"Bea", "2026-11-22 18:03:11", "Demo Company"}}));
+    EXPECT_EQ(Global.HHStatusInst, (Strings{"", "", "", "S"})) << "the bricks go by rows";
+}
+
+TEST_F(InstallList, AHandheldThatIsRemovedFromTheLinksLeavesTheList) {
+    RecordInstall(Store, "Bea", msg::TypeDemo);
+    GivenHandhelds({"Anna"});
+
+    TakeInLinks(Store);
+
+    EXPECT_EQ(GetList(Store), (Rows{{"Anna", "", ""}}));
+}
+
+TEST_F(InstallList, AHandheldAddedSinceTheListWasMadeIsNotedToo) {
+    GetHHStatusInst(Store);
+    GivenHandhelds({"Anna", "Bea", "Carl"});
+
+    RecordInstall(Store, "Carl", msg::TypeDemo);
+
+    EXPECT_EQ(GetList(Store).at(2).HHStatusType, "Demo Company");
+}
+
+TEST_F(InstallList, AResetForgetsTheInstallsOfAllHandhelds) {
+    RecordInstall(Store, "Anna", msg::TypeDemo);
+    RecordInstall(Store, "Bea", msg::TypeLive);
+
+    ResetInstalls(Store);
+
+    EXPECT_EQ(GetList(Store), (Rows{{"Anna", "", ""}, {"Bea", "", ""}}));
+    EXPECT_EQ(Global.HHStatusInst, (Strings{"", "", ""}));
+}
+
+TEST_F(InstallList, AResetWithNoHandheldsOnRecordLeavesAnEmptyList) {
+    GivenHandhelds({});
+
+    ResetInstalls(Store);
+
+    EXPECT_TRUE(GetList(Store).empty());
+    EXPECT_EQ(Global.HHCount, 0);
+}
+
+TEST_F(InstallList, ALinksTableThatCannotBeReadLosesNoInstall) {
+    RecordInstall(Store, "Anna", msg::TypeDemo);
+    GivenFile("app/DBFFiles/ZUKLINK.dbf", "no table");
+
+    EXPECT_NE(FailureNumber([&] { TakeInLinks(Store); }), 0);
+    EXPECT_NE(FailureNumber([&] { ResetInstalls(Store); }), 0);
+
+    EXPECT_EQ(GetList(Store).at(0).HHStatusType, "Demo Company");
+}
+
+} // namespace
