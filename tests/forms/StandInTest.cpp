@@ -243,7 +243,7 @@ TEST_F(StandInWindow, AnOrderIsDeletedWhenTheOperatorSaysYes) {
     GivenDemoHandheld();
     auto& form = Open<frmStandIn>();
     dynamic_cast<GridView&>(Control(form, "FG1")).SelectRecord(1);
-    const Text question = Lines(Text::Value(std::string_view("D1000101")), msg::StandInAskDelete);
+    const Text question = ::Lines(Text::Value(std::string_view("D1000101")), msg::StandInAskDelete);
     Operator_.Expect(question).Answer(Answer::No);
     Operator_.Expect(question).Answer(Answer::Yes);
 
