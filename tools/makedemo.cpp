@@ -17,63 +17,39 @@
 #include "handheld/HandheldTable.h"
 #include "handheld/Refusal.h"
 #include "handheld/Signature.h"
+#include "installation/InstallFiles.h"
 #include "palm/Dlp.h"
 #include "store/CreateTable.h"
 #include "store/SortTables.h"
 #include "store/TableCatalogue.h"
 #include "store/TableScan.h"
 
-#include <array>
 #include <iostream>
 #include <string>
 #include <vector>
 
 namespace {
 
-/// The tables of the demo data set, in the order in which they are installed.
-constexpr std::array DemoTables{"ZUKAUDTH", "ZUKAUDTL", "ZUKBARIN", "ZUKCOMP",  "ZUKCUST",  "ZUKHELP",
-                                "ZUKITEM",  "ZUKORHDR", "ZUKORLIN", "ZUKPRINT", "ZUKSETUP", "ZUKTCUST",
-                                "ZUKTITEM", "ZUKAUDHH", "ZUKSTAX",  "ZUKTORLI", "ZUKTORHD", "ZUKAUDBH",
-                                "ZUKAUDBL", "ZUKPAY",   "ZUKXPDAT", "ZUKLINK"};
-
-/// Those that belong to the handheld application, without records; the version's has one.
-constexpr std::array ApplicationTables{"ZUKTPMNT", "ZUKPRN", "ZUKVER"};
-
-/// A program of the handheld application. Only the first is one that a handheld would list.
-struct StandIn {
-    const char* Name;
-    std::uint32_t Type = FourCharacters("libr");
-};
-constexpr std::array Programs{StandIn{"Tramble", FourCharacters("appl")},
-                              StandIn{"SF41RDK"},
-                              StandIn{"ZUK2_PocketUtils"},
-                              StandIn{"ZUK2_SerialPort"},
-                              StandIn{"ZUK2_SFRecordUtils"},
-                              StandIn{"ZUK2_Symbol_Control"},
-                              StandIn{"ZUK2_DP4SF"},
-                              StandIn{"TZUK20000#TRAMBLE", FourCharacters("form")},
-                              StandIn{"ZUK2_PAG-BPM"},
-                              StandIn{"PageMgr"},
-                              StandIn{"ZUK2_SFInkview"},
-                              StandIn{"BPMConfig"},
-                              StandIn{"IrMgr"},
-                              StandIn{"BPMGeneric"},
-                              StandIn{"BPMEpson"},
-                              StandIn{"BPMDeskJet"},
-                              StandIn{"BPMLaserJet"},
-                              StandIn{"ZUK2_PrtComm"},
-                              StandIn{"ZUK2_Screenlock"}};
-constexpr std::array DataFiles{"TZUK20000$TRAMBLE", "BSSFontDB"};
-
 /// Always the same files from the same rows.
 const std::uint32_t Moment = DlpDate{2026, 1, 1, 12, 0, 0}.Seconds();
+
+std::string StemOf(const std::string& file) {
+    return file.substr(0, file.size() - ExtensionOf(file).size());
+}
+
+/// The tables of the demo data set.
+std::vector<std::string> DemoTables() {
+    std::vector<std::string> tables;
+    for (const std::string& file : DemoSet()) tables.push_back(TableOfDatabase(StemOf(file)));
+    return tables;
+}
 
 std::string PathOf(const std::string& tables, std::string_view table) {
     return tables + FindTable(table)->Name + ".dbf";
 }
 
 void MakeTables(const std::string& rows, const std::string& tables) {
-    for (const char* const name : DemoTables) {
+    for (const std::string& name : DemoTables()) {
         std::vector<FieldDef> fields;
         for (const TableField& field : FindTable(name)->Fields)
             fields.push_back({field.Name, field.Type, field.Length, field.Decimals});
@@ -118,7 +94,7 @@ void Sign(HandheldTable& headers, const RowFile& signatures) {
 }
 
 void MakeDatabases(const std::string& rows, const std::string& tables, const std::string& install) {
-    for (const char* const name : DemoTables) {
+    for (const std::string& name : DemoTables()) {
         HandheldTable table = EmptyTable(install, name);
         TableScan scan(PathOf(tables, name));
         while (scan.Next()) table.Append(std::string(scan.Fields()));
@@ -134,22 +110,23 @@ std::string MajorVersion(const std::string& version) {
     return version.substr(0, point) + (minor.size() < 2 ? "0" : "") + minor;
 }
 
-void MakeApplicationTables(const std::string& install, const std::string& version) {
-    for (const char* const name : ApplicationTables) {
-        HandheldTable table = EmptyTable(install, name);
-        if (table.Name() == "ZUKVER") {
-            std::string fields = table.NewFields();
-            table.Put(fields, "V_MAJOR", MajorVersion(version));
-            table.Append(fields);
-        }
-        WriteTable(install, table);
+/// Tables that come with the application, without records; the version's has one.
+void MakeApplicationTable(const std::string& install, const std::string& name, const std::string& version) {
+    if (!FindTable(name)) {
+        // The application's scratch table has no twin on the PC, and only the application knows its fields.
+        Database scratch;
+        static_cast<DatabaseHeader&>(scratch) = HandheldHeader(name);
+        scratch.Created = scratch.Modified = Moment;
+        scratch.AppInfo = PackLayout({{{"TMP_KEY", 'C', 20, 0}, {"TMP_DATA", 'C', 120, 0}}});
+        return WriteDatabaseTo(install, scratch, ".pdb");
     }
-    // The application's scratch table has no twin on the PC, and only the application knows its fields.
-    Database scratch;
-    static_cast<DatabaseHeader&>(scratch) = HandheldHeader("ZUKTEMP");
-    scratch.Created = scratch.Modified = Moment;
-    scratch.AppInfo = PackLayout({{{"TMP_KEY", 'C', 20, 0}, {"TMP_DATA", 'C', 120, 0}}});
-    WriteDatabaseTo(install, scratch, ".pdb");
+    HandheldTable table = EmptyTable(install, name);
+    if (table.Name() == "ZUKVER") {
+        std::string fields = table.NewFields();
+        table.Put(fields, "V_MAJOR", MajorVersion(version));
+        table.Append(fields);
+    }
+    WriteTable(install, table);
 }
 
 std::string Words(std::string_view file) {
@@ -158,32 +135,41 @@ std::string Words(std::string_view file) {
            "belongs in its place, in the folder Install of the office.";
 }
 
-Database StandInHeader(const char* name, std::uint32_t type) {
+/// Only the first program is one that a handheld would list.
+std::uint32_t TypeOf(const std::string& file) {
+    if (ExtensionOf(file) == ".pdb") return HandheldType;
+    if (file == "Tramble.prc") return FourCharacters("appl");
+    return FourCharacters(file == "TZUK20000#TRAMBLE.prc" ? "form" : "libr");
+}
+
+void MakeStandIn(const std::string& install, const std::string& file) {
     Database database;
-    database.Name = name;
-    database.Type = type;
+    database.Name = StemOf(file);
+    database.Type = TypeOf(file);
     database.Creator = HandheldCreator;
     database.Version = 1;
     database.Created = database.Modified = Moment;
-    return database;
-}
-
-void MakeStandIns(const std::string& install) {
-    for (const StandIn& program : Programs) {
-        Database database = StandInHeader(program.Name, program.Type);
-        database.Flags = ResourceDatabase;
+    if (ExtensionOf(file) == ".prc") {
         constexpr std::uint16_t firstText = 1000;
         const std::string end(1, '\0'); // texts of a handheld end so
-        database.Resources = {
-            {FourCharacters("tSTR"), firstText, Words(std::string(program.Name) + ".prc") + end},
-            {FourCharacters("tver"), 1, "Stand-in" + end}};
-        WriteDatabaseTo(install, database, ".prc");
-    }
-    for (const char* const name : DataFiles) {
-        Database database = StandInHeader(name, HandheldType);
-        database.Records = {{0, 0, 1, Words(std::string(name) + ".pdb")}};
+        database.Flags = ResourceDatabase;
+        database.Resources = {{FourCharacters("tSTR"), firstText, Words(file) + end},
+                              {FourCharacters("tver"), 1, "Stand-in" + end}};
+    } else {
+        database.Records = {{0, 0, 1, Words(file)}};
         database.IdSeed = 1;
-        WriteDatabaseTo(install, database, ".pdb");
+    }
+    WriteWholeFile(install + file, WriteDatabase(database), false);
+}
+
+/// What every install has beside the demo data set.
+void MakeApplication(const std::string& install, const std::string& version) {
+    for (const std::string& file : FilesOf(InstallKind::Program)) {
+        const std::string table = TableOfDatabase(StemOf(file));
+        if (table.empty() || ExtensionOf(file) != ".pdb")
+            MakeStandIn(install, file);
+        else
+            MakeApplicationTable(install, table, version);
     }
 }
 
@@ -202,8 +188,7 @@ int main(int argc, char** argv) {
         MakePath(install);
         MakeTables(rows, tables);
         MakeDatabases(rows, tables, install);
-        MakeApplicationTables(install, argv[4]);
-        MakeStandIns(install);
+        MakeApplication(install, argv[4]);
         WriteWholeFile(tables + "complete.txt", "", false);
     } catch (const std::exception& failure) { // RunTimeFailure, PalmFailure or Refusal: all tell it in words
         std::cerr << "makedemo: " << failure.what() << "\n";

@@ -479,10 +479,10 @@ QStringList FormBehaviour::WiringProblems() const {
     }
     for (const QObject* object : all) {
         if (!IsOurs(*object) || !IsClickable(*object)) continue;
-        const bool has = OpensHelp(*object) ||
-                         std::any_of(handlers.begin(), handlers.end(), [&](const Handler& handler) {
-                             return Serves(handler.Control, *object);
-                         });
+        const bool has =
+            OpensHelp(*object) || std::any_of(handlers.begin(), handlers.end(), [&](const Handler& handler) {
+                return Serves(handler.Control, *object);
+            });
         const QString control = object->objectName().isEmpty()
                                     ? QStringLiteral("a nameless %1").arg(object->metaObject()->className())
                                     : object->objectName();

@@ -58,9 +58,12 @@ bool LookupBox::IsTyped() const {
     return currentText() != itemText(currentIndex());
 }
 
-/// A completer remembers what it has found, and the entries change: there is a new one for each visit.
+/// A completer remembers what it has found, and the entries change: there is a new one for each visit, also
+/// for that of a window which opens with the focus here.
 void LookupBox::focusInEvent(QFocusEvent* event) {
-    if (event->reason() != Qt::PopupFocusReason && event->reason() != Qt::ActiveWindowFocusReason) {
+    const bool isFirst = !completer() || completer()->filterMode() != Qt::MatchContains;
+    if (isFirst ||
+        (event->reason() != Qt::PopupFocusReason && event->reason() != Qt::ActiveWindowFocusReason)) {
         auto* finder = new QCompleter(entries_, lineEdit());
         finder->setCaseSensitivity(Qt::CaseInsensitive);
         finder->setFilterMode(Qt::MatchContains);

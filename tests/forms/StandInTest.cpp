@@ -7,6 +7,7 @@
 #include "handheld/forms/frmStandInOrder.h"
 #include "handheld/line/FolderLock.h"
 #include "platform/GridView.h"
+#include "platform/LookupBox.h"
 
 #include <QTcpServer>
 #include <QTcpSocket>
@@ -83,7 +84,7 @@ TEST_F(StandInWindow, TellsWhoseItIsWhatItTookAndWhatIsInstalled) {
     EXPECT_EQ(form.windowTitle(), QStringLiteral("Stand-in Handheld Demo"));
     EXPECT_TRUE(TextOf(form, "lblStandIn").contains(QStringLiteral("stands in for a Palm OS handheld")));
     EXPECT_EQ(TextOf(form, "lblWho"), QStringLiteral("HotSync user: Demo\nMachine ID: D1"));
-    EXPECT_EQ(TextOf(form, "lblSyncMsg"), QStringLiteral("Last HotSync Never"));
+    EXPECT_EQ(TextOf(form, "lblSyncMsg"), QStringLiteral("Last HotSync: Never"));
     const auto orders = GridRows(form, "FG1");
     ASSERT_EQ(orders.size(), 12U);
     EXPECT_EQ(orders[0].join(u'|'),
@@ -120,6 +121,23 @@ TEST_F(StandInWindow, TakesAnOrderOfWhatWasChosenAndSignsIt) {
     EXPECT_EQ(LastOrder("H_CUST_PO"), "PO 9");
     EXPECT_TRUE(Headers().IsSigned(12));
     EXPECT_EQ(dynamic_cast<GridView&>(Control(form, "FG1")).SelectedRecord(), 13);
+}
+
+TEST_F(StandInWindow, TheFirstKeysAndEnterFindTheCustomer) {
+    GivenDemoHandheld();
+    auto& form = Open<frmStandIn>();
+
+    OnOrderForm(form, [](frmStandInOrder& order) {
+        order.activateWindow();
+        Settle();
+        auto& customer = dynamic_cast<LookupBox&>(Control(order, "cboCustomer"));
+        EXPECT_TRUE(customer.hasFocus());
+        QTest::keyClicks(&customer, QStringLiteral("loonlake02"));
+        QTest::keyClick(&customer, Qt::Key_Return);
+        Settle();
+        EXPECT_EQ(customer.currentText(), LoonLake);
+        EXPECT_TRUE(Control(order, "cboItem").hasFocus());
+    });
 }
 
 TEST_F(StandInWindow, AnOrderWithoutANameIsNotSigned) {
@@ -225,7 +243,7 @@ TEST_F(StandInWindow, AnOrderIsDeletedWhenTheOperatorSaysYes) {
     GivenDemoHandheld();
     auto& form = Open<frmStandIn>();
     dynamic_cast<GridView&>(Control(form, "FG1")).SelectRecord(1);
-    const Text question = Lines(Text::Value(std::string_view("D1000101")), msg::StandInAskDelete);
+    const Text question = ::Lines(Text::Value(std::string_view("D1000101")), msg::StandInAskDelete);
     Operator_.Expect(question).Answer(Answer::No);
     Operator_.Expect(question).Answer(Answer::Yes);
 

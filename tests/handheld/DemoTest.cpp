@@ -387,11 +387,20 @@ TEST_F(DemoCompany, ItsOrdersMakeACorrectExport) {
         const Record& line = rows[k];
         const Record& order = headers[line.at("L_ORDCODE")];
         const std::string& date = order.at("H_ORDDATE");
-        const std::string begin = '"' + line.at("L_ORDCODE") + "\",\"" + date.substr(6) + '.' +
-                                  date.substr(4, 2) + '.' + date.substr(0, 4) + "\",\"" +
-                                  order.at("H_CUSTCODE") + "\",\"" + order.at("H_BILLNAME") + "\",\"" +
-                                  order.at("H_CUST_PO") + "\",\"WEB\",\"" + line.at("L_NUMBER") + "\",\"" +
-                                  line.at("L_ITEMCODE") + "\",\"" + line.at("L_ITEMDES1") + '"';
+        const std::string& ship = order.at("H_SHIPDATE");
+        const auto quoted = [](const std::string& text) { return '"' + text + "\","; };
+        const std::string begin = quoted(line.at("L_ORDCODE")) +
+                                  quoted(date.substr(6) + '.' + date.substr(4, 2) + '.' + date.substr(0, 4)) +
+                                  quoted(order.at("H_CUSTCODE")) + quoted(order.at("H_BILLNAME")) +
+                                  quoted(order.at("H_CUST_PO")) + "\"WEB\"," + line.at("L_NUMBER") + ',' +
+                                  quoted(line.at("L_ITEMCODE")) + quoted(line.at("L_ITEMDES1")) +
+                                  line.at("L_QTY") + ',' + quoted(line.at("L_QTY_UM")) + line.at("L_PRICE") +
+                                  ',';
+        const std::string end =
+            ',' + line.at("L_TOTPRICE") + ',' + order.at("H_TOTTOTAL") + ',' + quoted(order.at("H_SHIPVIA")) +
+            (ship.empty() ? std::string("\"\"")
+                          : '"' + ship.substr(0, 4) + '-' + ship.substr(4, 2) + '-' + ship.substr(6) + '"');
         EXPECT_TRUE(lines[k].starts_with(begin)) << lines[k] << "\nand not\n" << begin;
+        EXPECT_TRUE(lines[k].ends_with(end)) << lines[k] << "\nand not\n" << end;
     }
 }

@@ -97,9 +97,9 @@ void frmStandIn::ShowOverview() {
         ToQt(Lines(Words(msg::HSUser, user), Words(msg::StandInMachine, ValueOf(overview_.Machine)))));
     setWindowTitle(ToQt(overview_.User.empty() ? Text(msg::frmStandIn) : Words(msg::frmStandIn, user)));
     lblSyncMsg->setPalette(palette());
-    lblSyncMsg->setText(
-        ToQt(Words(msg::HSLastSync, overview_.LastSync.IsZero() ? Text(msg::HSNever)
-                                                                : ValueOf(DateAndTime(overview_.LastSync)))));
+    const Text when =
+        overview_.LastSync.IsZero() ? Text(msg::HSNever) : ValueOf(DateAndTime(overview_.LastSync));
+    lblSyncMsg->setText(ToQt(msg::HSLastSync) + QStringLiteral(": ") + ToQt(when));
 }
 
 void frmStandIn::ShowOrders() {
