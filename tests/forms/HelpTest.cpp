@@ -558,7 +558,7 @@ TEST_F(ProgramsHelp, F1AndEveryHelpButtonOfEveryScreenOpenItsPage) {
             const QUrl shown = Page(help).source();
             EXPECT_TRUE(shown != elsewhere && shown.scheme() == QLatin1String("qthelp"))
                 << control.toStdString() << " " << Shown(help);
-            if (own.isValid()) EXPECT_TRUE(IsPage(shown, own.toString())) << control.toStdString();
+            EXPECT_TRUE(!own.isValid() || IsPage(shown, own.toString())) << control.toStdString();
         }
         window.hide();
     }
