@@ -594,22 +594,6 @@ TEST_F(ProgramsHelp, EveryPageIsInTheContentsAndFoundByTheSearch) {
         << Rows(form, "lstFound").join(QLatin1Char(',')).toStdString();
 }
 
-TEST_F(ProgramsHelp, ZZPicture) {
-    auto& form = OpenTopic("Handheld_Status.htm");
-    help_.Help().HHDisplaySearch();
-    Search(form, QStringLiteral("signature"));
-    form.grab().save(QStringLiteral("/tmp/help-search.png"));
-    help_.Help().HHDisplayIndex();
-    Type(form, "txtKeyword", QStringLiteral("back"));
-    Click(form, "cmdDisplay");
-    form.grab().save(QStringLiteral("/tmp/help-index.png"));
-    help_.Help().HHDisplayContents();
-    Click(form, "cmdFind");
-    form.grab().save(QStringLiteral("/tmp/help-contents.png"));
-    OpenTopic("Unicorns.htm");
-    form.grab().save(QStringLiteral("/tmp/help-missing.png"));
-}
-
 } // namespace
 
 #include "HelpTest.moc"
