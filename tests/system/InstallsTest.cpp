@@ -1,5 +1,6 @@
 #include "RealHotSync.h"
 
+#include "core/Paths.h"
 #include "handheld/Handheld.h"
 #include "handheld/HandheldTable.h"
 #include "installation/HandheldInstall.h"
