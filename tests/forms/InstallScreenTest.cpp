@@ -452,7 +452,7 @@ TEST_F(InstallScreen, ALiveInstallChecksTellsOfTwoHotSyncsAndSendsTheTablesInThe
 
     Press(form, "cmdLive", steps);
 
-    EXPECT_EQ(Queued.size(), 23U);
+    ASSERT_EQ(Queued.size(), 23U);
     EXPECT_EQ(Queued.front(), "DOWNLOAD " + Global.DBFPath + "ZUKAUDBH.DBF");
     EXPECT_EQ(List(form).at(0), (QStringList{"Anna", "2026-11-22 18:03:11", "Live Data"}));
     EXPECT_EQ(TextOf(form, "lblInstallMsg"),
