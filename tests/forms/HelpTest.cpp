@@ -226,6 +226,11 @@ TEST_F(HelpTest, ThePageThatIsShownIsMarkedInTheContentsAndAClickThereShowsAnoth
     tree.setCurrentIndex(tree.currentIndex().siblingAtRow(0));
     emit tree.clicked(tree.currentIndex());
     EXPECT_EQ(Shown(form), "Notes.htm");
+
+    OpenTopic("INTRODUCTION.htm");
+    EXPECT_EQ(tree.currentIndex().data().toString(), QStringLiteral("Introduction"));
+    Click(form, "cmdOK");
+    EXPECT_EQ(Tree(OpenTopic("Notes.htm")).currentIndex().data().toString(), QStringLiteral("Notes"));
 }
 
 TEST_F(HelpTest, AKeywordOfSeveralTopicsListsThemAll) {

@@ -104,7 +104,7 @@ void frmHelp::Form_Load() {
     WireKeys();
     connect(rtbTopic, &QTextBrowser::backwardAvailable, cmdBack, &QWidget::setEnabled);
     connect(rtbTopic, &QTextBrowser::forwardAvailable, cmdForward, &QWidget::setEnabled);
-    connect(rtbTopic, &QTextBrowser::sourceChanged, this, [this] { MarkInContents(); });
+    connect(rtbTopic, &QTextBrowser::sourceChanged, this, [this](const QUrl& page) { MarkInContents(page); });
     connect(rtbTopic, &HelpPage::Followed, this,
             [this](const QUrl& address) { Run([&] { Follow(address); }); });
     connect(barFind, &FindBar::Find, this, [this](bool backwards) { FindInPage(backwards); });
@@ -186,7 +186,8 @@ void frmHelp::SetFile(HelpFile* file) {
     lstFound->clear();
     if (!isOpen) return;
     connect(file_, &HelpFile::SearchFinished, this, [this] { ShowHits(); });
-    connect(file_->Contents(), &QHelpContentModel::contentsCreated, this, [this] { MarkInContents(); });
+    connect(file_->Contents(), &QHelpContentModel::contentsCreated, this,
+            [this] { MarkInContents(rtbTopic->source()); });
 }
 
 /// Whether there is a file to be read. Otherwise it is told on the page why not.
@@ -301,9 +302,9 @@ void frmHelp::tvwContents_Click() {
 }
 
 /// The page that is shown is the one that is marked among the contents.
-void frmHelp::MarkInContents() {
+void frmHelp::MarkInContents(const QUrl& page) {
     if (!file_ || !file_->Contents()) return;
-    const QModelIndex at = PlaceIn(*file_->Contents(), rtbTopic->source());
+    const QModelIndex at = PlaceIn(*file_->Contents(), page);
     for (QModelIndex above = at.parent(); above.isValid(); above = above.parent()) tvwContents->expand(above);
     tvwContents->setCurrentIndex(at);
     if (at.isValid()) tvwContents->scrollTo(at);
