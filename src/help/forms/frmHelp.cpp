@@ -17,6 +17,7 @@
 #include <QHelpLink>
 #include <QScreen>
 #include <QShortcut>
+#include <QTabBar>
 #include <QTextBlock>
 #include <QTextList>
 #include <QTextTable>
@@ -24,7 +25,7 @@
 namespace {
 
 constexpr int AddressRole = Qt::UserRole;
-constexpr int PaneWidth = 260; // pixels
+constexpr int PaneWidth = 225; // pixels; a picture of a page has room beside it
 
 /// What the registry keeps of the window: its place, the width of the pane, the steps of the letters.
 enum Kept { Left, Top, Width, Height, Pane, Zoom, KeptNumbers };
@@ -103,7 +104,7 @@ void frmHelp::Form_Load() {
     WireKeys();
     connect(rtbTopic, &QTextBrowser::backwardAvailable, cmdBack, &QWidget::setEnabled);
     connect(rtbTopic, &QTextBrowser::forwardAvailable, cmdForward, &QWidget::setEnabled);
-    connect(rtbTopic, &QTextBrowser::sourceChanged, this, [this] { MarkInContents(); });
+    connect(rtbTopic, &QTextBrowser::sourceChanged, this, [this](const QUrl& page) { MarkInContents(page); });
     connect(rtbTopic, &HelpPage::Followed, this,
             [this](const QUrl& address) { Run([&] { Follow(address); }); });
     connect(barFind, &FindBar::Find, this, [this](bool backwards) { FindInPage(backwards); });
@@ -112,6 +113,10 @@ void frmHelp::Form_Load() {
     connect(lstKeywords, &QListView::activated, this, [this] { Run([this] { cmdDisplay_Click(); }); });
     connect(txtKeyword, &QLineEdit::returnPressed, cmdDisplay, &QPushButton::click);
     connect(txtWords, &QLineEdit::returnPressed, cmdListTopics, &QPushButton::click);
+    // Whoever goes along the tabs by the arrows stays there.
+    connect(tabHelp, &QTabWidget::currentChanged, this, [this] {
+        if (!tabHelp->tabBar()->hasFocus()) FocusPane();
+    });
     RestorePlace();
 }
 
@@ -128,7 +133,7 @@ void frmHelp::WireKeys() {
     // From the panes to the page and back.
     connect(new QShortcut(Qt::Key_F6, this), &QShortcut::activated, this, [this] {
         if (rtbTopic->hasFocus())
-            tabHelp->currentWidget()->nextInFocusChain()->setFocus();
+            FocusPane();
         else
             rtbTopic->setFocus();
     });
@@ -181,7 +186,8 @@ void frmHelp::SetFile(HelpFile* file) {
     lstFound->clear();
     if (!isOpen) return;
     connect(file_, &HelpFile::SearchFinished, this, [this] { ShowHits(); });
-    connect(file_->Contents(), &QHelpContentModel::contentsCreated, this, [this] { MarkInContents(); });
+    connect(file_->Contents(), &QHelpContentModel::contentsCreated, this,
+            [this] { MarkInContents(rtbTopic->source()); });
 }
 
 /// Whether there is a file to be read. Otherwise it is told on the page why not.
@@ -227,10 +233,17 @@ void frmHelp::ShowNotice(const Text& title, const Text& words) {
 void frmHelp::ShowPane(HelpPane pane) {
     if (!CanRead()) return;
     if (rtbTopic->source().isEmpty()) ShowTopic(ToQt(HomeTopic));
-    const std::pair<QWidget*, QWidget*> panes[] = {
-        {tabContents, tvwContents}, {tabIndex, txtKeyword}, {tabSearch, txtWords}};
-    const auto& [tab, first] = panes[static_cast<std::size_t>(pane)];
-    tabHelp->setCurrentWidget(tab);
+    QWidget* const tabs[] = {tabContents, tabIndex, tabSearch};
+    tabHelp->setCurrentWidget(tabs[static_cast<std::size_t>(pane)]);
+    FocusPane();
+}
+
+/// To where the keys begin in the pane that is shown.
+void frmHelp::FocusPane() {
+    const QWidget* tab = tabHelp->currentWidget();
+    QWidget* const first = tab == tabContents ? static_cast<QWidget*>(tvwContents)
+                           : tab == tabIndex  ? static_cast<QWidget*>(txtKeyword)
+                                              : static_cast<QWidget*>(txtWords);
     first->setFocus();
 }
 
@@ -289,9 +302,9 @@ void frmHelp::tvwContents_Click() {
 }
 
 /// The page that is shown is the one that is marked among the contents.
-void frmHelp::MarkInContents() {
+void frmHelp::MarkInContents(const QUrl& page) {
     if (!file_ || !file_->Contents()) return;
-    const QModelIndex at = PlaceIn(*file_->Contents(), rtbTopic->source());
+    const QModelIndex at = PlaceIn(*file_->Contents(), page);
     for (QModelIndex above = at.parent(); above.isValid(); above = above.parent()) tvwContents->expand(above);
     tvwContents->setCurrentIndex(at);
     if (at.isValid()) tvwContents->scrollTo(at);

@@ -60,7 +60,8 @@ private:
     void ShowPage(const QUrl& address);
     void Follow(const QUrl& address);
     void ShowTopicsOf(const QList<QHelpLink>& topics);
-    void MarkInContents();
+    void MarkInContents(const QUrl& page);
+    void FocusPane();
     void ShowHits();
     void FindInPage(bool backwards);
     void CloseFindBar();
