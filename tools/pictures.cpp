@@ -22,6 +22,7 @@
 #include "exchange/Activity.h"
 #include "exchange/forms/QuickButtonForm.h"
 #include "handheld/Commands.h"
+#include "help/forms/QtHelp.h"
 #include "maintenance/Backup.h"
 #include "platform/Convert.h"
 #include "platform/GridView.h"
@@ -593,6 +594,16 @@ void RestoreFaces(const QString& folder) {
     CopyTable(Global.DBFPath + "ZUKCust.dbf", Global.DBFPath + "ZUKCust.dbf");
 }
 
+/// The window of the help, at the page of a screen.
+void HelpFace(const QString& build, const QString& folder) {
+    QtHelp help;
+    help.Help().HHSetHelpFile(PathFromQt(build) + "/installed/Tramble_Help.qch");
+    help.Help().HHTopicURL = "Payments.htm";
+    help.Help().HHDisplayTopicURL();
+    Save(The<frmHelp>(), folder, QStringLiteral("frmHelp-page"));
+    help.Close();
+}
+
 /// Each report over tables that fill more than a page.
 void PrintReports(Nobody& nobody, const QString& folder) {
     const auto to = [&](const char* name) {
@@ -723,6 +734,7 @@ int main(int argc, char** argv) {
             StandInFaces(folder, work.path());
             OptionsFaces(folder);
             BrowserFaces(folder);
+            HelpFace(arguments[1], folder);
             RestoreFaces(folder);
             CheckFaces(arguments[1], office, folder);
             // They are black on white in either look.

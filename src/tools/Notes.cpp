@@ -212,10 +212,10 @@ std::unique_ptr<GridData> NotesGrid(const std::vector<Note>& notes) {
     std::vector<GridHeading> headings{{msg::ColumnRecord, SortKind::Number},
                                       {msg::ColumnDate, SortKind::Date},
                                       {msg::ColumnProcess},
-                                      {msg::ColumnIssue, SortKind::Text, 220},
+                                      {msg::ColumnIssue, SortKind::Text, 200},
                                       {msg::ColumnPerson},
                                       {msg::ColumnDateResolved, SortKind::Date},
-                                      {msg::ColumnResolution, SortKind::Text, 220}};
+                                      {msg::ColumnResolution, SortKind::Text, 180}};
     std::vector<std::vector<Text>> rows;
     for (const Note& note : notes) {
         rows.push_back({NumberOf(note), NoteMoment(note), OnOneLine(note.Process), OnOneLine(note.Issue),

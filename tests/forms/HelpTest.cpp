@@ -558,7 +558,7 @@ TEST_F(ProgramsHelp, F1AndEveryHelpButtonOfEveryScreenOpenItsPage) {
             const QUrl shown = Page(help).source();
             EXPECT_TRUE(shown != elsewhere && shown.scheme() == QLatin1String("qthelp"))
                 << control.toStdString() << " " << Shown(help);
-            if (own.isValid()) EXPECT_TRUE(IsPage(shown, own.toString())) << control.toStdString();
+            EXPECT_TRUE(!own.isValid() || IsPage(shown, own.toString())) << control.toStdString();
         }
         window.hide();
     }
@@ -592,22 +592,6 @@ TEST_F(ProgramsHelp, EveryPageIsInTheContentsAndFoundByTheSearch) {
     Search(form, QStringLiteral("signature"));
     EXPECT_TRUE(Rows(form, "lstFound").contains(QStringLiteral("Signatures")))
         << Rows(form, "lstFound").join(QLatin1Char(',')).toStdString();
-}
-
-TEST_F(ProgramsHelp, ZZPicture) {
-    auto& form = OpenTopic("Handheld_Status.htm");
-    help_.Help().HHDisplaySearch();
-    Search(form, QStringLiteral("signature"));
-    form.grab().save(QStringLiteral("/tmp/help-search.png"));
-    help_.Help().HHDisplayIndex();
-    Type(form, "txtKeyword", QStringLiteral("back"));
-    Click(form, "cmdDisplay");
-    form.grab().save(QStringLiteral("/tmp/help-index.png"));
-    help_.Help().HHDisplayContents();
-    Click(form, "cmdFind");
-    form.grab().save(QStringLiteral("/tmp/help-contents.png"));
-    OpenTopic("Unicorns.htm");
-    form.grab().save(QStringLiteral("/tmp/help-missing.png"));
 }
 
 } // namespace

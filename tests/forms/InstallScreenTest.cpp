@@ -36,10 +36,10 @@ QString Q(MessageId text) {
 class InstallScreen;
 
 /// A control whose install files go into the folder of the test's manager.
-class Control final : public FakeControl {
+class InstallControl final : public FakeControl {
 public:
-    explicit Control(InstallScreen& test);
-    ~Control() override;
+    explicit InstallControl(InstallScreen& test);
+    ~InstallControl() override;
 
     void AddInstall(std::string_view file, std::string_view user) override {
         ::AddInstall(Folder, file, user);
@@ -63,7 +63,7 @@ protected:
         GivenOffice();
         GivenRows("ZUKLINK", {"LK_HOTSYNC", "Anna", "Bea"});
         Global.Clock = [] { return DateTime{2026, 11, 22, 18, 3, 11}; };
-        Global.MakeSFrmAX40 = [this] { return std::make_unique<Control>(*this); };
+        Global.MakeSFrmAX40 = [this] { return std::make_unique<InstallControl>(*this); };
         QApplication::setApplicationVersion("1.0.0");
         progress_.setWindowTitle("Hotsync Progress");
     }
@@ -91,7 +91,7 @@ protected:
         EXPECT_EQ(done, steps.size()) << "a step never came";
         EXPECT_FALSE(Global.HHInstallActive);
         EXPECT_FALSE(Global.InstallSession);
-        EXPECT_EQ(Enabled(), nullptr);
+        EXPECT_EQ(Answering(), nullptr);
     }
 
     /// The screen waits for a handheld, or for the second HotSync of a live install.
@@ -111,19 +111,19 @@ protected:
         const auto deed = begin.Deed;
         begin.Deed = [this, deed, user] {
             deed();
-            if (Control* control = Enabled()) {
+            if (InstallControl* control = Answering()) {
                 control->User = user;
                 control->Raise(SessionBegun);
             }
             progress_.show();
         };
         return {begin, WhenFound([this, user] {
-                    if (Control* control = Enabled()) {
+                    if (InstallControl* control = Answering()) {
                         while (control->RunNext()) {
                         }
                     }
                     InstallFiles(user);
-                    if (Control* control = Enabled()) control->Raise(SessionEnded);
+                    if (InstallControl* control = Answering()) control->Raise(SessionEnded);
                     progress_.hide();
                 })};
     }
@@ -161,17 +161,16 @@ protected:
     static std::vector<QStringList> List(frmHHInstall& form) { return GridRows(form, "FGTot"); }
 
     /// The one control that answers.
-    Control* Enabled() const {
-        for (Control* control : Controls) {
+    InstallControl* Answering() const {
+        for (InstallControl* control : Controls) {
             if (control->Enabled()) return control;
         }
         return nullptr;
     }
-    using FormTest::Enabled;
 
-    friend class Control;
+    friend class InstallControl;
 
-    std::vector<Control*> Controls;
+    std::vector<InstallControl*> Controls;
     Names Users{"Anna", "Bea"}; ///< of the manager
     Names Queued;               ///< of all controls
     Names Installed;
@@ -180,14 +179,14 @@ protected:
     TitledWindow window_{progress_, PathToQt(ManagerFolder())};
 };
 
-Control::Control(InstallScreen& test) : test_(test) {
+InstallControl::InstallControl(InstallScreen& test) : test_(test) {
     Folder = test.ManagerFolder();
     Users = test.Users;
     Transfer = test.Transfer;
     test.Controls.push_back(this);
 }
 
-Control::~Control() {
+InstallControl::~InstallControl() {
     test_.Queued.insert(test_.Queued.end(), Queued.begin(), Queued.end());
     std::erase(test_.Controls, this);
 }
@@ -200,16 +199,14 @@ TEST_F(InstallScreen, NobodyIsSelectedAtFirstAndThatIsTold) {
     auto& form = Open<frmHHInstall>();
 
     EXPECT_EQ(TextOf(form, "lblInstallMsg"), Q(msg::SelectHSUser));
-    for (const char* button : {"cmdDemo", "cmdLive", "cmdProgram"})
-        EXPECT_FALSE(FormTest::Enabled(form, button));
-    EXPECT_EQ(dynamic_cast<QComboBox&>(FormTest::Control(form, "cboHSUsers")).count(), 2);
+    for (const char* button : {"cmdDemo", "cmdLive", "cmdProgram"}) EXPECT_FALSE(Enabled(form, button));
+    EXPECT_EQ(dynamic_cast<QComboBox&>(Control(form, "cboHSUsers")).count(), 2);
     EXPECT_EQ(List(form), (std::vector<QStringList>{{"Anna", "", ""}, {"Bea", "", ""}}));
 
     ChooseUser(form, "Bea");
 
     EXPECT_EQ(TextOf(form, "lblInstallMsg"), Q(msg::ChooseInstall));
-    for (const char* button : {"cmdDemo", "cmdLive", "cmdProgram"})
-        EXPECT_TRUE(FormTest::Enabled(form, button));
+    for (const char* button : {"cmdDemo", "cmdLive", "cmdProgram"}) EXPECT_TRUE(Enabled(form, button));
 }
 
 TEST_F(InstallScreen, AnOfficeWithoutHandheldsIsToldWhereTheFirstOneIsAdded) {
@@ -267,7 +264,7 @@ TEST_F(InstallScreen, TheLinksTableIsShownAndWhoWasAddedThereIsListed) {
 
     Click(form, "cmdLinks");
 
-    EXPECT_EQ(dynamic_cast<QComboBox&>(FormTest::Control(form, "cboHSUsers")).currentText(), "Anna");
+    EXPECT_EQ(dynamic_cast<QComboBox&>(Control(form, "cboHSUsers")).currentText(), "Anna");
     EXPECT_EQ(List(form), (std::vector<QStringList>{{"Aaron", "", ""}, {"Anna", "", ""}}));
 }
 
@@ -282,14 +279,13 @@ TEST_F(InstallScreen, ADemoWaitsForTheHandheldInstallsEverythingAndIsNoted) {
         queued = Waiting();
         EXPECT_EQ(TextOf(form, "lblInstallMsg"), ToQt(Ready("Anna")));
         for (const char* button : {"cmdDemo", "cmdLive", "cmdProgram", "cmdLinks", "cboHSUsers", "cmdReset"})
-            EXPECT_FALSE(FormTest::Enabled(form, button)) << button;
-        EXPECT_TRUE(FormTest::Enabled(form, "cmdCancel"));
+            EXPECT_FALSE(Enabled(form, button)) << button;
+        EXPECT_TRUE(Enabled(form, "cmdCancel"));
         EXPECT_TRUE(Visible(form, "aniHSWait"));
         EXPECT_EQ(IfLoaded<frmMainSync>(), nullptr) << "one control at a time";
     }));
-    steps.insert(steps.begin() + 1,
-                 {[&] { return Visible(form, "lblSyncMsg"); },
-                  [&] { synchronized = Visible(form, "aniHS") && !Visible(form, "lblHSWait"); }});
+    steps.insert(steps.begin() + 1, {[&] { return Visible(form, "lblSyncMsg"); },
+                                     [&] { synchronized = Visible(form, "aniHS") && !Visible(form, "lblHSWait"); }});
 
     Press(form, "cmdDemo", steps);
 
@@ -297,11 +293,11 @@ TEST_F(InstallScreen, ADemoWaitsForTheHandheldInstallsEverythingAndIsNoted) {
     EXPECT_EQ(Installed.size(), 47U);
     EXPECT_TRUE(synchronized);
     EXPECT_TRUE(Queued.empty());
-    EXPECT_EQ(List(form),
-              (std::vector<QStringList>{{"Anna", "2026-11-22 18:03:11", "Demo Company"}, {"Bea", "", ""}}));
-    EXPECT_EQ(TextOf(form, "lblInstallMsg"), "Demo Company was installed on handheld Anna\nFiles: 47");
+    EXPECT_EQ(List(form), (std::vector<QStringList>{{"Anna", "2026-11-22 18:03:11", "Demo Company"}, {"Bea", "", ""}}));
+    EXPECT_EQ(TextOf(form, "lblInstallMsg"),
+              "Demo Company was installed on handheld Anna\nFiles: 47");
     EXPECT_FALSE(Visible(form, "aniHS"));
-    EXPECT_TRUE(FormTest::Enabled(form, "cmdDemo"));
+    EXPECT_TRUE(Enabled(form, "cmdDemo"));
     EXPECT_NE(IfLoaded<frmMainSync>(), nullptr);
     EXPECT_NE(main.findChild<QWidget*>("cmdHHHSIDInst_1"), nullptr) << "the bricks are those of the installs";
     form.Unload();
@@ -319,7 +315,7 @@ TEST_F(InstallScreen, WithoutPalmDesktopNothingHappensButTheMessage) {
 
     EXPECT_TRUE(Waiting().empty());
     EXPECT_FALSE(Global.HHInstallActive);
-    EXPECT_TRUE(Controls.empty() || !Enabled());
+    EXPECT_TRUE(Controls.empty() || !Answering());
 }
 
 TEST_F(InstallScreen, AMissingInstallFileIsNamedAndNothingIsQueued) {
@@ -333,7 +329,7 @@ TEST_F(InstallScreen, AMissingInstallFileIsNamedAndNothingIsQueued) {
     }
 
     EXPECT_TRUE(Waiting().empty());
-    EXPECT_TRUE(FormTest::Enabled(form, "cmdDemo"));
+    EXPECT_TRUE(Enabled(form, "cmdDemo"));
 }
 
 TEST_F(InstallScreen, AUserThatTheManagerDoesNotKnowIsNotWaitedFor) {
@@ -360,15 +356,15 @@ TEST_F(InstallScreen, TheFolderIsThatOfTheUserAsTheManagerSpellsIt) {
 TEST_F(InstallScreen, AHotSyncOfAnotherHandheldInstallsNothingAndTheScreenWaitsOn) {
     auto& form = OpenFor("Anna");
     auto steps = HotSync(WhenItWaits(form, [] {}), "Bea");
-    const Text missing = ::Lines(Words(msg::FilesWaiting, Text::Value(std::int64_t{47})), msg::PressAgain);
+    const Text missing =
+        ::Lines(Words(msg::FilesWaiting, Text::Value(std::int64_t{47})), msg::PressAgain);
     for (const Step& step : HotSync(WhenSaid(form, missing, [&] { EXPECT_EQ(Waiting().size(), 47U); })))
         steps.push_back(step);
 
     Press(form, "cmdDemo", steps);
 
     EXPECT_EQ(Installed.size(), 47U);
-    EXPECT_EQ(List(form),
-              (std::vector<QStringList>{{"Anna", "2026-11-22 18:03:11", "Demo Company"}, {"Bea", "", ""}}));
+    EXPECT_EQ(List(form), (std::vector<QStringList>{{"Anna", "2026-11-22 18:03:11", "Demo Company"}, {"Bea", "", ""}}));
 }
 
 // ---- cancelling ----
@@ -432,7 +428,7 @@ TEST_F(InstallScreen, AScreenThatIsClosedFromOutsideLeavesNothingQueued) {
 
 TEST_F(InstallScreen, WhatCancelDoesIsToldBesideIt) {
     auto& form = OpenFor("Anna");
-    const auto hint = [&] { return FormTest::Control(form, "cmdCancel").accessibleDescription(); };
+    const auto hint = [&] { return Control(form, "cmdCancel").accessibleDescription(); };
     EXPECT_EQ(hint(), Q(msg::TipClose));
     QString active;
 
@@ -475,7 +471,7 @@ TEST_F(InstallScreen, AFatalQualityCheckStopsALiveInstallBeforeTheNote) {
     EXPECT_NE(IfLoaded<frmConfigMsg>(), nullptr);
     EXPECT_TRUE(Waiting().empty());
     EXPECT_FALSE(form.IsGone());
-    EXPECT_TRUE(FormTest::Enabled(form, "cmdLive"));
+    EXPECT_TRUE(Enabled(form, "cmdLive"));
 }
 
 TEST_F(InstallScreen, AWarnOfTheQualityCheckDoesNotStopALiveInstall) {
@@ -517,8 +513,7 @@ TEST_F(InstallScreen, ProgramOnlyWithTheSameVersionInstallsTheFilesInOneHotSync)
     };
     auto& form = OpenFor("Bea");
 
-    Press(form, "cmdProgram",
-          HotSync(WhenItWaits(form, [&] { EXPECT_TRUE(Waiting("Bea").empty()); }), "Bea"));
+    Press(form, "cmdProgram", HotSync(WhenItWaits(form, [&] { EXPECT_TRUE(Waiting("Bea").empty()); }), "Bea"));
 
     EXPECT_EQ(Installed.size(), 25U);
     EXPECT_EQ(List(form).at(1), (QStringList{"Bea", "2026-11-22 18:03:11", "Program Only"}));
@@ -530,7 +525,8 @@ TEST_F(InstallScreen, ProgramOnlyWithoutAVersionIsRefusedAndTheScreenIsReadyAgai
         return true;
     };
     auto& form = OpenFor("Anna");
-    Operator_.Expect(Words(msg::OSVersion, msg::CannotUpgrade, T("1.00")) + msg::InstallNewVersion)
+    Operator_
+        .Expect(Words(msg::OSVersion, msg::CannotUpgrade, T("1.00")) + msg::InstallNewVersion)
         .With(Icon::Stop);
 
     Press(form, "cmdProgram", HotSync(WhenItWaits(form, [] {})));
@@ -538,7 +534,7 @@ TEST_F(InstallScreen, ProgramOnlyWithoutAVersionIsRefusedAndTheScreenIsReadyAgai
     EXPECT_TRUE(Installed.empty());
     EXPECT_EQ(List(form).at(0), Nobody);
     EXPECT_FALSE(form.IsGone());
-    EXPECT_TRUE(FormTest::Enabled(form, "cmdProgram"));
+    EXPECT_TRUE(Enabled(form, "cmdProgram"));
 }
 
 // ---- the list ----

@@ -43,8 +43,8 @@ TEST_F(SupportDesk, ANoteIsWrittenListedAndHandedToTheDesktopsMailProgram) {
     program.WaitForm(list);
     program.Click(list, QStringLiteral("cmdNew"));
     program.WaitForm(note);
-    program.Choose(note, QStringLiteral("cboProcess"), QStringLiteral("Sales Tax"));
     program.Set(note, QStringLiteral("txtIssue"), "R&D pays none");
+    program.Choose(note, QStringLiteral("cboProcess"), QStringLiteral("Sales Tax"));
     program.Click(note, QStringLiteral("cmdOK"));
     program.WaitGone(note);
     EXPECT_EQ(program.Rows(list, QStringLiteral("FG1")).Cell(0, QStringLiteral("Issue")),

@@ -43,6 +43,12 @@ void frmAbout::ShowWeb() {
         Tell(Lines(msg::SupportFileProblem, Text::Path(std::string_view(failure.what()))), Icon::Warning);
     }
     lblWeb->setVisible(!web_.empty());
+    QFont underlined = lblWeb->font();
+    underlined.setUnderline(true);
+    lblWeb->setFont(underlined);
+    QPalette tones = lblWeb->palette();
+    tones.setColor(QPalette::ButtonText, tones.color(QPalette::Link));
+    lblWeb->setPalette(tones);
     QString shown = PathToQt(web_);
     lblWeb->setText(shown.replace(QLatin1Char('&'), QLatin1String("&&")));
 }

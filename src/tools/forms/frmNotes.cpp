@@ -50,6 +50,7 @@ frmNotes::frmNotes() : MonthView1(new QCalendarWidget(this)), mnuPop(new QMenu(t
     MonthView1->setObjectName(QStringLiteral("MonthView1"));
     MonthView1->setProperty("TipTag", QStringLiteral("59007"));
     MonthView1->setWindowFlag(Qt::Popup);
+    MonthView1->setGridVisible(true);
     MonthView1->hide();
     mnuPop->setObjectName(QStringLiteral("mnuPop"));
     mnuPop->setProperty("Tag", QStringLiteral("59007"));
