@@ -284,8 +284,9 @@ TEST_F(InstallScreen, ADemoWaitsForTheHandheldInstallsEverythingAndIsNoted) {
         EXPECT_TRUE(Visible(form, "aniHSWait"));
         EXPECT_EQ(IfLoaded<frmMainSync>(), nullptr) << "one control at a time";
     }));
-    steps.insert(steps.begin() + 1, {[&] { return Visible(form, "lblSyncMsg"); },
-                                     [&] { synchronized = Visible(form, "aniHS") && !Visible(form, "lblHSWait"); }});
+    steps.insert(steps.begin() + 1,
+                 {[&] { return Visible(form, "lblSyncMsg"); },
+                  [&] { synchronized = Visible(form, "aniHS") && !Visible(form, "lblHSWait"); }});
 
     Press(form, "cmdDemo", steps);
 
@@ -293,9 +294,9 @@ TEST_F(InstallScreen, ADemoWaitsForTheHandheldInstallsEverythingAndIsNoted) {
     EXPECT_EQ(Installed.size(), 47U);
     EXPECT_TRUE(synchronized);
     EXPECT_TRUE(Queued.empty());
-    EXPECT_EQ(List(form), (std::vector<QStringList>{{"Anna", "2026-11-22 18:03:11", "Demo Company"}, {"Bea", "", ""}}));
-    EXPECT_EQ(TextOf(form, "lblInstallMsg"),
-              "Demo Company was installed on handheld Anna\nFiles: 47");
+    EXPECT_EQ(List(form),
+              (std::vector<QStringList>{{"Anna", "2026-11-22 18:03:11", "Demo Company"}, {"Bea", "", ""}}));
+    EXPECT_EQ(TextOf(form, "lblInstallMsg"), "Demo Company was installed on handheld Anna\nFiles: 47");
     EXPECT_FALSE(Visible(form, "aniHS"));
     EXPECT_TRUE(Enabled(form, "cmdDemo"));
     EXPECT_NE(IfLoaded<frmMainSync>(), nullptr);
@@ -356,15 +357,15 @@ TEST_F(InstallScreen, TheFolderIsThatOfTheUserAsTheManagerSpellsIt) {
 TEST_F(InstallScreen, AHotSyncOfAnotherHandheldInstallsNothingAndTheScreenWaitsOn) {
     auto& form = OpenFor("Anna");
     auto steps = HotSync(WhenItWaits(form, [] {}), "Bea");
-    const Text missing =
-        ::Lines(Words(msg::FilesWaiting, Text::Value(std::int64_t{47})), msg::PressAgain);
+    const Text missing = ::Lines(Words(msg::FilesWaiting, Text::Value(std::int64_t{47})), msg::PressAgain);
     for (const Step& step : HotSync(WhenSaid(form, missing, [&] { EXPECT_EQ(Waiting().size(), 47U); })))
         steps.push_back(step);
 
     Press(form, "cmdDemo", steps);
 
     EXPECT_EQ(Installed.size(), 47U);
-    EXPECT_EQ(List(form), (std::vector<QStringList>{{"Anna", "2026-11-22 18:03:11", "Demo Company"}, {"Bea", "", ""}}));
+    EXPECT_EQ(List(form),
+              (std::vector<QStringList>{{"Anna", "2026-11-22 18:03:11", "Demo Company"}, {"Bea", "", ""}}));
 }
 
 // ---- cancelling ----
@@ -513,7 +514,8 @@ TEST_F(InstallScreen, ProgramOnlyWithTheSameVersionInstallsTheFilesInOneHotSync)
     };
     auto& form = OpenFor("Bea");
 
-    Press(form, "cmdProgram", HotSync(WhenItWaits(form, [&] { EXPECT_TRUE(Waiting("Bea").empty()); }), "Bea"));
+    Press(form, "cmdProgram",
+          HotSync(WhenItWaits(form, [&] { EXPECT_TRUE(Waiting("Bea").empty()); }), "Bea"));
 
     EXPECT_EQ(Installed.size(), 25U);
     EXPECT_EQ(List(form).at(1), (QStringList{"Bea", "2026-11-22 18:03:11", "Program Only"}));
@@ -525,8 +527,7 @@ TEST_F(InstallScreen, ProgramOnlyWithoutAVersionIsRefusedAndTheScreenIsReadyAgai
         return true;
     };
     auto& form = OpenFor("Anna");
-    Operator_
-        .Expect(Words(msg::OSVersion, msg::CannotUpgrade, T("1.00")) + msg::InstallNewVersion)
+    Operator_.Expect(Words(msg::OSVersion, msg::CannotUpgrade, T("1.00")) + msg::InstallNewVersion)
         .With(Icon::Stop);
 
     Press(form, "cmdProgram", HotSync(WhenItWaits(form, [] {})));
