@@ -88,7 +88,7 @@ TEST_F(StandInWindow, TellsWhoseItIsWhatItTookAndWhatIsInstalled) {
     const auto orders = GridRows(form, "FG1");
     ASSERT_EQ(orders.size(), 12U);
     EXPECT_EQ(orders[0].join(u'|'),
-              QStringLiteral("D1000101|Juniper Hill Pantry Inc.|2026-03-02 09:12:40|6|585.75|Yes"));
+              QStringLiteral("D1000101|Juniper Hill Pantry Inc.|2026-03-02 09:12:40|5|585.75|Yes"));
     EXPECT_EQ(orders[1].last(), QString());
     const auto databases = GridRows(form, "FG2");
     ASSERT_EQ(databases.size(), 8U);

@@ -388,7 +388,11 @@ TEST_F(DemoCompany, ItsOrdersMakeACorrectExport) {
         const Record& order = headers[line.at("L_ORDCODE")];
         const std::string& date = order.at("H_ORDDATE");
         const std::string& ship = order.at("H_SHIPDATE");
-        const auto quoted = [](const std::string& text) { return '"' + text + "\","; };
+        // What is a number has no quotes, in whatever field it stands.
+        const auto quoted = [](const std::string& text) {
+            const bool isNumber = !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
+            return isNumber ? text + ',' : '"' + text + "\",";
+        };
         const std::string begin = quoted(line.at("L_ORDCODE")) +
                                   quoted(date.substr(6) + '.' + date.substr(4, 2) + '.' + date.substr(0, 4)) +
                                   quoted(order.at("H_CUSTCODE")) + quoted(order.at("H_BILLNAME")) +
