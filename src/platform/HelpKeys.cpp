@@ -33,7 +33,8 @@ void ShowHint(const QWidget& control) {
     Global.TheHelp->HHPopupType = PopupType::Text;
     Global.TheHelp->HHPopupText =
         plain.isEmpty() ? Text(msg::HelpNoHint) : Text::Path(std::string_view(plain.toStdString()));
-    Global.TheHelp->HHDisplayPopup();
+    const QPoint below = control.mapToGlobal(QPoint(0, control.height()));
+    Global.TheHelp->HHDisplayPopup(ScreenPlace{below.x(), below.y()});
 }
 
 HelpKeys::HelpKeys(QWidget& window, std::function<void()> help)
@@ -53,7 +54,7 @@ bool HelpKeys::eventFilter(QObject* object, QEvent* event) {
             return true;
         }
         if (key.modifiers() == Qt::ShiftModifier) {
-            ShowHint(window_.focusWidget() ? *window_.focusWidget() : window_);
+            if (window_.focusWidget()) ShowHint(*window_.focusWidget());
             return true;
         }
         break;
@@ -64,7 +65,7 @@ bool HelpKeys::eventFilter(QObject* object, QEvent* event) {
     case QEvent::WhatsThis: {
         QWhatsThis::leaveWhatsThisMode();
         const QWidget* under = window_.childAt(static_cast<const QHelpEvent&>(*event).pos());
-        ShowHint(under ? *under : window_);
+        if (under) ShowHint(*under);
         event->accept();
         return true;
     }

@@ -17,6 +17,7 @@
 #include <QHelpLink>
 #include <QScreen>
 #include <QShortcut>
+#include <QTabBar>
 #include <QTextBlock>
 #include <QTextList>
 #include <QTextTable>
@@ -24,7 +25,7 @@
 namespace {
 
 constexpr int AddressRole = Qt::UserRole;
-constexpr int PaneWidth = 260; // pixels
+constexpr int PaneWidth = 225; // pixels; a picture of a page has room beside it
 
 /// What the registry keeps of the window: its place, the width of the pane, the steps of the letters.
 enum Kept { Left, Top, Width, Height, Pane, Zoom, KeptNumbers };
@@ -112,6 +113,10 @@ void frmHelp::Form_Load() {
     connect(lstKeywords, &QListView::activated, this, [this] { Run([this] { cmdDisplay_Click(); }); });
     connect(txtKeyword, &QLineEdit::returnPressed, cmdDisplay, &QPushButton::click);
     connect(txtWords, &QLineEdit::returnPressed, cmdListTopics, &QPushButton::click);
+    // Whoever goes along the tabs by the arrows stays there.
+    connect(tabHelp, &QTabWidget::currentChanged, this, [this] {
+        if (!tabHelp->tabBar()->hasFocus()) FocusPane();
+    });
     RestorePlace();
 }
 
@@ -128,7 +133,7 @@ void frmHelp::WireKeys() {
     // From the panes to the page and back.
     connect(new QShortcut(Qt::Key_F6, this), &QShortcut::activated, this, [this] {
         if (rtbTopic->hasFocus())
-            tabHelp->currentWidget()->nextInFocusChain()->setFocus();
+            FocusPane();
         else
             rtbTopic->setFocus();
     });
@@ -227,10 +232,17 @@ void frmHelp::ShowNotice(const Text& title, const Text& words) {
 void frmHelp::ShowPane(HelpPane pane) {
     if (!CanRead()) return;
     if (rtbTopic->source().isEmpty()) ShowTopic(ToQt(HomeTopic));
-    const std::pair<QWidget*, QWidget*> panes[] = {
-        {tabContents, tvwContents}, {tabIndex, txtKeyword}, {tabSearch, txtWords}};
-    const auto& [tab, first] = panes[static_cast<std::size_t>(pane)];
-    tabHelp->setCurrentWidget(tab);
+    QWidget* const tabs[] = {tabContents, tabIndex, tabSearch};
+    tabHelp->setCurrentWidget(tabs[static_cast<std::size_t>(pane)]);
+    FocusPane();
+}
+
+/// To where the keys begin in the pane that is shown.
+void frmHelp::FocusPane() {
+    const QWidget* tab = tabHelp->currentWidget();
+    QWidget* const first = tab == tabContents ? static_cast<QWidget*>(tvwContents)
+                           : tab == tabIndex  ? static_cast<QWidget*>(txtKeyword)
+                                              : static_cast<QWidget*>(txtWords);
     first->setFocus();
 }
 

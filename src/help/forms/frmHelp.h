@@ -61,6 +61,7 @@ private:
     void Follow(const QUrl& address);
     void ShowTopicsOf(const QList<QHelpLink>& topics);
     void MarkInContents();
+    void FocusPane();
     void ShowHits();
     void FindInPage(bool backwards);
     void CloseFindBar();
