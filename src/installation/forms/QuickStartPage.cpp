@@ -277,9 +277,9 @@ void QuickStartPage::Form_Load() {
     auto* cmdOK = findChild<QPushButton*>(QStringLiteral("cmdOK"));
     auto* cmdNext = findChild<QPushButton*>(QStringLiteral("cmdNext"));
     cmdOK->setToolTip(PlainTip(ToQt(Text(msg::TipTourClose))));
-    QPushButton* const usual = cmdNext->isEnabled() ? cmdNext : cmdOK;
-    usual->setDefault(true);
-    usual->setFocus();
+    QPushButton* const pressed = cmdNext->isEnabled() ? cmdNext : cmdOK;
+    pressed->setDefault(true);
+    pressed->setFocus();
     if (title_ != msg::pageQuickStart)
         setWindowTitle(windowTitle() + QStringLiteral(" - ") + ToQt(Text(title_)));
     // All pages alike, so that nothing moves when they are turned.
