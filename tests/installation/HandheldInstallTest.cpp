@@ -196,7 +196,7 @@ TEST_F(ProgramOnlyInstall, WithTheSameVersionProgramAndRuntimeGoOverInTheSameSes
 
     Control.HotSync("Anna");
 
-    EXPECT_EQ(Control.Queued.size(), 1U);
+    ASSERT_EQ(Control.Queued.size(), 1U);
     EXPECT_EQ(Queue(), Strings{"UPLOAD ZUKVER.DBF"});
     EXPECT_TRUE(Control.Queued.front().starts_with("UPLOAD " + Global.InstallPath));
     EXPECT_EQ(Control.Added, FilesOf(InstallKind::Program));

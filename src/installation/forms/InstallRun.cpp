@@ -84,16 +84,25 @@ InstallRun::End InstallRun::Install(InstallKind kind, const std::string& user) {
     if (!form_.IsOver()) screen_.SetInactive();
     if (end == End::Stopped) Tell(*install_->Stopped(), Icon::Stop);
     if (end == End::Cancelled && hotSynced_ && !form_.IsOver()) Tell(msg::CancelledInHotsync, Icon::Warning);
+    SFInstall.reset();
+    install_.reset();
     return end;
 }
 
 InstallRun::End InstallRun::Await() {
     for (std::int32_t seen = 0;; seen = begun_) {
-        LookUntil(form_, [&] { return !GoesOn() || begun_ > seen || ProgressWindowStands(); });
+        bool begun = false;
+        LookUntil(form_, [&] {
+            begun = begun_ > seen || ProgressWindowStands();
+            return begun || !GoesOn();
+        });
+        hotSynced_ = hotSynced_ || begun;
         if (!GoesOn()) return End::Cancelled;
-        hotSynced_ = true;
         screen_.SetActiveSync({});
-        LookUntil(form_, [&] { return !GoesOn() || (!inSession_ && !ProgressWindowStands()); });
+        LookUntil(form_, [&] {
+            const bool stands = ProgressWindowStands(); // a window that nobody finds stays
+            return !GoesOn() || (!inSession_ && !stands);
+        });
         if (!GoesOn()) return End::Cancelled;
         if (install_->Stopped()) return End::Stopped;
         if (install_->IsComplete()) return End::Installed;
