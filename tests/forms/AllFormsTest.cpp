@@ -127,13 +127,14 @@ TEST_P(AllForms, TwoEntriesThatShowTogetherDoNotShareAMnemonic) {
     FillCaptions(form_->Window());
     const auto mnemonic = [](const QString& text) {
         const qsizetype mark = text.indexOf(QLatin1Char('&'));
-        return mark < 0 || mark + 1 >= text.size() ? QString() : text.mid(mark + 1, 1).toLower();
+        const QString letter = mark < 0 ? QString() : text.mid(mark + 1, 1).toLower();
+        return letter == QLatin1String("&") ? QString() : letter; // an ampersand that is shown
     };
     for (const auto* menu : form_->Window().findChildren<QMenu*>()) {
         std::set<QString> seen;
         for (const auto* action : menu->actions()) {
             const QString letter = mnemonic(action->text());
-            if (letter.isEmpty() || letter == QLatin1String("&")) continue;
+            if (letter.isEmpty()) continue;
             EXPECT_TRUE(seen.insert(letter).second)
                 << menu->objectName().toStdString() << " " << letter.toStdString();
         }
@@ -207,7 +208,8 @@ TEST(CatalogueUse, EveryRowIsFetchedByTheCodeOrByAControlsTag) {
 
 TEST(CatalogueUse, NoLayoutHoldsATextOfItsOwn) {
     const QRegularExpression text(QStringLiteral("<string[^>]*>([^<]*)</string>"));
-    const QRegularExpression number(QStringLiteral("^[0-9]+$"));
+    // Of the catalogue the number, of the help the topic.
+    const QRegularExpression number(QStringLiteral("^([0-9]+|\\w+[.]htm)$"));
     int tags = 0;
     for (auto it = text.globalMatch(QString::fromStdString(SourceText())); it.hasNext(); ++tags) {
         const QString words = it.next().captured(1);

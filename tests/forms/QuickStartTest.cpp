@@ -160,7 +160,8 @@ TEST_F(Tour, EachLabelOfEachPageClosesItAndOpensItsOwn) {
             Click(Page(from.Form), to.Label);
             ExpectOnly(to.Form);
             EXPECT_EQ(TextOf(Page(to.Form), "lblQ1"), QLatin1String(to.Title));
-            EXPECT_EQ(TextOf(Page(to.Form), to.Label), QLatin1String(to.Caption));
+            EXPECT_EQ(dynamic_cast<QAbstractButton&>(Control(Page(to.Form), to.Label)).text(),
+                      QString::fromLatin1(to.Caption).replace('&', QLatin1String("&&")));
             for (const Stage& each : Stages) {
                 EXPECT_EQ(dynamic_cast<QAbstractButton&>(Control(Page(to.Form), each.Label)).isChecked(),
                           &each == &to)

@@ -42,8 +42,8 @@ constexpr FormBehaviour& (*Opened[])() = {Open<frmQuickStart>,  Open<frmQuickSta
                                           Open<frmQuickStart7>, Open<frmQuickStart8>};
 
 /// Size of a page in average letters and lines.
-constexpr int LettersAcross = 110;
-constexpr int LinesDown = 28;
+constexpr int LettersAcross = 120;
+constexpr int LinesDown = 36;
 constexpr int Margin = 16; // pixels
 constexpr int Gap = 10;
 
@@ -207,9 +207,6 @@ void QuickStartPage::MakeButtons(QLayout& frame) {
     QPushButton* cmdHelp = NewButton("cmdHelp", msg::Help);
     cmdPrevious->setEnabled(page_ > 0);
     cmdNext->setEnabled(page_ + 1 < Pages);
-    QPushButton* const usual = cmdNext->isEnabled() ? cmdNext : cmdOK;
-    usual->setDefault(true);
-    usual->setFocus();
     for (const auto& [key, button] : {std::pair{Qt::Key_Left, cmdPrevious}, {Qt::Key_Right, cmdNext}})
         connect(new QShortcut(QKeySequence(Qt::ALT | key), this), &QShortcut::activated, button,
                 &QPushButton::click);
@@ -277,7 +274,12 @@ void QuickStartPage::Form_Load() {
     for (auto* label : findChildren<QToolButton*>()) {
         if (label->isCheckable()) label->setToolTip(PlainTip(ToQt(Text(msg::TipPage))));
     }
-    findChild<QPushButton*>(QStringLiteral("cmdOK"))->setToolTip(PlainTip(ToQt(Text(msg::TipTourClose))));
+    auto* cmdOK = findChild<QPushButton*>(QStringLiteral("cmdOK"));
+    auto* cmdNext = findChild<QPushButton*>(QStringLiteral("cmdNext"));
+    cmdOK->setToolTip(PlainTip(ToQt(Text(msg::TipTourClose))));
+    QPushButton* const pressed = cmdNext->isEnabled() ? cmdNext : cmdOK;
+    pressed->setDefault(true);
+    pressed->setFocus();
     if (title_ != msg::pageQuickStart)
         setWindowTitle(windowTitle() + QStringLiteral(" - ") + ToQt(Text(title_)));
     // All pages alike, so that nothing moves when they are turned.
