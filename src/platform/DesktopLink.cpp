@@ -1,7 +1,7 @@
 #include "platform/DesktopLink.h"
 
 #include "core/Globals.h"
-#include "platform/Form.h"
+#include "platform/QuietWait.h"
 #include "tools/Mail.h"
 
 #include <QDesktopServices>
@@ -25,8 +25,7 @@ bool RunOpener(const QString& program, const QString& link) {
     QTimer waiting;
     waiting.setSingleShot(true);
     waiting.start(Global.InstantPauses ? 0 : Patience);
-    WaitInLoop([&] { return opener->state() != QProcess::NotRunning && waiting.isActive(); },
-               QEventLoop::ExcludeUserInputEvents);
+    WaitWithoutInput([&] { return opener->state() != QProcess::NotRunning && waiting.isActive(); });
     if (opener->state() == QProcess::NotRunning)
         return opener->error() != QProcess::FailedToStart && opener->exitStatus() == QProcess::NormalExit &&
                opener->exitCode() == 0;

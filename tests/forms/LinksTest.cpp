@@ -128,7 +128,7 @@ TEST_F(LinksEditor, AnEmptyTableHasNoRecordsAndOnlyAddAndTheWaysOut) {
 
     EXPECT_EQ(TextOf(form, "lblCount"), QStringLiteral("No records to display!"));
     for (const char* control : {"cmdFirst", "cmdPrevious", "cmdNext", "cmdLast", "cmdDelete", "txtHotSync",
-                                "txtSerial", "txtSFUser", "cmdHelp"})
+                                "txtSerial", "txtSFUser"})
         EXPECT_FALSE(Enabled(form, control)) << control;
     EXPECT_EQ(form.focusWidget(), &Control(form, "cmdAdd"));
 

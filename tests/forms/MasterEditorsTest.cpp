@@ -99,7 +99,7 @@ TEST_F(MasterEditors, AfterADeletionTheRecordBeforeItIsShownAndAfterTheLastOneOn
 
     EXPECT_EQ(Shown(form), "No records to display! ");
     for (const char* control : {"cmdFirst", "cmdPrevious", "cmdNext", "cmdLast", "cmdDelete", "txtField_1",
-                                "txtField_12", "cboC_STCode", "cboLookup", "cmdHelp"})
+                                "txtField_12", "cboC_STCode", "cboLookup"})
         EXPECT_FALSE(Enabled(form, control)) << control;
     EXPECT_EQ(form.focusWidget(), &Control(form, "cmdAdd"));
 

@@ -173,12 +173,6 @@ TEST_F(Options, UnattendedSettingsThatAreGoneAreNotShownSoThatOkDoesNotMakeThemA
     EXPECT_TRUE(InIni("RemoteSyncSettings="));
 }
 
-TEST_F(Options, WhatOpensScreensThatDoNotExistYetIsGreyedOut) {
-    auto& form = Open<frmOptions>();
-
-    EXPECT_FALSE(Enabled(form, "cmdHelp"));
-}
-
 // ---- activities ----
 
 TEST_F(Options, AnActivityShowsItsTemplatesWhateverTheirCase) {

@@ -13,6 +13,7 @@
 #include "handheld/Commands.h"
 #include "handheld/forms/frmStandIn.h"
 #include "handheld/line/FolderLock.h"
+#include "help/forms/QtHelp.h"
 #include "platform/Convert.h"
 #include "platform/Look.h"
 #include "platform/QtOperator.h"
@@ -79,6 +80,7 @@ int main(int argc, char** argv) {
 
     QtOperator atTheScreen;
     Global.TheOperator = &atTheScreen;
+    QtHelp help;
     // Beside the HotSync Manager, in the office's folder.
     const std::string programs = AddBackslash(PathFromQt(QApplication::applicationDirPath()));
     const std::string office(FolderOf(std::string_view(programs).substr(0, programs.size() - 1)));
@@ -86,6 +88,7 @@ int main(int argc, char** argv) {
     Global.StandInDesktop = options.value(QStringLiteral("desktop")).toStdString();
     try {
         LoadMessages(office + "Messages.tsv");
+        help.Help().HHSetHelpFile(HelpFilePath(programs, office));
         ApplyLook(application, Registry::DarkLook(office));
         const bool isThere = FileExists(Global.StandInFolder + "Handheld.txt");
         if (!isThere && options.isSet(QStringLiteral("user")) && !MakeHandheld(Global.StandInFolder, options))

@@ -1,6 +1,6 @@
 #include "help/forms/HelpFile.h"
 
-#include "platform/Form.h"
+#include "platform/QuietWait.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -106,7 +106,7 @@ QList<QHelpLink> HelpFile::TopicsOfKeyword(const QString& keyword) {
     if (!engine_) return {};
     const QList<QHelpLink> exact = engine_->documentsForKeyword(keyword);
     if (!exact.isEmpty()) return exact;
-    WaitInLoop([this] { return !keywordsRead_; }, QEventLoop::ExcludeUserInputEvents);
+    WaitWithoutInput([this] { return !keywordsRead_; });
     for (const QString& known : Keywords()->stringList()) {
         if (known.compare(keyword, Qt::CaseInsensitive) == 0) return engine_->documentsForKeyword(known);
     }
