@@ -13,6 +13,7 @@
 #include <QJsonDocument>
 #include <QLineEdit>
 #include <QPixmap>
+#include <QWindow>
 
 #include <algorithm>
 #include <cmath>
@@ -341,7 +342,14 @@ bool Driver::DispatchDeed(const QJsonValue& id, const QString& deed, const QJson
     } else if (isDeed("set")) {
         QWidget& control = Widget(request, true);
         const QString value = SetArgument(request);
-        Perform(id, [&control, value] { SetControl(control, value); });
+        // Behind a list that has closed the window has no keyboard for a moment.
+        PerformByKeys(
+            id,
+            [guard = QPointer<QWidget>(&control), value] {
+                if (!guard) throw Refused(QStringLiteral("the control has gone"));
+                SetControl(*guard, value);
+            },
+            QDeadlineTimer(AnswerMilliseconds));
     } else if (isDeed("focus")) {
         QWidget& control = Widget(request, true);
         Perform(id, [&control] { FocusControl(control); });
@@ -430,7 +438,8 @@ QWidget& Driver::Widget(const QJsonObject& request, bool mustBeFree) const {
 void Driver::PerformByKeys(const QJsonValue& id, const std::function<void()>& deed, QDeadlineTimer until) {
     desk_.ActivateTop();
     // The window system tells of the active window a while behind the wish.
-    if (QGuiApplication::focusWindow() || until.hasExpired()) return Perform(id, deed);
+    const QWindow* focus = QGuiApplication::focusWindow();
+    if ((focus && focus->isVisible()) || until.hasExpired()) return Perform(id, deed);
     QTimer::singleShot(1, this, [this, id, deed, until] { PerformByKeys(id, deed, until); });
 }
 

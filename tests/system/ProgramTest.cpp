@@ -53,12 +53,15 @@ TEST_F(Program, F1OpensTheHelpBesideWhateverScreenStandsAndItsSearchFindsAWord) 
     program.Click(QStringLiteral("frmConvert"), QStringLiteral("cmdHelp"));
     program.WaitTextContaining(help, page, QStringLiteral("Importing"));
 
+    program.Choose(help, QStringLiteral("tabHelp"), QStringLiteral("Search"));
     program.Set(help, QStringLiteral("txtWords"), QStringLiteral("signature"));
     program.Click(help, QStringLiteral("cmdListTopics"));
     program.WaitTextContaining(help, QStringLiteral("lblFound"), QStringLiteral("Topics found:"));
     program.Click(help, QStringLiteral("cmdOK"));
     program.WaitGone(help);
     EXPECT_TRUE(program.IsShown(QStringLiteral("frmConvert")));
+    program.Click(QStringLiteral("frmConvert"), QStringLiteral("cmdCancel"));
+    program.WaitGone(QStringLiteral("frmConvert"));
     EXPECT_EQ(program.Quit(), 0);
     EXPECT_TRUE(QDir(folder_.path()).entryList({QStringLiteral("ZUKHelp-*")}, QDir::Dirs).isEmpty());
 }
