@@ -622,6 +622,16 @@ TEST_F(TourInstall, AScreenThatIsOpenedMeanwhileEndsTheInstallAndTheTour) {
     EXPECT_EQ(FilesWithExtension(InstallFolder(ManagerFolder(), "Ben"), ""), std::vector<std::string>());
 }
 
+TEST_F(TourInstall, WhatIsQueuedIsTakenBackBeforeAScreenThatWaitsForTheHandheldIsOpenedAboveIt) {
+    std::vector<std::string> queued{"not looked at"};
+    Install(Joined(Joined(Registration(), {Choosing("Ben")}), {WhenItWaits([&] {
+                       The<frmQuickStart>().Unload();
+                       queued = FilesWithExtension(InstallFolder(ManagerFolder(), "Ben"), "");
+                   })}));
+
+    EXPECT_EQ(queued, std::vector<std::string>());
+}
+
 TEST_F(TourInstall, CancelDuringTheRegistrationEndsTheTour) {
     Install({{[this] { return Exists(Folder() + "registered"); },
               [] { Click(The<frmQuickStart>(), "cmdCancel"); }}});

@@ -60,6 +60,7 @@ InstallRun::End InstallRun::Install(InstallKind kind, const std::string& user) {
                                                      PathFromQt(QApplication::applicationVersion()));
         install_->Begin(kind);
     } catch (const RunTimeFailure& failure) {
+        install_.reset();
         Tell(Lines(msg::NothingQueued, Text::Path(std::string_view(failure.what()))), Icon::Stop);
         return End::NotBegun;
     }
@@ -75,10 +76,12 @@ InstallRun::End InstallRun::Install(InstallKind kind, const std::string& user) {
     SFInstall->SetEnabled(true);
     screen_.SetActive(msg::ReadyToInstall + Text::Value(std::string_view(user)) + msg::ReadyPressHotsync);
 
+    awaits_ = true;
     const End end = Await();
+    awaits_ = false;
 
     SFInstall->SetEnabled(false);
-    if (end != End::Installed) install_->ClearHSInstallDir();
+    if (end != End::Installed) TakeBack();
     Global.HHInstallActive = Global.InstallSession = false;
     if (end == End::Installed) Record(kind, user);
     if (!form_.IsOver()) screen_.SetInactive();
@@ -118,7 +121,16 @@ bool InstallRun::GoesOn() const {
 }
 
 void InstallRun::Cancel() {
+    if (!awaits_) return;
     Global.HHInstallActive = false;
+    TakeBack();
+}
+
+/// No HotSync that follows installs anything.
+void InstallRun::TakeBack() {
+    SFInstall->SetEnabled(false);
+    install_->ClearHSInstallDir();
+    Global.InstallSession = false;
 }
 
 void InstallRun::Record(InstallKind kind, const std::string& user) {

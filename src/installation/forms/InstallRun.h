@@ -49,7 +49,8 @@ public:
     /// tables.
     End Install(InstallKind kind, const std::string& user);
 
-    /// Ends the install that runs. Does nothing when none does.
+    /// Ends the install that runs, and takes back at once what is queued: Install goes on only when the
+    /// screens have gone that were opened above it. Does nothing when none runs.
     void Cancel();
 
     /// Behind an install: what was installed on whom, and how many files and tables.
@@ -58,12 +59,14 @@ public:
 private:
     End Await();
     bool GoesOn() const;
+    void TakeBack();
     void Record(InstallKind kind, const std::string& user);
 
     FormBehaviour& form_;
     InstallScreen& screen_;
     std::unique_ptr<SFrmAX40> SFInstall;
     std::unique_ptr<HandheldInstall> install_;
+    bool awaits_ = false;    ///< a handheld, with the files queued
     std::int32_t begun_ = 0; ///< sessions of the control
     bool inSession_ = false; ///< of the control
     bool hotSynced_ = false; ///< a HotSync has begun, as the control or the manager's window tells
