@@ -5,6 +5,7 @@
 #include "core/Messages.h"
 #include "core/Numbers.h"
 #include "core/Paths.h"
+#include "core/SafeFile.h"
 #include "core/TextCompare.h"
 #include "store/TableScan.h"
 #include "sync/InstallFolder.h"
@@ -25,6 +26,11 @@ std::string VersionFolder() {
 
 std::string VersionTable() {
     return VersionFolder() + "ZUKVER.DBF";
+}
+
+/// Lies there while files of an install may be queued, and names the user.
+std::string MarkPath() {
+    return Global.InstallPath + "InstallBegun.txt";
 }
 
 Text Number(std::size_t number) {
@@ -64,6 +70,10 @@ HandheldInstall::HandheldInstall(SFrmAX40& control, std::string managerFolder, s
       user_(std::move(user)),
       version_(MajorVersion(VersionCaption(version))) {}
 
+HandheldInstall::~HandheldInstall() {
+    RemoveQuietly(MarkPath());
+}
+
 void HandheldInstall::Begin(InstallKind kind) {
     ProgramOnly = kind == InstallKind::Program;
     InstallStage.clear();
@@ -77,6 +87,7 @@ void HandheldInstall::Begin(InstallKind kind) {
     }
     // What an earlier install has left there would come along.
     ClearHSInstallDir();
+    WriteWholeFile(MarkPath(), user_ + "\r\n");
     if (!ProgramOnly) QueueFiles();
     // The prepared data needs no table: no status of its sessions is heeded.
     Global.InstallSession = kind != InstallKind::Demo;
@@ -207,4 +218,22 @@ Text HandheldInstall::Missing() const {
     if (const std::size_t files = FilesWaiting())
         return Lines(Words(msg::FilesWaiting, Number(files)), msg::PressAgain);
     return Lines(Words(msg::TablesWaiting, Number(TablesWaiting())), msg::PressAgain);
+}
+
+// ---- behind a kill ----
+
+std::optional<std::string> TakeBackInstall(std::string_view managerFolder) {
+    const std::string mark = MarkPath();
+    if (!FileExists(mark)) return std::nullopt;
+    const std::string content = ReadWholeFile(mark);
+    std::string user(Trim(std::string_view(content).substr(0, content.find('\r'))));
+    bool waits = false;
+    try {
+        waits = !FilesWithExtension(InstallFolder(managerFolder, user), "").empty();
+        if (waits) ClearHSInstallDir(managerFolder, user);
+    } catch (const RunTimeFailure& failure) {
+        if (failure.Number() != 52) throw; // a mark that names no user has nothing to take back
+    }
+    RemoveQuietly(mark);
+    return waits ? std::optional(std::move(user)) : std::nullopt;
 }

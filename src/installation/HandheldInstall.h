@@ -36,6 +36,7 @@ public:
     HandheldInstall(SFrmAX40& control, std::string managerFolder, std::string user, std::string_view version);
     HandheldInstall(const HandheldInstall&) = delete;
     HandheldInstall& operator=(const HandheldInstall&) = delete;
+    ~HandheldInstall(); ///< takes nothing back: what is queued stays for the handheld
 
     /// Empties the install folder and queues the files of an install, and for Program Only none yet. A
     /// failure leaves none queued: RunTimeFailure 53 for a file that the install directory lacks, before
@@ -87,3 +88,9 @@ private:
     std::string other_;               ///< whose session it was, when it was another's
     std::optional<Text> stopped_;
 };
+
+/// At the start, when nothing is queued yet: takes back what an install had queued whose program was killed,
+/// or the next HotSync would replace the orders of a handheld that nobody thinks of any more. For whom, when
+/// files had not been installed; nothing else. RunTimeFailure as ReadWholeFile, and 76 without a manager's
+/// folder.
+std::optional<std::string> TakeBackInstall(std::string_view managerFolder);

@@ -238,6 +238,16 @@ TEST_F(InstallScreen, TheMainScreenOpensItByItsButtonAndItsMenu) {
     }
 }
 
+TEST_F(InstallScreen, AStartTakesBackWhatAKilledInstallHadQueuedAndTellsForWhom) {
+    WriteWholeFile(Global.InstallPath + "InstallBegun.txt", "Anna\r\n");
+    ::AddInstall(ManagerFolder(), Global.InstallPath + "InstallBegun.txt", "Anna");
+    Operator_.Expect(::Lines(T("Anna"), msg::CancelledInHotsync)).With(Icon::Warning);
+
+    Open<frmMain1>();
+
+    EXPECT_TRUE(Waiting().empty());
+}
+
 TEST_F(InstallScreen, ALinksTableThatCannotBeReadIsTold) {
     const std::string path = ResolvePath(Global.DBFPath + "ZUKLINK.DBF");
     WriteWholeFile(path, "no table");

@@ -104,6 +104,36 @@ TEST_F(DemoInstall, WhatAnEarlierInstallLeftQueuedDoesNotComeAlong) {
     EXPECT_EQ(Bytes(Folder() + "HotSync/Bea/Install/Tramble.prc"), "hers");
 }
 
+TEST_F(DemoInstall, WhatAKilledProgramHadQueuedIsTakenBackByTheNextStartAndItsUserTold) {
+    Install.Begin(InstallKind::Demo);
+    ASSERT_FALSE(Waiting().empty());
+
+    EXPECT_EQ(TakeBackInstall(Control.ManagerFolder), "Anna");
+
+    EXPECT_EQ(Waiting(), Strings());
+    EXPECT_EQ(TakeBackInstall(Control.ManagerFolder), std::nullopt) << "once";
+}
+
+TEST_F(DemoInstall, AStartTakesBackNothingOfWhatNoInstallHasQueued) {
+    GivenFile("HotSync/Anna/Install/Memo.pdb", "by hand");
+    EXPECT_EQ(TakeBackInstall(Control.ManagerFolder), std::nullopt);
+    EXPECT_EQ(Waiting(), Strings{"Memo.pdb"});
+
+    { HandheldInstall(Control, Control.ManagerFolder, "Bea", "1.0.0").Begin(InstallKind::Demo); }
+    EXPECT_EQ(TakeBackInstall(Control.ManagerFolder), std::nullopt) << "one that came to its end";
+    EXPECT_EQ(Waiting(), Strings{"Memo.pdb"});
+}
+
+TEST_F(DemoInstall, AMarkThatNamesNoUserTakesBackNothingAndGoes) {
+    GivenFile("HotSync/Anna/Install/Memo.pdb", "by hand");
+    GivenFile("app/Install/InstallBegun.txt", "../HotSync/Anna\r\n");
+
+    EXPECT_EQ(TakeBackInstall(Control.ManagerFolder), std::nullopt);
+
+    EXPECT_EQ(Waiting(), Strings{"Memo.pdb"});
+    EXPECT_FALSE(FileExists(Global.InstallPath + "InstallBegun.txt"));
+}
+
 TEST_F(DemoInstall, AnInstallThatIsTakenBackLeavesNothingQueued) {
     Install.Begin(InstallKind::Demo);
 

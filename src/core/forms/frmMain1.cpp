@@ -16,6 +16,7 @@
 #include "exchange/forms/frmQBImport.h"
 #include "exchange/forms/frmQBUpload.h"
 #include "help/HTMLHelp.h"
+#include "installation/HandheldInstall.h"
 #include "installation/forms/frmHHInstall.h"
 #include "installation/forms/frmQuickStart.h"
 #include "installation/forms/frmQuickStart2.h"
@@ -183,6 +184,7 @@ void frmMain1::StartUp() {
         return StopStart(msg::TablesMissing);
     TellUnfinishedJobs();
     PutBackSafetyCopies();
+    TakeBackQueuedInstall();
     LoadIcons();
     SetUpTotalsGrid();
     GetPCTotals();
@@ -225,6 +227,19 @@ void frmMain1::PutBackSafetyCopies() {
         Tell(told, Icon::Information);
     } catch (const RunTimeFailure& failure) {
         Tell(Lines(msg::SessionNotRecovered, Text::Path(std::string_view(failure.what()))), Icon::Warning);
+    }
+}
+
+/// In unattended mode the trace has it.
+void frmMain1::TakeBackQueuedInstall() {
+    try {
+        const std::optional<std::string> user = TakeBackInstall(HotSyncManagerFolder());
+        if (!user) return;
+        TraceEvent("frmMain1:TakeBackQueuedInstall " + *user);
+        if (Global.UnattendedActive) return;
+        Tell(Lines(Text::Value(std::string_view(*user)), msg::CancelledInHotsync), Icon::Warning);
+    } catch (const RunTimeFailure& failure) {
+        TraceEvent(std::string("frmMain1:TakeBackQueuedInstall ") + failure.what());
     }
 }
 

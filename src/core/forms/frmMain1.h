@@ -156,6 +156,7 @@ private:
     void StopStart(const Text& reason);
     static void TellUnfinishedJobs();
     void PutBackSafetyCopies();
+    static void TakeBackQueuedInstall();
     void LoadIcons();
     void SetLLQStandard();
     void SetUpTotalsGrid();
