@@ -356,3 +356,13 @@ void HotSyncUsers::Synced(std::uint32_t id, DateTime when, bool complete) {
     users[place].Incomplete = !complete;
     Take(std::move(users));
 }
+
+std::string StandInMachine(std::uint32_t id) {
+    constexpr std::string_view signs = "ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789";
+    constexpr std::uint32_t letters = 26;
+    std::string machine(1, signs[id % letters]);
+    id /= letters;
+    for (int k = 0; k < 3; ++k, id /= static_cast<std::uint32_t>(signs.size()))
+        machine += signs[id % signs.size()];
+    return machine;
+}

@@ -121,3 +121,8 @@ private:
     std::vector<HotSyncUser> users_;
     std::optional<Move> pending_;
 };
+
+/// The machine id of a stand-in handheld that is made for the user with this id: a letter and three letters
+/// or digits. Order codes begin with it, so it goes by the id, which no later user gets: a place in the list
+/// would be that of another user as soon as one is deleted.
+std::string StandInMachine(std::uint32_t id);

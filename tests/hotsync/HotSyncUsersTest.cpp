@@ -502,4 +502,15 @@ TEST_F(HotSyncUsersTest, ARenamingThatIsDoneIsNotDoneAgain) {
     EXPECT_TRUE(Exists(Path("ANNA/Install/later.pdb")));
 }
 
+TEST_F(HotSyncUsersTest, TheMachineOfAStandInGoesByTheUsersIdAndFitsTheLinksTable) {
+    std::set<std::string> machines;
+    for (std::uint32_t id = 1; id <= 5000; ++id) {
+        const std::string machine = StandInMachine(id);
+        ASSERT_EQ(machine.size(), 4U) << id;
+        ASSERT_TRUE(machine[0] >= 'A' && machine[0] <= 'Z') << machine;
+        EXPECT_TRUE(machines.insert(machine).second) << machine;
+    }
+    EXPECT_EQ(StandInMachine(0xFFFFFFFF).size(), 4U);
+}
+
 } // namespace

@@ -24,7 +24,6 @@
 #include <QCommandLineParser>
 #include <QProcess>
 
-#include <algorithm>
 #include <cstdio>
 
 Manager::Manager(std::string folder)
@@ -108,12 +107,6 @@ QString PlaceFor(const ListeningState& listening) {
 } // namespace
 
 void Manager::OpenStandIn(const HotSyncUser& user) {
-    const auto& all = users_.All();
-    const auto place =
-        std::find_if(all.begin(), all.end(), [&](const HotSyncUser& one) { return one.Id == user.Id; });
-    // Order codes begin with the machine id: each user's stand-in has its own.
-    constexpr std::ptrdiff_t machines = 999;
-    const QString machine = QStringLiteral("H%1").arg((place - all.begin()) % machines + 1);
     const QString program = QApplication::applicationDirPath() + QStringLiteral("/handheldwindow");
     const QStringList arguments{PathToQt(users_.StandInFolder(user)),
                                 QStringLiteral("--user"),
@@ -121,7 +114,7 @@ void Manager::OpenStandIn(const HotSyncUser& user) {
                                 QStringLiteral("--id"),
                                 QString::number(user.Id),
                                 QStringLiteral("--machine"),
-                                machine,
+                                QString::fromStdString(StandInMachine(user.Id)),
                                 QStringLiteral("--desktop"),
                                 PlaceFor(listening_)};
     if (!QProcess::startDetached(program, arguments)) throw RunTimeFailure(53, program.toStdString());
