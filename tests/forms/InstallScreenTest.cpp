@@ -238,6 +238,16 @@ TEST_F(InstallScreen, TheMainScreenOpensItByItsButtonAndItsMenu) {
     }
 }
 
+TEST_F(InstallScreen, WhoIsChosenIsToldInFullThatAnInstallReplacesTheOrdersOfTheHandheld) {
+    auto& form = OpenFor("Anna");
+    Settle();
+
+    EXPECT_EQ(TextOf(form, "lblInstallMsg"), Q(msg::ChooseInstall));
+    EXPECT_TRUE(TextOf(form, "lblInstallMsg").contains("replace the orders on it"));
+    const QWidget& message = Control(form, "lblInstallMsg");
+    EXPECT_GE(message.height(), message.heightForWidth(message.width()));
+}
+
 TEST_F(InstallScreen, AStartTakesBackWhatAKilledInstallHadQueuedAndTellsForWhom) {
     WriteWholeFile(Global.InstallPath + "InstallBegun.txt", "Anna\r\n");
     ::AddInstall(ManagerFolder(), Global.InstallPath + "InstallBegun.txt", "Anna");
