@@ -597,7 +597,7 @@ void RestoreFaces(const QString& folder) {
 /// The window of the help, at the page of a screen.
 void HelpFace(const QString& build, const QString& folder) {
     QtHelp help;
-    help.Help().HHSetHelpFile(PathFromQt(build) + "/installed/Tramble_Help.qch");
+    help.Help().HHSetHelpFile(PathFromQt(QDir(build).absolutePath()) + "/installed/Tramble_Help.qch");
     help.Help().HHTopicURL = "Payments.htm";
     help.Help().HHDisplayTopicURL();
     Save(The<frmHelp>(), folder, QStringLiteral("frmHelp-page"));

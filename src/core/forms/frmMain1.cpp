@@ -292,6 +292,12 @@ void frmMain1::LoadIcons() {
         {imgToolsHelp, "helpico16-256"},
     };
     for (const auto& [button, name] : buttons) button->setIcon(Picture(name));
+    // White arrows: what the mouse raises must not be as light as they are.
+    for (QToolButton* arrow : {lblPrev, lblNext}) {
+        QPalette palette = arrow->palette();
+        palette.setColor(QPalette::Button, palette.color(QPalette::Highlight));
+        arrow->setPalette(palette);
+    }
     for (QWidget* page : {static_cast<QWidget*>(picQB), static_cast<QWidget*>(picRemoteSync)}) {
         for (QToolButton* button : page->findChildren<QToolButton*>()) button->setIconSize(IconSize);
     }
