@@ -192,6 +192,8 @@ void HandheldInstall::RemoveVersionFiles() const {
 std::size_t HandheldInstall::FilesWaiting() const {
     if (!queued_) return files_.size();
     const std::string folder = InstallFolder(managerFolder_, user_);
+    // It goes with its user, who can be renamed or deleted in the manager: then nothing was installed.
+    if (!Global.TheDisk->IsFolder(ResolvePath(folder))) return files_.size();
     return static_cast<std::size_t>(std::count_if(
         files_.begin(), files_.end(), [&](const std::string& file) { return FileExists(folder + file); }));
 }

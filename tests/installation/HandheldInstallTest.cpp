@@ -4,6 +4,8 @@
 #include "installation/InstallTest.h"
 #include "support/Fails.h"
 
+#include <filesystem>
+
 namespace {
 
 class DemoInstall : public InstallTest {};
@@ -74,6 +76,16 @@ TEST_F(DemoInstall, ASessionThatBreaksOffLeavesTheRestForTheNextOne) {
 
     EXPECT_TRUE(Install.IsComplete());
     EXPECT_EQ(Sorted(Control.Installed), Sorted(FilesOf(InstallKind::Demo)));
+}
+
+TEST_F(DemoInstall, AUserWhoIsRenamedMeanwhileTakesTheFilesAlongAndNothingCountsAsInstalled) {
+    Install.Begin(InstallKind::Demo);
+
+    std::filesystem::rename(FolderOfAnna(), Folder() + "elsewhere");
+
+    EXPECT_FALSE(Install.IsComplete());
+    EXPECT_EQ(Install.Missing(),
+              ::Lines(Words(msg::FilesWaiting, Text::Value(std::int64_t{47})), msg::PressAgain));
 }
 
 TEST_F(DemoInstall, AMissingFileIsNamedAndNothingIsQueued) {
