@@ -6,6 +6,7 @@
 #include "core/SafeFile.h"
 #include "core/forms/frmMain1.h"
 #include "forms/HotSyncTest.h"
+#include "forms/Steps.h"
 #include "installation/forms/frmHHInstall.h"
 #include "platform/Convert.h"
 #include "platform/TitledWindow.h"
@@ -18,7 +19,6 @@
 #include "views/forms/frmViewGrid.h"
 
 #include <QComboBox>
-#include <QDeadlineTimer>
 #include <QDialog>
 #include <QTimer>
 
@@ -67,26 +67,9 @@ protected:
     }
     ~InstallScreen() override { FormRegistry::Instance().Clear(); }
 
-    /// What is done as soon as something holds.
-    struct Step {
-        std::function<bool()> When;
-        std::function<void()> Deed;
-    };
-
     /// Presses a button, and does the steps in their order while that waits. Returns when it has ended.
     void Press(frmHHInstall& form, const char* button, const std::vector<Step>& steps) {
-        std::size_t done = 0;
-        const QDeadlineTimer until(20000);
-        QTimer look;
-        QObject::connect(&look, &QTimer::timeout, &look, [&] {
-            if (done < steps.size() && steps[done].When())
-                steps[done++].Deed();
-            else if (until.hasExpired())
-                Global.Ending = true; // so that the wait ends, and the test fails
-        });
-        look.start(1);
-        Click(form, button);
-        EXPECT_EQ(done, steps.size()) << "a step never came";
+        WithSteps(steps, [&] { Click(form, button); });
         EXPECT_FALSE(Global.HHInstallActive);
         EXPECT_FALSE(Global.InstallSession);
         EXPECT_TRUE(IfLoaded<frmMainSync>() || !Answering()) << "a control stays behind";
