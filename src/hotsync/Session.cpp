@@ -5,6 +5,7 @@
 #include "core/Globals.h"
 #include "core/Paths.h"
 #include "core/SafeFile.h"
+#include "sync/InstallFolder.h"
 #include "sync/SessionStatus.h"
 
 #include <algorithm>
@@ -246,9 +247,19 @@ bool Session::Move(const QueuedTransfer& transfer) {
     }
 }
 
+/// An install that a program has begun and no program attends to any more.
+bool Session::IsGivenUp(const std::string& folder) {
+    return FileExists(InstallMark(folder)) &&
+           std::none_of(around_.Creators.begin(), around_.Creators.end(),
+                        [this](const std::string& creator) { return around_.Desk.TakesPart(creator); });
+}
+
 void Session::InstallFiles() {
     const std::string folder = around_.Users.InstallFolder(user_);
-    for (const std::string& file : FilesWithExtension(folder, "")) {
+    const std::vector<std::string> files = FilesWithExtension(folder, "");
+    if (!files.empty() && IsGivenUp(folder))
+        return Say("nothing is installed: the program that has begun the installation has gone");
+    for (const std::string& file : files) {
         if (file.ends_with(SafeFile::WorkExtension)) continue; // it is just being put there
         moving_ = PathToName(file);
         way_ = SessionProgress::Way::ToHandheld;

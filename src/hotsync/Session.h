@@ -93,6 +93,7 @@ private:
     /// False when it failed and the session goes on.
     bool Move(const QueuedTransfer& transfer);
     void InstallFiles();
+    bool IsGivenUp(const std::string& folder);
     void SayGoodbye();
     void WaitForDesk();
     void CheckCancel();

@@ -28,7 +28,8 @@ std::string VersionTable() {
     return VersionFolder() + "ZUKVER.DBF";
 }
 
-/// Lies there while files of an install may be queued, and names the user.
+/// Lies there while files of an install may be queued, and names the user, for the next start. The manager
+/// has a mark of its own (InstallMark).
 std::string MarkPath() {
     return Global.InstallPath + "InstallBegun.txt";
 }
@@ -71,6 +72,7 @@ HandheldInstall::HandheldInstall(SFrmAX40& control, std::string managerFolder, s
       version_(MajorVersion(VersionCaption(version))) {}
 
 HandheldInstall::~HandheldInstall() {
+    if (!begun_.empty()) RemoveQuietly(begun_);
     RemoveQuietly(MarkPath());
 }
 
@@ -87,7 +89,11 @@ void HandheldInstall::Begin(InstallKind kind) {
     }
     // What an earlier install has left there would come along.
     ClearHSInstallDir();
+    const std::string folder = InstallFolder(managerFolder_, user_);
+    MakePath(folder);
     WriteWholeFile(MarkPath(), user_ + "\r\n");
+    begun_ = InstallMark(folder);
+    WriteWholeFile(begun_, user_ + "\r\n");
     if (!ProgramOnly) QueueFiles();
     // The prepared data needs no table: no status of its sessions is heeded.
     Global.InstallSession = kind != InstallKind::Demo;
@@ -231,8 +237,10 @@ std::optional<std::string> TakeBackInstall(std::string_view managerFolder) {
     std::string user(Trim(std::string_view(content).substr(0, content.find('\r'))));
     bool waits = false;
     try {
-        waits = !FilesWithExtension(InstallFolder(managerFolder, user), "").empty();
+        const std::string folder = InstallFolder(managerFolder, user);
+        waits = !FilesWithExtension(folder, "").empty();
         if (waits) ClearHSInstallDir(managerFolder, user);
+        RemoveQuietly(InstallMark(folder));
     } catch (const RunTimeFailure& failure) {
         if (failure.Number() != 52) throw; // a mark that names no user has nothing to take back
     }

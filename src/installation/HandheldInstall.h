@@ -81,6 +81,7 @@ private:
 
     SFrmAX40& SFInstall;
     std::string managerFolder_, user_, version_;
+    std::string begun_;               ///< the manager's mark, once it was set
     std::vector<std::string> files_;  ///< names
     std::vector<std::string> tables_; ///< paths; of a Live install
     bool queued_ = false;             ///< the files

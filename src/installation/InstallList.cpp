@@ -15,19 +15,20 @@ void TakeInLinks(StatusStore& store) {
     const auto statuses = Global.HHStatusInst;
     const auto moments = Global.HHStatusDT;
     const auto types = Global.HHStatusType;
-    MakeHHStatus(store);
-    GetHHStatusInst(store);
-    for (std::size_t i = 1; i < Global.HHSyncID.size(); ++i) {
-        const auto same = std::find_if(before.begin() + 1, before.end(), [&](const std::string& id) {
-            return SameText(id, Global.HHSyncID[i]);
-        });
+    Global.HHCount = static_cast<std::int32_t>(links.size());
+    for (auto* list : {&Global.HHSyncID, &Global.HHStatusInst, &Global.HHStatusDT, &Global.HHStatusType})
+        list->assign(links.size() + 1, "");
+    for (std::size_t i = 1; i <= links.size(); ++i) {
+        Global.HHSyncID[i] = links[i - 1];
+        const auto same = std::find_if(before.begin() + 1, before.end(),
+                                       [&](const std::string& id) { return SameText(id, links[i - 1]); });
         if (same == before.end()) continue;
         const auto row = static_cast<std::size_t>(same - before.begin());
         Global.HHStatusInst[i] = statuses[row];
         Global.HHStatusDT[i] = moments[row];
         Global.HHStatusType[i] = types[row];
     }
-    UpdateHHStatusInst(store);
+    UpdateHHStatusInst(store); // in one step: a kill forgets no install
 }
 
 std::vector<InstallRow> GetList(const StatusStore& store) {

@@ -8,7 +8,8 @@
 #include <vector>
 
 /// The list of what was installed on each handheld: the rows of the installation family, in memory in
-/// Global.HHSyncID and its companions (sync/Status.h). RunTimeFailure when the Links table cannot be read.
+/// Global.HHSyncID and its companions (sync/Status.h). RunTimeFailure when the Links table cannot be read, or
+/// 75 the store not be written: it then holds what it held.
 
 /// A handheld of the list. Texts are code page 1252 and trimmed; the latter two are empty for a handheld that
 /// was never installed.

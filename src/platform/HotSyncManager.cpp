@@ -5,13 +5,16 @@
 #include "core/Operator.h"
 #include "core/Paths.h"
 #include "platform/Convert.h"
+#include "platform/QuietWait.h"
 #include "platform/Registry.h"
 #include "sync/InstallFolder.h"
 #include "tools/FileVersion.h"
 
 #include <QProcess>
+#include <QTimer>
 
 #include <algorithm>
+#include <chrono>
 
 namespace {
 
@@ -30,20 +33,27 @@ std::string VersionIn(const QByteArray& answer) {
     return isVersion ? word.toStdString() : std::string();
 }
 
-/// What a program says of its version; nothing when it does not end by itself.
+/// What a program says of its version; nothing when it does not end by itself. The screen goes on painting.
 std::string AskForVersion(const std::string& program) {
-    constexpr int patience = 3000; // milliseconds
+    constexpr std::chrono::seconds patience{3};
     QProcess process;
     process.setProgram(PathToQt(program));
     process.setArguments({QStringLiteral("--version")});
     process.setStandardErrorFile(QProcess::nullDevice());
     process.start(QIODevice::ReadOnly);
-    if (process.waitForFinished(patience) && process.exitStatus() == QProcess::NormalExit &&
-        process.exitCode() == 0)
-        return VersionIn(process.readAllStandardOutput());
-    process.kill();
-    process.waitForFinished(patience);
-    return {};
+    QTimer longest;
+    longest.setSingleShot(true);
+    longest.start(patience);
+    const auto runs = [&] { return process.state() != QProcess::NotRunning; };
+    WaitWithoutInput([&] { return runs() && longest.isActive(); });
+    if (runs()) {
+        process.kill();
+        process.waitForFinished();
+        return {};
+    }
+    const bool ended =
+        process.error() == QProcess::UnknownError && process.exitStatus() == QProcess::NormalExit;
+    return ended && process.exitCode() == 0 ? VersionIn(process.readAllStandardOutput()) : std::string();
 }
 
 } // namespace

@@ -1,10 +1,12 @@
 #include "platform/Registry.h"
 
+#include "core/Failure.h"
 #include "core/Globals.h"
 #include "platform/Convert.h"
 
 #include <QCryptographicHash>
 #include <QFileInfo>
+#include <QSet>
 #include <QSettings>
 
 namespace {
@@ -96,12 +98,22 @@ std::optional<std::string> Registry::Read(std::string_view section, std::string_
     return FromQt(value.toString());
 }
 
-void Registry::Write(std::string_view section, std::string_view key, std::string_view value) {
-    Own().setValue(StatusKey(section, key), ToQt(value));
-}
-
-void Registry::RemoveAll() {
-    Own().remove(StatusGroup());
+/// An INI file is replaced by the one `sync`. In a registry that is written value by value the old rows go
+/// last.
+void Registry::Replace(const std::vector<StatusEntry>& entries) {
+    QSettings own = Own();
+    QSet<QString> sections;
+    for (const StatusEntry& entry : entries) {
+        own.setValue(StatusKey(entry.Section, entry.Key), ToQt(std::string_view(entry.Value)));
+        sections.insert(ToQt(std::string_view(entry.Section)));
+    }
+    own.beginGroup(StatusGroup());
+    for (const QString& section : own.childGroups()) {
+        if (!sections.contains(section)) own.remove(section);
+    }
+    own.endGroup();
+    own.sync();
+    if (own.status() != QSettings::NoError) throw RunTimeFailure(75, PathFromQt(own.fileName()));
 }
 
 bool Registry::DarkLook() {

@@ -23,8 +23,7 @@ public:
     static bool SetHotSyncManager(std::string_view program);
 
     std::optional<std::string> Read(std::string_view section, std::string_view key) const override;
-    void Write(std::string_view section, std::string_view key, std::string_view value) override;
-    void RemoveAll() override;
+    void Replace(const std::vector<StatusEntry>& entries) override;
 
     /// Whether the operator has chosen the dark look for this office.
     static bool DarkLook();

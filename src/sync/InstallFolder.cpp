@@ -10,6 +10,12 @@ std::string InstallFolder(std::string_view managerFolder, std::string_view user)
     return AddBackslash(AddBackslash(AddBackslash(managerFolder) + name) + "Install");
 }
 
+std::string InstallMark(std::string_view folder) {
+    const std::size_t end = folder.find_last_not_of("/\\");
+    return std::string(FolderOf(folder.substr(0, end == std::string_view::npos ? 0 : end + 1))) +
+           "InstallBegun.txt";
+}
+
 void AddInstall(std::string_view managerFolder, std::string_view file, std::string_view user) {
     const std::string folder = InstallFolder(managerFolder, user);
     if (!FileExists(file)) throw RunTimeFailure(53, std::string(file));

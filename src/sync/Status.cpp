@@ -36,6 +36,22 @@ std::string Section(std::size_t row) {
     return "HH" + std::to_string(row);
 }
 
+struct StatusRow {
+    std::string HHSyncID, HHStatusInst = {}, HHStatusDT = {}, HHStatusType = {};
+};
+
+void Store(StatusStore& store, const std::vector<StatusRow>& rows) {
+    std::vector<StatusEntry> entries;
+    for (const StatusRow& row : rows) {
+        const std::string section = Section(entries.size() / 4 + 1);
+        entries.push_back({section, "HHSyncID", row.HHSyncID});
+        entries.push_back({section, "HHStatusInst", row.HHStatusInst});
+        entries.push_back({section, "HHStatusDT", row.HHStatusDT});
+        entries.push_back({section, "HHStatusType", row.HHStatusType});
+    }
+    store.Replace(entries);
+}
+
 /// The two families share the ids and their count: every list has an entry for each of them.
 void FitLists() {
     for (auto* list : {&Global.HHSyncID, &Global.HHStatus, &Global.HHStatusStd, &Global.HHStatusInst,
@@ -112,14 +128,9 @@ void ClearHHStatus() {
 
 void MakeHHStatus(StatusStore& store) {
     TraceEvent("basCommon:MakeHHStatus");
-    const std::vector<std::string> ids = LinkIDs(); // a table that cannot be read loses no row
-    store.RemoveAll();
-    std::size_t row = 0;
-    for (const std::string& id : ids) {
-        const std::string section = Section(++row);
-        store.Write(section, "HHSyncID", id);
-        for (const char* key : {"HHStatusInst", "HHStatusDT", "HHStatusType"}) store.Write(section, key, "");
-    }
+    std::vector<StatusRow> rows;
+    for (const std::string& id : LinkIDs()) rows.push_back({id});
+    Store(store, rows);
 }
 
 void GetHHStatusInst(StatusStore& store) {
@@ -143,12 +154,9 @@ void GetHHStatusInst(StatusStore& store) {
 void UpdateHHStatusInst(StatusStore& store) {
     TraceEvent("basCommon:UpdateHHStatusInst");
     FitLists();
-    store.RemoveAll();
-    for (std::size_t i = 1; i <= static_cast<std::size_t>(Global.HHCount); ++i) {
-        const std::string section = Section(i);
-        store.Write(section, "HHSyncID", Global.HHSyncID[i]);
-        store.Write(section, "HHStatusInst", Global.HHStatusInst[i]);
-        store.Write(section, "HHStatusDT", Global.HHStatusDT[i]);
-        store.Write(section, "HHStatusType", Global.HHStatusType[i]);
-    }
+    std::vector<StatusRow> rows;
+    for (std::size_t i = 1; i <= static_cast<std::size_t>(Global.HHCount); ++i)
+        rows.push_back(
+            {Global.HHSyncID[i], Global.HHStatusInst[i], Global.HHStatusDT[i], Global.HHStatusType[i]});
+    Store(store, rows);
 }

@@ -31,7 +31,9 @@ void ClearHHStatus();
 /// The HotSync ids of the Links table in its order, trimmed. No id when there is no such table.
 std::vector<std::string> LinkIDs();
 
-/// Writes the rows of the installation family anew from the Links table, their other keys empty.
+// The rows of the installation family. Those that write fail as StatusStore::Replace.
+
+/// Writes the rows anew from the Links table, their other keys empty. RunTimeFailure as LinkIDs.
 void MakeHHStatus(StatusStore& store);
 
 /// Reads those rows into the status list, or makes them first when there is none.

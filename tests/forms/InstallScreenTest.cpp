@@ -22,6 +22,8 @@
 #include <QDialog>
 #include <QTimer>
 
+#include <filesystem>
+
 namespace {
 
 using Names = std::vector<std::string>;
@@ -501,6 +503,33 @@ TEST_F(InstallScreen, ALiveTableThatIsMissingEndsTheInstallBeforeAnythingIsQueue
     EXPECT_FALSE(Global.HHInstallActive);
 }
 
+// ---- orders at risk ----
+
+TEST_F(InstallScreen, OrdersThatWouldTravelOrBeLostAreAskedAboutBeforeAnythingIsQueued) {
+    GivenRows("ZUKORHDR", {"H_ORDCODE", "A000122", "A000123"});
+    GivenRows("ZUKLINK", {"LK_HOTSYNC|LK_MACH_ID|LK_LSTONUM", "Anna|A|000123"});
+    auto& form = OpenFor("Anna");
+    const Text blank = ::Lines({}, {});
+    const Text risk = ::Lines(Words(msg::HandheldMayHoldOrders, msg::LastOrderKnown, T("A000123")), blank);
+    const Text doubled = ::Lines(Words(msg::OrdersGoAlong, T("2")), blank);
+    const auto look = [&] { EXPECT_TRUE(Waiting().empty() && !Global.HHInstallActive); };
+
+    ExpectCleanCheck();
+    Operator_.Expect(msg::TwoHotsyncs);
+    // The icon makes No the default.
+    Operator_.Expect(doubled + risk + msg::InstallAnyway).With(Icon::Warning).Then(look).Answer(Answer::No);
+    Click(form, "cmdLive");
+
+    EXPECT_TRUE(Waiting().empty());
+    EXPECT_EQ(List(form).at(0), Nobody);
+    EXPECT_EQ(TextOf(form, "lblInstallMsg"), Q(msg::ChooseInstall));
+    EXPECT_TRUE(Enabled(form, "cmdLive"));
+
+    Operator_.Expect(risk + msg::InstallAnyway).With(Icon::Warning).Then(look).Answer(Answer::Yes);
+    Press(form, "cmdDemo", HotSync(WhenItWaits(form, [] {})));
+    EXPECT_EQ(List(form).at(0).at(2), "Demo Company");
+}
+
 // ---- program only ----
 
 TEST_F(InstallScreen, ProgramOnlyWithTheSameVersionInstallsTheFilesInOneHotSync) {
@@ -550,6 +579,20 @@ TEST_F(InstallScreen, AResetForgetsTheInstallsOfAllHandhelds) {
     EXPECT_EQ(List(form), (std::vector<QStringList>{{"Anna", "", ""}, {"Bea", "", ""}}));
     form.Unload();
     EXPECT_EQ(List(Open<frmHHInstall>()).at(0), Nobody);
+}
+
+TEST_F(InstallScreen, AListThatCannotBeWrittenIsToldAndTheOldOneStandsOnTheDisk) {
+    auto& form = OpenFor("Anna");
+    Press(form, "cmdDemo", HotSync(WhenItWaits(form, [] {})));
+    const std::string before = Bytes(Folder() + "ZUK/ZUKTramble.ini");
+    ASSERT_NE(before.find("Demo Company"), std::string::npos);
+    std::filesystem::rename(Folder() + "ZUK", Folder() + "away");
+    WriteWholeFile(Folder() + "ZUK", "no folder");
+    Operator_.ExpectBeginning(msg::FileError).With(Icon::Stop);
+
+    Click(form, "cmdReset");
+
+    EXPECT_EQ(Bytes(Folder() + "away/ZUKTramble.ini"), before);
 }
 
 } // namespace

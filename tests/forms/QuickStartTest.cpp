@@ -30,6 +30,7 @@
 #include "sync/forms/frmMainSync.h"
 #include "sync/forms/frmTableSelectDL.h"
 #include "sync/forms/frmUploadSelect.h"
+#include "tools/forms/frmFindNotes.h"
 #include "tools/forms/frmOptions.h"
 #include "views/forms/frmViewGrid.h"
 
@@ -392,6 +393,7 @@ class TourInstall;
 class InstallingControl final : public FakeControl {
 public:
     explicit InstallingControl(TourInstall& test);
+    ~InstallingControl() override;
 
     void AddInstall(std::string_view file, std::string_view user) override;
     std::string HotSyncUser(int index) const override;
@@ -483,6 +485,23 @@ protected:
         EXPECT_FALSE(Global.HHInstallActive);
     }
 
+    /// The main screen opens a modal screen, which is looked at and left. Returns when it has gone.
+    template <class Screen>
+    static void OpenAbove(const std::function<void()>& open, const char* leave,
+                          const std::function<void()>& look) {
+        QTimer stands; // not that of the steps, which waits until the screen has gone
+        QObject::connect(&stands, &QTimer::timeout, &stands, [&] {
+            auto* screen = IfLoaded<Screen>();
+            if (!screen || !screen->isVisible()) return;
+            stands.stop();
+            EXPECT_TRUE(screen->isModal());
+            look();
+            Click(*screen, leave);
+        });
+        stands.start(1);
+        open();
+    }
+
     void ExpectAtRest() {
         auto& page = The<frmQuickStart>();
         EXPECT_EQ(TextOf(page, "lblQ1"), QStringLiteral("QuickStart"));
@@ -497,6 +516,7 @@ protected:
     QDialog setup_, progress_;
     TitledWindow setupWindow_{setup_, PathToQt(ManagerFolder())};
     TitledWindow progressWindow_{progress_, PathToQt(ManagerFolder())};
+    std::vector<InstallingControl*> controls_;
     std::vector<std::string> users_{"Anna", "Ben"};
     QString asked_;
     bool mayGiveUp_ = true;
@@ -506,7 +526,13 @@ protected:
     std::size_t installed_ = 0;
 };
 
-InstallingControl::InstallingControl(TourInstall& test) : test_(test) {}
+InstallingControl::InstallingControl(TourInstall& test) : test_(test) {
+    test_.controls_.push_back(this);
+}
+
+InstallingControl::~InstallingControl() {
+    std::erase(test_.controls_, this);
+}
 
 void InstallingControl::AddInstall(std::string_view file, std::string_view user) {
     ::AddInstall(test_.ManagerFolder(), file, user);
@@ -630,6 +656,60 @@ TEST_F(TourInstall, WhatIsQueuedIsTakenBackBeforeAScreenThatWaitsForTheHandheldI
                    })}));
 
     EXPECT_EQ(queued, std::vector<std::string>());
+}
+
+TEST_F(TourInstall, AModalScreenAboveTheWaitingInstallEndsItAndBothEndWell) {
+    auto& main = Open<frmMain1>();
+    int looked = 0;
+    const auto look = [&] {
+        ++looked;
+        EXPECT_EQ(IfLoaded<frmQuickStart>(), nullptr);
+        EXPECT_FALSE(Global.HHInstallActive);
+        EXPECT_EQ(FilesWithExtension(InstallFolder(ManagerFolder(), "Ben"), ""), std::vector<std::string>());
+        ASSERT_FALSE(controls_.empty()) << "the install waits below";
+        EXPECT_FALSE(controls_.front()->Enabled()) << "a HotSync now is not the installer's";
+        controls_.front()->User = "Ben";
+        controls_.front()->Raise(SessionBegun);
+        EXPECT_TRUE(controls_.front()->Queued.empty());
+    };
+    const auto expectBothWell = [&](int times) {
+        EXPECT_EQ(looked, times);
+        EXPECT_EQ(FormRegistry::Instance().Names(), (QStringList{"frmMain1", "frmMainSync"}));
+        EXPECT_TRUE(main.isVisible() && main.isEnabled());
+        const std::vector<InstallRow> rows = GetList(Registry());
+        EXPECT_TRUE(rows.empty() || rows.at(0).HHStatusDT.empty()) << "nothing was installed";
+        EXPECT_FALSE(Exists(Global.InstallPath + "InstallBegun.txt"));
+        EXPECT_FALSE(Exists(ManagerFolder() + "Ben/InstallBegun.txt"));
+    };
+    const auto installBelow = [&](const std::function<void()>& open) {
+        std::filesystem::remove(Folder() + "registered");
+        Install(Joined(Joined(Registration(), {Choosing("Ben")}), {WhenItWaits(open)}));
+    };
+
+    installBelow(
+        [&] { OpenAbove<frmUploadSelect>([&] { ClickMenu(main, "mnuMainUpload"); }, "cmdCancel", look); });
+    expectBothWell(1);
+    installBelow([&] { OpenAbove<frmFindNotes>([&] { Click(main, "lblNotes"); }, "cmdCancel", look); });
+    expectBothWell(2);
+}
+
+TEST_F(TourInstall, AHandheldThatMayHoldOrdersIsAskedAboutAndNoInstallsNothing) {
+    GivenRows("ZUKLINK", {"LK_HOTSYNC|LK_MACH_ID|LK_LSTONUM", "Ben|B|000009"});
+    auto& page = Open<frmQuickStart>();
+    Operator_.Expect(Question()).Answer(Answer::Yes);
+    Operator_
+        .Expect(::Lines(Words(msg::HandheldMayHoldOrders, msg::LastOrderKnown,
+                              Text::Path(std::string_view("B000009"))),
+                        ::Lines({}, {})) +
+                msg::InstallAnyway)
+        .With(Icon::Warning)
+        .Answer(Answer::No);
+
+    WithSteps(Joined(Registration(), {Choosing("Ben")}), [&] { Click(page, "lblInstall"); });
+
+    EXPECT_EQ(FilesWithExtension(InstallFolder(ManagerFolder(), "Ben"), ""), std::vector<std::string>());
+    EXPECT_EQ(TextOf(page, "lblInstallMsg"), ToQt(Text(msg::QuickNotInstalled)));
+    ExpectAtRest();
 }
 
 TEST_F(TourInstall, CancelDuringTheRegistrationEndsTheTour) {

@@ -103,6 +103,16 @@ TEST_F(AboutScreen, AProgramThatTellsNoVersionHasNone) {
     EXPECT_EQ(HotSyncManagerVersion(), "");
 }
 
+TEST_F(AboutScreen, WhileTheManagerTakesItsTimeToAnswerTheScreenGoesOn) {
+    const std::string pipe = Folder() + "answer";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    Registry::SetHotSyncManager(GivenScript("hotsync", "read answer < '" + pipe + "'; echo $answer"));
+    std::fstream answer(pipe, std::ios::in | std::ios::out); // opened for both it waits for nobody
+    QTimer::singleShot(0, qApp, [&] { answer << "hotsync 2.5.1" << std::endl; });
+
+    EXPECT_EQ(HotSyncManagerVersion(), "2.5.1");
+}
+
 TEST_F(AboutScreen, FileVersionsOfWindowsProgramsAreReadAndTheProgramsNotRun) {
     std::string key;
     for (const char c : "VS_VERSION_INFO"s) (key += c) += '\0';

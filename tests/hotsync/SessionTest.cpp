@@ -8,6 +8,7 @@
 #include "support/EngineTest.h"
 #include "support/Rubbish.h"
 #include "support/TableMaker.h"
+#include "sync/InstallFolder.h"
 #include "sync/SessionStatus.h"
 
 #include <map>
@@ -590,6 +591,39 @@ TEST_F(SessionTest, FilesOfTheInstallFolderAreInstalledAtTheEndAndLeaveIt) {
     EXPECT_EQ(Global.TheDisk->FilesIn(install), Rows{"broken.pdb"});
     EXPECT_TRUE(LogSays("could not install broken.pdb"));
     EXPECT_EQ(watcher_.Words.back(), "not well: 1 transfer failed");
+}
+
+TEST_F(SessionTest, WhatAProgramHasPutThereThatHasGoneIsNotInstalled) {
+    Database program;
+    program.Name = "Tramble";
+    program.Creator = FourCharacters("ZUK2");
+    const std::string install = users_.InstallFolder(*users_.FindId(anna_));
+    WriteWholeFile(install + "Tramble.pdb", WriteDatabase(program));
+    WriteWholeFile(InstallMark(install), "ANNA\r\n");
+    desk_.There = false;
+
+    EXPECT_EQ(Hold(), Session::End::Well);
+    EXPECT_FALSE(Handheld(HandheldFolder()).Store.Has("Tramble"));
+    EXPECT_EQ(Global.TheDisk->FilesIn(install), Rows{"Tramble.pdb"}) << "the next start takes it back";
+    EXPECT_TRUE(LogSays("nothing is installed: the program that has begun the installation has gone"));
+
+    desk_.There = true;
+    EXPECT_EQ(Hold(), Session::End::Well);
+    EXPECT_TRUE(Handheld(HandheldFolder()).Store.Has("Tramble"));
+    EXPECT_TRUE(Global.TheDisk->FilesIn(install).empty());
+}
+
+TEST_F(SessionTest, WhatNoProgramAttendsToIsInstalledWithoutOne) {
+    Database program;
+    program.Name = "Memo";
+    program.Creator = FourCharacters("memo");
+    const std::string install = users_.InstallFolder(*users_.FindId(anna_));
+    WriteWholeFile(install + "Memo.pdb", WriteDatabase(program));
+    desk_.There = false;
+
+    EXPECT_EQ(Hold(), Session::End::Well);
+
+    EXPECT_TRUE(Handheld(HandheldFolder()).Store.Has("Memo"));
 }
 
 TEST_F(SessionTest, AProgramFileThatIsTooLargeIsLeftWhereItIs) {

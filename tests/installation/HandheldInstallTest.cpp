@@ -146,6 +146,23 @@ TEST_F(DemoInstall, AMarkThatNamesNoUserTakesBackNothingAndGoes) {
     EXPECT_FALSE(FileExists(Global.InstallPath + "InstallBegun.txt"));
 }
 
+TEST_F(DemoInstall, TheManagersMarkStandsAsLongAsTheInstallIsAttendedTo) {
+    const std::string mark = InstallMark(FolderOfAnna());
+    EXPECT_EQ(mark, Folder() + "HotSync/Anna/InstallBegun.txt");
+    {
+        HandheldInstall install(Control, Control.ManagerFolder, "Anna", "1.0.0");
+        install.Begin(InstallKind::Program);
+        EXPECT_TRUE(Exists(mark)) << "before anything is queued";
+        EXPECT_EQ(Waiting(), Strings());
+    }
+    EXPECT_FALSE(Exists(mark));
+
+    Install.Begin(InstallKind::Demo);
+    ASSERT_TRUE(Exists(mark));
+    TakeBackInstall(Control.ManagerFolder);
+    EXPECT_FALSE(Exists(mark)) << "behind a kill it goes at the next start";
+}
+
 TEST_F(DemoInstall, AnInstallThatIsTakenBackLeavesNothingQueued) {
     Install.Begin(InstallKind::Demo);
 

@@ -4,30 +4,15 @@
 #include "core/Messages.h"
 #include "support/EngineTest.h"
 #include "support/Fails.h"
+#include "support/MemoryStore.h"
 #include "support/Tables.h"
 #include "sync/Status.h"
 
-#include <map>
+#include <set>
 
 namespace {
 
 using Strings = std::vector<std::string>;
-
-class MemoryStore final : public StatusStore {
-public:
-    std::optional<std::string> Read(std::string_view section, std::string_view key) const override {
-        const auto at = values_.find({std::string(section), std::string(key)});
-        if (at == values_.end()) return std::nullopt;
-        return at->second;
-    }
-    void Write(std::string_view section, std::string_view key, std::string_view value) override {
-        values_[{std::string(section), std::string(key)}] = value;
-    }
-    void RemoveAll() override { values_.clear(); }
-
-private:
-    std::map<std::pair<std::string, std::string>, std::string> values_;
-};
 
 class InstallList : public EngineTest {
 protected:
@@ -68,9 +53,9 @@ TEST_F(InstallList, TheThreeTypesAreToldByTheirNames) {
 }
 
 TEST_F(InstallList, WhatStandsInTheStoreIsShownTrimmed) {
-    Store.Write("HH1", "HHSyncID", " Anna ");
-    Store.Write("HH1", "HHStatusDT", " once  ");
-    Store.Write("HH1", "HHStatusType", "Live Data ");
+    Store.Set("HH1", "HHSyncID", " Anna ");
+    Store.Set("HH1", "HHStatusDT", " once  ");
+    Store.Set("HH1", "HHStatusType", "Live Data ");
 
     EXPECT_EQ(GetList(Store), (Rows{{"Anna", "once", "Live Data"}}));
 }
@@ -121,6 +106,50 @@ TEST_F(InstallList, AResetWithNoHandheldsOnRecordLeavesAnEmptyList) {
 
     EXPECT_TRUE(GetList(Store).empty());
     EXPECT_EQ(Global.HHCount, 0);
+}
+
+/// Each content that a kill could leave in the store, by its handhelds with an install.
+using Left = std::set<Strings>;
+
+Strings Installed(const StatusStore& store) {
+    Strings ids;
+    for (const InstallRow& row : GetList(store)) {
+        if (!row.HHStatusDT.empty()) ids.push_back(row.HHSyncID);
+    }
+    return ids;
+}
+
+TEST_F(InstallList, AKillBetweenAnyTwoChangesOfTheStoreForgetsNoInstall) {
+    RecordInstall(Store, "Anna", msg::TypeDemo);
+    RecordInstall(Store, "Bea", msg::TypeLive);
+    Left left;
+    Store.Replaced = [&] { left.insert(Installed(Store)); };
+    GivenHandhelds({"Aaron", "Anna", "Bea"});
+
+    TakeInLinks(Store);
+    EXPECT_EQ(left, (Left{{"Anna", "Bea"}}));
+
+    left.clear();
+    GivenHandhelds({"Aaron", "Abel", "Anna", "Bea"});
+    RecordInstall(Store, "Abel", msg::TypeDemo);
+    EXPECT_EQ(left, (Left{{"Anna", "Bea"}, {"Abel", "Anna", "Bea"}}));
+
+    left.clear();
+    ResetInstalls(Store);
+    EXPECT_EQ(left, Left{{}});
+}
+
+TEST_F(InstallList, AStoreThatCannotBeWrittenKeepsWhatItHeld) {
+    RecordInstall(Store, "Bea", msg::TypeDemo);
+    GivenHandhelds({"Anna", "Bea", "Carl"});
+    const auto before = Store.Values;
+    Store.Refuses = true;
+
+    EXPECT_EQ(FailureNumber([&] { TakeInLinks(Store); }), 75);
+    EXPECT_EQ(FailureNumber([&] { ResetInstalls(Store); }), 75);
+    EXPECT_EQ(FailureNumber([&] { RecordInstall(Store, "Anna", msg::TypeLive); }), 75);
+
+    EXPECT_EQ(Store.Values, before);
 }
 
 TEST_F(InstallList, ALinksTableThatCannotBeReadLosesNoInstall) {

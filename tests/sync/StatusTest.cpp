@@ -3,6 +3,7 @@
 #include "support/EngineTest.h"
 #include "support/Fails.h"
 #include "support/FaultyDisk.h"
+#include "support/MemoryStore.h"
 #include "support/Tables.h"
 
 #include <map>
@@ -204,21 +205,6 @@ TEST_F(StatusTest, AFileThatCannotBeWrittenIsAFailureAndTheOldOneStands) {
 
 // ---- the installation family ----
 
-class MemoryStore final : public StatusStore {
-public:
-    std::optional<std::string> Read(std::string_view section, std::string_view key) const override {
-        const auto found = Values.find({std::string(section), std::string(key)});
-        if (found == Values.end()) return std::nullopt;
-        return found->second;
-    }
-    void Write(std::string_view section, std::string_view key, std::string_view value) override {
-        Values[{std::string(section), std::string(key)}] = value;
-    }
-    void RemoveAll() override { Values.clear(); }
-
-    std::map<std::pair<std::string, std::string>, std::string> Values;
-};
-
 class InstallationStatusTest : public StatusTest {
 protected:
     MemoryStore store_;
@@ -226,7 +212,7 @@ protected:
 
 TEST_F(InstallationStatusTest, RowsAreMadeFromTheLinksTableWithTheirOtherKeysEmpty) {
     GivenHandhelds({"Anna", "Bea"});
-    store_.Write("HH7", "HHSyncID", "old");
+    store_.Set("HH7", "HHSyncID", "old");
 
     MakeHHStatus(store_);
 
@@ -264,9 +250,9 @@ TEST_F(InstallationStatusTest, WhatIsWrittenBackIsReadAgain) {
 }
 
 TEST_F(InstallationStatusTest, ReadingStopsAtTheFirstRowWithoutAnId) {
-    store_.Write("HH1", "HHSyncID", "Anna");
-    store_.Write("HH2", "HHStatusInst", "S");
-    store_.Write("HH3", "HHSyncID", "Carl");
+    store_.Set("HH1", "HHSyncID", "Anna");
+    store_.Set("HH2", "HHStatusInst", "S");
+    store_.Set("HH3", "HHSyncID", "Carl");
 
     GetHHStatusInst(store_);
 
@@ -276,7 +262,7 @@ TEST_F(InstallationStatusTest, ReadingStopsAtTheFirstRowWithoutAnId) {
 
 TEST_F(InstallationStatusTest, EveryListHasAnEntryForEachHandheldWhicheverFamilyWasReadLast) {
     GivenStatusFile("Anna                          G\r\n");
-    for (const char* section : {"HH1", "HH2", "HH3"}) store_.Write(section, "HHSyncID", section);
+    for (const char* section : {"HH1", "HH2", "HH3"}) store_.Set(section, "HHSyncID", section);
     GetHHStatus();
 
     GetHHStatusInst(store_);

@@ -7,6 +7,7 @@
 #include "core/TextCompare.h"
 #include "core/forms/frmMain1.h"
 #include "installation/InstallList.h"
+#include "installation/OrdersAtRisk.h"
 #include "platform/Convert.h"
 #include "platform/Form.h"
 #include "platform/HotSyncControl.h"
@@ -19,6 +20,7 @@
 #include <QApplication>
 
 #include <algorithm>
+#include <optional>
 
 namespace {
 
@@ -56,6 +58,8 @@ InstallRun::End InstallRun::Install(InstallKind kind, const std::string& user) {
     }
     const std::string& spelled = found == known.end() ? user : *found;
     try {
+        const std::optional<Text> atRisk = AskBeforeInstall(kind, user, Registry());
+        if (atRisk && (!AskYesNo(*atRisk, Icon::Warning) || form_.IsOver())) return End::NotBegun;
         install_ = std::make_unique<HandheldInstall>(*SFInstall, HotSyncManagerFolder(), spelled,
                                                      PathFromQt(QApplication::applicationVersion()));
         install_->Begin(kind);

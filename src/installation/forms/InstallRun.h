@@ -31,7 +31,7 @@ public:
 class InstallRun {
 public:
     enum class End {
-        NotBegun,  ///< the operator has been told why; nothing is queued
+        NotBegun, ///< the operator has been told why, or would not have orders put at risk; nothing is queued
         Installed, ///< recorded in the list of installs
         Stopped,   ///< the handheld's version is another, or the files could not be queued: told
         Cancelled, ///< by Cancel, or the form has gone: nothing is queued any more, and nothing recorded
@@ -43,10 +43,10 @@ public:
     InstallRun& operator=(const InstallRun&) = delete;
     ~InstallRun();
 
-    /// Holds one install, to its end: queues the files, waits for the handheld, for a Live install twice, and
-    /// notes what was installed. A HotSync that did not bring everything is followed by another one.
-    /// Before it the caller has found the HotSync Manager (IsHotSyncActiveOrTell), and for a Live install the
-    /// tables.
+    /// Holds one install, to its end: asks when orders are at risk (AskBeforeInstall), queues the files,
+    /// waits for the handheld, for a Live install twice, and notes what was installed. A HotSync that did not
+    /// bring everything is followed by another one. Before it the caller has found the HotSync Manager
+    /// (IsHotSyncActiveOrTell), and for a Live install the tables.
     End Install(InstallKind kind, const std::string& user);
 
     /// Ends the install that runs, and takes back at once what is queued: Install goes on only when the
