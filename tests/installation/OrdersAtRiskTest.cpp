@@ -17,9 +17,10 @@ protected:
     OrdersAtRisk() {
         GivenAppDirectory();
         GivenTable(Global.DBFPath, "ZUKORHDR");
-        GivenTable(Global.DBFPath, "ZUKLINK",
-                   {RowOf("ZUKLINK", {{"LK_HOTSYNC", "Anna"}, {"LK_SERIAL", "typed in"}}),
-                    RowOf("ZUKLINK", {{"LK_HOTSYNC", "Bea"}, {"LK_MACH_ID", "B"}, {"LK_LSTONUM", "001234"}})});
+        GivenTable(
+            Global.DBFPath, "ZUKLINK",
+            {RowOf("ZUKLINK", {{"LK_HOTSYNC", "Anna"}, {"LK_SERIAL", "typed in"}}),
+             RowOf("ZUKLINK", {{"LK_HOTSYNC", "Bea"}, {"LK_MACH_ID", "B"}, {"LK_LSTONUM", "001234"}})});
     }
 
     static void GivenOrders(const Strings& codes) {
@@ -78,8 +79,7 @@ TEST_F(OrdersAtRisk, AHandheldThatWasInstalledButHasNeverUploadedMayHoldItsFirst
 TEST_F(OrdersAtRisk, OrdersOnBothSidesAreOneQuestion) {
     GivenOrders({"A000001"});
 
-    EXPECT_EQ(Asked(InstallKind::Live, "Bea"),
-              Words(msg::OrdersGoAlong) + " 1\n\n" + BeasOrders_ + Anyway());
+    EXPECT_EQ(Asked(InstallKind::Live, "Bea"), Words(msg::OrdersGoAlong) + " 1\n\n" + BeasOrders_ + Anyway());
 }
 
 TEST_F(OrdersAtRisk, ATableThatCannotBeReadIsAFailureAndNoSilence) {

@@ -208,6 +208,29 @@ TEST_F(Installs, CancelledBeforeTheHotSyncNothingReachesTheHandheld) {
     EXPECT_EQ(program.Quit(), 0);
 }
 
+TEST_F(Installs, AProgramThatIsKilledWhileItWaitsLeavesTheHandheldAsItIsAndTheNextStartTakesBackTheFiles) {
+    {
+        DriverClient killed(InOffice());
+        Open(killed);
+        Begin(killed, "cmdDemo");
+        killed.Kill();
+    }
+    const Files before = OnHandheld();
+
+    ASSERT_EQ(HotSync(), 0) << said_.toStdString();
+    EXPECT_EQ(OnHandheld(), before);
+    EXPECT_EQ(FilesWaiting().size(), 47);
+
+    DriverClient program(InOffice());
+    program.ExpectContaining("The installation was cancelled before it was complete");
+    Open(program);
+    EXPECT_TRUE(FilesWaiting().isEmpty());
+    Begin(program, "cmdDemo");
+    ASSERT_EQ(HotSync(), 0) << said_.toStdString();
+    program.WaitTextContaining(Screen, "lblInstallMsg", "Demo Company was installed on handheld ANNA");
+    Close(program);
+}
+
 TEST_F(Installs, ALineCutInTheMiddleIsToldAndTheNextHotSyncBringsTheRest) {
     DriverClient program(InOffice());
     Open(program);
