@@ -1,7 +1,15 @@
 #include "core/Catalogue.h"
+#include "core/Globals.h"
 #include "core/Messages.h"
 #include "core/SafeFile.h"
+#include "core/Trace.h"
+#include "hotsync/HotSyncUsers.h"
+#include "hotsync/ManagerSettings.h"
+#include "maintenance/Totals.h"
 #include "support/EngineTest.h"
+#include "sync/Receipt.h"
+#include "tools/Notes.h"
+#include "views/BoxReport.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -51,6 +59,7 @@ struct Page {
     std::vector<std::string> Quotes;                     ///< what stands between quotes
     std::vector<std::string> Links, Pictures;            ///< targets of a and img
     std::vector<std::string> Faults;
+    std::string Words; ///< all of its text
     bool SaysItsCharset = false;
 };
 
@@ -108,6 +117,7 @@ Page ReadPage(const std::string& html) {
         at = end == std::string::npos ? end : end + Quote.size();
     }
     if (page.Faults.empty() && !open.empty()) page.Faults.push_back(open.back().first + " is not closed");
+    page.Words = textOf(0, html.size());
     return page;
 }
 
@@ -304,6 +314,35 @@ TEST_F(HelpPagesTest, WhatAPageWritesAsACaptionStandsOnAScreen) {
 TEST_F(HelpPagesTest, WhatAPageQuotesIsAMessageOfTheProgram) {
     for (const auto& [name, page] : Pages())
         for (const std::string& quote : page.Quotes) EXPECT_TRUE(IsSaid(quote)) << name << ": " << quote;
+}
+
+/// Records of a table of the demo company: the lines behind that of its fields.
+std::string DemoRecords(const std::string& table) {
+    const std::string lines = ReadWholeFile(TRAMBLE_SOURCE "/resources/demo/" + table + ".tsv");
+    return std::to_string(std::ranges::count(lines, '\n') - 1);
+}
+
+TEST_F(HelpPagesTest, TheNumbersThatAPageTellsAreThoseOfTheProgram) {
+    const auto says = [](const std::string& page, const std::string& words) {
+        EXPECT_NE(Pages().at(page + ".htm").Words.find(words), std::string::npos) << page << ": " << words;
+    };
+    const ManagerSettings manager;
+    says("Hotsync_Manager", manager.Address + ", as installed");
+    says("Hotsync_Manager", "The Port is " + std::to_string(manager.Port));
+    says("Hotsync_Manager", std::to_string(HotSyncUsers::LongestName) + " characters at most");
+    says("Handheld_Status", "the last " + std::to_string(ReceiptsKept) + " of each handheld");
+    says("Reports_and_Printing", std::to_string(UsualPageLength) + " where less than");
+    says("Notes", "An issue has at most " + std::to_string(IssueLength) + " characters");
+    says("Notes", "a resolution " + std::to_string(ResolutionLength));
+    says("System_Information", "some " + std::to_string(TraceEntries / 100 * 100) + " are kept");
+    says("Recent_Uploaded_Orders", std::to_string(MaxUploadRows) + " at most");
+    says("Purging_Backup_PC_Tables", std::to_string(Globals().PurgeDays) + " days after they were made");
+    for (const auto& [table, what] : {std::pair{"ZUKCust", "customers"},
+                                      {"ZUKItem", "items"},
+                                      {"ZUKSTAX", "sales tax codes"},
+                                      {"ZUKPAY", "payments"},
+                                      {"ZUKOrHdr", "orders"}})
+        says("Demo_Company", DemoRecords(table) + ' ' + what);
 }
 
 TEST_F(HelpPagesTest, EachPictureIsThereIsNotTooLargeAndIsWanted) {
