@@ -29,7 +29,12 @@ std::vector<std::string_view> SplitTabs(std::string_view line) {
     return cells;
 }
 
-/// What is wrong with a row, or nothing when it went into the catalogue.
+/// Whether words are those of a free number, or of the line that marks where a range begins.
+bool IsNoText(std::string_view words) {
+    return words == "x" || words.starts_with("<<<") || words.starts_with(">>>") || words.starts_with(">*>");
+}
+
+/// What is wrong with a row, or nothing when it went into the catalogue or is none of a text.
 const char* TakeRow(std::string_view line) {
     const std::vector<std::string_view> cells = SplitTabs(line);
     if (cells.size() != 2 && cells.size() != 4) return "a row has two or four columns";
@@ -37,8 +42,10 @@ const char* TakeRow(std::string_view line) {
     const auto [end, error] = std::from_chars(cells[0].data(), cells[0].data() + cells[0].size(), number);
     if (error != std::errc{} || end != cells[0].data() + cells[0].size())
         return "the first column is no number";
-    if (!CatalogueHas({number})) return "there is no text of this number";
     const std::string_view quoted = cells.back();
+    if (quoted.size() > 2 && quoted.front() == '"' && IsNoText(quoted.substr(1, quoted.size() - 2)))
+        return nullptr;
+    if (!CatalogueHas({number})) return "there is no text of this number";
     if (quoted.size() < 2 || quoted.front() != '"' || quoted.back() != '"')
         return "the text is not in quotes";
     if (!IsValidUtf8(quoted)) return "the text is not in UTF-8";

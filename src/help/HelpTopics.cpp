@@ -11,7 +11,6 @@ constexpr std::string_view AuditTopic = "Auditing_Sales_Orders.htm";
 constexpr std::string_view UnattendedTopic = "Unattended_Hotsync_.htm";
 constexpr std::string_view UploadedTopic = "Processing_Upload.htm";
 constexpr std::string_view TotalsTopic = "Recent_Uploaded_Orders.htm";
-constexpr std::string_view QualityTopic = "Quality_Check_.htm";
 constexpr std::string_view ConfigTopic = "Configurator_.htm";
 constexpr std::string_view ButtonsTopic = "QuickButtons.htm";
 constexpr std::string_view UsersTopic = "Update_Hotsync_Users.htm";

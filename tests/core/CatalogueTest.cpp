@@ -22,8 +22,10 @@ TEST_F(CatalogueTest, TheRowsStandInTheOrderOfTheirNumbersAndNoneIsAFreeRowOrABa
         if (i > 0) {
             EXPECT_LT(CatalogueRows[i - 1].Number, CatalogueRows[i].Number);
         }
-        EXPECT_STRNE(CatalogueRows[i].Words, "x");
-        EXPECT_FALSE(std::string(CatalogueRows[i].Words).starts_with("<<<"));
+        const std::string_view words = CatalogueRows[i].Words;
+        EXPECT_NE(words, "x") << CatalogueRows[i].Number;
+        for (const char* banner : {"<<<", ">>>", ">*>"})
+            EXPECT_FALSE(words.starts_with(banner)) << CatalogueRows[i].Number;
     }
 }
 
@@ -55,6 +57,19 @@ TEST_F(CatalogueTest, ARowThatCannotBeReadIsNamedAndTheOthersCount) {
                         "Messages.tsv, line 5: the text is not in UTF-8\n");
     EXPECT_EQ(Text(msg::Yes).Utf8(), "Ja");
     EXPECT_EQ(Text(msg::No).Utf8(), "No");
+}
+
+TEST_F(CatalogueTest, ARowXOrABannerInThatFileIsNoTextAndReplacesNone) {
+    const std::string file = GivenFile("Messages.tsv", "137\t\"x\"\n2\t\"x\"\n138\t\"x-ray\"\n"
+                                                       "139\t\"<<<<<<<<<frmMain1>>>>>>>>>>\"\n"
+                                                       "60000\t\">*>*>*>*TABLES*<*<*<*<\"\n"
+                                                       "60001\t\">>>>>>>>ZUKCUST.DBF<<<<<<<<\"\n");
+
+    EXPECT_EQ(LoadMessages(file), "");
+
+    EXPECT_EQ(Text(msg::Yes).Utf8(), "Yes");
+    EXPECT_EQ(Text(msg::No).Utf8(), "x-ray");
+    EXPECT_EQ(Text(msg::Ok).Utf8(), "Ok");
 }
 
 TEST_F(CatalogueTest, AMissingFileReplacesNothing) {

@@ -2,6 +2,7 @@
 #include "core/SafeFile.h"
 #include "core/forms/frmMain1.h"
 #include "forms/FormTest.h"
+#include "forms/TopicList.h"
 #include "platform/GridView.h"
 #include "platform/Registry.h"
 #include "store/DBFEdit.h"
@@ -626,6 +627,25 @@ TEST_F(Browser, TheRecordViewerShowsEveryFieldUnderItsLabel) {
     EXPECT_EQ(TextOf(form, "txtOrHdr_7"), QStringLiteral("x"));
     EXPECT_EQ(TextOf(form, "lblCount"), QStringLiteral("1 of 2"));
     EXPECT_TRUE(Enabled(form, "cmdEdit"));
+}
+
+TEST_F(Browser, TheRecordViewerOpensTheTopicOfItsTable) {
+    TopicList help;
+    const std::pair<ViewFlag, const char*> topics[] = {
+        {ViewOrHdrAudt, "Auditing_Sales_Orders.htm"},
+        {ViewAudHH, "Auditing_Sales_Orders.htm"},
+        {ViewCompany, "Change_the_Setup_Tables_to_Match_Your_Company._.htm"},
+        {ViewLink, "Change_the_Setup_Tables_to_Match_Your_Company._.htm"},
+        {ViewOrHdr, "INTRODUCTION.htm"},
+        {ViewTotals, "INTRODUCTION.htm"}};
+    for (const auto& [flag, topic] : topics) {
+        ClearViewFlags();
+        Global.View[flag] = true;
+        auto& form = Open<frmViewData>();
+        Click(form, "cmdHelp");
+        EXPECT_EQ(help.Opened(), std::vector<std::string>{topic});
+        form.Unload();
+    }
 }
 
 TEST_F(Browser, TheRecordViewerWalksAndStopsAtBothEnds) {

@@ -27,6 +27,7 @@
 #include <QWhatsThis>
 
 #include <filesystem>
+#include <set>
 
 namespace {
 
@@ -511,6 +512,12 @@ TEST_F(HelpTest, APopUpShowsASectionOfAFileOfTheHelp) {
 
 // ---- the program's own help ----
 
+const std::pair<const char*, std::function<std::unique_ptr<FormBehaviour>()>> Forms[] = {
+#define FORM(name) {#name, [] { return std::make_unique<name>(); }},
+    ALL_FORMS(FORM)
+#undef FORM
+};
+
 class ProgramsHelp : public HelpTest {
 protected:
     ProgramsHelp() { Use(TRAMBLE_INSTALLED "/Tramble_Help.qch"); }
@@ -523,15 +530,10 @@ bool IsPage(const QUrl& shown, const QString& topic) {
 }
 
 TEST_F(ProgramsHelp, F1AndEveryHelpButtonOfEveryScreenOpenItsPage) {
-    const std::pair<const char*, std::function<std::unique_ptr<FormBehaviour>()>> forms[] = {
-#define FORM(name) {#name, [] { return std::make_unique<name>(); }},
-        ALL_FORMS(FORM)
-#undef FORM
-    };
     auto& help = OpenTopic("Keyboard.htm");
     const QUrl elsewhere = Page(help).source();
     int buttons = 0;
-    for (const auto& [name, make] : forms) {
+    for (const auto& [name, make] : Forms) {
         SCOPED_TRACE(name);
         // Unloaded: some forms do their work when they are loaded.
         const auto form = make();
@@ -568,6 +570,25 @@ TEST_F(ProgramsHelp, F1AndEveryHelpButtonOfEveryScreenOpenItsPage) {
         window.hide();
     }
     EXPECT_GT(buttons, 20);
+}
+
+TEST_F(ProgramsHelp, EachScreenWithATopicOfItsOwnHasAButtonForIt) {
+    const std::set<std::string> screens{
+        "frmConfig",        "frmConfigMsg",    "frmEditCust",      "frmEditItem", "frmConfigCust",
+        "frmConfigItem",    "frmEditSTax",     "frmConfigSTax",    "frmChSetup",  "frmCompany",
+        "frmChgLink",       "frmPrinter",      "frmConfigPrint",   "frmPay",      "frmNotes",
+        "frmFindNotes",     "frmConvert",      "frmImport1",       "frmExport1",  "frmTableSelectDL",
+        "frmTableSelectCL", "frmUploadSelect", "frmTableSelectPC", "frmQBImport", "frmQBExport",
+        "frmQBDownload",    "frmQBUpload",     "frmQBClearPC",     "frmQBRemote", "frmOptions",
+        "frmHHInstall",     "frmUpdateMsg",    "frmViewData"};
+    std::size_t found = 0;
+    for (const auto& [name, make] : Forms) {
+        if (!screens.contains(name)) continue;
+        ++found;
+        const auto form = make();
+        EXPECT_NE(form->Window().findChild<QAbstractButton*>(QStringLiteral("cmdHelp")), nullptr) << name;
+    }
+    EXPECT_EQ(found, screens.size());
 }
 
 TEST_F(ProgramsHelp, NoLinkAndNoPictureOfAPageIsDead) {

@@ -1,9 +1,12 @@
 #include "core/Directories.h"
 #include "core/Messages.h"
+#include "core/Paths.h"
 #include "core/SafeFile.h"
 #include "core/Settings.h"
 #include "core/forms/frmMain1.h"
+#include "core/forms/frmProgress.h"
 #include "forms/FormTest.h"
+#include "forms/TopicList.h"
 #include "maintenance/Totals.h"
 #include "platform/SingleInstance.h"
 #include "sync/forms/frmHHStatus.h"
@@ -11,12 +14,14 @@
 
 #include <QAction>
 #include <QDialog>
+#include <QLabel>
 #include <QRegularExpression>
 #include <QScopeGuard>
 #include <QTimer>
 #include <QToolButton>
 
 #include <filesystem>
+#include <map>
 
 namespace {
 
@@ -54,6 +59,31 @@ protected:
     }
 
     static QString Page(frmMain1& form) { return TextOf(form, "lblRemoteSync"); }
+
+    /// Of the title of the Tools quadrant, with one of each page's labels that are to be seen.
+    struct PageLook {
+        QString Title;
+        QImage Picture;
+        std::vector<std::string> Labels;
+    };
+    static PageLook LookOf(frmMain1& form) {
+        PageLook look{Page(form), dynamic_cast<QLabel&>(Control(form, "imgTools")).pixmap().toImage(), {}};
+        for (const char* label : {"lblUpdateHSUsers", "lblQC", "lblDemoInstall", "lblHelpCompany",
+                                  "lblSysCust", "lblSysOrders1"}) {
+            if (Visible(form, label)) look.Labels.push_back(label);
+        }
+        return look;
+    }
+
+    /// Everything in the office but the trace, by its path.
+    std::map<std::string, std::string> Office() const {
+        std::map<std::string, std::string> files;
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(Global.AppPath)) {
+            const std::string path = entry.path().string();
+            if (entry.is_regular_file() && !path.ends_with("Events.log")) files[path] = Bytes(path);
+        }
+        return files;
+    }
 };
 
 TEST_F(MainScreen, StartsWithoutAHotSyncManagerAndSaysSo) {
@@ -159,6 +189,41 @@ TEST_F(MainScreen, NextThreeTimesComesBackAndSoDoesPrevious) {
     }
 }
 
+TEST_F(MainScreen, EachPageShowsItsOwnLabelsAndItsOwnPicture) {
+    auto& form = Start();
+    const PageLook tools = LookOf(form);
+    Click(form, "lblPrev");
+    const PageLook start = LookOf(form);
+    Click(form, "lblPrev");
+    const PageLook summary = LookOf(form);
+    Click(form, "lblPrev");
+    const PageLook again = LookOf(form);
+
+    using Labels = std::vector<std::string>;
+    EXPECT_EQ(tools.Labels, (Labels{"lblUpdateHSUsers", "lblQC"}));
+    EXPECT_EQ(start.Labels, (Labels{"lblDemoInstall", "lblHelpCompany"}));
+    EXPECT_EQ(summary.Labels, (Labels{"lblSysCust", "lblSysOrders1"}));
+    EXPECT_EQ(again.Labels, tools.Labels);
+    EXPECT_TRUE(again.Picture == tools.Picture);
+    EXPECT_FALSE(start.Picture == tools.Picture);
+    EXPECT_FALSE(summary.Picture == tools.Picture);
+    EXPECT_FALSE(summary.Picture == start.Picture);
+}
+
+TEST_F(MainScreen, EachQuadrantAndEachPageOfToolsOpensItsTopic) {
+    TopicList help;
+    auto& form = Start();
+    for (const char* image : {"imgHHStatusHelp", "imgMatrixHelp", "imgQBHelp"}) Click(form, image);
+    for (int page = 0; page < 3; ++page) {
+        Click(form, "imgToolsHelp");
+        Click(form, "lblPrev");
+    }
+
+    EXPECT_EQ(help.Opened(), (std::vector<std::string>{"Handheld_Status.htm", "Recent_Uploaded_Orders.htm",
+                                                       "QuickButtons.htm", "_Tools_.htm", "QuickStart.htm",
+                                                       "System_Summary.htm"}));
+}
+
 TEST_F(MainScreen, TheSummaryCountsTheRecordsWhenItIsEntered) {
     auto& form = Start();
     GivenRows("ZUKCUST", {"C_CODE", "A1", "A2", "A3"});
@@ -169,6 +234,21 @@ TEST_F(MainScreen, TheSummaryCountsTheRecordsWhenItIsEntered) {
     EXPECT_EQ(TextOf(form, "lblSysCust1"), QStringLiteral("3"));
     EXPECT_EQ(TextOf(form, "lblSysItems1"), QStringLiteral("1"));
     EXPECT_EQ(TextOf(form, "lblSysOrders1"), QStringLiteral("0"));
+}
+
+TEST_F(MainScreen, ATableThatCannotBeReadHasNoCountAndIsToldOnlyWhereTheCountsAreLookedAt) {
+    auto& form = Start();
+    GivenRows("ZUKITEM", {"I_ITEMCODE", "I1", "I2"});
+    WriteWholeFile(ResolvePath(Global.DBFPath + "ZUKCUST.DBF"), "no table");
+
+    form.RefreshRecordCounts(); // as behind an import of items
+    EXPECT_EQ(TextOf(form, "lblSysCust1"), QString());
+    EXPECT_EQ(TextOf(form, "lblSysItems1"), QStringLiteral("2"));
+
+    Operator_.ExpectBeginning(msg::FileError).With(Icon::Warning);
+    Click(form, "lblNext");
+    EXPECT_EQ(TextOf(form, "lblSysOrders1"), QStringLiteral("0"));
+    EXPECT_FALSE(Global.Ending);
 }
 
 TEST_F(MainScreen, EightUploadsShowTheSevenNewestFirst) {
@@ -184,7 +264,7 @@ TEST_F(MainScreen, EightUploadsShowTheSevenNewestFirst) {
     EXPECT_EQ(rows[6][0], QStringLiteral("HH2"));
 }
 
-TEST_F(MainScreen, AResetHidesTheUploadsAndKeepsTheirRecords) {
+TEST_F(MainScreen, AResetHidesTheUploadsUntilTheNextOneAndKeepsTheirRecords) {
     GivenUploads(3);
     auto& form = Start();
     ASSERT_EQ(GridRows(form, "FGTot").size(), 3U);
@@ -196,18 +276,42 @@ TEST_F(MainScreen, AResetHidesTheUploadsAndKeepsTheirRecords) {
     EXPECT_TRUE(Visible(form, "lblNoUploads"));
     EXPECT_EQ(RecordCount("ZUKTOTALPC"), 3);
     EXPECT_EQ(Global.LastReset, Noon());
+
+    Global.Clock = [] { return DateTime{2026, 11, 15, 12, 0, 1}; };
+    Global.CurrentHotSyncID = "Anna";
+    RecordTotals(ProgressFlag::UploadAdd);
+    form.GetPCTotals();
+
+    const auto rows = GridRows(form, "FGTot");
+    ASSERT_EQ(rows.size(), 1U);
+    EXPECT_EQ(rows[0][0], QStringLiteral("Anna"));
+    EXPECT_FALSE(Visible(form, "lblNoUploads"));
+    EXPECT_EQ(RecordCount("ZUKTOTALPC"), 4);
 }
 
 TEST_F(MainScreen, AResetWithNoChangesNothing) {
     GivenUploads(3);
+    GivenRows("ZUKLINK", {"LK_HOTSYNC", "Anna", "Ben"});
+    WriteWholeFile(Global.InstallPath + "HSStatus.dat", "Anna" + std::string(26, ' ') + "G" +
+                                                            std::string(29, ' ') + "S\r\nBen" +
+                                                            std::string(27, ' ') + "B\r\n");
     auto& form = Start();
-    const DateTime before = Global.LastReset;
+    const DateTime reset = Global.LastReset;
+    const auto rows = GridRows(form, "FGTot");
+    const auto office = Office();
+    const auto statuses = Global.HHStatus;
+    const auto marks = Global.HHStatusStd;
+    ASSERT_EQ(rows.size(), 3U);
     Operator_.Expect(msg::ResetQuestion).Answer(Answer::No);
 
     Click(form, "cmdReset");
 
-    EXPECT_EQ(GridRows(form, "FGTot").size(), 3U);
-    EXPECT_EQ(Global.LastReset, before);
+    EXPECT_EQ(GridRows(form, "FGTot"), rows);
+    EXPECT_EQ(Global.LastReset, reset);
+    EXPECT_EQ(Global.HHStatus, statuses);
+    EXPECT_EQ(Global.HHStatusStd, marks);
+    EXPECT_FALSE(Enabled(form, "cmdHHHSIDStd_1")) << "the mark shows on the brick";
+    EXPECT_EQ(Office(), office);
 }
 
 TEST_F(MainScreen, AResetEmptiesTheMarksOfTheHandhelds) {

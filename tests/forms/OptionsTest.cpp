@@ -9,6 +9,7 @@
 #include "exchange/forms/frmQBExport.h"
 #include "exchange/forms/frmQBImport.h"
 #include "forms/FormTest.h"
+#include "forms/TopicList.h"
 #include "support/RefusingDisk.h"
 #include "tools/forms/frmOptions.h"
 
@@ -99,6 +100,20 @@ TEST_F(Options, ThreeTabsGroupWhatBelongsTogether) {
     QStringList titles;
     for (int k = 0; k < tabs.count(); ++k) titles << tabs.tabText(k).remove(QLatin1Char('&'));
     EXPECT_EQ(titles, (QStringList{Q("QuickButtons"), Q("Unattended Hotsync"), Q("PC Backup / Updates")}));
+}
+
+TEST_F(Options, EachTabOpensItsTopicOfTheHelp) {
+    TopicList help;
+    auto& form = Open<frmOptions>();
+    auto& tabs = dynamic_cast<QTabWidget&>(Control(form, "SSTab1"));
+
+    for (int tab = 0; tab < tabs.count(); ++tab) {
+        tabs.setCurrentIndex(tab);
+        Click(form, "cmdHelp");
+    }
+
+    EXPECT_EQ(help.Opened(), (std::vector<std::string>{"QuickButtons.htm", "Unattended_Hotsync_.htm",
+                                                       "Purging_Backup_PC_Tables.htm"}));
 }
 
 TEST_F(Options, TheDroplistsOfImportTemplatesHoldCustomersThenItemsBehindAnEmptyRow) {

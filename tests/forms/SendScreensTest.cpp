@@ -4,6 +4,7 @@
 #include "exchange/forms/frmQBDownload.h"
 #include "exchange/forms/frmQBUpload.h"
 #include "forms/TableScreensTest.h"
+#include "installation/forms/frmQuickStart5.h"
 #include "maintenance/forms/frmTableSelectPC.h"
 #include "quality/forms/frmConfig.h"
 #include "quality/forms/frmConfigMsg.h"
@@ -252,6 +253,35 @@ TEST_F(Download, FromTheConfiguratorItIsNotAskedForAndItReturnsThere) {
     EXPECT_FALSE(config.IsGone());
     EXPECT_FALSE(Global.FromConfigurator);
     EXPECT_EQ(IfLoaded<frmTableSelectDL>(), nullptr);
+}
+
+TEST_F(Download, KeepsThePageOfTheTourWaitingUntilItHasEnded) {
+    auto& page = Open<frmQuickStart5>();
+    bool goesOn = false;
+    const auto waits = [&] { return !goesOn && IfLoaded<frmQuickStart5>() == &page && page.isVisible(); };
+    bool before = false;
+    bool behind = false;
+    WhenStands<frmTableSelectDL>([&](frmTableSelectDL& form) {
+        Tick(form, "chkSetup");
+        ExpectCleanCheck();
+        WhenItWaits([&] {
+            before = waits();
+            Session();
+            behind = waits();
+        });
+        Click(form, "cmdOK");
+    });
+
+    Click(page, "cmdDownload");
+    goesOn = true;
+
+    EXPECT_TRUE(before);
+    EXPECT_TRUE(behind) << "until the manager says that the session is over";
+    EXPECT_EQ(Queued(), SetupTables);
+    EXPECT_EQ(Marks(), (Names{"", "S"}));
+    EXPECT_EQ(IfLoaded<frmTableSelectDL>(), nullptr);
+    EXPECT_FALSE(Global.FromConfigurator);
+    EXPECT_TRUE(page.isVisible());
 }
 
 TEST_F(Download, ACancelledWaitLeavesTheScreenAndNoMark) {

@@ -4,6 +4,7 @@
 #include "core/forms/frmMessage.h"
 #include "core/forms/frmProgress.h"
 #include "forms/FormTest.h"
+#include "forms/TopicList.h"
 #include "platform/QtOperator.h"
 #include "tools/forms/frmAbout.h"
 
@@ -68,12 +69,27 @@ TEST_F(SharedScreens, YesLeavesTheAnswerTrueAndNoLeavesItFalse) {
 }
 
 TEST_F(SharedScreens, TheNoButtonOfANoticeWithOkYieldsTrue) {
-    WhenShown(QStringLiteral("frmMessage"), [](QWidget& window) {
-        EXPECT_FALSE(window.findChild<QAbstractButton*>(QStringLiteral("cmdYes"))->isVisible());
-        Press(window, "cmdNo");
-    });
+    for (const char* caption : {"Ok", "Gut"}) { // a translation changes what stands there and not what it is
+        Global.Replacements[msg::Ok.Number] = {caption, 0};
+        WhenShown(QStringLiteral("frmMessage"), [&](QWidget& window) {
+            EXPECT_FALSE(window.findChild<QAbstractButton*>(QStringLiteral("cmdYes"))->isVisible());
+            EXPECT_EQ(window.findChild<QAbstractButton*>(QStringLiteral("cmdNo"))->text(),
+                      QLatin1String(caption));
+            Press(window, "cmdNo");
+        });
 
-    EXPECT_TRUE(screen_.Ask({msg::TablesMissing, std::nullopt, msg::Ok, {}}));
+        EXPECT_TRUE(screen_.Ask({msg::TablesMissing, std::nullopt, msg::Ok, {}}));
+        EXPECT_TRUE(Global.MessageAnswer);
+        EXPECT_EQ(Global.Events.Entry(0), "frmMessage:cmdNo_Click");
+    }
+}
+
+TEST_F(SharedScreens, TheNoButtonOfAQuestionWithAnotherCaptionYieldsFalse) {
+    Global.MessageAnswer = true; // of the question before
+    WhenShown(QStringLiteral("frmMessage"), [](QWidget& window) { Press(window, "cmdNo"); });
+
+    EXPECT_FALSE(screen_.Ask({msg::UpdateUsersWhy, msg::Ok, msg::Cancel, {}}));
+    EXPECT_FALSE(Global.MessageAnswer);
 }
 
 TEST_F(SharedScreens, EscapeIsNoAndEnterPressesTheDefaultButton) {
@@ -89,8 +105,11 @@ TEST_F(SharedScreens, TheHelpButtonShowsOnlyWithATopic) {
     form.Fill({msg::ResetQuestion, msg::Yes, msg::No, {}});
     EXPECT_FALSE(Visible(form, "cmdHelp"));
 
+    TopicList help;
     form.Fill({msg::ResetQuestion, msg::Yes, msg::No, "QuickButtons.htm"});
     EXPECT_TRUE(Visible(form, "cmdHelp"));
+    Click(form, "cmdHelp");
+    EXPECT_EQ(help.Opened(), std::vector<std::string>{"QuickButtons.htm"});
 }
 
 // ---- boxes ----

@@ -618,11 +618,25 @@ void frmMain1::lblNext_Click() {
     ShowPage((picRemoteSync->currentIndex() + Pages - 1) % Pages);
 }
 
+/// A table that cannot be read has no count, and is told of to who looks at the counts: what has called this
+/// is done, whatever has become of another table.
 void frmMain1::RefreshRecordCounts() {
     TraceEvent("basCommon:RefreshRecordCounts");
-    lblSysCust1->setText(ToQt(std::string_view(CountOf("ZUKCUST.DBF"))));
-    lblSysItems1->setText(ToQt(std::string_view(CountOf("ZUKITEM.DBF"))));
-    lblSysOrders1->setText(ToQt(std::string_view(CountOf("ZUKORHDR.DBF"))));
+    const std::pair<QLabel*, const char*> counts[] = {
+        {lblSysCust1, "ZUKCUST.DBF"}, {lblSysItems1, "ZUKITEM.DBF"}, {lblSysOrders1, "ZUKORHDR.DBF"}};
+    Text unread;
+    for (const auto& [label, table] : counts) {
+        label->clear();
+        try {
+            label->setText(ToQt(std::string_view(CountOf(table))));
+        } catch (const RunTimeFailure& failure) {
+            TraceEvent(std::string("basCommon:RefreshRecordCounts ") + failure.what());
+            const Text reason = Text::Path(std::string_view(failure.what()));
+            unread = unread.IsEmpty() ? reason : Lines(unread, reason);
+        }
+    }
+    if (!unread.IsEmpty() && picRemoteSync->currentIndex() == PageSummary)
+        Tell(Lines(msg::FileError, unread), Icon::Warning);
 }
 
 // ---- unattended mode ----
