@@ -68,15 +68,15 @@ void frmConfig::NameButtons() {
     cmdCheckAll->setToolTip(PlainTip(ToQt(Text(msg::TipCheckAll))));
     cmdCancel->setToolTip(PlainTip(ToQt(Text(msg::TipClose))));
     // All these buttons read alike: who hears them is told their line.
-    const auto name = [this](const QString& button, const QString& line) {
+    const auto name = [this](const QString& button, QString line) {
+        line.remove(QLatin1Char('&'));
         for (const char* end : {"1", "2"}) {
             if (auto* one = findChild<QPushButton*>(button + QLatin1String(end)))
                 one->setAccessibleName(one->text() + QLatin1Char(' ') + line);
         }
     };
     for (auto* label : findChildren<QLabel*>()) {
-        if (label->buddy())
-            name(label->buddy()->objectName().chopped(1), label->text().remove(QLatin1Char('&')));
+        if (label->buddy()) name(label->buddy()->objectName().chopped(1), label->text());
     }
     name(QStringLiteral("cmdSTax"), lblSTax->text());
     name(QStringLiteral("cmdPrinter"), lblPrinter->text());
