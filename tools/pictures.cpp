@@ -23,12 +23,14 @@
 #include "exchange/forms/QuickButtonForm.h"
 #include "handheld/Commands.h"
 #include "help/forms/QtHelp.h"
+#include "installation/InstallList.h"
 #include "maintenance/Backup.h"
 #include "platform/Convert.h"
 #include "platform/GridView.h"
 #include "platform/Look.h"
 #include "platform/LookupBox.h"
 #include "platform/Printing.h"
+#include "platform/Registry.h"
 #include "sync/SFrmAX40.h"
 #include "sync/TableTemplates.h"
 #include "sync/UnattendedSettings.h"
@@ -634,7 +636,11 @@ void HelpFaces(const QString& build, const QString& folder) {
     panes->setCurrentIndex(2);
     window.findChild<QLineEdit*>(QStringLiteral("txtWords"))->setText(QStringLiteral("handheld"));
     Press(window, "cmdListTopics");
-    WaitInLoop([&] { return window.findChild<QListWidget*>(QStringLiteral("lstFound"))->count() == 0; });
+    const auto* found = window.findChild<QListWidget*>(QStringLiteral("lstFound"));
+    for (int k = 0; k < 500 && found->count() == 0; ++k) {
+        QThread::msleep(10); // no loop waits once a round has ended the program
+        Settle();
+    }
     Press(window, "cmdFind");
     Save(window, folder, QStringLiteral("frmHelp-search"));
     help.Close();

@@ -62,6 +62,7 @@ protected:
 };
 
 TEST_F(ExportTest, TheBarIsFullWhenTheFileIsThereAlsoWhenLinesWereLeftOut) {
+    GivenThreeOrders();
     class Shown final : public Progress {
     public:
         void Begin(const Text&, std::int64_t) override {}

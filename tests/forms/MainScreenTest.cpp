@@ -13,6 +13,7 @@
 #include <QDialog>
 #include <QRegularExpression>
 #include <QScopeGuard>
+#include <QTableView>
 #include <QTimer>
 #include <QToolButton>
 

@@ -527,8 +527,9 @@ void frmMain1::cmdReset_Click() {
 
 void frmMain1::SetUpTotalsGrid() {
     // Each column has the width of what stands in it: the names are not to pay for large numbers.
-    FGTot->horizontalHeader()->setStretchLastSection(true);
     ShowUploads({});
+    FGTot->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    FGTot->horizontalHeader()->setStretchLastSection(true);
 }
 
 void frmMain1::ShowUploads(std::vector<std::vector<Text>> rows) {

@@ -43,6 +43,7 @@ QModelIndex PlaceIn(const QHelpContentModel& contents, const QUrl& page, const Q
 void Add(QListWidget& list, const QString& title, const QUrl& address) {
     auto* item = new QListWidgetItem(title, &list);
     item->setData(AddressRole, address);
+    item->setToolTip(PlainTip(title));
 }
 
 Text TextOf(const QString& words) {

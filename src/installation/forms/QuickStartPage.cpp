@@ -189,7 +189,7 @@ QScrollArea* QuickStartPage::MakePage() {
     area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     auto* page = new QWidget;
     auto* column = new QVBoxLayout(page);
-    column->setContentsMargins(0, 0, 0, 0);
+    column->setContentsMargins(0, 0, Gap, 0); // off the bar
     grdPage = new QGridLayout;
     grdPage->setHorizontalSpacing(Gap);
     grdPage->setVerticalSpacing(Margin);

@@ -19,10 +19,12 @@
 
 #include <QPushButton>
 
+#include <algorithm>
 #include <string>
 
 namespace {
 
+constexpr int LettersOfName = 24;         ///< of a process, that stand in one line
 constexpr std::int32_t LongestCount = 99; ///< of problems, that a line has room for
 
 Text ResultText(const std::optional<CheckResult>& result) {
@@ -76,7 +78,12 @@ void frmConfig::NameButtons() {
         }
     };
     for (auto* label : findChildren<QLabel*>()) {
-        if (label->buddy()) name(label->buddy()->objectName().chopped(1), label->text());
+        if (!label->buddy()) continue;
+        name(label->buddy()->objectName().chopped(1), label->text());
+        // A name of the usual length stands in one line.
+        const QFontMetrics letters = label->fontMetrics();
+        label->setMinimumWidth(std::min(letters.size(Qt::TextShowMnemonic, label->text()).width() + 2,
+                                        LettersOfName * letters.averageCharWidth()));
     }
     name(QStringLiteral("cmdSTax"), lblSTax->text());
     name(QStringLiteral("cmdPrinter"), lblPrinter->text());
