@@ -529,7 +529,6 @@ void frmMain1::SetUpTotalsGrid() {
     // Each column has the width of what stands in it: the names are not to pay for large numbers.
     ShowUploads({});
     FGTot->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
-    FGTot->horizontalHeader()->setStretchLastSection(true);
 }
 
 void frmMain1::ShowUploads(std::vector<std::vector<Text>> rows) {

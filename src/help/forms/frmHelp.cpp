@@ -91,6 +91,7 @@ frmHelp::frmHelp() {
     tabHelp->setAccessibleName(ToQt(Text(msg::frmHelp)));
     barFind->SetColumn(ToQt(Text(msg::HelpThisPage)));
     lblFound->setText(ToQt(Text(msg::HelpTopicsFound)));
+    lstFound->setAccessibleName(lblFound->text());
     for (QWidget* topics : {static_cast<QWidget*>(lblTopics), static_cast<QWidget*>(lstTopics)})
         topics->hide();
     for (QWidget* button : {cmdBack, cmdForward}) button->setEnabled(false);
