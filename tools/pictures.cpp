@@ -23,12 +23,14 @@
 #include "exchange/forms/QuickButtonForm.h"
 #include "handheld/Commands.h"
 #include "help/forms/QtHelp.h"
+#include "installation/InstallList.h"
 #include "maintenance/Backup.h"
 #include "platform/Convert.h"
 #include "platform/GridView.h"
 #include "platform/Look.h"
 #include "platform/LookupBox.h"
 #include "platform/Printing.h"
+#include "platform/Registry.h"
 #include "sync/SFrmAX40.h"
 #include "sync/TableTemplates.h"
 #include "sync/UnattendedSettings.h"
@@ -103,7 +105,7 @@ private:
 /// A HotSync Manager with users and a log in a folder of its own, and no lines to anybody.
 class SomeManager final : public ManagerDesk {
 public:
-    explicit SomeManager(const std::string& folder) : users_(folder), log_(folder) {}
+    explicit SomeManager(const std::string& folder) : folder_(folder), users_(folder), log_(folder) {}
 
     HotSyncUsers& Users() override { return users_; }
     SessionLog& Log() override { return log_; }
@@ -117,11 +119,12 @@ public:
     /// What an office has after a morning.
     void Fill() {
         const auto before = std::exchange(Global.Clock, [] { return DateTime{2026, 11, 21, 8, 30, 5}; });
-        const std::uint32_t anna = users_.New("Anna Berg").Id;
-        const std::uint32_t ben = users_.New("Ben Okafor").Id;
-        users_.New("Chlo\xE9 Martin");
-        users_.Synced(anna, {2026, 11, 21, 8, 31, 40}, true);
-        users_.Synced(ben, {2026, 11, 20, 17, 2, 11}, false);
+        // A new user gets a random id, and each picture would be another one.
+        WriteWholeFile(AddBackslash(folder_) + "Users.txt",
+                       "1804289383\tAnna Berg\t2026-11-21 08:31:40\tcomplete\n"
+                       "846930886\tBen Okafor\t2026-11-20 17:02:11\tincomplete\n"
+                       "1681692777\tChlo\xC3\xA9 Martin\tnever\tcomplete\n");
+        users_.Load();
         log_.Write("Waiting for handhelds at 192.168.1.20, port 14238");
         log_.Write("Anna Berg: session from 192.168.1.57");
         log_.Write("Anna Berg: ZUKCUST to the handheld, 1204 rows");
@@ -132,6 +135,7 @@ public:
     ListeningState State{"192.168.1.20", 14238, {}};
 
 private:
+    std::string folder_;
     HotSyncUsers users_;
     SessionLog log_;
     ManagerSettings settings_;
@@ -594,13 +598,51 @@ void RestoreFaces(const QString& folder) {
     CopyTable(Global.DBFPath + "ZUKCust.dbf", Global.DBFPath + "ZUKCust.dbf");
 }
 
-/// The window of the help, at the page of a screen.
-void HelpFace(const QString& build, const QString& folder) {
+/// The screen of the installs in each of its states.
+void InstallFaces(const QString& folder) {
+    Registry registry;
+    RecordInstall(registry, "Ben Okafor", msg::TypeDemo);
+    auto& form = The<frmHHInstall>();
+    auto* users = form.findChild<QComboBox*>(QStringLiteral("cboHSUsers"));
+    users->setCurrentIndex(0);
+    emit users->activated(0);
+    Save(form, folder, QStringLiteral("frmHHInstall-chosen"));
+    InstallScreen& screen = form;
+    const Text anna = Text::Value(std::string_view("Anna Berg"));
+    screen.SetActive(msg::ReadyToInstall + anna + msg::ReadyPressHotsync);
+    Save(form, folder, QStringLiteral("frmHHInstall-waiting"));
+    screen.SetActiveSync({});
+    Save(form, folder, QStringLiteral("frmHHInstall-hotsync"));
+    screen.SetActiveSync(msg::SecondHotsync);
+    Save(form, folder, QStringLiteral("frmHHInstall-second"));
+    screen.SetActive(Lines(Words(msg::FilesWaiting, Text::Value(std::int64_t{12})), msg::PressAgain));
+    Save(form, folder, QStringLiteral("frmHHInstall-missing"));
+    screen.SetInactive();
+    form.Unload();
+}
+
+/// The window of the help, at the page of a screen, and what its panes find.
+void HelpFaces(const QString& build, const QString& folder) {
     QtHelp help;
     help.Help().HHSetHelpFile(PathFromQt(QDir(build).absolutePath()) + "/installed/Tramble_Help.qch");
     help.Help().HHTopicURL = "Payments.htm";
     help.Help().HHDisplayTopicURL();
-    Save(The<frmHelp>(), folder, QStringLiteral("frmHelp-page"));
+    auto& window = The<frmHelp>();
+    Save(window, folder, QStringLiteral("frmHelp-page"));
+    auto* panes = window.findChild<QTabWidget*>(QStringLiteral("tabHelp"));
+    panes->setCurrentIndex(1);
+    window.findChild<QLineEdit*>(QStringLiteral("txtKeyword"))->setText(QStringLiteral("h"));
+    Save(window, folder, QStringLiteral("frmHelp-index"));
+    panes->setCurrentIndex(2);
+    window.findChild<QLineEdit*>(QStringLiteral("txtWords"))->setText(QStringLiteral("handheld"));
+    Press(window, "cmdListTopics");
+    const auto* found = window.findChild<QListWidget*>(QStringLiteral("lstFound"));
+    for (int k = 0; k < 500 && found->count() == 0; ++k) {
+        QThread::msleep(10); // no loop waits once a round has ended the program
+        Settle();
+    }
+    Press(window, "cmdFind");
+    Save(window, folder, QStringLiteral("frmHelp-search"));
     help.Close();
 }
 
@@ -656,6 +698,8 @@ template <class F>
 void Picture(const QString& folder, const char* name) {
     // The form of the sessions has nothing to show.
     if constexpr (std::is_same_v<F, frmMainSync>) return;
+    // Without a file it is empty.
+    if constexpr (std::is_same_v<F, frmHelp>) return;
     F& form = The<F>();
     if (form.IsGone()) {
         // A form that does its work while it loads is shown as it stands meanwhile.
@@ -734,7 +778,8 @@ int main(int argc, char** argv) {
             StandInFaces(folder, work.path());
             OptionsFaces(folder);
             BrowserFaces(folder);
-            HelpFace(arguments[1], folder);
+            HelpFaces(arguments[1], folder);
+            InstallFaces(folder);
             RestoreFaces(folder);
             CheckFaces(arguments[1], office, folder);
             // They are black on white in either look.

@@ -399,6 +399,7 @@ ExportResult ExportOrders(const ExportJob& job, const OrderTables& tables, Progr
     if (job.AddHeadings) run.WriteHeadings();
     const ExportResult result = withLines ? run.WalkLines() : run.WalkHeaders();
     file->Commit();
+    progress.Show(std::int64_t{result.Walked} + StepsBehindExport);
     return result;
 }
 

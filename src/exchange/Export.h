@@ -34,8 +34,12 @@ struct ExportResult {
 /// True when the file gets one line for each order line: any row holds the name of a line field.
 bool HasLineFields(std::span<const std::string> columns);
 
+/// Steps of the bar for what comes behind the last record.
+constexpr std::int64_t StepsBehindExport = 2;
+
 /// Writes the orders into a text file, one line for each order header, or for each order line with
-/// the values of its header. Shows the progress as the number of records; the caller begins it.
+/// the values of its header. Shows the progress as the number of records; the caller begins it, with a
+/// maximum of the records of the table walked and StepsBehindExport, which is shown when the file is there.
 ///
 /// A step that fails leaves its cell as it was for the record before. The file gets its name when
 /// it is complete; until then, and after a failure, what stood there stands. RunTimeFailure 61, 57,

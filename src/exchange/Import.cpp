@@ -104,6 +104,12 @@ public:
     /// Puts the list of the lines that failed in place; true when there is one.
     bool ListErrors() { return lost_.Commit(); }
 
+    /// The lines above the first one that is taken are none of those read: the bar fills at the end.
+    void ShowFull() {
+        constexpr std::int64_t Full = 100;
+        if (job_.LineCount >= 1 && percent_ != Full) progress_.Show(Full);
+    }
+
 private:
     enum class Read { Line, TooLong, Failed, End };
 
@@ -209,6 +215,7 @@ ImportResult ImportDataFile(const ImportJob& job, Progress& progress) {
     TraceEvent("DBFEdit:FileClose");
     table.Commit();
     result.ErrorsListed = run.ListErrors();
+    run.ShowFull();
     return result;
 }
 

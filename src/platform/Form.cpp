@@ -693,6 +693,13 @@ void FillCaptions(QWidget& window) {
             }
         }
     }
+    // Unlike other controls a list is not read aloud by the label before it.
+    for (const auto* label : window.findChildren<QLabel*>()) {
+        auto* list = qobject_cast<QAbstractItemView*>(label->buddy());
+        const auto entry = TagOf(*label, "Tag");
+        if (list && entry && list->accessibleName().isEmpty())
+            list->setAccessibleName(QString::fromStdString(CatalogueText(*entry)));
+    }
 }
 
 void EndProgram(int exitCode) {

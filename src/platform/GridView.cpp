@@ -247,6 +247,7 @@ void GridView::SelectRecords(const std::vector<std::int32_t>& records, int colum
 }
 
 void GridView::SelectFirstRow() {
+    if (selectionMode() == NoSelection) return; // the current cell would look like a selected one
     if (model_->rowCount() > HeadingRows()) setCurrentIndex(model_->index(HeadingRows(), CurrentColumn()));
 }
 

@@ -61,6 +61,25 @@ protected:
     ExportResult Result;
 };
 
+TEST_F(ExportTest, TheBarIsFullWhenTheFileIsThereAlsoWhenLinesWereLeftOut) {
+    GivenThreeOrders();
+    class Shown final : public Progress {
+    public:
+        void Begin(const Text&, std::int64_t) override {}
+        void Show(std::int64_t value) override { Last = value; }
+        std::int64_t Last = 0;
+    } bar;
+    OrderTables tables = LoadOrderTables(PathOf("ZUKORHDR"), PathOf("ZUKORLIN"));
+
+    ExportOrders(Job({"H_ORDCODE"}), tables, bar);
+    EXPECT_EQ(bar.Last, 3 + StepsBehindExport);
+
+    GivenTable("ZUKORHDR", {{{"H_ORDCODE", "A1"}}});
+    tables = LoadOrderTables(PathOf("ZUKORHDR"), PathOf("ZUKORLIN"));
+    EXPECT_EQ(ExportOrders(Job({"L_ORDCODE"}), tables, bar).OrphanLines, 9);
+    EXPECT_EQ(bar.Last, 10 + StepsBehindExport);
+}
+
 TEST_F(ExportTest, FixedListsHave56HeaderAnd17LineFields) {
     EXPECT_EQ(FindTable("ZUKORHDR")->Fields.size(), 56U);
     EXPECT_STREQ(FindTable("ZUKORHDR")->Fields.front().Name, "H_ORDCODE");

@@ -338,6 +338,16 @@ TEST_F(ImportTest, ProgressIsThePercentageOfTheLines) {
     EXPECT_EQ(bar.Values, (std::vector<std::int64_t>{25, 50, 75, 100}));
 }
 
+TEST_F(ImportTest, TheBarIsFullAtTheEndAlsoWhenTheFirstLinesAreHeadings) {
+    ImportJob job = Job("code\nA\nB\nC\n", {"C_CODE"});
+    job.StartLine = 2;
+    Shown bar;
+
+    ImportDataFile(job, bar);
+
+    EXPECT_EQ(bar.Values, (std::vector<std::int64_t>{25, 50, 75, 100}));
+}
+
 TEST_F(ImportTest, LineCountOfZeroShowsNothing) {
     ImportJob job = Job("A\nB\n", {"C_CODE"});
     job.LineCount = 0;

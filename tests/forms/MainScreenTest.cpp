@@ -17,6 +17,7 @@
 #include <QLabel>
 #include <QRegularExpression>
 #include <QScopeGuard>
+#include <QTableView>
 #include <QTimer>
 #include <QToolButton>
 
@@ -264,6 +265,34 @@ TEST_F(MainScreen, EightUploadsShowTheSevenNewestFirst) {
     EXPECT_EQ(rows[6][0], QStringLiteral("HH2"));
 }
 
+TEST_F(MainScreen, LargeNumbersOfAnUploadTakeNoRoomFromTheNameOfItsHandheld) {
+    const std::string name = "Bartholomew Featherstone";
+    std::vector<std::string> row = TotalsRow("UPLOAD-ADD", name, "2026-11-15 10:01:00");
+    GivenRows("ZUKTOTALPC", {"TP_NUMHEAD|TP_NUMLINE|TP_DOL_LIN|TP_CURHEAD|TP_CURLINE|TP_CURDOL|TP_MACHINE|"
+                             "TP_EVENT|TP_DATETIM|TP_HOTSYNC|TP_LSTONUM",
+                             row[0]});
+
+    auto& form = Start();
+
+    const auto& grid = dynamic_cast<QTableView&>(Control(form, "FGTot"));
+    ASSERT_EQ(grid.model()->rowCount(), 1);
+    EXPECT_GT(grid.columnWidth(0), grid.fontMetrics().horizontalAdvance(QString::fromStdString(name)));
+}
+
+TEST_F(MainScreen, AUsualNameStandsInFullOnItsBrickBesideTheStatus) {
+    GivenRows("ZUKLINK", {"LK_HOTSYNC", "Anna Berg", "Ben Okafor", "Frank Weiss"});
+    auto& form = Start();
+    form.GetHHBricks();
+    Settle();
+
+    for (const char* name : {"cmdHHHSID_1", "cmdHHHSID_2", "cmdHHHSID_3"}) {
+        const auto& brick = dynamic_cast<QToolButton&>(Control(form, name));
+        EXPECT_FALSE(brick.icon().isNull());
+        EXPECT_EQ(brick.toolButtonStyle(), Qt::ToolButtonTextUnderIcon);
+        EXPECT_GE(brick.width(), brick.fontMetrics().horizontalAdvance(brick.text())) << name;
+    }
+}
+
 TEST_F(MainScreen, AResetHidesTheUploadsUntilTheNextOneAndKeepsTheirRecords) {
     GivenUploads(3);
     auto& form = Start();
@@ -380,8 +409,10 @@ TEST_F(MainScreen, ABrickShowsTheFiguresOfBothSidesAndTheirDifference) {
     form.GetHHBricks();
     std::vector<QStringList> rows;
     QString title;
+    bool anyCellIsMarked = true;
     QTimer::singleShot(0, qApp, [&] {
         auto& details = The<frmHHStatus>();
+        anyCellIsMarked = dynamic_cast<QTableView&>(Control(details, "FG1")).currentIndex().isValid();
         title = TextOf(details, "lblID");
         rows = GridRows(details, "FG1");
         Click(details, "cmdOK");
@@ -390,6 +421,7 @@ TEST_F(MainScreen, ABrickShowsTheFiguresOfBothSidesAndTheirDifference) {
     Click(form, "cmdHHHSID_2");
 
     EXPECT_EQ(title, QStringLiteral("Hotsync ID: Anna"));
+    EXPECT_FALSE(anyCellIsMarked) << "nothing can be selected here";
     ASSERT_EQ(rows.size(), 3U);
     EXPECT_EQ(rows[0].join(QLatin1Char('|')), QStringLiteral("Handheld|3|9|120.50"));
     EXPECT_EQ(rows[1].join(QLatin1Char('|')), QStringLiteral("PC|2|9|100.00"));

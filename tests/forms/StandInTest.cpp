@@ -159,18 +159,18 @@ TEST_F(StandInWindow, AnOrderNeedsACustomerAnItemAndAQuantity) {
     auto& form = Open<frmStandIn>();
 
     OnOrderForm(form, [this](frmStandInOrder& order) {
-        Operator_.Expect(msg::StandInOneItem);
+        Operator_.Expect(msg::StandInOneItem).With(Icon::Warning);
         Click(order, "cmdAdd");
         for (const char* const quantity : {"0", "-1", "two", ""}) {
             Choose(order, "cboItem", Tea);
             Type(order, "txtQty", QString::fromLatin1(quantity));
-            Operator_.Expect(msg::StandInQuantity);
+            Operator_.Expect(msg::StandInQuantity).With(Icon::Warning);
             Click(order, "cmdAdd");
         }
-        Operator_.Expect(msg::StandInOneCustomer);
+        Operator_.Expect(msg::StandInOneCustomer).With(Icon::Warning);
         Click(order, "cmdOK");
         Choose(order, "cboCustomer", LoonLake);
-        Operator_.Expect(msg::StandInOneLine);
+        Operator_.Expect(msg::StandInOneLine).With(Icon::Warning);
         Click(order, "cmdOK");
     });
 

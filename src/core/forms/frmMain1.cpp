@@ -94,7 +94,8 @@ std::string CountOf(const std::string& table) {
 }
 
 /// A handheld's button. It tells a state, and is drawn in full colour whether it can be pressed or
-/// not. An id that is wider than the brick ends in an ellipsis.
+/// not. Five in a row are narrow: the picture stands above the id, and an id that is still wider than
+/// the brick ends in an ellipsis.
 class Brick final : public QToolButton {
 public:
     using QToolButton::QToolButton;
@@ -105,9 +106,9 @@ protected:
         initStyleOption(&option);
         option.palette.setColor(QPalette::Disabled, QPalette::ButtonText,
                                 palette().color(QPalette::Active, QPalette::ButtonText));
-        const int margins = option.icon.isNull() ? 4 : 10 + option.iconSize.width();
+        constexpr int Margins = 4;
         option.text =
-            fontMetrics().elidedText(option.text, Qt::ElideRight, width() - margins, Qt::TextShowMnemonic);
+            fontMetrics().elidedText(option.text, Qt::ElideRight, width() - Margins, Qt::TextShowMnemonic);
         QStylePainter(this).drawComplexControl(QStyle::CC_ToolButton, option);
     }
 };
@@ -418,12 +419,14 @@ void frmMain1::DrawBricks(const QString& family, const std::function<Face(std::s
     }
     brickIDs_ = LinkIDs();
     std::size_t row = 0;
+    int tallest = 0;
+    std::vector<Brick*> bricks;
     for (const std::string& id : brickIDs_) {
         const int place = static_cast<int>(row);
         const Face face = faceOf(++row);
         auto* brick = new Brick(picHHStatus);
         brick->setObjectName(family + QLatin1Char('_') + QString::number(row));
-        brick->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+        brick->setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
         brick->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
         brick->setIconSize({16, 16});
         // An ampersand in an id is no mark of a mnemonic.
@@ -434,7 +437,11 @@ void frmMain1::DrawBricks(const QString& family, const std::function<Face(std::s
         brick->setEnabled(face.Live);
         WireControl(*brick);
         grdBricks->addWidget(brick, place / BricksInRow, place % BricksInRow);
+        tallest = std::max(tallest, brick->sizeHint().height());
+        bricks.push_back(brick);
     }
+    // One without a picture stands beside those that have one.
+    for (Brick* brick : bricks) brick->setFixedHeight(tallest);
     for (int column = 0; column < BricksInRow; ++column) grdBricks->setColumnStretch(column, 1);
     grdBricks->setRowStretch(static_cast<int>(row) / BricksInRow + 1, 1);
     lblNoHandhelds->setVisible(row == 0);
@@ -519,9 +526,9 @@ void frmMain1::cmdReset_Click() {
 // ---- recent uploads ----
 
 void frmMain1::SetUpTotalsGrid() {
+    // Each column has the width of what stands in it: the names are not to pay for large numbers.
     ShowUploads({});
     FGTot->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
-    FGTot->horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch);
 }
 
 void frmMain1::ShowUploads(std::vector<std::vector<Text>> rows) {

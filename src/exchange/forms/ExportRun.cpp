@@ -35,7 +35,7 @@ std::optional<ExportResult> RunExport(const ExportJob& job, PCOrders& book, Form
     const MemoryTable& walked = byLine ? book.Tables.FGLin : book.Tables.FGHdr;
     BarProgress progress(&label, bar);
     progress.Begin(Words(msg::ConvertingTable, byLine ? msg::LineTable : msg::HeaderTable),
-                   std::int64_t{walked.RecordCount()} + 2);
+                   std::int64_t{walked.RecordCount()} + StepsBehindExport);
     form.PauseFor(0.2);
     if (form.IsOver()) return std::nullopt;
     ExportResult result = ExportOrders(job, book.Tables, progress);

@@ -9,6 +9,7 @@
 #include "handheld/forms/HandheldWork.h"
 #include "handheld/line/FolderLock.h"
 #include "platform/Convert.h"
+#include "platform/Look.h"
 #include "store/TableCatalogue.h"
 
 namespace {
@@ -50,6 +51,7 @@ frmStandInOrder::~frmStandInOrder() = default;
 
 void frmStandInOrder::Form_Load() {
     TraceEvent("frmStandInOrder:Form_Load");
+    setWindowIcon(Picture("handheld"));
     FG1->SetEmptyText(msg::StandInNoLines);
     txtQty->setText(QStringLiteral("1"));
     const std::span<const TableField> fields = FindTable("ZUKORHDR")->Fields;
@@ -129,12 +131,12 @@ void frmStandInOrder::cmdAdd_Click() {
     TraceEvent("frmStandInOrder:cmdAdd_Click");
     const int row = cboItem->currentIndex();
     if (row < 0) {
-        Tell(msg::StandInOneItem);
+        Tell(msg::StandInOneItem, Icon::Warning);
         return cboItem->setFocus();
     }
     const auto quantity = ReadDecimal(FromQt(txtQty->text()), QuantityDecimals);
     if (!quantity || *quantity <= 0) {
-        Tell(msg::StandInQuantity);
+        Tell(msg::StandInQuantity, Icon::Warning);
         return txtQty->setFocus();
     }
     const auto item = static_cast<std::size_t>(row);
@@ -163,10 +165,10 @@ void frmStandInOrder::cmdRemove_Click() {
 void frmStandInOrder::cmdOK_Click() {
     TraceEvent("frmStandInOrder:cmdOK_Click");
     if (entry_.Customer.empty()) {
-        Tell(msg::StandInOneCustomer);
+        Tell(msg::StandInOneCustomer, Icon::Warning);
         return cboCustomer->setFocus();
     }
-    if (entry_.Lines.empty()) return Tell(msg::StandInOneLine);
+    if (entry_.Lines.empty()) return Tell(msg::StandInOneLine, Icon::Warning);
     std::string code;
     const bool done = DoOnHandheld([&] {
         entry_.CustomerPO = FromQt(txtPO->text());

@@ -90,6 +90,7 @@ int main(int argc, char** argv) {
         LoadMessages(office + "Messages.tsv");
         help.Help().HHSetHelpFile(HelpFilePath(programs, office));
         ApplyLook(application, Registry::DarkLook(office));
+        QApplication::setWindowIcon(Picture("handheld"));
         const bool isThere = FileExists(Global.StandInFolder + "Handheld.txt");
         if (!isThere && options.isSet(QStringLiteral("user")) && !MakeHandheld(Global.StandInFolder, options))
             return 1;

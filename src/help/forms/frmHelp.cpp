@@ -43,6 +43,7 @@ QModelIndex PlaceIn(const QHelpContentModel& contents, const QUrl& page, const Q
 void Add(QListWidget& list, const QString& title, const QUrl& address) {
     auto* item = new QListWidgetItem(title, &list);
     item->setData(AddressRole, address);
+    item->setToolTip(PlainTip(title));
 }
 
 Text TextOf(const QString& words) {
@@ -90,6 +91,7 @@ frmHelp::frmHelp() {
     tabHelp->setAccessibleName(ToQt(Text(msg::frmHelp)));
     barFind->SetColumn(ToQt(Text(msg::HelpThisPage)));
     lblFound->setText(ToQt(Text(msg::HelpTopicsFound)));
+    lstFound->setAccessibleName(lblFound->text());
     for (QWidget* topics : {static_cast<QWidget*>(lblTopics), static_cast<QWidget*>(lstTopics)})
         topics->hide();
     for (QWidget* button : {cmdBack, cmdForward}) button->setEnabled(false);

@@ -189,7 +189,7 @@ QScrollArea* QuickStartPage::MakePage() {
     area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     auto* page = new QWidget;
     auto* column = new QVBoxLayout(page);
-    column->setContentsMargins(0, 0, 0, 0);
+    column->setContentsMargins(0, 0, Gap, 0); // off the bar
     grdPage = new QGridLayout;
     grdPage->setHorizontalSpacing(Gap);
     grdPage->setVerticalSpacing(Margin);
@@ -248,7 +248,11 @@ QAbstractButton& QuickStartPage::AddStep(const char* name, MessageId caption, co
     if (!isLabel) pictures_.emplace_back(button, picture);
     const int row = grdPage->rowCount();
     grdPage->addWidget(button, row, 0, Qt::AlignTop);
-    grdPage->addWidget(NewText(text), row, 1);
+    QLabel* about = NewText(text);
+    // Its first line beside that of the button.
+    about->setContentsMargins(0, (button->sizeHint().height() - about->fontMetrics().lineSpacing()) / 2, 0,
+                              0);
+    grdPage->addWidget(about, row, 1);
     if (topic) AddHelp(name + 3, topic, caption);
     return *button;
 }

@@ -33,7 +33,7 @@ void frmHHInstall::Form_Load() {
     setWindowIcon(Picture("tool-install"));
     // Room for the longest hint and the largest state from the first, so that nothing moves.
     lblMessage->setMinimumHeight(4 * lblMessage->fontMetrics().lineSpacing());
-    picInstall->setMinimumHeight(9 * lblMessage->fontMetrics().lineSpacing());
+    picInstall->setMinimumHeight(11 * lblMessage->fontMetrics().lineSpacing());
     help_ = new HelpLine(*lblMessage, msg::HintInstalls);
     const std::pair<QWidget*, MessageId> hints[] = {
         {cmdDemo, msg::HintDemo},       {cmdLive, msg::HintLive},        {cmdProgram, msg::HintProgram},
@@ -230,6 +230,7 @@ void frmHHInstall::ShowReady() {
 
 /// What can be begun: while nothing runs, and an install for the user who is chosen.
 void frmHHInstall::Enable(bool enabled) {
+    if (!enabled) cmdCancel->setFocus(); // of what can be pressed then it is the next
     for (QWidget* install : {cmdDemo, cmdLive, cmdProgram}) install->setEnabled(enabled && !user_.empty());
     for (QWidget* control : {static_cast<QWidget*>(cboHSUsers), static_cast<QWidget*>(cmdLinks),
                              static_cast<QWidget*>(cmdReset)})

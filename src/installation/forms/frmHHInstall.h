@@ -10,7 +10,7 @@
 class HelpLine;
 
 /// Puts the handheld application and its data on a handheld, and shows what was installed on which.
-class frmHHInstall final : public Form, private InstallScreen, private Ui::frmHHInstall {
+class frmHHInstall final : public Form, public InstallScreen, private Ui::frmHHInstall {
     Q_OBJECT
 
 public:

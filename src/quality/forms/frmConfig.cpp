@@ -19,10 +19,12 @@
 
 #include <QPushButton>
 
+#include <algorithm>
 #include <string>
 
 namespace {
 
+constexpr int LettersOfName = 24;         ///< of a process, that stand in one line
 constexpr std::int32_t LongestCount = 99; ///< of problems, that a line has room for
 
 Text ResultText(const std::optional<CheckResult>& result) {
@@ -68,15 +70,20 @@ void frmConfig::NameButtons() {
     cmdCheckAll->setToolTip(PlainTip(ToQt(Text(msg::TipCheckAll))));
     cmdCancel->setToolTip(PlainTip(ToQt(Text(msg::TipClose))));
     // All these buttons read alike: who hears them is told their line.
-    const auto name = [this](const QString& button, const QString& line) {
+    const auto name = [this](const QString& button, QString line) {
+        line.remove(QLatin1Char('&'));
         for (const char* end : {"1", "2"}) {
             if (auto* one = findChild<QPushButton*>(button + QLatin1String(end)))
                 one->setAccessibleName(one->text() + QLatin1Char(' ') + line);
         }
     };
     for (auto* label : findChildren<QLabel*>()) {
-        if (label->buddy())
-            name(label->buddy()->objectName().chopped(1), label->text().remove(QLatin1Char('&')));
+        if (!label->buddy()) continue;
+        name(label->buddy()->objectName().chopped(1), label->text());
+        // A name of the usual length stands in one line.
+        const QFontMetrics letters = label->fontMetrics();
+        label->setMinimumWidth(std::min(letters.size(Qt::TextShowMnemonic, label->text()).width() + 2,
+                                        LettersOfName * letters.averageCharWidth()));
     }
     name(QStringLiteral("cmdSTax"), lblSTax->text());
     name(QStringLiteral("cmdPrinter"), lblPrinter->text());

@@ -24,6 +24,7 @@ void frmHHStatus::Form_Load() {
     FG1->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
     txtReceipt->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     txtReceipt->setPlaceholderText(ToQt(Text(msg::NoReceipt)));
+    cmdOK->setFocus();
 }
 
 void frmHHStatus::Fill(std::string_view id, const StatusDetails& details) {
