@@ -11,9 +11,14 @@ else()
         # This compiler sees overlaps in its own std::string where there are none.
         target_compile_options(house INTERFACE -Wno-restrict)
     endif()
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+        # Without it ccache cannot keep what is compiled with a precompiled header.
+        target_compile_options(house INTERFACE -fpch-preprocess)
+    endif()
 endif()
-# A target with the property TEST_CODE holds nothing but tests. What they call is what the sanitizers look at:
-# optimised and checked for undefined behaviour themselves, they would take three times as long to compile.
+# A target with the property TEST_CODE holds nothing but tests, or what drives whole programs for them. What they
+# call is what the sanitizers look at: optimised and checked for undefined behaviour themselves, they would take
+# three times as long to compile.
 set(test_code "$<BOOL:$<TARGET_PROPERTY:TEST_CODE>>")
 if(TRAMBLE_SANITIZE)
     target_compile_options(house INTERFACE

@@ -9,6 +9,7 @@ add_library(handheldcore STATIC ${handheld_sources})
 target_link_libraries(handheldcore PUBLIC engine palm)
 set_target_properties(handheldcore PROPERTIES AUTOMOC OFF AUTOUIC OFF AUTORCC OFF)
 refuse_qt_libraries(handheldcore)
+target_precompile_headers(handheldcore REUSE_FROM engine)
 
 if(NOT TRAMBLE_HEADLESS)
     find_package(Qt6 6.4 REQUIRED COMPONENTS Core Network)

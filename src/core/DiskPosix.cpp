@@ -190,7 +190,12 @@ private:
         while (const dirent* entry = ::readdir(list)) {
             const std::string name = entry->d_name;
             if (name == "." || name == "..") continue;
-            if (folders ? IsFolder(base + name) : IsFile(base + name)) names.push_back(name);
+            // Most file systems say with the name what it is, which saves a look at each.
+            const bool isKnown = entry->d_type == DT_REG || entry->d_type == DT_DIR;
+            const bool fits = isKnown   ? entry->d_type == (folders ? DT_DIR : DT_REG)
+                              : folders ? IsFolder(base + name)
+                                        : IsFile(base + name);
+            if (fits) names.push_back(name);
         }
         ::closedir(list);
         std::sort(names.begin(), names.end());

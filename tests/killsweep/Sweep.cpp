@@ -65,9 +65,10 @@ bool IsWholeTrace(const std::string& content) {
 
 class Run {
 public:
-    Run(const SweepJob& job, const SweepTools& tools)
+    Run(const SweepJob& job, const SweepTools& tools, Share share)
         : job_(job),
           tools_(tools),
+          share_(share),
           laidOut_(FilesOf(tools.Office)),
           before_(Prepared()),
           history_(Watched()) {}
@@ -82,9 +83,14 @@ public:
         }
         for (std::size_t fault = 0; fault < Faults && !Enough(); ++fault) {
             fault_ = fault;
-            for (at_ = 1; Struck() && !Enough(); ++at_) {
+            // The call behind the last one shows that the job repeats itself.
+            for (at_ = share_.First; at_ <= history_.Calls() + 1 && !Enough(); at_ += share_.Of) {
+                const bool exists = at_ <= history_.Calls();
+                if (Struck() != exists) {
+                    Complain(exists ? "made fewer calls than undisturbed"
+                                    : "made more calls than undisturbed");
+                }
             }
-            if (at_ - 1 < history_.Calls() && !Enough()) Complain("made fewer calls than undisturbed");
         }
         PutBack(tools_.Office, laidOut_, FilesOf(tools_.Office));
         return std::move(findings_);
@@ -253,6 +259,7 @@ private:
 
     const SweepJob& job_;
     const SweepTools& tools_;
+    Share share_;
     SweepFindings findings_;
     std::size_t fault_ = 0;
     long at_ = 0;
@@ -263,8 +270,8 @@ private:
 
 } // namespace
 
-SweepFindings Sweep(const SweepJob& job, const SweepTools& tools) {
-    return Run(job, tools).All();
+SweepFindings Sweep(const SweepJob& job, const SweepTools& tools, Share share) {
+    return Run(job, tools, share).All();
 }
 
 int RunJob(const SweepJob& job, const std::string& office) {

@@ -25,6 +25,12 @@ struct SweepFindings {
     std::vector<std::string> Complaints; ///< what was hurt, and at which call
 };
 
+/// Of each job the calls number `First`, `First` + `Of` and so on, counted from 1: what one of `Of` sweeps
+/// that share the work takes. The shares cost the same, whatever the jobs cost.
+struct Share {
+    long First = 1, Of = 1;
+};
+
 /// What the sweep needs to run a job in a process of its own.
 struct SweepTools {
     std::string Program; ///< runs a job when it is called as "PROGRAM job NAME OFFICE"
@@ -33,8 +39,8 @@ struct SweepTools {
     std::string Log;     ///< a folder for what a run tells, with a trailing separator
 };
 
-/// Runs the job with each fault at each call. The office is afterwards as it was.
-SweepFindings Sweep(const SweepJob& job, const SweepTools& tools);
+/// Runs the job with each fault at each call of the share. The office is afterwards as it was.
+SweepFindings Sweep(const SweepJob& job, const SweepTools& tools, Share share = {});
 
 /// The process of one job: does it, prints what the operator is told, and returns the exit code, 0
 /// for a job that said that all went well and 1 for one that told of a failure.

@@ -2,6 +2,7 @@
 //
 //   killsweep [JOB...]    all jobs, or those whose names begin so; prints a table, ends in 0 only
 //                         when nothing was hurt
+//   killsweep share K N   all jobs, but of each only the calls K, K + N, K + 2N ... of 1, 2, 3 ...
 //   killsweep harm        jobs that do harm; ends in 0 only when each of them was found out
 
 #include "core/Failure.h"
@@ -111,21 +112,15 @@ bool IsAskedFor(const SweepJob& job, const std::vector<std::string>& names) {
                                         [&](const std::string& name) { return job.Name.starts_with(name); });
 }
 
-/// Every `of`-th job, beginning with number `first` from 0: a share for each of several processors.
-struct Share {
-    std::size_t First = 0, Of = 1;
-};
-
 int SweepOffice(const std::vector<std::string>& names, Share share = {}) {
     const Place place;
-    std::size_t number = 0;
     int runs = 0;
     int swept = 0;
     std::size_t hurt = 0;
     PrintHead();
     for (const SweepJob& job : SweepJobs()) {
-        if (!job.Harm.empty() || !IsAskedFor(job, names) || number++ % share.Of != share.First) continue;
-        const SweepFindings findings = Sweep(job, place.Tools());
+        if (!job.Harm.empty() || !IsAskedFor(job, names)) continue;
+        const SweepFindings findings = Sweep(job, place.Tools(), share);
         Print(job, findings);
         ++swept;
         hurt += findings.Complaints.size();
@@ -133,6 +128,13 @@ int SweepOffice(const std::vector<std::string>& names, Share share = {}) {
     }
     std::cout << runs << " runs of " << swept << " jobs, " << hurt << " complaints\n";
     return hurt == 0 && swept > 0 ? 0 : 1;
+}
+
+/// Share `first` of `of`, from 1. RunTimeFailure 5 for what is none.
+Share ShareOf(const std::string& first, const std::string& of) {
+    const Share share{std::atol(first.c_str()), std::atol(of.c_str())};
+    if (share.First < 1 || share.First > share.Of) throw RunTimeFailure(5, "share " + first + " of " + of);
+    return share;
 }
 
 int SweepHarm() {
@@ -165,8 +167,7 @@ int main(int argc, char** argv) {
     try {
         if (words.size() == 3 && words[0] == "job") return RunOneJob(words[1], words[2]);
         if (words.size() == 1 && words[0] == "harm") return SweepHarm();
-        if (words.size() == 1 && words[0] == "even") return SweepOffice({}, {0, 2});
-        if (words.size() == 1 && words[0] == "odd") return SweepOffice({}, {1, 2});
+        if (words.size() == 3 && words[0] == "share") return SweepOffice({}, ShareOf(words[1], words[2]));
         return SweepOffice(words);
     } catch (const std::exception& failure) {
         std::cerr << "killsweep: " << failure.what() << "\n";
