@@ -3,20 +3,16 @@
 #include "core/Catalogue.h"
 #include "core/Failure.h"
 #include "core/Messages.h"
-#include "core/Numbers.h"
 #include "core/Operator.h"
 #include "core/Paths.h"
-#include "core/TextCompare.h"
 #include "core/forms/frmMain1.h"
 #include "core/forms/frmProgress.h"
 #include "help/HelpTopics.h"
-#include "maintenance/forms/BackupRun.h"
-#include "platform/BarProgress.h"
 #include "platform/Convert.h"
 #include "platform/Look.h"
-#include "store/forms/frmCopyDBF.h"
 #include "views/BoxReport.h"
 #include "views/SetupTables.h"
+#include "views/forms/BackupList.h"
 #include "views/forms/Editors.h"
 #include "views/forms/PrintReport.h"
 #include "views/forms/frmPreview.h"
@@ -32,11 +28,6 @@ constexpr double PauseBeforeReading = 0.2;
 
 /// How long a backup has been selected before its files are read, in milliseconds.
 constexpr int TimeToRest = 200;
-
-// Columns of the list of backups, from 0.
-constexpr std::size_t MomentColumn = 1;
-constexpr std::size_t DollarsColumn = 4;
-constexpr int FilesColumn = BackupPoint::Lines;
 
 /// The row of the column titles, where the grid has heading rows.
 constexpr int TitleRow = 1;
@@ -60,74 +51,6 @@ bool IsPreview() {
     return !Global.ViewFolder.empty();
 }
 
-/// The view of a table that a backup can hold; nullptr for any other file.
-const TableView* ViewOfBackup(std::string_view fileName) {
-    for (const ViewFlag flag :
-         {ViewOrHdr, ViewOrLin, ViewOrHdrAudt, ViewOrLinAudt, ViewAudHH, ViewCust, ViewItem}) {
-        const TableView& view = AllTableViews()[flag];
-        if (SameText(view.File, PathToName(fileName))) return &view;
-    }
-    return nullptr;
-}
-
-Text NamesOf(const std::vector<std::string>& names, const std::vector<std::string>& more = {}) {
-    std::string all;
-    for (const auto* list : {&names, &more}) {
-        for (const std::string& name : *list) all += (all.empty() ? "" : ", ") + name;
-    }
-    return Text::Value(std::string_view(all));
-}
-
-Text WordsOf(const BackupPoint& point) {
-    switch (point.Files) {
-    case BackupFiles::Complete:
-        return msg::FilesComplete;
-    case BackupFiles::NotChecked:
-        return msg::FilesNotChecked;
-    case BackupFiles::Deleted:
-        return msg::FilesDeleted;
-    case BackupFiles::Changed:
-        break;
-    }
-    Text words;
-    if (!point.Changed.empty()) words = Words(msg::FilesChanged, NamesOf(point.Changed));
-    if (point.Missing.empty()) return words;
-    const Text missing = Words(msg::FilesMissing, NamesOf(point.Missing));
-    return words.IsEmpty() ? missing : Words(words, missing);
-}
-
-/// Tells how a restore ended; `counted`: the shared totals are those of the tables as they are by now.
-void TellOf(const RestoreResult& result, bool counted) {
-    const auto withWhy = [&result](MessageId text) {
-        return Lines(Lines(msg::FileError, text), Text::Path(std::string_view(result.Why)));
-    };
-    switch (result.How) {
-    case RestoreResult::End::Restored: {
-        const Text back =
-            Words(Text::Value(Global.CurHeaders), msg::RestoredHeaders, Text::Value(Global.CurLines),
-                  msg::RestoredLines, Text::Value(std::string_view(Money(Global.CurDollars))),
-                  msg::RestoredDollars);
-        return Tell(counted ? Lines(msg::RestoreDone, back) : Text(msg::RestoreDone), Icon::Information);
-    }
-    case RestoreResult::End::NotFound:
-        return Tell(msg::RestoreNotFound, Icon::Warning);
-    case RestoreResult::End::ThisMoment:
-        return Tell(msg::BackupOfThisMoment, Icon::Information);
-    case RestoreResult::End::CopiesStay:
-        return Tell(withWhy(msg::CopiesNotPutBack), Icon::Stop);
-    case RestoreResult::End::NoSafetyCopy:
-        return Tell(Lines(msg::FileError, msg::CannotBackUp), Icon::Stop);
-    case RestoreResult::End::Unusable:
-        return Tell(withWhy(msg::RestoreNothing), Icon::Stop);
-    case RestoreResult::End::Stopped:
-        break;
-    }
-    Text told = withWhy(msg::RestoreStopped);
-    if (!result.Done.empty()) told = Lines(told, Words(msg::RestoredAlready, NamesOf(result.Done)));
-    told = Lines(told, Words(msg::NotRestored, NamesOf(result.Left)));
-    Tell(Lines(told, msg::RestoreAgain), Icon::Stop);
-}
-
 } // namespace
 
 void ShowTable(ViewFlag flag, ShowMode mode, std::int32_t record) {
@@ -147,6 +70,7 @@ void EditTable(ViewFlag flag) {
 
 frmViewGrid::frmViewGrid() {
     setupUi(this);
+    backups_ = std::make_unique<BackupList>(*this, *FG1);
     Timer1 = new QTimer(this);
     Timer1->setObjectName(QStringLiteral("Timer1"));
     Timer1->setSingleShot(true);
@@ -187,7 +111,7 @@ void frmViewGrid::ShowView() {
     cmdDataView->setEnabled(true);
     cmdPreview->setVisible(IsPrinted());
     cmdPreview->setToolTip(ToQt(Text(msg::TipPreviewReport)));
-    list_ = nullptr;
+    backups_->Leave();
     Display(view);
     EnablePrinting();
 }
@@ -257,67 +181,16 @@ void frmViewGrid::DisplayTotalsData() {
 void frmViewGrid::DisplayRestoreData() {
     TraceEvent("frmViewGrid:DisplayRestoreData");
     show(); // so that the bar is seen
-    pgbProgress->show();
-    {
-        BarProgress progress(nullptr, *pgbProgress);
-        backups_ = ReadBackups(progress);
-    }
-    pgbProgress->hide();
-
-    std::vector<std::vector<Text>> rows;
-    for (const BackupPoint& point : backups_) {
-        std::vector<Text> cells;
-        for (const std::string& value : point.Values) cells.push_back(Text::Value(std::string_view(value)));
-        if (IsNumeric(point.Values[DollarsColumn]))
-            cells[DollarsColumn] =
-                Text::Value(std::string_view(Money(ToNumber(point.Values[DollarsColumn]))));
-        cells.emplace_back();
-        rows.push_back(std::move(cells));
-    }
-    std::vector<GridHeading> headings{{msg::ColumnEvent},
-                                      {msg::ColumnDateTime, SortKind::Date},
-                                      {msg::ColumnOrders, SortKind::Number},
-                                      {msg::ColumnLines, SortKind::Number},
-                                      {msg::ColumnDollars, SortKind::Number},
-                                      {msg::ColumnHotsyncID},
-                                      {msg::ColumnMachine},
-                                      {msg::ColumnLastOrder},
-                                      {msg::ColumnFiles}};
-    auto grid = std::make_unique<ListGrid>(std::move(headings), std::move(rows));
-    list_ = grid.get();
-    for (const BackupPoint& point : backups_) ShowFiles(point);
-    FG1->SetContent(std::move(grid), objectName() + QStringLiteral(" Backup"));
-    cmdEdit->setEnabled(!backups_.empty());
-    cmdDataView->setEnabled(!backups_.empty());
+    backups_->Show(*pgbProgress);
+    cmdEdit->setEnabled(!backups_->IsEmpty());
+    cmdDataView->setEnabled(!backups_->IsEmpty());
     FG1_SelChange();
-}
-
-/// What has become of a backup's files: words in the last column, which a colour goes with.
-void frmViewGrid::ShowFiles(const BackupPoint& point) {
-    const auto record = static_cast<std::int32_t>(&point - backups_.data()) + 1;
-    const CellMark mark = point.Files == BackupFiles::Deleted   ? CellMark::Past
-                          : point.Files == BackupFiles::Changed ? CellMark::Warn
-                                                                : CellMark::None;
-    list_->SetCell(record, FilesColumn, WordsOf(point), mark);
-    if (mark != CellMark::Past) return;
-    for (int column = 0; column < FilesColumn; ++column)
-        list_->SetCell(record, column, list_->Cell(*list_->RowOf(record), column), mark);
-}
-
-BackupPoint* frmViewGrid::SelectedBackup() {
-    const std::int32_t record = FG1->SelectedRecord();
-    return record > 0 ? &backups_[static_cast<std::size_t>(record) - 1] : nullptr;
 }
 
 /// The bytes of a backup are compared when its row has been selected for a moment: those of all backups
 /// together would take the disk for minutes.
 void frmViewGrid::Timer1_Timer() {
-    if (!Global.View[ViewRestore] || !list_) return;
-    BackupPoint* point = SelectedBackup();
-    if (!point || point->SumsCompared) return;
-    CompareSums(*point);
-    ShowFiles(*point);
-    FG1->viewport()->update();
+    if (Global.View[ViewRestore]) backups_->CompareSelected();
 }
 
 /// Shows a table of a backup, to be looked at and not changed.
@@ -339,19 +212,8 @@ void frmViewGrid::ShowBackups(const std::string& folder) {
     ClearViewFlags();
     Global.View[ViewRestore] = true;
     ShowView();
-    for (const BackupPoint& point : backups_) {
-        if (point.Folder == folder)
-            FG1->SelectRecord(static_cast<std::int32_t>(&point - backups_.data()) + 1);
-    }
+    backups_->Select(folder);
     FG1->setFocus();
-}
-
-/// The backup that lies in a directory; nullptr when the list has none there.
-BackupPoint* frmViewGrid::BackupIn(std::string_view folder) {
-    const std::string name = NameOfFolder(folder);
-    const auto found = std::find_if(backups_.begin(), backups_.end(),
-                                    [&name](const BackupPoint& point) { return point.Folder == name; });
-    return found == backups_.end() ? nullptr : &*found;
 }
 
 /// From a table of a backup to the list.
@@ -360,34 +222,18 @@ void frmViewGrid::BackToList() {
 }
 
 void frmViewGrid::Preview() {
-    const BackupPoint* point = SelectedBackup();
-    if (!point) return;
-    const std::string folder = FindBackup(point->Values[MomentColumn]);
-    if (folder.empty()) return Tell(msg::PreviewNotFound, Icon::Warning);
-    const auto file = Global.TheOperator->OpenFile({msg::SelectTableToView, msg::DBFFiles, ".DBF", folder});
-    if (!file || IsOver()) return;
-    const TableView* view = ViewOfBackup(FileNameOf(*file));
-    if (!view) return Tell(msg::CannotBePreviewed, Icon::Warning);
-    ReloadBUData(view->Flag, std::string(FolderOf(*file)));
+    const auto table = backups_->ChooseTable();
+    if (table) ReloadBUData(table->Flag, table->Folder);
 }
 
 void frmViewGrid::Restore() {
-    BackupPoint* point = SelectedBackup();
-    if (!point || !AskYesNo(msg::RestoreQuestion, Icon::Warning) || IsOver()) return;
-    const std::string name = point->Folder;
-    const std::string folder = FindBackup(point->Values[MomentColumn]);
-    // A text in a directory of another name leads to the one of its moment.
-    BackupPoint* restored = BackupIn(folder);
-    if (restored) CompareSums(*restored);
-    if (restored && restored->Files == BackupFiles::Changed &&
-        !AskYesNo(Lines(Lines(msg::FilesNoLongerMatch, NamesOf(restored->Changed, restored->Missing)),
-                        msg::RestoreAnyway),
-                  Icon::Warning))
-        return;
-    if (IsOver() || !AwaitOwnSecond(*this)) return;
-    const RestoreResult result = RestoreTables(folder, CopyTable);
-    const bool recorded = !result.Done.empty() && RecordRestore();
-    TellOf(result, recorded);
+    const BackupPoint* selected = backups_->Selected();
+    if (!selected) return;
+    const std::string name = selected->Folder;
+    const auto result = backups_->Restore();
+    if (!result) return;
+    const bool recorded = !result->Done.empty() && RecordRestore();
+    TellOf(*result, recorded);
     if (!IsOver()) ShowBackups(name);
 }
 

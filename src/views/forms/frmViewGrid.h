@@ -1,20 +1,17 @@
 #pragma once
 
 #include "core/Globals.h"
-#include "maintenance/Restore.h"
 #include "platform/Form.h"
 #include "ui_frmViewGrid.h"
-#include "views/GridData.h"
 #include "views/TableViews.h"
-
-class Report;
-struct BoxForm;
+#include "views/forms/BackupList.h"
 
 #include <cstdint>
 #include <memory>
 #include <string>
-#include <vector>
 
+class Report;
+struct BoxForm;
 class QTimer;
 
 /// Opens the grid of a table: the one way into the browser. Clears the flags, sets the table's own,
@@ -68,9 +65,6 @@ private:
     void ReloadBUData(ViewFlag flag, const std::string& folder);
     void ShowView();
     void Caption(QPushButton& button, MessageId text);
-    BackupPoint* SelectedBackup();
-    BackupPoint* BackupIn(std::string_view folder);
-    void ShowFiles(const BackupPoint& point);
     void Preview();
     void Restore();
     bool RecordRestore();
@@ -93,6 +87,5 @@ private:
     std::string path_; ///< of the table that is shown
     ColumnsOf columnsOf_;
     QTimer* Timer1;
-    std::vector<BackupPoint> backups_; ///< in the order of their records
-    ListGrid* list_ = nullptr;         ///< their grid while it is shown
+    std::unique_ptr<BackupList> backups_;
 };
