@@ -93,6 +93,7 @@ private:
     friend class FormRegistry;
 
     void LoadNow();
+    void WireControls();
     void WireHelp(QObject& control);
     void Leave();
     void RunMethod(QObject& owner, int method, int index);
@@ -163,6 +164,8 @@ private:
     void Release(FormBehaviour& form);
     FormBehaviour* Topmost() const; ///< of those that are shown and not beside the others; or nothing
     void FocusTopmost();
+    /// A window that is shown while a modal one stands belongs to that one: only so can it be reached.
+    static void BelongToModal(QWidget& window);
     /// Windows that belong to one that has gone belong to the modal one below it, if any.
     void PassOn(const QWindow* owner);
     void Raise(FormBehaviour& form);

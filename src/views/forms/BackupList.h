@@ -43,8 +43,8 @@ public:
     };
     std::optional<Table> ChooseTable();
 
-    /// Has the tables of the selected backup back. Nothing when the operator does not want it, or the form has
-    /// gone meanwhile. How it ended is still to be told, by TellOf.
+    /// Has the tables of the selected backup back. Nothing when the operator does not want it, or the form
+    /// has gone meanwhile. How it ended is still to be told, by TellOf.
     std::optional<RestoreResult> Restore();
 
 private:
