@@ -1,4 +1,4 @@
-# Lays out a small tree whose documents are not true, and fails unless the two rules over documents say so.
+# Lays out a small tree whose documents are not true, and fails unless the rules over documents say so.
 file(REMOVE_RECURSE ${WORK})
 file(WRITE ${WORK}/src/core/Lines.h "#include \"views/Grid.h\"\nclass Lines {};\n")
 file(WRITE ${WORK}/src/core/README.md "`Lines`, `Circles`\n")
@@ -7,6 +7,7 @@ string(REPEAT "a line\n" 31 long)
 file(WRITE ${WORK}/src/views/README.md ${long})
 file(WRITE ${WORK}/src/quality/Check.h "class Check {};\n")
 file(WRITE ${WORK}/src/views/forms/frmView.h "#include \"palm/Dlp.h\"\n")
+file(WRITE ${WORK}/docs/architecture.md "[a page](gone.md), `src/core/Gone.h`, `Lines::Join`, `Lines`\n")
 file(WRITE ${WORK}/docs/pictures/parts.svg "<path id=\"quality-views\" d=\"M0 0\"/>\n")
 
 # Runs the rule over the tree; each of the texts behind it must be said.
@@ -28,4 +29,5 @@ expect_refusal(architecture "no arrow for: core-views" "no include stands for: q
     "views/forms includes from palm")
 expect_refusal(readmes "src/core/README.md names Circles" "src/quality has no README.md"
     "src/views/README.md has 31 lines")
+expect_refusal(links "links gone.md" "names src/core/Gone.h" "names Lines::Join")
 file(REMOVE_RECURSE ${WORK})
