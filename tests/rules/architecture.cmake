@@ -1,5 +1,5 @@
 cmake_minimum_required(VERSION 3.25)
-# The picture of the parts (docs/pictures/parts.svg) is true: its arrows are the includes from one engine
+# The picture of the parts (docs/parts.svg) is true: its arrows are the includes from one engine
 # folder into another. Includes of core and store, on which the others stand, have no arrow.
 set(stand_apart palm)               # use nothing, not even core
 set(touch_no_table core tools help) # do not use store
@@ -41,7 +41,7 @@ foreach(folder IN LISTS folders)
     endforeach()
 endforeach()
 
-file(STRINGS ${SOURCE}/docs/pictures/parts.svg arrows REGEX "<path id=\"")
+file(STRINGS ${SOURCE}/docs/parts.svg arrows REGEX "<path id=\"")
 list(TRANSFORM arrows REPLACE ".*<path id=\"([^\"]+)\".*" "\\1")
 foreach(include IN LISTS includes)
     if(NOT include IN_LIST arrows)
@@ -68,5 +68,5 @@ foreach(folder IN LISTS pc_folders)
 endforeach()
 
 if(wrong)
-    message(FATAL_ERROR "docs/pictures/parts.svg and the code differ:${wrong}")
+    message(FATAL_ERROR "docs/parts.svg and the code differ:${wrong}")
 endif()

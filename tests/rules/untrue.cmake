@@ -8,7 +8,7 @@ file(WRITE ${WORK}/src/views/README.md ${long})
 file(WRITE ${WORK}/src/quality/Check.h "class Check {};\n")
 file(WRITE ${WORK}/src/views/forms/frmView.h "#include \"palm/Dlp.h\"\n")
 file(WRITE ${WORK}/docs/architecture.md "[a page](gone.md), `src/core/Gone.h`, `Lines::Join`, `Lines`\n")
-file(WRITE ${WORK}/docs/pictures/parts.svg "<path id=\"quality-views\" d=\"M0 0\"/>\n")
+file(WRITE ${WORK}/docs/parts.svg "<path id=\"quality-views\" d=\"M0 0\"/>\n")
 
 # Runs the rule over the tree; each of the texts behind it must be said.
 function(expect_refusal rule)
