@@ -79,9 +79,9 @@ TEST_F(DocumentedOffice, TheStatusOfTwoHandheldsIsReadAndWrittenBack) {
     EXPECT_EQ(Global.HHStatus, (Strings{"", "G", ""}));
     EXPECT_EQ(Global.HHStatusStd, (Strings{"", "S", ""}));
     UpdateHHStatus();
-    EXPECT_EQ(Bytes(Global.InstallPath + "HSStatus.dat"),
-              "ANNA" + std::string(26, ' ') + "G" + std::string(29, ' ') + "S\r\nBEN" + std::string(57, ' ') +
-                  "\r\n");
+    EXPECT_EQ(Bytes(Global.InstallPath + "HSStatus.dat"), "ANNA" + std::string(26, ' ') + "G" +
+                                                              std::string(29, ' ') + "S\r\nBEN" +
+                                                              std::string(57, ' ') + "\r\n");
 }
 
 TEST_F(DocumentedOffice, TheTextsOfTheExampleTakeThePlaceOfTheBuiltInOnes) {
@@ -171,8 +171,8 @@ TEST_F(DocumentedOffice, TheBackupOfTheExampleIsListedAsItTells) {
     const std::vector<BackupPoint> backups = ReadBackups(silent);
 
     ASSERT_EQ(backups.size(), 1U);
-    EXPECT_EQ(backups[0].Values, (std::array<std::string, 8>{"CLEAR", "2026-11-15 02:36:07", "2", "3", "12.75",
-                                                             "Bea", "B02", "B0200000012"}));
+    EXPECT_EQ(backups[0].Values, (std::array<std::string, 8>{"CLEAR", "2026-11-15 02:36:07", "2", "3",
+                                                             "12.75", "Bea", "B02", "B0200000012"}));
     EXPECT_FALSE(backups[0].TextIsBroken);
     ASSERT_EQ(backups[0].Tables.size(), 1U);
     EXPECT_EQ(backups[0].Tables[0].Records, 2);
