@@ -1,37 +1,14 @@
 #include "hotsync/HotSyncUsers.h"
 #include "hotsync/ManagerSettings.h"
+#include "support/DocumentedBytes.h"
 #include "support/EngineTest.h"
-
-#include <algorithm>
 
 namespace {
 
-/// The example under a heading of docs/files.md: its indented lines, with tabs for the arrows.
-std::string Example(const std::vector<std::string>& document, const std::string& heading) {
-    constexpr std::string_view Arrow = "\xE2\x86\x92";
-    const auto above = std::find_if(document.begin(), document.end(), [&](const std::string& line) {
-        return line.starts_with("## ") && line.find(heading) != std::string::npos;
-    });
-    std::string example;
-    for (auto line = above; line != document.end() && (line == above || !line->starts_with("## ")); ++line) {
-        if (!line->starts_with("    ")) continue;
-        std::string text = line->substr(4);
-        for (std::size_t at = 0; (at = text.find(Arrow)) != std::string::npos;)
-            text.replace(at, Arrow.size(), "\t");
-        example += text + "\r\n";
-    }
-    return example;
-}
-
-class DocumentedFiles : public EngineTest {
-protected:
-    std::string In(const std::string& heading) const {
-        return Example(Lines(std::string(TRAMBLE_SOURCE) + "/docs/files.md"), heading);
-    }
-};
+class DocumentedFiles : public EngineTest {};
 
 TEST_F(DocumentedFiles, TheUsersOfTheExampleAreReadAndWrittenAsTheyStandThere) {
-    const std::string example = In("HotSync/Users.txt");
+    const std::string example = DocumentedText("HotSync/Users.txt");
     GivenFile("Users.txt", example);
     GivenFile("EVA/Install/a.pdb", "x");
     HotSyncUsers users(Folder());
@@ -53,7 +30,7 @@ TEST_F(DocumentedFiles, TheUsersOfTheExampleAreReadAndWrittenAsTheyStandThere) {
 }
 
 TEST_F(DocumentedFiles, TheSettingsOfTheExampleAreTheDefaults) {
-    const std::string example = In("HotSync/HotSync.ini");
+    const std::string example = DocumentedText("HotSync/HotSync.ini");
     GivenFile("HotSync.ini", example);
 
     const ManagerSettings settings = ReadManagerSettings(Folder());
