@@ -5,7 +5,8 @@
 #include <optional>
 #include <string_view>
 
-/// Lines of a table selection: a template of an upload, a download or a clearing.
+/// Lines of a table selection: a template of an upload, a download or a clearing. The name of a group of
+/// tables is its key, as BeginsWithKey and IsKey take it.
 
 /// What a line says of a group of tables when it is looked at by its beginning alone: the digit at its end
 /// when it begins with the group's name. 0 for a line that speaks of something else.

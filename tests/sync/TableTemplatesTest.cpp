@@ -61,17 +61,6 @@ TEST_F(TableTemplatesTest, ALineGoesByItsNameWithoutRegardToCaseAndByItsLastChar
     for (const auto& [line, on] : lines) EXPECT_EQ(TurnsOn(line, msg::UploadOrders), on) << line;
 }
 
-TEST_F(TableTemplatesTest, NamesAreThoseOfTheCatalogueInForce) {
-    Global.Replacements[msg::UploadOrders.Number] = {"Auftr\xC3\xA4ge", 0};
-    WriteTemplate(Folder() + "x", UploadChoice{.Orders = true});
-    EXPECT_EQ(Lines(Folder() + "x")[0], "Auftr\xE4ge=1");
-    UploadChoice choice;
-    ReadTemplate(Template("Orders=1\r\n"), choice);
-    EXPECT_FALSE(choice.Orders);
-    ReadTemplate(Folder() + "x", choice);
-    EXPECT_TRUE(choice.Orders);
-}
-
 // ---- clearing tables of the PC ----
 
 ClearPlan PlanOf(std::initializer_list<ClearGroup> groups) {
