@@ -48,6 +48,14 @@ constexpr MessageId ColumnLabels[] = {msg::lblZUKVer,    msg::lblOSName,     msg
                                       msg::lblDBFPath,   msg::lblDataInPath, msg::lblDataOutPath};
 constexpr std::size_t LongestColumnLabel = 29;
 
+/// Where the bars stand in the head of a report: the rows below go by them.
+std::string Bars(std::string text) {
+    for (char& c : text) {
+        if (c != '|') c = ' ';
+    }
+    return text;
+}
+
 /// Why a text cannot stand in the place of an entry; nothing when it can.
 const char* WhyNotShown(MessageId entry, const std::string& words) {
     if (words.find_first_not_of(" \t\n") == std::string::npos) return "the text is empty";
@@ -55,6 +63,9 @@ const char* WhyNotShown(MessageId entry, const std::string& words) {
         std::find(std::begin(ColumnLabels), std::end(ColumnLabels), entry) != std::end(ColumnLabels);
     if (isLabel && Utf8ToCodePage(words).size() > LongestColumnLabel)
         return "the text is longer than 29 characters";
+    if (const std::string head = KeyOf(entry);
+        head.starts_with('|') && Bars(Utf8ToCodePage(words)) != Bars(head))
+        return "the bars do not stand where the columns of the report end";
     return nullptr;
 }
 
@@ -154,11 +165,10 @@ std::string KeyOf(MessageId entry) {
 }
 
 bool IsKey(std::string_view text, MessageId entry) {
-    return SameText(text, KeyOf(entry)) || SameText(text, Text(entry).CodePage());
-}
-
-bool BeginsWithKey(std::string_view text, MessageId entry) {
-    return BeginsWith(text, KeyOf(entry)) || BeginsWith(text, Text(entry).CodePage());
+    if (SameText(text, KeyOf(entry))) return true;
+    return SameText(text, Text(entry).CodePage()) &&
+           std::none_of(CatalogueRows, CatalogueRows + CatalogueRowCount,
+                        [&](const CatalogueRow& row) { return SameText(text, Utf8ToCodePage(row.Words)); });
 }
 
 Text ShownKey(std::string_view text, std::span<const MessageId> entries) {

@@ -43,11 +43,9 @@ std::string LoadMessages(std::string_view path);
 /// The entry as files hold it: the built-in text in code page 1252.
 std::string KeyOf(MessageId entry);
 
-/// Whether a text out of a file is the entry, built in or as it is in force, without regard to case.
+/// Whether a text out of a file is the entry, built in or as it is in force, without regard to case. What is
+/// another entry as that was built in is not this one, whatever the language calls it.
 bool IsKey(std::string_view text, MessageId entry);
-
-/// Whether it begins with one of the two.
-bool BeginsWithKey(std::string_view text, MessageId entry);
 
 /// A text out of a file as it is shown: the first of these entries that it is the key of, or the text itself.
 Text ShownKey(std::string_view text, std::span<const MessageId> entries);

@@ -1,6 +1,5 @@
 #include "sync/MainSession.h"
 
-#include "core/Catalogue.h"
 #include "core/Failure.h"
 #include "core/Globals.h"
 #include "core/Messages.h"
@@ -175,7 +174,7 @@ bool MainSession::UploadByTemplate() {
     // The name alone decides: a table that is listed and off is backed up too.
     for (const std::string& line : lines) {
         for (const UploadGroup& group : UploadGroups) {
-            if (group.Backup && BeginsWithKey(line, group.Line)) Global.*group.Backup = true;
+            if (group.Backup && BeginsAs(line, group.Line)) Global.*group.Backup = true;
         }
     }
     const bool backsUp = Global.BackupOrders || Global.BackupAudits || Global.BackupHHTotals ||

@@ -1,6 +1,7 @@
 #include "core/Languages.h"
 
 #include "core/Catalogue.h"
+#include "core/Globals.h"
 #include "core/Messages.h"
 #include "support/EngineTest.h"
 #include "support/ForeignTexts.h"
@@ -112,13 +113,28 @@ TEST_F(LanguagesTest, AMnemonicThatItsTextDoesNotHoldIsDropped) {
 }
 
 TEST_F(LanguagesTest, ALabelThatWouldReachIntoTheColumnOfItsValueIsRefused) {
-    GivenFile("programs/Languages/Deutsch.tsv", "1003\t\"" + std::string(29, 'x') + "\"\n1008\t\"" +
-                                                    std::string(30, 'x') + "\"\n");
+    GivenFile("programs/Languages/Deutsch.tsv",
+              "1003\t\"" + std::string(29, 'x') + "\"\n1008\t\"" + std::string(30, 'x') + "\"\n");
 
     EXPECT_EQ(Load("Deutsch"), "Deutsch.tsv, line 2: the text is longer than 29 characters\n");
 
     EXPECT_EQ(Text(msg::lblOSName).Utf8(), std::string(29, 'x'));
     EXPECT_EQ(Text(msg::lblDBFPath).Utf8(), "Application Data Path:");
+}
+
+TEST_F(LanguagesTest, TheHeadOfAReportKeepsItsColumns) {
+    const std::string number = std::to_string(msg::PrintDataOrLinAudtHead.Number);
+    std::string head = KeyOf(msg::PrintDataOrLinAudtHead);
+    head.replace(head.find("KEY"), 3, "LY\xC3\x96"); // a character of two bytes is one column
+    GivenFile("programs/Languages/Deutsch.tsv", number + "\t\"" + head + "\"\n" + number + "\t\"" + head +
+                                                    " \"\n" + number +
+                                                    "\t\"| SCHL\xC3\x9CSSEL | ARTIKEL |\"\n");
+
+    EXPECT_EQ(Load("Deutsch"),
+              "Deutsch.tsv, line 2: the bars do not stand where the columns of the report end\n"
+              "Deutsch.tsv, line 3: the bars do not stand where the columns of the report end\n");
+
+    EXPECT_EQ(Text(msg::PrintDataOrLinAudtHead).Utf8(), head);
 }
 
 TEST_F(LanguagesTest, TheLabelsOfTablesAndFieldsAreTextsToo) {
@@ -148,9 +164,15 @@ TEST_F(LanguagesTest, AKeyIsReadInEnglishAndInTheLanguageInForce) {
     EXPECT_TRUE(IsKey("NONE", msg::None));
     EXPECT_TRUE(IsKey(ForeignText(msg::None), msg::None));
     EXPECT_FALSE(IsKey("None of them", msg::None));
-    EXPECT_TRUE(BeginsWithKey("none of them", msg::None));
-    EXPECT_TRUE(BeginsWithKey(ForeignText(msg::None) + "1", msg::None));
-    EXPECT_FALSE(BeginsWithKey("Non", msg::None));
+    EXPECT_FALSE(IsKey("", msg::None));
+}
+
+TEST_F(LanguagesTest, WhatIsAnotherEntryInEnglishIsThatOneWhateverTheLanguageCallsThis) {
+    Global.Replacements[msg::TablesItems.Number] = {"Orders", 0};
+
+    EXPECT_TRUE(IsKey("Items", msg::TablesItems));
+    EXPECT_FALSE(IsKey("Orders", msg::TablesItems));
+    EXPECT_TRUE(IsKey("Orders", msg::UploadOrders));
 }
 
 TEST_F(LanguagesTest, AKeyIsShownInTheLanguageAndAnyOtherTextAsItStands) {

@@ -59,16 +59,25 @@ struct Kind {
 };
 
 const Kind Kinds[] = {
-    {"Upload", [](const std::string& path) { WriteTemplate(path, UploadChoice{true, false, true, false, true, false}); },
+    {"Upload",
+     [](const std::string& path) {
+         WriteTemplate(path, UploadChoice{true, false, true, false, true, false});
+     },
      [](const std::string& path) {
          return IsReadAs<UploadChoice>(path, {true, false, true, false, true, false},
                                        {false, true, false, true, false, true});
      }},
-    {"Download", [](const std::string& path) { WriteTemplate(path, DownloadChoice{true, false, true}); },
+    {"Download",
+     [](const std::string& path) {
+         WriteTemplate(path, DownloadChoice{true, false, true});
+     },
      [](const std::string& path) {
          return IsReadAs<DownloadChoice>(path, {true, false, true}, {false, true, false});
      }},
-    {"ClearHandheld", [](const std::string& path) { WriteTemplate(path, ClearChoice{true, false, true}); },
+    {"ClearHandheld",
+     [](const std::string& path) {
+         WriteTemplate(path, ClearChoice{true, false, true});
+     },
      [](const std::string& path) {
          return IsReadAs<ClearChoice>(path, {true, false, true}, {false, true, false});
      }},
@@ -78,7 +87,10 @@ const Kind Kinds[] = {
          for (auto& chosen : others.Chosen) chosen = !chosen;
          return IsReadAs(path, SomeTables(), others);
      }},
-    {"Unattended", [](const std::string& path) { SaveUA(path, {true, "Prices", false, "", true, "Old"}); },
+    {"Unattended",
+     [](const std::string& path) {
+         SaveUA(path, {true, "Prices", false, "", true, "Old"});
+     },
      [](const std::string& path) {
          return ReadUnattendedSettings(path) == UnattendedSettings{true, "Prices", false, "", true, "Old"};
      }},
@@ -134,8 +146,8 @@ TEST_F(LanguageOfFiles, WhatIsSavedInOneLanguageIsReadInTheOther) {
 
 TEST_F(LanguageOfFiles, ASelectionThatHoldsTheNamesOfTheLanguageIsReadToo) {
     UseForeignTexts();
-    const std::string upload =
-        GivenFile("x.ust", ForeignText(msg::UploadOrders) + "=1\r\n" + ForeignText(msg::TablesItems) + "=1\r\n");
+    const std::string upload = GivenFile("x.ust", ForeignText(msg::UploadOrders) + "=1\r\n" +
+                                                      ForeignText(msg::TablesItems) + "=1\r\n");
     const std::string clear = GivenFile("x.pct", ForeignText(msg::TablesHelp) + "1\r\n");
 
     EXPECT_TRUE(IsReadAs<UploadChoice>(upload, {.Orders = true, .Items = true}, {}));

@@ -5,7 +5,8 @@
 #include <string>
 #include <string_view>
 
-/// Puts a text of another language in the place of each built-in one: none begins or ends as any built-in one.
+/// Puts a text of another language in the place of each built-in one: none begins or ends as any built-in
+/// one.
 void UseForeignTexts();
 
 /// That of an entry, in code page 1252, whichever is in force.

@@ -61,6 +61,21 @@ TEST_F(TableTemplatesTest, ALineGoesByItsNameWithoutRegardToCaseAndByItsLastChar
     for (const auto& [line, on] : lines) EXPECT_EQ(TurnsOn(line, msg::UploadOrders), on) << line;
 }
 
+TEST_F(TableTemplatesTest, AGroupOfAnotherLanguageIsItsWholeNameAndTakesNoLineOfAnother) {
+    Global.Replacements[msg::TablesItems.Number] = {"Order", 0};
+    EXPECT_EQ(TurnsOnByBeginning("Order Tables1", msg::TablesItems), std::nullopt);
+    EXPECT_EQ(TurnsOnByBeginning("Order1", msg::TablesItems), true);
+    EXPECT_EQ(TurnsOnByBeginning("Order=0 ", msg::TablesItems), false);
+    EXPECT_EQ(TurnsOnByBeginning("Items1", msg::TablesItems), true);
+    EXPECT_EQ(SelectionValue("Orders=1", msg::TablesItems), 0);
+    EXPECT_EQ(SelectionValue("order = 1", msg::TablesItems), 1);
+
+    Global.Replacements[msg::TablesItems.Number] = {"Order Tables", 0};
+    EXPECT_EQ(TurnsOnByBeginning("Order Tables1", msg::TablesItems), std::nullopt);
+    EXPECT_EQ(TurnsOn("Order Tables=1", msg::TablesItems), std::nullopt);
+    EXPECT_EQ(TurnsOnByBeginning("1", msg::TablesItems), std::nullopt);
+}
+
 // ---- clearing tables of the PC ----
 
 ClearPlan PlanOf(std::initializer_list<ClearGroup> groups) {
