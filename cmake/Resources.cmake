@@ -8,7 +8,7 @@ target_link_libraries(makeresources PRIVATE house)
 
 file(GLOB table_files CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/resources/tables/*.tsv)
 set(generated_files ${TRAMBLE_GENERATED}/core/Messages.h ${TRAMBLE_GENERATED}/MessageTable.cpp
-    ${TRAMBLE_GENERATED}/TableList.cpp)
+    ${TRAMBLE_GENERATED}/TableList.cpp ${TRAMBLE_GENERATED}/English.tsv)
 add_custom_command(
     OUTPUT ${generated_files}
     COMMAND makeresources ${CMAKE_SOURCE_DIR}/resources ${TRAMBLE_GENERATED}
@@ -22,7 +22,7 @@ add_custom_target(catalogue DEPENDS ${generated_files})
 add_executable(makeinstall ${CMAKE_SOURCE_DIR}/tools/makeinstall.cpp ${CMAKE_SOURCE_DIR}/tools/Animations.cpp)
 target_link_libraries(makeinstall PRIVATE engine)
 file(GLOB install_inputs CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/resources/graphics/*.svg
-    ${CMAKE_SOURCE_DIR}/resources/templates/*)
+    ${CMAKE_SOURCE_DIR}/resources/templates/* ${CMAKE_SOURCE_DIR}/resources/languages/*.tsv)
 add_custom_command(
     OUTPUT ${TRAMBLE_INSTALLED}/complete.txt
     COMMAND makeinstall ${CMAKE_SOURCE_DIR}/resources ${TRAMBLE_INSTALLED}

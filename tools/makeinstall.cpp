@@ -3,7 +3,7 @@
 //   makeinstall RESOURCES OUT
 //
 // writes below OUT: Install/<TABLE>.dbf, empty, for every table of the catalogue; Install/Notes.dat,
-// empty; Install/Graphics, with the animations drawn; Templates.
+// empty; Install/Graphics, with the animations drawn; Templates; Languages.
 
 #include "Animations.h"
 #include "core/Failure.h"
@@ -49,6 +49,7 @@ int main(int argc, char** argv) {
         WriteWholeFile(install + "Graphics/synczukwhite.gif", HotsyncRunning(), false);
         WriteWholeFile(install + "Graphics/SingleHotsync.gif", SingleHotsync(), false);
         CopyFolder(resources + "templates/", out + "Templates/");
+        CopyFolder(resources + "languages/", out + "Languages/");
         WriteWholeFile(out + "complete.txt", "", false);
     } catch (const RunTimeFailure& failure) {
         std::cerr << "makeinstall: " << failure.what() << "\n";

@@ -3,8 +3,8 @@
 //   makeresources RESOURCES OUT
 //
 // reads messages.tsv, tables/tables.tsv and tables/<NAME>.tsv below RESOURCES and writes
-// Messages.h (the msg:: constants), MessageTable.cpp and TableList.cpp below OUT. A fault in a file
-// stops the build with its name, the line and the reason.
+// Messages.h (the msg:: constants), MessageTable.cpp and TableList.cpp below OUT, and English.tsv, the rows
+// that a translation has. A fault in a file stops the build with its name, the line and the reason.
 
 #include <array>
 #include <charconv>
@@ -214,6 +214,19 @@ std::string MessagesHeader(const std::map<int, Message>& messages) {
     return out.str();
 }
 
+/// What the tables and their fields are called, by the numbers of the catalogue.
+std::map<int, Message> LabelsOf(const std::vector<Table>& tables) {
+    std::map<int, Message> labels;
+    for (const Table& table : tables) {
+        int number = table.FirstLabel;
+        labels[number] = {table.Name, 0, table.Role};
+        for (const Field& field : table.Fields)
+            labels[++number] = {table.Name + "." + field.Name, 0,
+                                field.Label.empty() ? field.Name : field.Label};
+    }
+    return labels;
+}
+
 std::string MessageTable(const std::map<int, Message>& messages, const std::vector<Table>& tables) {
     std::ostringstream out;
     out << Made << "#include \"core/Catalogue.h\"\n\nconst CatalogueRow CatalogueRows[] = {\n";
@@ -221,15 +234,37 @@ std::string MessageTable(const std::map<int, Message>& messages, const std::vect
         out << "{" << number << ", " << static_cast<int>(message.Mnemonic) << ", " << Literal(message.Words)
             << "},\n";
     }
-    std::map<int, std::string> labels;
-    for (const Table& table : tables) {
-        labels[table.FirstLabel] = table.Role;
-        int number = table.FirstLabel;
-        for (const Field& field : table.Fields)
-            labels[++number] = field.Label.empty() ? field.Name : field.Label;
-    }
-    for (const auto& [number, label] : labels) out << "{" << number << ", 0, " << Literal(label) << "},\n";
+    const std::map<int, Message> labels = LabelsOf(tables);
+    for (const auto& [number, label] : labels)
+        out << "{" << number << ", 0, " << Literal(label.Words) << "},\n";
     out << "};\nconst std::size_t CatalogueRowCount = " << messages.size() + labels.size() << ";\n";
+    return out.str();
+}
+
+std::string Quoted(const std::string& words) {
+    std::string out = "\"";
+    for (const char c : words) {
+        if (c == '\n')
+            out += "\\n";
+        else if (c == '\t')
+            out += "\\t";
+        else if (c == '\\')
+            out += "\\\\";
+        else
+            out += c;
+    }
+    return out + "\"";
+}
+
+/// All rows that a translation replaces, in the form in which it has them.
+std::string TranslationRows(std::map<int, Message> messages, const std::vector<Table>& tables) {
+    messages.merge(LabelsOf(tables));
+    std::ostringstream out;
+    for (const auto& [number, message] : messages) {
+        out << number << '\t' << message.Name << '\t';
+        if (message.Mnemonic) out << message.Mnemonic;
+        out << '\t' << Quoted(message.Words) << '\n';
+    }
     return out.str();
 }
 
@@ -268,6 +303,7 @@ int main(int argc, char** argv) {
         WriteIfChanged(out / "core" / "Messages.h", MessagesHeader(messages));
         WriteIfChanged(out / "MessageTable.cpp", MessageTable(messages, tables));
         WriteIfChanged(out / "TableList.cpp", TableList(tables));
+        WriteIfChanged(out / "English.tsv", TranslationRows(messages, tables));
     } catch (const std::exception& failure) {
         std::cerr << failure.what() << "\n";
         return 1;

@@ -3,7 +3,9 @@
 #include "core/CodePage.h"
 #include "core/Failure.h"
 #include "core/Globals.h"
+#include "core/Messages.h"
 #include "core/Paths.h"
+#include "core/TextCompare.h"
 #include "core/TextFile.h"
 
 #include <algorithm>
@@ -19,6 +21,12 @@ const CatalogueRow* BuiltIn(MessageId entry) {
     return row != end && row->Number == entry.Number ? row : nullptr;
 }
 
+const CatalogueRow* BuiltInOrFail(MessageId entry) {
+    const CatalogueRow* row = BuiltIn(entry);
+    if (!row) throw RunTimeFailure(9, "text " + std::to_string(entry.Number));
+    return row;
+}
+
 std::vector<std::string_view> SplitTabs(std::string_view line) {
     std::vector<std::string_view> cells;
     for (std::size_t tab = line.find('\t'); tab != std::string_view::npos; tab = line.find('\t')) {
@@ -32,6 +40,33 @@ std::vector<std::string_view> SplitTabs(std::string_view line) {
 /// Whether words are those of a free number, or of the line that marks where a range begins.
 bool IsNoText(std::string_view words) {
     return words == "x" || words.starts_with("<<<") || words.starts_with(">>>") || words.starts_with(">*>");
+}
+
+/// Labels before a value in a column of its own, of which each stays within its room.
+constexpr MessageId ColumnLabels[] = {msg::lblZUKVer,    msg::lblOSName,     msg::lblOSVer,
+                                      msg::lblPalmDTVer, msg::lblHotsyncVer, msg::lblAppPath,
+                                      msg::lblDBFPath,   msg::lblDataInPath, msg::lblDataOutPath};
+constexpr std::size_t LongestColumnLabel = 29;
+
+/// Where the bars stand in the head of a report: the rows below go by them.
+std::string Bars(std::string text) {
+    for (char& c : text) {
+        if (c != '|') c = ' ';
+    }
+    return text;
+}
+
+/// Why a text cannot stand in the place of an entry; nothing when it can.
+const char* WhyNotShown(MessageId entry, const std::string& words) {
+    if (words.find_first_not_of(" \t\n") == std::string::npos) return "the text is empty";
+    const bool isLabel =
+        std::find(std::begin(ColumnLabels), std::end(ColumnLabels), entry) != std::end(ColumnLabels);
+    if (isLabel && Utf8ToCodePage(words).size() > LongestColumnLabel)
+        return "the text is longer than 29 characters";
+    if (const std::string head = KeyOf(entry);
+        head.starts_with('|') && Bars(Utf8ToCodePage(words)) != Bars(head))
+        return "the bars do not stand where the columns of the report end";
+    return nullptr;
 }
 
 /// What is wrong with a row, or nothing when it went into the catalogue or is none of a text.
@@ -64,7 +99,9 @@ const char* TakeRow(std::string_view line) {
         }
         replacement.Words += c;
     }
-    if (cells.size() == 4 && cells[2].size() == 1) replacement.Mnemonic = cells[2][0];
+    if (const char* reason = WhyNotShown({number}, replacement.Words)) return reason;
+    if (cells.size() == 4 && cells[2].size() == 1 && replacement.Words.find(cells[2]) != std::string::npos)
+        replacement.Mnemonic = cells[2][0];
     Global.Replacements[number] = replacement;
     return nullptr;
 }
@@ -72,8 +109,7 @@ const char* TakeRow(std::string_view line) {
 /// The entry as it was built in or replaced.
 Globals::Replacement InForce(MessageId entry) {
     const auto found = Global.Replacements.find(entry.Number);
-    const CatalogueRow* row = BuiltIn(entry);
-    if (!row) throw RunTimeFailure(9, "text " + std::to_string(entry.Number));
+    const CatalogueRow* row = BuiltInOrFail(entry);
     return found == Global.Replacements.end() ? Globals::Replacement{row->Words, row->Mnemonic}
                                               : found->second;
 }
@@ -99,8 +135,7 @@ std::string CatalogueCaption(MessageId entry) {
     return caption;
 }
 
-std::string LoadMessages(std::string_view path) {
-    Global.Replacements.clear();
+std::string AddMessages(std::string_view path) {
     if (!FileExists(path)) return {};
     std::string problems;
     const auto report = [&](std::int64_t line, const char* reason) {
@@ -118,4 +153,26 @@ std::string LoadMessages(std::string_view path) {
         problems += std::string(failure.what()) + "\n";
     }
     return problems;
+}
+
+std::string LoadMessages(std::string_view path) {
+    Global.Replacements.clear();
+    return AddMessages(path);
+}
+
+std::string KeyOf(MessageId entry) {
+    return Utf8ToCodePage(BuiltInOrFail(entry)->Words);
+}
+
+bool IsKey(std::string_view text, MessageId entry) {
+    if (SameText(text, KeyOf(entry))) return true;
+    return SameText(text, Text(entry).CodePage()) &&
+           std::none_of(CatalogueRows, CatalogueRows + CatalogueRowCount,
+                        [&](const CatalogueRow& row) { return SameText(text, Utf8ToCodePage(row.Words)); });
+}
+
+Text ShownKey(std::string_view text, std::span<const MessageId> entries) {
+    const auto entry =
+        std::find_if(entries.begin(), entries.end(), [&](MessageId each) { return IsKey(text, each); });
+    return entry == entries.end() ? Text::Value(text) : Text(*entry);
 }

@@ -89,7 +89,7 @@ struct Globals {
     FileNumbers Files;
     TraceRing Events;
 
-    // Texts of `Messages.tsv` that stand in place of the built-in ones, by number.
+    // Texts of a translation that stand in place of the built-in ones, by number.
     struct Replacement {
         std::string Words; ///< UTF-8
         char Mnemonic = 0;

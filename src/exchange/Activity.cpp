@@ -1,7 +1,9 @@
 #include "exchange/Activity.h"
 
+#include "core/Catalogue.h"
 #include "core/CodePage.h"
 #include "core/Failure.h"
+#include "core/Messages.h"
 #include "core/Paths.h"
 #include "core/SafeFile.h"
 #include "core/TextCompare.h"
@@ -10,7 +12,6 @@
 namespace {
 
 constexpr std::size_t LabelWidth = 20;
-constexpr std::string_view None = "None";
 
 ActivityRow RowOf(std::string_view line) {
     ActivityRow row;
@@ -28,7 +29,7 @@ std::string ActivityValue(std::string_view line) {
     // The value begins with the label's last column, which is a blank.
     const std::string_view rest = line.substr(LabelWidth - 1);
     const std::string_view value = Trim(rest.substr(0, rest.find(';')));
-    return SameText(value, None) ? std::string() : std::string(value);
+    return IsKey(value, msg::None) ? std::string() : std::string(value);
 }
 
 Activity ReadActivity(std::string_view path) {
@@ -43,7 +44,7 @@ void WriteActivity(std::string_view path, const Activity& activity) {
     int number = 0;
     for (const ActivityRow& row : activity.Rows) {
         const std::string_view name = Trim(row.Template);
-        const bool none = name.empty() || SameText(name, None);
+        const bool none = name.empty() || IsKey(name, msg::None);
         if (!none && (!IsPlainFileName(name) || name.find(';') != std::string_view::npos)) {
             throw RunTimeFailure(52, CodePageToUtf8(name));
         }

@@ -20,7 +20,7 @@ struct Activity {
     std::array<ActivityRow, 2> Rows;
 };
 
-/// The template that a line of an activity file names, as it stands there; empty for "None".
+/// The template that a line of an activity file names, as it stands there; empty for "None", which is a key.
 std::string ActivityValue(std::string_view line);
 
 /// Reads an activity file. RunTimeFailure as TextReader, 62 when it has fewer than two lines, 52 for

@@ -1,12 +1,15 @@
 #include "exchange/ImportTemplate.h"
 
+#include "core/Catalogue.h"
 #include "core/CodePage.h"
 #include "core/Failure.h"
+#include "core/Messages.h"
 #include "core/Numbers.h"
 #include "core/Paths.h"
 #include "core/SafeFile.h"
 #include "core/TextCompare.h"
 #include "core/TextFile.h"
+#include "exchange/ImportMapping.h"
 
 #include <exception>
 #include <limits>
@@ -22,6 +25,12 @@ void WriteRow(SafeFile& file, std::string_view row) {
     file.WriteLine(row);
 }
 
+/// A row of fields as it stands, with the key where a column is ignored.
+std::string FieldsRow(const std::string& row) {
+    const bool isForeign = !SameText(row, IgnoreRow) && IsKey(row, msg::IgnoreField);
+    return isForeign ? std::string(IgnoreRow) : row;
+}
+
 void ReadRows(TextReader& file, ImportTemplate& content) {
     enum class Section { Head, Fields, Literals } section = Section::Head;
     std::string line;
@@ -32,7 +41,7 @@ void ReadRows(TextReader& file, ImportTemplate& content) {
             if (SameText(line, LiteralsWord))
                 section = Section::Literals;
             else
-                content.Fields.push_back(line);
+                content.Fields.push_back(FieldsRow(line));
         } else if (SameText(line, FieldsWord)) {
             section = Section::Fields;
         } else if (const auto delimiter = DelimiterOfWord(line)) {

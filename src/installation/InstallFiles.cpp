@@ -65,7 +65,7 @@ void OpenLiveTables() {
     for (const std::string& path : LiveTables()) TableScan{path};
 }
 
-Text InstallType(InstallKind kind) {
+MessageId InstallType(InstallKind kind) {
     switch (kind) {
     case InstallKind::Demo:
         return msg::TypeDemo;

@@ -26,4 +26,4 @@ std::vector<std::string> LiveTables();
 void OpenLiveTables();
 
 /// What the list of installs calls an install.
-Text InstallType(InstallKind kind);
+MessageId InstallType(InstallKind kind);

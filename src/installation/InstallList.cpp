@@ -1,8 +1,10 @@
 #include "installation/InstallList.h"
 
+#include "core/Catalogue.h"
 #include "core/Dates.h"
 #include "core/Globals.h"
 #include "core/TextCompare.h"
+#include "installation/InstallFiles.h"
 #include "sync/Status.h"
 
 #include <algorithm>
@@ -31,6 +33,12 @@ void TakeInLinks(StatusStore& store) {
     UpdateHHStatusInst(store); // in one step: a kill forgets no install
 }
 
+Text ShownType(const InstallRow& row) {
+    const MessageId types[] = {InstallType(InstallKind::Demo), InstallType(InstallKind::Live),
+                               InstallType(InstallKind::Program)};
+    return ShownKey(row.HHStatusType, types);
+}
+
 std::vector<InstallRow> GetList(const StatusStore& store) {
     TraceEvent("frmHHInstall:GetList");
     std::vector<InstallRow> rows;
@@ -44,13 +52,13 @@ std::vector<InstallRow> GetList(const StatusStore& store) {
     }
 }
 
-void RecordInstall(StatusStore& store, std::string_view user, const Text& type) {
+void RecordInstall(StatusStore& store, std::string_view user, MessageId type) {
     TakeInLinks(store);
     for (std::size_t i = 1; i <= static_cast<std::size_t>(Global.HHCount); ++i) {
         if (!SameText(Global.HHSyncID[i], user)) continue;
         Global.HHStatusInst[i] = "S";
         Global.HHStatusDT[i] = DateAndTime(Now());
-        Global.HHStatusType[i] = type.CodePage();
+        Global.HHStatusType[i] = KeyOf(type);
     }
     UpdateHHStatusInst(store);
     GetHHStatusInst(store);

@@ -25,12 +25,15 @@ struct InstallRow {
 /// added there comes in without an install, and one that was removed leaves.
 void TakeInLinks(StatusStore& store);
 
+/// What was installed, as the operator reads it.
+Text ShownType(const InstallRow& row);
+
 /// The list as it is stored.
 std::vector<InstallRow> GetList(const StatusStore& store);
 
 /// Notes an install, with the present moment, for every handheld whose id is the user, without regard to
-/// case.
-void RecordInstall(StatusStore& store, std::string_view user, const Text& type);
+/// case. `type` is kept as its key.
+void RecordInstall(StatusStore& store, std::string_view user, MessageId type);
 
 /// Forgets all installs: the list has the handhelds of the Links table alone.
 void ResetInstalls(StatusStore& store);

@@ -17,6 +17,12 @@ constexpr auto Kind = QSettings::NativeFormat;
 constexpr auto Kind = QSettings::IniFormat;
 #endif
 
+/// Writes what was set. RunTimeFailure 75 when that is not possible.
+void Keep(QSettings& settings) {
+    settings.sync();
+    if (settings.status() != QSettings::NoError) throw RunTimeFailure(75, PathFromQt(settings.fileName()));
+}
+
 /// The part of the registry that belongs to this application directory.
 QString Office(std::string_view appPath = Global.AppPath) {
     const QByteArray path(appPath.data(), static_cast<qsizetype>(appPath.size()));
@@ -37,6 +43,10 @@ QString StatusKey(std::string_view section, std::string_view key) {
 
 QString DarkKey(std::string_view appPath = Global.AppPath) {
     return Office(appPath) + QStringLiteral("/DarkLook");
+}
+
+QString LanguageKey(std::string_view appPath = Global.AppPath) {
+    return Office(appPath) + QStringLiteral("/Language");
 }
 
 /// Where the HotSync Manager's values lie, below "Software" on Windows.
@@ -112,8 +122,7 @@ void Registry::Replace(const std::vector<StatusEntry>& entries) {
         if (!sections.contains(section)) own.remove(section);
     }
     own.endGroup();
-    own.sync();
-    if (own.status() != QSettings::NoError) throw RunTimeFailure(75, PathFromQt(own.fileName()));
+    Keep(own);
 }
 
 bool Registry::DarkLook() {
@@ -126,6 +135,16 @@ bool Registry::DarkLook(std::string_view appPath) {
 
 void Registry::SetDarkLook(bool dark) {
     Own().setValue(DarkKey(), dark);
+}
+
+std::string Registry::Language(std::string_view appPath) {
+    return PathFromQt(Own().value(LanguageKey(appPath)).toString());
+}
+
+void Registry::SetLanguage(const std::string& name) {
+    QSettings own = Own();
+    own.setValue(LanguageKey(), PathToQt(name));
+    Keep(own);
 }
 
 QList<int> Registry::ColumnWidths(const QString& grid) {

@@ -31,6 +31,12 @@ public:
     static bool DarkLook(std::string_view appPath);
     static void SetDarkLook(bool dark);
 
+    /// The language that the operator has chosen for the office in an application directory, by the name of
+    /// its file; empty for the built-in one.
+    static std::string Language(std::string_view appPath);
+    /// Chooses one for this office. RunTimeFailure 75 when it cannot be kept.
+    static void SetLanguage(const std::string& name);
+
     /// The widths of a grid's columns, in pixels, as the operator has drawn them; empty when there are
     /// none or they cannot be read.
     static QList<int> ColumnWidths(const QString& grid);

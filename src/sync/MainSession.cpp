@@ -174,7 +174,7 @@ bool MainSession::UploadByTemplate() {
     // The name alone decides: a table that is listed and off is backed up too.
     for (const std::string& line : lines) {
         for (const UploadGroup& group : UploadGroups) {
-            if (group.Backup && BeginsWith(line, Text(group.Line).CodePage())) Global.*group.Backup = true;
+            if (group.Backup && BeginsAs(line, group.Line)) Global.*group.Backup = true;
         }
     }
     const bool backsUp = Global.BackupOrders || Global.BackupAudits || Global.BackupHHTotals ||

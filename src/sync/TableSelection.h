@@ -5,10 +5,16 @@
 #include <optional>
 #include <string_view>
 
-/// Lines of a table selection: a template of an upload, a download or a clearing.
+/// Lines of a table selection: a template of an upload, a download or a clearing. The name of a group of
+/// tables is a key (core/Catalogue.h).
+
+/// Whether a line begins with the name of a group of tables, without regard to case. In the language of the
+/// texts the name stands alone before "=" or the digit, so that no translation takes the line of another
+/// group.
+bool BeginsAs(std::string_view line, MessageId group);
 
 /// What a line says of a group of tables when it is looked at by its beginning alone: the digit at its end
-/// when it begins with the group's name. 0 for a line that speaks of something else.
+/// when it begins with the group's name (BeginsAs). 0 for a line that speaks of something else.
 int SelectionValue(std::string_view line, MessageId group);
 
 /// Whether a line turns a group of tables on. Nothing for a line that is not the group's: what stands before

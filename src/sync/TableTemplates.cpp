@@ -1,5 +1,6 @@
 #include "sync/TableTemplates.h"
 
+#include "core/Catalogue.h"
 #include "core/Messages.h"
 #include "core/SafeFile.h"
 #include "core/TextFile.h"
@@ -48,8 +49,7 @@ void Read(std::string_view path, Choice& choice, const TemplateLine<Choice> (&li
 template <typename Choice, std::size_t Count>
 void Write(std::string_view path, const Choice& choice, const TemplateLine<Choice> (&lines)[Count]) {
     SafeFile file(path);
-    for (const auto& [group, chosen] : lines)
-        file.WriteLine(Text(group).CodePage() + (choice.*chosen ? "=1" : "=0"));
+    for (const auto& [group, chosen] : lines) file.WriteLine(KeyOf(group) + (choice.*chosen ? "=1" : "=0"));
     file.Commit();
 }
 
@@ -93,6 +93,6 @@ void WriteTemplate(std::string_view path, const ClearChoice& choice) {
 void WriteTemplate(std::string_view path, const ClearPlan& plan) {
     SafeFile file(path);
     for (std::size_t group = 0; group < ClearGroups; ++group)
-        file.WriteLine(Text(ClearPCLines[group]).CodePage() + (plan.Chosen[group] ? "1" : "0"));
+        file.WriteLine(KeyOf(ClearPCLines[group]) + (plan.Chosen[group] ? "1" : "0"));
     file.Commit();
 }

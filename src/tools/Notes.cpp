@@ -1,5 +1,6 @@
 #include "tools/Notes.h"
 
+#include "core/Catalogue.h"
 #include "core/CodePage.h"
 #include "core/Failure.h"
 #include "core/Globals.h"
@@ -86,10 +87,11 @@ struct LabelledText {
 
 std::vector<LabelledText> Labelled(const Note& note) {
     const auto value = [](const std::string& text) { return Text::Value(std::string_view(text)); };
-    return {{msg::lblNoteNumber, NumberOf(note)},     {msg::lblNoteDate, NoteMoment(note)},
-            {msg::lblZUKVer, value(note.Version)},    {msg::lblProcess, value(note.Process)},
-            {msg::lblPerson, value(note.Person)},     {msg::lblIssue, value(note.Issue)},
-            {msg::lblResolved, value(note.Resolved)}, {msg::lblResolution, value(note.Resolution)}};
+    return {
+        {msg::lblNoteNumber, NumberOf(note)},     {msg::lblNoteDate, NoteMoment(note)},
+        {msg::lblZUKVer, value(note.Version)},    {msg::lblProcess, ShownKey(note.Process, NoteProcesses())},
+        {msg::lblPerson, value(note.Person)},     {msg::lblIssue, value(note.Issue)},
+        {msg::lblResolved, value(note.Resolved)}, {msg::lblResolution, value(note.Resolution)}};
 }
 
 /// The text's lines, whichever characters end them.
@@ -218,7 +220,8 @@ std::unique_ptr<GridData> NotesGrid(const std::vector<Note>& notes) {
                                       {msg::ColumnResolution, SortKind::Text, 180}};
     std::vector<std::vector<Text>> rows;
     for (const Note& note : notes) {
-        rows.push_back({NumberOf(note), NoteMoment(note), OnOneLine(note.Process), OnOneLine(note.Issue),
+        rows.push_back({NumberOf(note), NoteMoment(note),
+                        ShownKey(OnOneLine(note.Process).CodePage(), NoteProcesses()), OnOneLine(note.Issue),
                         OnOneLine(note.Person), OnOneLine(note.Resolved), OnOneLine(note.Resolution)});
     }
     return std::make_unique<ListGrid>(std::move(headings), std::move(rows));

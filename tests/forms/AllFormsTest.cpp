@@ -145,14 +145,13 @@ bool ShowTogether(const QWidget& a, const QWidget& b) {
     return true;
 }
 
-TEST_P(AllForms, TwoEntriesThatShowTogetherDoNotShareAMnemonic) {
-    FillCaptions(form_->Window());
+void ExpectMnemonicsOfTheirOwn(const QWidget& window) {
     const auto mnemonic = [](const QString& text) {
         const qsizetype mark = text.indexOf(QLatin1Char('&'));
         const QString letter = mark < 0 ? QString() : text.mid(mark + 1, 1).toLower();
         return letter == QLatin1String("&") ? QString() : letter; // an ampersand that is shown
     };
-    for (const auto* menu : form_->Window().findChildren<QMenu*>()) {
+    for (const auto* menu : window.findChildren<QMenu*>()) {
         std::set<QString> seen;
         for (const auto* action : menu->actions()) {
             const QString letter = mnemonic(action->text());
@@ -172,14 +171,14 @@ TEST_P(AllForms, TwoEntriesThatShowTogetherDoNotShareAMnemonic) {
         }
         bearers[letter].push_back(&control);
     };
-    for (const auto* button : form_->Window().findChildren<QAbstractButton*>()) add(*button, button->text());
-    for (const auto* label : form_->Window().findChildren<QLabel*>()) {
+    for (const auto* button : window.findChildren<QAbstractButton*>()) add(*button, button->text());
+    for (const auto* label : window.findChildren<QLabel*>()) {
         if (label->buddy()) add(*label, label->text());
     }
-    for (const auto* tabs : form_->Window().findChildren<QTabWidget*>()) {
+    for (const auto* tabs : window.findChildren<QTabWidget*>()) {
         for (int tab = 0; tab < tabs->count(); ++tab) add(*tabs, tabs->tabText(tab));
     }
-    for (const auto* bar : form_->Window().findChildren<QMenuBar*>()) {
+    for (const auto* bar : window.findChildren<QMenuBar*>()) {
         for (const auto* action : bar->actions()) {
             EXPECT_FALSE(mnemonic(action->text()).isEmpty()) << action->text().toStdString();
             add(*bar, action->text());
@@ -187,13 +186,35 @@ TEST_P(AllForms, TwoEntriesThatShowTogetherDoNotShareAMnemonic) {
     }
 }
 
+TEST_P(AllForms, TwoEntriesThatShowTogetherDoNotShareAMnemonic) {
+    FillCaptions(form_->Window());
+    ExpectMnemonicsOfTheirOwn(form_->Window());
+}
+
+void ExpectToFitASmallScreen(QWidget& window) {
+    window.ensurePolished();
+    EXPECT_LE(window.minimumSizeHint().width(), 1024);
+    EXPECT_LE(window.minimumSizeHint().height(), 768);
+    EXPECT_LE(window.width(), 1024);
+    EXPECT_LE(window.height(), 768);
+}
+
 TEST_P(AllForms, OpensWithinASmallScreen) {
     FillCaptions(form_->Window());
-    form_->Window().ensurePolished();
-    EXPECT_LE(form_->Window().minimumSizeHint().width(), 1024);
-    EXPECT_LE(form_->Window().minimumSizeHint().height(), 768);
-    EXPECT_LE(form_->Window().width(), 1024);
-    EXPECT_LE(form_->Window().height(), 768);
+    ExpectToFitASmallScreen(form_->Window());
+}
+
+TEST_P(AllForms, HoldsUpInEachLanguage) {
+    const std::string folder = std::string(TRAMBLE_SOURCE) + "/resources/languages/";
+    for (const std::string& file : FilesWithExtension(folder, ".tsv")) {
+        SCOPED_TRACE(file);
+        EXPECT_EQ(LoadMessages(folder + file), "");
+        form_.reset();
+        form_ = GetParam().Make(); // what it says by itself is in the language too
+        FillCaptions(form_->Window());
+        ExpectMnemonicsOfTheirOwn(form_->Window());
+        ExpectToFitASmallScreen(form_->Window());
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Program, AllForms, ::testing::ValuesIn(Forms),

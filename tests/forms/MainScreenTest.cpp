@@ -8,6 +8,8 @@
 #include "forms/FormTest.h"
 #include "forms/TopicList.h"
 #include "maintenance/Totals.h"
+#include "platform/Convert.h"
+#include "platform/Registry.h"
 #include "platform/SingleInstance.h"
 #include "sync/forms/frmHHStatus.h"
 #include "tools/forms/frmAbout.h"
@@ -549,6 +551,26 @@ TEST_F(MainScreen, TextsBesideTheProgramReplaceTheCaptions) {
     auto& form = Start();
 
     EXPECT_EQ(TextOf(form, "lblImportBtn"), QStringLiteral("Einlesen"));
+}
+
+TEST_F(MainScreen, StartsInTheLanguageOfTheOffice) {
+    GivenFile("app/Languages/Deutsch.tsv", "17130\tlblImportBtn\tE\t\"Einlesen\"\n");
+    Registry::SetLanguage("Deutsch");
+
+    auto& form = Start();
+
+    EXPECT_EQ(TextOf(form, "lblImportBtn"), QStringLiteral("Einlesen"));
+}
+
+TEST_F(MainScreen, ALanguageThatHasGoneIsToldAndTheProgramStartsInEnglish) {
+    Registry::SetLanguage("Deutsch");
+    Operator_.ExpectBeginning(
+        ::Lines(msg::TextsCannotBeRead, Text::Path(std::string_view("File not found: Deutsch.tsv"))));
+    Operator_.Expect(msg::PalmDesktopMissing);
+
+    auto& form = Open<frmMain1>();
+
+    EXPECT_EQ(TextOf(form, "lblImportBtn"), ToQt(Text(msg::lblImportBtn)));
 }
 
 TEST_F(MainScreen, ATextThatCannotBeReadIsNamedWithItsLine) {

@@ -8,6 +8,8 @@
 #include "exchange/forms/frmConvert.h"
 #include "exchange/forms/frmImport1.h"
 #include "forms/FormTest.h"
+#include "platform/Convert.h"
+#include "support/ForeignTexts.h"
 
 #include <QApplication>
 #include <QComboBox>
@@ -178,6 +180,17 @@ TEST_F(Mapping, AFileThatHasGoneMeanwhileClosesTheMapping) {
 }
 
 // ---- what it shows ----
+
+TEST_F(Mapping, TheRowOfIgnoredColumnsIsTheKeyOfTemplatesAndSaysBesideItWhatItIsInTheLanguage) {
+    GivenData("c.csv", "Code,Name\n1,Acme\n");
+    UseForeignTexts();
+
+    auto& form = OpenFor(QStringLiteral("c.csv"));
+
+    const QListWidgetItem* ignored = dynamic_cast<QListWidget&>(Control(form, "lstAvailable")).item(0);
+    EXPECT_EQ(ignored->text(), QStringLiteral("Ignore"));
+    EXPECT_EQ(ignored->toolTip(), ToQt(Text(msg::IgnoreField)));
+}
 
 TEST_F(Mapping, ShowsTheTablesFieldsAndTheFilesOwnColumns) {
     GivenData("c.csv", "Code,Name\n1,Acme\n2,Bolt\n");

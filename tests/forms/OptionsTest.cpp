@@ -10,6 +10,8 @@
 #include "exchange/forms/frmQBImport.h"
 #include "forms/FormTest.h"
 #include "forms/TopicList.h"
+#include "platform/Registry.h"
+#include "platform/Translation.h"
 #include "support/RefusingDisk.h"
 #include "tools/forms/frmOptions.h"
 
@@ -953,6 +955,81 @@ TEST_F(Options, DeletingAnotherSettingLeavesTheChosenOne) {
     Click(form, "cmdCancel");
 
     EXPECT_TRUE(InIni("RemoteSyncSettings=Evening"));
+}
+
+// ---- the language ----
+
+TEST_F(Options, EnglishAndEachLanguageThatThereIsCanBeChosen) {
+    GivenFile("app/Languages/Suomi.tsv", "");
+    GivenFile("app/Languages/Deutsch.tsv", "");
+
+    auto& form = Open<frmOptions>();
+
+    EXPECT_EQ(Entries(form, "cboLanguage"), (QStringList{Q("English"), Q("Deutsch"), Q("Suomi")}));
+    EXPECT_EQ(TextOf(form, "cboLanguage"), Q("English"));
+}
+
+TEST_F(Options, AChosenLanguageIsKeptForTheNextStartAndTheOperatorIsToldSo) {
+    GivenFile("app/Languages/Deutsch.tsv", "137\tYes\tJ\t\"Ja\"\n");
+    auto& form = Open<frmOptions>();
+    Choose(form, "cboLanguage", Q("Deutsch"));
+    Operator_.Expect(msg::LanguageFromNextStart).With(Icon::Information);
+
+    Click(form, "cmdOK");
+
+    EXPECT_EQ(IfLoaded<frmOptions>(), nullptr);
+    EXPECT_EQ(T("Yes"), msg::Yes);
+    EXPECT_EQ(LoadTextsOfOffice(Global.AppPath), "");
+    EXPECT_EQ(T("Ja"), msg::Yes);
+}
+
+TEST_F(Options, EnglishComesBackTheSameWay) {
+    GivenFile("app/Languages/Deutsch.tsv", "137\tYes\tJ\t\"Ja\"\n");
+    Registry::SetLanguage("Deutsch");
+    auto& form = Open<frmOptions>();
+    EXPECT_EQ(TextOf(form, "cboLanguage"), Q("Deutsch"));
+    Choose(form, "cboLanguage", Q("English"));
+    Operator_.Expect(msg::LanguageFromNextStart);
+
+    Click(form, "cmdOK");
+
+    EXPECT_EQ(Registry::Language(Global.AppPath), "");
+}
+
+TEST_F(Options, ALanguageThatStaysIsNotToldOf) {
+    GivenFile("app/Languages/Deutsch.tsv", "");
+    Registry::SetLanguage("Deutsch");
+    auto& form = Open<frmOptions>();
+
+    Click(form, "cmdOK");
+
+    EXPECT_EQ(Registry::Language(Global.AppPath), "Deutsch");
+}
+
+TEST_F(Options, CancelKeepsTheLanguageAsItWas) {
+    GivenFile("app/Languages/Deutsch.tsv", "");
+    auto& form = Open<frmOptions>();
+    Choose(form, "cboLanguage", Q("Deutsch"));
+
+    Click(form, "cmdCancel");
+
+    EXPECT_EQ(Registry::Language(Global.AppPath), "");
+}
+
+TEST_F(Options, ALanguageWhoseFileHasGoneIsNamedAndStaysChosen) {
+    Registry::SetLanguage("Deutsch");
+    auto& form = Open<frmOptions>();
+    EXPECT_EQ(Hint(form, "cboLanguage"), Q("Deutsch is missing"));
+
+    Click(form, "cmdOK");
+
+    EXPECT_EQ(Registry::Language(Global.AppPath), "Deutsch");
+}
+
+TEST_F(Options, EachOfficeHasItsOwnLanguage) {
+    Registry::SetLanguage("Deutsch");
+
+    EXPECT_EQ(Registry::Language(Folder() + "another/"), "");
 }
 
 } // namespace

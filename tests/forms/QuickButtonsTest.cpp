@@ -7,6 +7,8 @@
 #include "exchange/forms/frmQBExport.h"
 #include "exchange/forms/frmQBImport.h"
 #include "forms/FormTest.h"
+#include "platform/Convert.h"
+#include "support/ForeignTexts.h"
 
 #include <QComboBox>
 #include <QLabel>
@@ -95,6 +97,17 @@ TEST_F(QuickButtons, AnActivityShowsItsTwoRowsAndAnEmptyOneAsNone) {
     EXPECT_EQ(TextOf(form, "lblSST_1"), QStringLiteral("Cust.cst"));
     EXPECT_EQ(TextOf(form, "lblSST_2"), QStringLiteral("None"));
     EXPECT_TRUE(Enabled(form, "cmdOK"));
+}
+
+TEST_F(QuickButtons, AnActivityShowsTheLabelsOfItsRowsInTheLanguage) {
+    GivenActivity("Morning.ipm", "Cust.cst");
+    UseForeignTexts();
+
+    auto& form = Prepared<frmQBImport>("Morning");
+
+    EXPECT_EQ(TextOf(form, "lblSS_1"), ToQt(Text(msg::SavedSetting1)));
+    EXPECT_EQ(TextOf(form, "lblSS_2"), ToQt(Text(msg::SavedSetting2)));
+    EXPECT_EQ(TextOf(form, "lblSST_2"), ToQt(Text(msg::None)));
 }
 
 TEST_F(QuickButtons, AnActivityWithAnAccentInItsNameIsOpened) {

@@ -9,6 +9,7 @@
 #include "platform/HotSyncManager.h"
 #include "platform/Printing.h"
 #include "platform/Registry.h"
+#include "support/ForeignTexts.h"
 #include "support/RefusingDisk.h"
 #include "tools/Notes.h"
 #include "tools/forms/frmAbout.h"
@@ -426,6 +427,18 @@ TEST_F(NotesScreen, ASavedNoteThatNobodyChangedIsTheSameByteForByte) {
 
     EXPECT_EQ(Bytes(Path()), before);
     EXPECT_EQ(IfLoaded<frmNotes>(), nullptr);
+}
+
+TEST_F(NotesScreen, AProcessIsSavedInEnglishWhateverTheLanguage) {
+    UseForeignTexts();
+    Given("x", ForeignText(msg::lblImport).c_str());
+    auto& form = OpenNote(1);
+    EXPECT_EQ(TextOf(form, "cboProcess"), ToQt(Text(msg::lblImport)));
+    Type(form, "txtPerson", QStringLiteral("Bea"));
+
+    Click(form, "cmdOK");
+
+    EXPECT_EQ(ReadNote(1).Process, "Import");
 }
 
 TEST_F(NotesScreen, AProcessThatIsNotInTheListStaysWithItsNote) {

@@ -4,6 +4,7 @@
 #include "core/Messages.h"
 #include "support/EngineTest.h"
 #include "support/Fails.h"
+#include "support/ForeignTexts.h"
 #include "support/MemoryStore.h"
 #include "support/Tables.h"
 #include "sync/Status.h"
@@ -50,6 +51,18 @@ TEST_F(InstallList, TheThreeTypesAreToldByTheirNames) {
 
     EXPECT_EQ(GetList(Store).at(0).HHStatusType, "Live Data");
     EXPECT_EQ(GetList(Store).at(1).HHStatusType, "Program Only");
+}
+
+TEST_F(InstallList, TheTypeIsKeptInEnglishAndShownInTheLanguage) {
+    UseForeignTexts();
+
+    RecordInstall(Store, "Anna", msg::TypeLive);
+
+    const InstallRow row = GetList(Store).at(0);
+    EXPECT_EQ(row.HHStatusType, "Live Data");
+    EXPECT_EQ(ShownType(row).CodePage(), ForeignText(msg::TypeLive));
+    EXPECT_EQ(ShownType({"", "", ForeignText(msg::cmdProgram)}).CodePage(), ForeignText(msg::cmdProgram));
+    EXPECT_EQ(ShownType({"", "", "of old"}).CodePage(), "of old");
 }
 
 TEST_F(InstallList, WhatStandsInTheStoreIsShownTrimmed) {

@@ -61,15 +61,19 @@ TEST_F(TableTemplatesTest, ALineGoesByItsNameWithoutRegardToCaseAndByItsLastChar
     for (const auto& [line, on] : lines) EXPECT_EQ(TurnsOn(line, msg::UploadOrders), on) << line;
 }
 
-TEST_F(TableTemplatesTest, NamesAreThoseOfTheCatalogueInForce) {
-    Global.Replacements[msg::UploadOrders.Number] = {"Auftr\xC3\xA4ge", 0};
-    WriteTemplate(Folder() + "x", UploadChoice{.Orders = true});
-    EXPECT_EQ(Lines(Folder() + "x")[0], "Auftr\xE4ge=1");
-    UploadChoice choice;
-    ReadTemplate(Template("Orders=1\r\n"), choice);
-    EXPECT_FALSE(choice.Orders);
-    ReadTemplate(Folder() + "x", choice);
-    EXPECT_TRUE(choice.Orders);
+TEST_F(TableTemplatesTest, AGroupOfAnotherLanguageIsItsWholeNameAndTakesNoLineOfAnother) {
+    Global.Replacements[msg::TablesItems.Number] = {"Order", 0};
+    EXPECT_EQ(TurnsOnByBeginning("Order Tables1", msg::TablesItems), std::nullopt);
+    EXPECT_EQ(TurnsOnByBeginning("Order1", msg::TablesItems), true);
+    EXPECT_EQ(TurnsOnByBeginning("Order=0 ", msg::TablesItems), false);
+    EXPECT_EQ(TurnsOnByBeginning("Items1", msg::TablesItems), true);
+    EXPECT_EQ(SelectionValue("Orders=1", msg::TablesItems), 0);
+    EXPECT_EQ(SelectionValue("order = 1", msg::TablesItems), 1);
+
+    Global.Replacements[msg::TablesItems.Number] = {"Order Tables", 0};
+    EXPECT_EQ(TurnsOnByBeginning("Order Tables1", msg::TablesItems), std::nullopt);
+    EXPECT_EQ(TurnsOn("Order Tables=1", msg::TablesItems), std::nullopt);
+    EXPECT_EQ(TurnsOnByBeginning("1", msg::TablesItems), std::nullopt);
 }
 
 // ---- clearing tables of the PC ----

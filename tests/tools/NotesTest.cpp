@@ -6,6 +6,7 @@
 #include "support/EngineTest.h"
 #include "support/Fails.h"
 #include "support/FaultyDisk.h"
+#include "support/ForeignTexts.h"
 #include "support/RefusingDisk.h"
 #include "support/Rubbish.h"
 #include "tools/SystemInformation.h"
@@ -352,6 +353,20 @@ TEST_F(NotesGridTest, HasTheSevenColumns) {
     }
     EXPECT_EQ(headings, "Record #=N Date=D Process=T Issue=T Person=T Date Resolved=D Resolution=T ");
     EXPECT_EQ(grid->Cell(9, 6).Utf8(), "A comma in a name. Their export now writes quotes.");
+}
+
+TEST_F(NotesGridTest, AProcessIsShownInTheLanguageWhateverTheOneThatItWasSavedIn) {
+    UseForeignTexts();
+    const std::string import = ForeignText(msg::lblImport);
+
+    const auto grid = NotesGrid({Example(), [&] {
+                                     Note note = Example();
+                                     note.Process = import;
+                                     return note;
+                                 }()});
+
+    EXPECT_EQ(grid->Cell(0, 2).CodePage(), import);
+    EXPECT_EQ(grid->Cell(1, 2).CodePage(), import);
 }
 
 TEST_F(NotesGridTest, NumbersDatesAndTextsAreSortedByTheirKind) {

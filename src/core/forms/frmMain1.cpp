@@ -19,6 +19,7 @@
 #include "platform/Registry.h"
 #include "platform/SingleInstance.h"
 #include "platform/TitledWindow.h"
+#include "platform/Translation.h"
 #include "quality/forms/QCRun.h"
 #include "store/OfficeTables.h"
 #include "store/TableCatalogue.h"
@@ -140,13 +141,13 @@ void frmMain1::StopStart(const Text& reason) {
 }
 
 void frmMain1::StartUp() {
+    const std::string problems = LoadTextsOfOffice(Global.AppPath);
     if (!SingleInstance::Take(Global.AppPath)) return StopStart(msg::AlreadyRunning);
     Global.CreatorID = "ZUK2";
     LoadEvents();
     TraceEvent("frmMain1:Form_Load");
-    if (const std::string problems = LoadMessages(Global.AppPath + "Messages.tsv"); !problems.empty()) {
+    if (!problems.empty())
         Tell(Lines(msg::TextsCannotBeRead, Text::Path(std::string_view(problems))), Icon::Warning);
-    }
     FillCaptions(*this);
     IsHotSyncActiveOrTell();
 

@@ -44,20 +44,34 @@ public:
     }
 };
 
+void SetUpLabels(QListWidget& list) {
+    if (!dynamic_cast<LabelledRow*>(list.itemDelegate())) list.setItemDelegate(new LabelledRow(&list));
+}
+
+/// Nothing where the row says it itself.
+void Label(QListWidgetItem& item, const Text& text) {
+    const QString label = ToQt(text);
+    if (label == item.text()) return;
+    item.setData(LabelledRow::Label, label);
+    item.setToolTip(label);
+    item.setData(Qt::AccessibleTextRole, QStringLiteral("%1, %2").arg(item.text(), label));
+}
+
 } // namespace
 
 void ShowLabels(QListWidget& list, int first, std::string_view table) {
     const TableEntry* entry = FindTable(table);
     if (entry == nullptr) return;
-    if (!dynamic_cast<LabelledRow*>(list.itemDelegate())) list.setItemDelegate(new LabelledRow(&list));
+    SetUpLabels(list);
     for (int row = first; row < list.count(); ++row) {
         QListWidgetItem& item = *list.item(row);
-        const QString label = ToQt(GetFriendlyFieldName(*entry, FromQt(item.text())));
-        if (label == item.text()) continue;
-        item.setData(LabelledRow::Label, label);
-        item.setToolTip(label);
-        item.setData(Qt::AccessibleTextRole, QStringLiteral("%1, %2").arg(item.text(), label));
+        Label(item, GetFriendlyFieldName(*entry, FromQt(item.text())));
     }
+}
+
+void ShowLabel(QListWidget& list, int row, const Text& label) {
+    SetUpLabels(list);
+    Label(*list.item(row), label);
 }
 
 void FillList(QListWidget& list, const std::vector<std::string>& rows, std::optional<std::size_t> selected) {

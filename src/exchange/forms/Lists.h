@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/Text.h"
+
 #include <QList>
 #include <QString>
 
@@ -22,6 +24,9 @@ void FillList(QListWidget& list, const std::vector<std::string>& rows,
 
 /// Shows beside the fields of a list, from row `first` on, what the screens of a table call them.
 void ShowLabels(QListWidget& list, int first, std::string_view table);
+
+/// Shows beside one row what it is called in the language of the texts.
+void ShowLabel(QListWidget& list, int row, const Text& label);
 
 /// The rows of a list that are selected, in list order.
 QList<int> SelectedRows(const QListWidget& list);

@@ -68,9 +68,10 @@ void QuickButtonForm::ShowActivity() {
         return;
     }
     lblSSHeading->setText(ToQt(Text(msg::ActivityContents)));
+    constexpr MessageId labels[] = {msg::SavedSetting1, msg::SavedSetting2};
     for (std::size_t row = 0; row < templates_.size(); ++row) {
         templates_[row] = activity.Rows[row].Template;
-        lblSS[row]->setText(ToQt(std::string_view(activity.Rows[row].Label)));
+        lblSS[row]->setText(ToQt(ShownKey(activity.Rows[row].Label, labels)));
         lblSST[row]->setText(ToQt(templates_[row].empty() ? Text(msg::None) : Text::Value(templates_[row])));
     }
     cmdOK->setEnabled(true);

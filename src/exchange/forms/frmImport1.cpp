@@ -108,6 +108,7 @@ void frmImport1::ListAvailable(TemplateKind kind) {
     tableFile_ = Global.DBFPath + std::string(TableFileOf(kind));
     available_ = AvailableFieldsOf(tableFile_);
     FillList(*lstAvailable, available_);
+    ShowLabel(*lstAvailable, 0, msg::IgnoreField); // the row itself is what templates hold
     ShowLabels(*lstAvailable, 1, TableFileOf(kind));
     lstAvailable_Click();
 }

@@ -5,7 +5,6 @@
 // FOLDER holds the handheld; one is made there for the user when there is none. A second start for the same
 // folder brings the window to the front.
 
-#include "core/Catalogue.h"
 #include "core/Globals.h"
 #include "core/Messages.h"
 #include "core/Operator.h"
@@ -20,6 +19,7 @@
 #include "platform/Registry.h"
 #include "platform/SingleInstance.h"
 #include "platform/TitledWindow.h"
+#include "platform/Translation.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -87,7 +87,7 @@ int main(int argc, char** argv) {
     Global.StandInFolder = AddBackslash(PathFromQt(options.positionalArguments().front()));
     Global.StandInDesktop = options.value(QStringLiteral("desktop")).toStdString();
     try {
-        LoadMessages(office + "Messages.tsv");
+        LoadTextsOfOffice(office); // the PC program tells what is wrong with them
         help.Help().HHSetHelpFile(HelpFilePath(programs, office));
         ApplyLook(application, Registry::DarkLook(office));
         QApplication::setWindowIcon(Picture("handheld"));

@@ -1,5 +1,6 @@
 #include "help/forms/frmHelp.h"
 
+#include "core/Catalogue.h"
 #include "core/Globals.h"
 #include "core/Messages.h"
 #include "core/Operator.h"
@@ -196,7 +197,7 @@ void frmHelp::SetFile(HelpFile* file) {
 bool frmHelp::CanRead() {
     if (!file_) return false;
     const auto tell = [this](MessageId why, const QString& path) {
-        TraceEvent("frmHelp:" + Text(why).CodePage() + " " + FromQt(path));
+        TraceEvent("frmHelp:" + KeyOf(why) + " " + FromQt(path));
         rtbTopic->ShowWords(windowTitle(), ToQt(Lines(Words(why, TextOf(path)), msg::HelpInstallAgain)));
         return false;
     };

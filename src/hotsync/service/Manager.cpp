@@ -1,6 +1,5 @@
 #include "hotsync/service/Manager.h"
 
-#include "core/Catalogue.h"
 #include "core/CodePage.h"
 #include "core/Failure.h"
 #include "core/Globals.h"
@@ -18,6 +17,7 @@
 #include "platform/QtOperator.h"
 #include "platform/Registry.h"
 #include "platform/SingleInstance.h"
+#include "platform/Translation.h"
 #include "sync/Conduits.h"
 
 #include <QApplication>
@@ -245,7 +245,7 @@ int RunManager(int argc, char** argv, const char* version) {
     // One manager a folder: a second start has nothing to do.
     if (!SingleInstance::Take(folder)) return 0;
     try {
-        LoadMessages(OfficeOf(folder) + "Messages.tsv");
+        LoadTextsOfOffice(OfficeOf(folder)); // the PC program tells what is wrong with them
         help.Help().HHSetHelpFile(HelpFilePath(folder, OfficeOf(folder)));
         ApplyLook(application, Registry::DarkLook(OfficeOf(folder)));
         Run(folder, options.isSet(minimised));

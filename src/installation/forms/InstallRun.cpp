@@ -138,7 +138,7 @@ void InstallRun::TakeBack() {
 }
 
 void InstallRun::Record(InstallKind kind, const std::string& user) {
-    const Text type = InstallType(kind);
+    const MessageId type = InstallType(kind);
     Text amount = Words(msg::FilesInstalled, Number(install_->FileCount()));
     if (install_->TableCount() > 0)
         amount = Words(amount, msg::TablesInstalled, Number(install_->TableCount()));

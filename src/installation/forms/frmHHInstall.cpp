@@ -91,10 +91,8 @@ void frmHHInstall::ShowList() {
 void frmHHInstall::GetList() {
     std::vector<std::vector<Text>> rows;
     for (const InstallRow& row : ::GetList(Registry())) {
-        std::vector<Text> cells;
-        for (const std::string* cell : {&row.HHSyncID, &row.HHStatusDT, &row.HHStatusType})
-            cells.push_back(Text::Value(std::string_view(*cell)));
-        rows.push_back(std::move(cells));
+        rows.push_back({Text::Value(std::string_view(row.HHSyncID)),
+                        Text::Value(std::string_view(row.HHStatusDT)), ShownType(row)});
     }
     std::vector<GridHeading> headings{{msg::FGTotID}, {msg::FGTotDateTime, SortKind::Date}, {msg::FGTotType}};
     FGTot->SetContent(std::make_unique<ListGrid>(std::move(headings), std::move(rows)));

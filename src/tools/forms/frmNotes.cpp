@@ -1,5 +1,6 @@
 #include "tools/forms/frmNotes.h"
 
+#include "core/Catalogue.h"
 #include "core/CodePage.h"
 #include "core/Dates.h"
 #include "core/Failure.h"
@@ -86,13 +87,15 @@ void frmNotes::Fill() {
     txtResolved->setText(ToQt(std::string_view(note_.Resolved)));
     txtIssue->setPlainText(Shown(note_.Issue));
     txtNote->setPlainText(Shown(note_.Resolution));
-    int process = 0;
-    while (process < cboProcess->count() && !SameText(FromQt(cboProcess->itemText(process)), note_.Process))
-        ++process;
-    // A process of another release or language stays with its note.
-    if (process == cboProcess->count() && !note_.Process.empty())
+    const std::vector<MessageId>& processes = NoteProcesses();
+    const auto process = std::find_if(processes.begin(), processes.end(),
+                                      [this](MessageId each) { return IsKey(note_.Process, each); });
+    if (process != processes.end()) note_.Process = KeyOf(*process); // what is saved, changed or not
+    // A process of another release stays with its note.
+    if (process == processes.end() && !note_.Process.empty())
         cboProcess->addItem(ToQt(std::string_view(note_.Process)));
-    cboProcess->setCurrentIndex(process < cboProcess->count() ? process : -1);
+    const auto row = static_cast<int>(process - processes.begin());
+    cboProcess->setCurrentIndex(row < cboProcess->count() ? row : -1);
     ShowWarning();
 }
 
@@ -101,7 +104,8 @@ Note frmNotes::FromScreen() const {
     note.Issue = Typed(*txtIssue);
     note.Person = FromQt(txtPerson->text());
     note.Resolved = FromQt(txtResolved->text());
-    note.Process = FromQt(cboProcess->currentText());
+    const auto process = static_cast<std::size_t>(cboProcess->currentIndex()); // none is behind them all
+    if (process < NoteProcesses().size()) note.Process = KeyOf(NoteProcesses()[process]);
     note.Resolution = Typed(*txtNote);
     return note;
 }

@@ -3,6 +3,7 @@
 #include "core/Dates.h"
 #include "core/Failure.h"
 #include "core/Globals.h"
+#include "core/Languages.h"
 #include "core/Messages.h"
 #include "core/Operator.h"
 #include "core/Paths.h"
@@ -16,6 +17,8 @@
 #include "maintenance/Backup.h"
 #include "maintenance/forms/frmTableSelectPC.h"
 #include "platform/Convert.h"
+#include "platform/Registry.h"
+#include "platform/Translation.h"
 #include "sync/forms/frmTableSelectCL.h"
 #include "sync/forms/frmTableSelectDL.h"
 #include "sync/forms/frmUploadSelect.h"
@@ -125,6 +128,7 @@ void frmOptions::Form_Load() {
     FillPurgeDays();
     (Global.PurgeBackup ? optPurge : optNoPurge)->click();
     chkDemoTemplates->setChecked(Global.UpdateDemoTemplates);
+    PopLanguages();
 
     repair_ = TemplateToRepair({ImportActivities, ExportActivities, ClearPCActivities, UnattendedExtension});
     if (!repair_.empty()) TurnTo(repair_);
@@ -183,6 +187,15 @@ void frmOptions::FillPurgeDays() {
     rows.insert(Global.PurgeDays);
     for (const std::int16_t days : rows) cboPurge->addItem(QString::number(days), days);
     cboPurge->setCurrentIndex(cboPurge->findData(Global.PurgeDays));
+}
+
+/// The languages that there are. One that was chosen and has gone stays chosen until another is.
+void frmOptions::PopLanguages() {
+    cboLanguage->addItem(PathToQt(English));
+    for (const std::string& language : Languages(LanguageFolders(Global.AppPath)))
+        cboLanguage->addItem(PathToQt(language));
+    const std::string chosen = Registry::Language(Global.AppPath);
+    ChooseTemplate(*cboLanguage, PathToQt(chosen.empty() ? English : std::string_view(chosen)));
 }
 
 /// Turns to the tab that a control stands on, and to the control.
@@ -488,6 +501,22 @@ bool frmOptions::SaveSettings() {
     }
 }
 
+/// False when it could not be saved: the operator has been told.
+bool frmOptions::SaveLanguage() {
+    const std::string shown = PathFromQt(cboLanguage->currentText());
+    const std::string language = shown == English ? std::string() : shown;
+    if (cboLanguage->currentIndex() < 0 || language == Registry::Language(Global.AppPath)) return true;
+    try {
+        Registry::SetLanguage(language);
+    } catch (const RunTimeFailure& failure) {
+        Tell(Lines(msg::LanguageNotSaved, PathText(failure.what())), Icon::Stop);
+        GoTo(*cboLanguage);
+        return false;
+    }
+    Tell(msg::LanguageFromNextStart, Icon::Information);
+    return true;
+}
+
 void frmOptions::cmdOK_Click() {
     TraceEvent("frmOptions:cmdOK_Click");
     if (!SelectionsAreThere() || !NamesCanBeSaved()) return;
@@ -497,7 +526,7 @@ void frmOptions::cmdOK_Click() {
     }
     if (!SaveUnattended()) return;
     Global.UpdateDemoTemplates = chkDemoTemplates->isChecked();
-    if (SaveSettings()) cmdCancel_Click();
+    if (SaveSettings() && SaveLanguage()) cmdCancel_Click();
 }
 
 void frmOptions::cmdCancel_Click() {

@@ -93,6 +93,8 @@ private:
     bool NameIsKept(QComboBox& box, const std::string& name, std::string_view ends = {});
     void TakeOptions() const;
     static bool SaveSettings();
+    void PopLanguages();
+    bool SaveLanguage();
     void GoTo(QWidget& control);
 
     std::string repair_; ///< the file that the report of the Quality Check has sent the operator to
