@@ -86,6 +86,8 @@ if(UNIX AND NOT APPLE)
     set_target_properties(${tramble_programs} PROPERTIES
         BUILD_WITH_INSTALL_RPATH ON INSTALL_RPATH "$ORIGIN/lib;$ORIGIN/../lib")
     foreach(program IN LISTS tramble_programs)
+        # They read what comes from a network: no table of addresses stays writable.
+        target_link_options(${program} PRIVATE -Wl,-z,relro,-z,now)
         install(CODE "
             set(program \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/bin/${program}\")
             if(NOT IS_SYMLINK \"\${program}\")
@@ -121,7 +123,7 @@ file(READ ${packaging}/description.txt description)
 set(CPACK_DEBIAN_PACKAGE_NAME zuk-tramble)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION misc)
-set(CPACK_DEBIAN_PACKAGE_DESCRIPTION "${PROJECT_DESCRIPTION}\n${description}")
+set(CPACK_DEBIAN_PACKAGE_DESCRIPTION "${description}")
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 # What Qt loads by name: pictures, and the help file's database.
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "libqt6svg6, libqt6sql6-sqlite")
