@@ -82,12 +82,16 @@ add_executable(pictures_of_screens ${CMAKE_SOURCE_DIR}/tools/pictures.cpp ${CMAK
 target_link_libraries(pictures_of_screens PRIVATE screens pictures officeforday)
 target_compile_definitions(pictures_of_screens PRIVATE TRAMBLE_VERSION="${PROJECT_VERSION}")
 
+# For packaging/test: an installed program's first morning.
+add_executable(tryinstalled ${CMAKE_SOURCE_DIR}/tools/tryinstalled.cpp)
+target_link_libraries(tryinstalled PRIVATE driverclient screens)
+
 # For bench/compare: the time of a start.
 add_executable(startup ${CMAKE_SOURCE_DIR}/bench/startup.cpp)
 target_link_libraries(startup PRIVATE driverclient)
 
-set_target_properties(day keys pictures_of_screens startup PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+set_target_properties(day keys pictures_of_screens tryinstalled startup PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
 
 # What drives programs from outside is test code too: the sanitizers look at the programs.
 set_target_properties(trambledriver driverclient officeforday mappingbykeys day screensbykeys keys pictures_of_screens
-    startup wirerig wire wirebench PROPERTIES TEST_CODE ON)
+    tryinstalled startup wirerig wire wirebench PROPERTIES TEST_CODE ON)

@@ -32,7 +32,8 @@ void TellUsage(std::ostream& out, const CommandDef& command) {
 void TellAll(std::ostream& out) {
     out << What << '\n';
     for (const CommandDef& command : AllCommands()) TellUsage(out, command);
-    out << "  handheld help [COMMAND]\n\n"
+    out << "  handheld help [COMMAND]\n"
+           "  handheld --help | --version\n\n"
            "Exit codes: 0 done, 1 not done, 2 the command is not written as it should be, 3 the line was "
            "cut\n"
            "as --cut-after asked.\n";

@@ -1,3 +1,4 @@
+#include "core/ProgramVersion.h"
 #include "handheld/Commands.h"
 #include "handheld/line/FolderLock.h"
 #include "handheld/line/HotSyncLine.h"
@@ -31,6 +32,7 @@ std::vector<std::string> Arguments([[maybe_unused]] int argc, [[maybe_unused]] c
 } // namespace
 
 int main(int argc, char** argv) {
+    if (TellsVersion(argc, argv, "handheld", TRAMBLE_VERSION)) return 0;
     const QCoreApplication application(argc, argv);
     const Outcome outcome =
         RunCommand(Arguments(argc, argv), {std::cout, std::cerr, LockFolder, PressHotSync});

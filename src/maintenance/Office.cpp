@@ -15,6 +15,19 @@ namespace {
 /// Stands in `Install` once a layout is complete.
 constexpr std::string_view Mark = "Office.txt";
 
+/// Not the name of the user's office, also where names ignore case: both may lie in one `share`.
+constexpr std::string_view EverybodysSet = "share/zuk-tramble";
+
+bool HoldsSet(const std::string& folder) {
+    return FileExists(folder + "Install/ZUKOrHdr.dbf");
+}
+
+std::string SetOfPrefix(std::string_view programFolder) {
+    const std::string own = AddBackslash(programFolder);
+    const std::string_view prefix = FolderOf(std::string_view(own).substr(0, own.size() - 1));
+    return AddBackslash(std::string(prefix) + std::string(EverybodysSet));
+}
+
 void CopyMissing(const std::string& from, const std::string& to) {
     if (!FileExists(to)) CopyOver(from, to);
 }
@@ -85,15 +98,27 @@ void LayOutOffice(std::string_view installedSet, std::string_view office) {
                    "This office has been laid out. Nothing is laid out again while this file is here.\r\n");
 }
 
+bool IsInstalledForEverybody(std::string_view programFolder) {
+    return !HoldsSet(AddBackslash(programFolder)) && HoldsSet(SetOfPrefix(programFolder));
+}
+
+std::string InstalledSet(std::string_view programFolder) {
+    return IsInstalledForEverybody(programFolder) ? SetOfPrefix(programFolder) : AddBackslash(programFolder);
+}
+
+std::string UsersOffice(std::string_view userDataFolder) {
+    return AddBackslash(AddBackslash(userDataFolder) + "ZUKTramble");
+}
+
 std::string ApplicationDirectory(std::string_view programFolder, std::string_view userDataFolder) {
     const std::string own = AddBackslash(programFolder);
-    if (CanBeWritten(own)) {
+    if (!IsInstalledForEverybody(own) && CanBeWritten(own)) {
         // Unpacked beside its installed set, it lays itself out where it lies.
-        if (FileExists(own + "Install/ZUKOrHdr.dbf")) LayOutOffice(own, own);
+        if (HoldsSet(own)) LayOutOffice(own, own);
         return own;
     }
-    const std::string app = AddBackslash(AddBackslash(userDataFolder) + "ZUKTramble");
-    LayOutOffice(own, app);
+    const std::string app = UsersOffice(userDataFolder);
+    LayOutOffice(InstalledSet(own), app);
     return app;
 }
 

@@ -13,10 +13,20 @@
 /// installed set lacks a table.
 void LayOutOffice(std::string_view installedSet, std::string_view office);
 
+/// Whether the programs in a folder are installed for everybody: the folder is the `bin` of a prefix, whose
+/// `share/zuk-tramble` has the installed set. Nothing is written there, whoever starts them.
+bool IsInstalledForEverybody(std::string_view programFolder);
+
+/// Where the installed set of the programs in a folder lies: there, or in the `share` of their prefix. With a
+/// trailing separator, as what the two below return.
+std::string InstalledSet(std::string_view programFolder);
+
+/// The office of a user who has no other: "ZUKTramble" in the user's data folder.
+std::string UsersOffice(std::string_view userDataFolder);
+
 /// The application directory of a program that lies in `programFolder`: that folder when it can be
-/// written, laid out there when an installed set lies in it; else "ZUKTramble" in the user's data folder,
-/// laid out at its first use from the installed set beside the program. With a trailing separator.
-/// RunTimeFailure as LayOutOffice.
+/// written and is not everybody's, laid out there when an installed set lies in it; else the user's office,
+/// laid out at its first use from the installed set. RunTimeFailure as LayOutOffice.
 std::string ApplicationDirectory(std::string_view programFolder, std::string_view userDataFolder);
 
 /// The start's work on the files of the office in `Global.AppPath`, once its settings are read, in

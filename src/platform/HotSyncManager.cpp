@@ -5,6 +5,7 @@
 #include "core/Operator.h"
 #include "core/Paths.h"
 #include "platform/Convert.h"
+#include "platform/Installation.h"
 #include "platform/QuietWait.h"
 #include "platform/Registry.h"
 #include "sync/InstallFolder.h"
@@ -71,7 +72,8 @@ std::string PalmDesktopVersion() {
 }
 
 std::string HotSyncManagerFolder() {
-    return std::string(FolderOf(HotSyncPath()));
+    const std::string program = HotSyncPath();
+    return program.empty() ? std::string() : FolderOfManager(program);
 }
 
 bool IsHotSyncActive() {
@@ -79,7 +81,7 @@ bool IsHotSyncActive() {
     const std::string program = HotSyncPath();
     if (program.empty()) return false;
     if (!QProcess::startDetached(PathToQt(program), {QStringLiteral("--minimised")},
-                                 PathToQt(HotSyncManagerFolder())) &&
+                                 PathToQt(std::string(FolderOf(program)))) &&
         Global.ManagerThatFailed != program) {
         Global.ManagerThatFailed = program;
         TraceEvent("basCommon:IsHotSyncActive cannot start " + program);

@@ -6,7 +6,8 @@
 /// The HotSync Manager that is registered on this machine: the program that the registry value "HotSyncPath"
 /// names.
 
-/// The folder of the manager's program, with a trailing separator; empty when none is registered.
+/// The folder in which the manager keeps its files (FolderOfManager in platform/Installation.h), with a
+/// trailing separator; empty when none is registered.
 std::string HotSyncManagerFolder();
 
 /// The manager's version, such as "1.0.0": of a Windows program its file version, else what it answers when

@@ -1,6 +1,7 @@
 #include "platform/Translation.h"
 
 #include "core/Languages.h"
+#include "maintenance/Office.h"
 #include "platform/Convert.h"
 #include "platform/Registry.h"
 
@@ -33,7 +34,7 @@ void TranslateToolkit(const QString& language) {
 } // namespace
 
 std::vector<std::string> LanguageFolders(std::string_view appPath) {
-    return LanguageFolders(PathFromQt(QApplication::applicationDirPath()), appPath);
+    return LanguageFolders(InstalledSet(PathFromQt(QApplication::applicationDirPath())), appPath);
 }
 
 std::string LoadTextsOfOffice(std::string_view appPath) {

@@ -17,7 +17,8 @@ inline constexpr const char* Usage =
     "  -crtreg     the creator id of the handheld application, four characters\n"
     "  -condpath   the conduit's program file\n"
     "  -name       its name for the operator\n"
-    "  -restarths  close the HotSync Manager and start it again\n";
+    "  -restarths  close the HotSync Manager and start it again\n"
+    "rdkinst --help | --version\n";
 
 /// Reads the arguments behind the program's own name: the options above, each once and in any order. Nothing
 /// when they are not that.

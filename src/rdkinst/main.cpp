@@ -1,9 +1,10 @@
 #include "core/Failure.h"
 #include "core/Globals.h"
 #include "core/Messages.h"
-#include "core/Paths.h"
+#include "core/ProgramVersion.h"
 #include "platform/Convert.h"
 #include "platform/HotSyncManager.h"
+#include "platform/Installation.h"
 #include "platform/Look.h"
 #include "platform/QtOperator.h"
 #include "platform/Registry.h"
@@ -12,7 +13,6 @@
 #include "rdkinst/forms/frmSetup.h"
 
 #include <QApplication>
-#include <QFileInfo>
 
 #include <iostream>
 
@@ -61,6 +61,11 @@ int RunRegistration(const Options& options) {
 } // namespace
 
 int main(int argc, char** argv) {
+    if (TellsVersion(argc, argv, "rdkinst", TRAMBLE_VERSION)) return 0;
+    if (argc == 2 && std::string_view(argv[1]) == "--help") {
+        std::cout << Usage;
+        return 0;
+    }
     const auto options = ReadOptions({argv + 1, argv + argc});
     if (!options) {
         std::cerr << Usage;
@@ -73,9 +78,8 @@ int main(int argc, char** argv) {
     QApplication::setQuitOnLastWindowClosed(false);
     QtOperator atTheScreen;
     Global.TheOperator = &atTheScreen;
-    // The program lies in the office's folder Install.
-    const QString office = QFileInfo(QApplication::applicationDirPath()).path();
-    ApplyLook(application, Registry::DarkLook(AddBackslash(PathFromQt(office))));
+    const std::string office = OfficeOfProgram(PathFromQt(QApplication::applicationFilePath()));
+    ApplyLook(application, Registry::DarkLook(office));
     const int exitCode = RunRegistration(*options);
     FormRegistry::Instance().Clear();
     return exitCode;

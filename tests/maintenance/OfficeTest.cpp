@@ -39,6 +39,14 @@ protected:
         GivenFile("set/Templates/Demo.cst", "demo");
         return set;
     }
+
+    /// Programs and set as they are installed for everybody.
+    std::string GivenPrefix() {
+        fs::create_directories(Folder() + "prefix/bin");
+        fs::create_directories(Folder() + "prefix/share");
+        fs::rename(GivenSmallSet(), Folder() + "prefix/share/zuk-tramble");
+        return Folder() + "prefix/";
+    }
 };
 
 TEST_F(OfficeTest, AFreshOfficeHasEveryTableTheNotesThePicturesAndTheDemonstrations) {
@@ -198,6 +206,49 @@ TEST_F(OfficeTest, AnOfficeThatCannotBeLaidOutAnywhereIsAFailure) {
     Global.TheDisk = &disk;
 
     EXPECT_EQ(FailureOf([&] { ApplicationDirectory(program, Folder() + "user"); }).Number, 70);
+}
+
+// ---- installed for everybody ----
+
+TEST_F(OfficeTest, InstalledForEverybodyTheOfficeIsTheUsersAlsoForWhoeverMayWriteBesideTheProgram) {
+    const std::string prefix = GivenPrefix();
+    const auto before = FilesBelow(prefix);
+
+    const std::string app = ApplicationDirectory(prefix + "bin", Folder() + "user");
+
+    EXPECT_TRUE(IsInstalledForEverybody(prefix + "bin/"));
+    EXPECT_EQ(InstalledSet(prefix + "bin"), prefix + "share/zuk-tramble/");
+    EXPECT_EQ(app, Folder() + "user/ZUKTramble/");
+    EXPECT_EQ(app, UsersOffice(Folder() + "user/"));
+    EXPECT_TRUE(Exists(app + "DBFFiles/ZUKOrHdr.dbf"));
+    EXPECT_TRUE(Exists(app + "Install/Graphics/zuk1.svg"));
+    EXPECT_EQ(FilesBelow(prefix), before);
+}
+
+TEST_F(OfficeTest, AFolderWithASetOfItsOwnIsNotEverybodysWhateverLiesInTheShareBesideIt) {
+    const std::string prefix = GivenPrefix();
+    fs::rename(GivenSmallSet(), prefix + "unpacked");
+
+    EXPECT_FALSE(IsInstalledForEverybody(prefix + "unpacked"));
+    EXPECT_EQ(InstalledSet(prefix + "unpacked"), prefix + "unpacked/");
+    EXPECT_EQ(ApplicationDirectory(prefix + "unpacked", Folder() + "user"), prefix + "unpacked/");
+    EXPECT_FALSE(Exists(Folder() + "user"));
+}
+
+TEST_F(OfficeTest, AUserWhoInstallsForHimselfHasSetAndOfficeBesideEachOther) {
+    const std::string prefix = GivenPrefix();
+    const auto before = FilesBelow(prefix + "share/zuk-tramble");
+
+    const std::string app = ApplicationDirectory(prefix + "bin", prefix + "share");
+
+    EXPECT_EQ(app, prefix + "share/ZUKTramble/");
+    EXPECT_TRUE(Exists(app + "DBFFiles/ZUKOrHdr.dbf"));
+    EXPECT_EQ(FilesBelow(prefix + "share/zuk-tramble"), before);
+}
+
+TEST_F(OfficeTest, AProgramWithNoSetAnywhereHasItsOwnFolder) {
+    EXPECT_FALSE(IsInstalledForEverybody(Folder() + "bin"));
+    EXPECT_EQ(InstalledSet(Folder() + "bin"), Folder() + "bin/");
 }
 
 } // namespace

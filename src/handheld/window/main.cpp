@@ -13,7 +13,9 @@
 #include "handheld/forms/frmStandIn.h"
 #include "handheld/line/FolderLock.h"
 #include "help/forms/QtHelp.h"
+#include "maintenance/Office.h"
 #include "platform/Convert.h"
+#include "platform/Installation.h"
 #include "platform/Look.h"
 #include "platform/QtOperator.h"
 #include "platform/Registry.h"
@@ -43,14 +45,14 @@ bool MakeHandheld(const std::string& folder, const QCommandLineParser& options) 
     return false;
 }
 
-int RunWindow(const std::string& programs) {
+int RunWindow(const std::string& managerFolder) {
     auto& window = The<frmStandIn>();
     if (!SingleInstance::Take(Global.StandInFolder)) {
         if (auto other = FindWindow(window.windowTitle())) other->BringToFront();
         FormRegistry::Instance().Clear();
         return 0;
     }
-    new TitledWindow(window, PathToQt(programs)); // the window's own
+    new TitledWindow(window, PathToQt(managerFolder)); // the window's own
     window.Show();
     WaitInLoop([] { return IfLoaded<frmStandIn>() != nullptr; });
     FormRegistry::Instance().Clear();
@@ -81,20 +83,20 @@ int main(int argc, char** argv) {
     QtOperator atTheScreen;
     Global.TheOperator = &atTheScreen;
     QtHelp help;
-    // Beside the HotSync Manager, in the office's folder.
-    const std::string programs = AddBackslash(PathFromQt(QApplication::applicationDirPath()));
-    const std::string office(FolderOf(std::string_view(programs).substr(0, programs.size() - 1)));
+    // It lies beside the HotSync Manager.
+    const std::string program = PathFromQt(QApplication::applicationFilePath());
+    const std::string office = OfficeOfProgram(program);
     Global.StandInFolder = AddBackslash(PathFromQt(options.positionalArguments().front()));
     Global.StandInDesktop = options.value(QStringLiteral("desktop")).toStdString();
     try {
         LoadTextsOfOffice(office); // the PC program tells what is wrong with them
-        help.Help().HHSetHelpFile(HelpFilePath(programs, office));
+        help.Help().HHSetHelpFile(HelpFilePath(InstalledSet(FolderOf(program)), office));
         ApplyLook(application, Registry::DarkLook(office));
         QApplication::setWindowIcon(Picture("handheld"));
         const bool isThere = FileExists(Global.StandInFolder + "Handheld.txt");
         if (!isThere && options.isSet(QStringLiteral("user")) && !MakeHandheld(Global.StandInFolder, options))
             return 1;
-        return RunWindow(programs);
+        return RunWindow(FolderOfManager(program));
     } catch (const std::exception& failure) {
         Tell(Text::Path(std::string_view(failure.what())), Icon::Stop);
         return 1;

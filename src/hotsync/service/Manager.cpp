@@ -5,13 +5,16 @@
 #include "core/Globals.h"
 #include "core/Operator.h"
 #include "core/Paths.h"
+#include "core/ProgramVersion.h"
 #include "help/forms/QtHelp.h"
 #include "hotsync/forms/frmHSExit.h"
 #include "hotsync/forms/frmHSManager.h"
 #include "hotsync/forms/frmHSPickUser.h"
 #include "hotsync/service/TcpStream.h"
+#include "maintenance/Office.h"
 #include "platform/Convert.h"
 #include "platform/Form.h"
+#include "platform/Installation.h"
 #include "platform/Look.h"
 #include "platform/ManagerSocket.h"
 #include "platform/QtOperator.h"
@@ -193,11 +196,6 @@ int Register(const QString& program) {
     return 1;
 }
 
-/// The office that the manager's folder lies in.
-std::string OfficeOf(const std::string& folder) {
-    return std::string(FolderOf(std::string_view(folder).substr(0, folder.size() - 1)));
-}
-
 void Run(const std::string& folder, bool minimised) {
     Manager manager(folder);
     Global.TheManagerDesk = &manager;
@@ -218,11 +216,8 @@ void Run(const std::string& folder, bool minimised) {
 } // namespace
 
 int RunManager(int argc, char** argv, const char* version) {
-    // The PC program asks so for its "About" screen: no display is needed for the answer.
-    if (argc == 2 && std::string_view(argv[1]) == "--version") {
-        std::printf("hotsync %s\n", version);
-        return 0;
-    }
+    // The PC program asks so for its "About" screen.
+    if (TellsVersion(argc, argv, "hotsync", version)) return 0;
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("hotsync"));
     QApplication::setApplicationVersion(QString::fromLatin1(version));
@@ -241,13 +236,16 @@ int RunManager(int argc, char** argv, const char* version) {
     QtOperator atTheScreen;
     Global.TheOperator = &atTheScreen;
     QtHelp help;
-    const std::string folder = AddBackslash(PathFromQt(QApplication::applicationDirPath()));
-    // One manager a folder: a second start has nothing to do.
-    if (!SingleInstance::Take(folder)) return 0;
+    const std::string program = PathFromQt(QApplication::applicationFilePath());
+    const std::string folder = FolderOfManager(program);
+    const std::string office = OfficeOfProgram(program);
     try {
-        LoadTextsOfOffice(OfficeOf(folder)); // the PC program tells what is wrong with them
-        help.Help().HHSetHelpFile(HelpFilePath(folder, OfficeOf(folder)));
-        ApplyLook(application, Registry::DarkLook(OfficeOf(folder)));
+        MakePath(folder);
+        // One manager a folder: a second start has nothing to do.
+        if (!SingleInstance::Take(folder)) return 0;
+        LoadTextsOfOffice(office); // the PC program tells what is wrong with them
+        help.Help().HHSetHelpFile(HelpFilePath(InstalledSet(FolderOf(program)), office));
+        ApplyLook(application, Registry::DarkLook(office));
         Run(folder, options.isSet(minimised));
     } catch (const std::exception& failure) {
         Tell(Text::Path(std::string_view(failure.what())), Icon::Stop);

@@ -12,6 +12,7 @@
 #include "platform/HotSyncManager.h"
 #include "platform/TitledWindow.h"
 
+#include <QApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -61,12 +62,19 @@ Text Explanation() {
 
 // ---- the command ----
 
+/// The program that a folder holds, or where programs are installed for everybody the one among them.
+QString ProgramFor(const QString& folder, const QString& name) {
+    const QString there = QDir(folder).absoluteFilePath(name);
+    const QString everybodys = QApplication::applicationDirPath() + QLatin1Char('/') + name;
+    return !QFileInfo::exists(there) && QFileInfo::exists(everybodys) ? everybodys : there;
+}
+
 /// Runs the command in a folder, where its program lies. RunTimeFailure 53 without that program, 70 when it
 /// could not be started.
 void RunCommand(const std::string& folder) {
     QStringList words = QProcess::splitCommand(QString::fromLatin1(Command));
     QDir::setCurrent(PathToQt(folder));
-    const QString program = QDir(PathToQt(folder)).absoluteFilePath(words.takeFirst());
+    const QString program = ProgramFor(PathToQt(folder), words.takeFirst());
     if (QProcess::startDetached(program, words, PathToQt(folder))) return;
     throw RunTimeFailure(QFileInfo::exists(program) ? 70 : 53, PathFromQt(program));
 }
