@@ -55,7 +55,7 @@ void ShowLabels(QListWidget& list, int first, std::string_view table) {
         const QString label = ToQt(GetFriendlyFieldName(*entry, FromQt(item.text())));
         if (label == item.text()) continue;
         item.setData(LabelledRow::Label, label);
-        item.setToolTip(label);
+        item.setToolTip(PlainTip(label));
         item.setData(Qt::AccessibleTextRole, QStringLiteral("%1, %2").arg(item.text(), label));
     }
 }
