@@ -54,7 +54,7 @@ public:
 
     virtual ~ByteStream() = default;
 
-    /// LineFailure Lost.
+    /// LineFailure Lost; Nonsense when the other side reads nothing of what it answers.
     virtual void Send(std::string_view bytes) = 0;
 
     /// At least one byte. LineFailure Lost when no more can come, Silent when none came before `until`,

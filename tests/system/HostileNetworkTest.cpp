@@ -2,6 +2,7 @@
 #include "WireTest.h"
 
 #include "platform/Convert.h"
+#include "support/Tables.h"
 
 #include <QCryptographicHash>
 #include <QDir>
@@ -232,6 +233,41 @@ TEST_F(HostileNetwork, ASessionThatIsPlayedAgainBringsTheSameTableAndNothingTwic
 
     EXPECT_EQ(Changed(before, Disk()),
               (QStringList{QStringLiteral("HotSync/HotSync.log"), QStringLiteral("HotSync/Users.txt")}));
+    ExpectTheNextIsServed();
+}
+
+/// All its answers lie there before it is asked, and what it is sent is never taken.
+TEST_F(HostileNetwork, AHandheldThatAnswersWithoutReadingFillsNoMemory) {
+    const std::string table = GivenTable(folder_ + "sent/", "ZUKCUST", {{"C1"}});
+    std::string answers;
+    std::string written;
+    const auto honest = Odd();
+    honest->Twist = [&](const Moment& moment) {
+        if (written.empty()) answers += moment.Right;
+        if (moment.Answers(DlpFunction::WriteRecord)) written = moment.Right;
+        return moment.Right;
+    };
+    Meet(*honest, {{false, table}}, true);
+    ASSERT_FALSE(written.empty());
+    // More than the system itself keeps of what was sent.
+    constexpr std::size_t records = 40000;
+    GivenTable(folder_ + "sent/", "ZUKCUST", std::vector<std::vector<std::string>>(records, {"C1"}));
+    for (std::size_t k = 0; k < records; ++k) answers += written;
+    const std::int64_t memory = MostMemory();
+    NewLog();
+
+    QTcpSocket caller;
+    caller.setReadBufferSize(1);
+    QObject::connect(&caller, &QTcpSocket::connected, [&] {
+        caller.setSocketOption(QAbstractSocket::ReceiveBufferSizeSocketOption, 4096);
+        caller.write(QByteArray::fromStdString(answers));
+    });
+    caller.connectToHost(QStringLiteral("127.0.0.1"), rig_.Port());
+    rig_.Attend(
+        {{false, table}}, [] { return true; }, true);
+
+    ExpectLogged(QStringLiteral("session ended early: the handheld answers what it has not read"));
+    EXPECT_LT(MostMemory() - memory, 100);
     ExpectTheNextIsServed();
 }
 
