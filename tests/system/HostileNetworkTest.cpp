@@ -12,15 +12,19 @@
 #include <QNetworkDatagram>
 #include <QRegularExpression>
 #include <QTcpSocket>
+#include <QTimer>
 #include <QUdpSocket>
 
-#include <sys/resource.h>
-
 #include <algorithm>
+#include <chrono>
 #include <map>
 #include <memory>
 #include <string>
 #include <vector>
+
+#ifdef Q_OS_LINUX
+#include <sys/resource.h>
+#endif
 
 // What a machine can do that reaches the manager's ports and is nobody's handheld, or has listened to one.
 
@@ -78,14 +82,15 @@ protected:
             .size();
     }
 
-    rlim_t FirstFreeFile() const {
+    unsigned FirstFreeFile() const {
         const QString files = QStringLiteral("/proc/%1/fd/").arg(rig_.ManagerProcess());
-        rlim_t number = 0;
+        unsigned number = 0;
         while (QFileInfo(files + QString::number(number)).isSymLink()) ++number;
         return number;
     }
 
-    /// Every file of the rig with what it holds, but for those that the test's own handhelds write.
+    /// Every file of the rig with what it holds, but for those of the test's own handhelds and what the
+    /// window system's stand-in says on the standard error.
     std::map<QString, QByteArray> Disk() const {
         std::map<QString, QByteArray> disk;
         QDirIterator each(rig_.Folder(),
@@ -93,7 +98,9 @@ protected:
                           QDirIterator::Subdirectories);
         while (each.hasNext()) {
             const QString path = each.next();
-            if (path.startsWith(rig_.Folder() + QStringLiteral("/odd"))) continue;
+            if (path.startsWith(rig_.Folder() + QStringLiteral("/odd")) ||
+                path == rig_.Folder() + QStringLiteral("/errors.txt"))
+                continue;
             QFile file(path);
             const bool isRead = each.fileInfo().isFile() && file.open(QIODevice::ReadOnly);
             disk[path.mid(rig_.Folder().size() + 1)] =
@@ -192,6 +199,9 @@ TEST_F(HostileNetwork, LookupsWithoutNumberAreAnsweredWhereTheyAreSoundAndHoldNo
     }
     // The system keeps so many and drops the others: the question is repeated, as a handheld does.
     qsizetype answers = 0;
+    QTimer again;
+    QObject::connect(&again, &QTimer::timeout, [&] { send(sound); });
+    again.start(std::chrono::milliseconds(50));
     EXPECT_TRUE(rig_.Until([&] {
         while (machine.hasPendingDatagrams()) {
             const QByteArray answer = machine.receiveDatagram().data();
@@ -199,7 +209,6 @@ TEST_F(HostileNetwork, LookupsWithoutNumberAreAnsweredWhereTheyAreSoundAndHoldNo
             EXPECT_EQ(answer.at(2), '\2');
             ++answers;
         }
-        if (answers == 0) send(sound);
         return answers > 0;
     }));
 
@@ -231,8 +240,8 @@ TEST_F(HostileNetwork, ASessionThatIsPlayedAgainBringsTheSameTableAndNothingTwic
         EXPECT_EQ(RowsOf(Target()), New()) << atOnce;
     }
 
-    EXPECT_EQ(Changed(before, Disk()),
-              (QStringList{QStringLiteral("HotSync/HotSync.log"), QStringLiteral("HotSync/Users.txt")}));
+    EXPECT_EQ(Changed(before, Disk()).join(QLatin1Char(' ')).toStdString(),
+              "HotSync/HotSync.log HotSync/Users.txt");
     ExpectTheNextIsServed();
 }
 
@@ -271,6 +280,7 @@ TEST_F(HostileNetwork, AHandheldThatAnswersWithoutReadingFillsNoMemory) {
     ExpectTheNextIsServed();
 }
 
+#ifdef Q_OS_LINUX
 /// The system gives the manager no further file for a while, whoever uses them up.
 TEST_F(HostileNetwork, CallersAreTakenAgainWhenThereAreFilesAgain) {
     DeskProgram desk(rig_.SocketPath());
@@ -293,6 +303,7 @@ TEST_F(HostileNetwork, CallersAreTakenAgainWhenThereAreFilesAgain) {
 
     ExpectTheNextIsServed();
 }
+#endif
 
 /// A caller that takes part for as long as nobody asks who it is.
 class SlowStranger : public WireTest {
