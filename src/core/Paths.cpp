@@ -166,9 +166,13 @@ bool IsNameForNewFile(std::string_view name) {
     if (name.back() == '.' || name.back() == ' ') return false;
     std::string device = FoldName(name.substr(0, name.find('.')));
     device.resize(device.find_last_not_of(' ') + 1);
-    constexpr std::string_view Devices[] = {"CON", "PRN", "AUX", "NUL"};
-    const bool numbered = device.size() == 4 && (device.starts_with("COM") || device.starts_with("LPT")) &&
-                          device[3] >= '1' && device[3] <= '9';
+    constexpr std::string_view Devices[] = {"CON", "PRN", "AUX", "NUL", "CONIN$", "CONOUT$"};
+    // Also with the three small digits of code page 1252, in UTF-8.
+    constexpr std::string_view Numbers[] = {"1", "2", "3", "4",        "5",        "6",
+                                            "7", "8", "9", "\xC2\xB9", "\xC2\xB2", "\xC2\xB3"};
+    const bool numbered =
+        (device.starts_with("COM") || device.starts_with("LPT")) &&
+        std::find(std::begin(Numbers), std::end(Numbers), device.substr(3)) != std::end(Numbers);
     return !numbered && std::find(std::begin(Devices), std::end(Devices), device) == std::end(Devices);
 }
 

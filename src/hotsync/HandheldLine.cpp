@@ -5,7 +5,8 @@
 HandheldLine::HandheldLine(ByteStream& stream, const Limits& limits)
     : stream_(stream),
       limits_(limits),
-      end_(ByteStream::Clock::now() + limits.Session) {}
+      end_(ByteStream::Clock::now() + limits.Session),
+      greeting_(ByteStream::Clock::now() + limits.Handshake) {}
 
 void HandheldLine::Send(const NetPacket& packet) {
     stream_.Send(PackPacket(packet));
@@ -32,10 +33,9 @@ NetPacket HandheldLine::Receive(ByteStream::Clock::time_point until) {
 }
 
 void HandheldLine::Handshake(std::uint32_t address) {
-    const auto until = ByteStream::Clock::now() + limits_.Handshake;
     DesktopHandshake handshake(address);
     while (!handshake.IsDone()) {
-        const NetPacket packet = Receive(until);
+        const NetPacket packet = Receive(greeting_);
         try {
             if (const auto answer = handshake.Take(packet)) Send(*answer);
         } catch (const PalmFailure& failure) {
@@ -47,7 +47,7 @@ void HandheldLine::Handshake(std::uint32_t address) {
 DlpResponse HandheldLine::Ask(const DlpRequest& request) {
     transaction_ = NextTransaction(transaction_);
     Send({NetPacket::Data, transaction_, PackRequest(request)});
-    const NetPacket packet = Receive(ByteStream::Clock::now() + limits_.Answer);
+    const NetPacket packet = Receive(std::min(ByteStream::Clock::now() + limits_.Answer, greeting_));
     try {
         DlpResponse response = ReadResponse(packet.Payload);
         if (packet.Transaction != transaction_ || response.Function != request.Function) TellOdd();

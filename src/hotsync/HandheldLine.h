@@ -54,7 +54,7 @@ public:
 
     virtual ~ByteStream() = default;
 
-    /// LineFailure Lost.
+    /// LineFailure Lost; Nonsense when the other side reads nothing of what it answers.
     virtual void Send(std::string_view bytes) = 0;
 
     /// At least one byte. LineFailure Lost when no more can come, Silent when none came before `until`,
@@ -66,7 +66,8 @@ public:
 class HandheldLine {
 public:
     struct Limits {
-        std::chrono::seconds Handshake{20}, Answer{60}, Session{30 * 60};
+        std::chrono::seconds Handshake{20}; ///< from the beginning to EndGreeting
+        std::chrono::seconds Answer{60}, Session{30 * 60};
     };
 
     HandheldLine(ByteStream& stream, const Limits& limits);
@@ -74,6 +75,10 @@ public:
     /// Takes the handheld's greeting and ends the handshake. `address` is this computer's, IPv4, for what
     /// it is worth to the handheld. LineFailure.
     void Handshake(std::uint32_t address);
+
+    /// It is known whose handheld it is: from here on it has the time of an answer for each. Whoever only
+    /// pretends to be one holds the line for no longer than the handshake may take.
+    void EndGreeting() { greeting_ = ByteStream::Clock::time_point::max(); }
 
     /// Sends a request and waits for its answer, whatever error that tells. A whole answer is given so
     /// long, however slowly its bytes come. LineFailure; Nonsense for an answer that cannot be read.
@@ -98,6 +103,7 @@ private:
     ByteStream& stream_;
     Limits limits_;
     ByteStream::Clock::time_point end_;
+    ByteStream::Clock::time_point greeting_; ///< when the handheld must have told its user
     PacketReader reader_;
     std::uint8_t transaction_ = 2;
     bool toldOdd_ = false;

@@ -74,6 +74,7 @@ Session::End Session::Run() {
     try {
         Greet();
         FindUser();
+        line_.EndGreeting();
         Say("session begins, from " + caller_);
         around_.Users.Synced(user_.Id, Now(), false);
         around_.Progress.Begun(user_.Name);
@@ -121,7 +122,10 @@ void Session::HangUp(EndCode code) noexcept {
 }
 
 void Session::Say(const std::string& line) {
-    around_.Log.Write((user_.Id == 0 ? caller_ : user_.Name) + ": " + line);
+    if (user_.Id == 0)
+        around_.Log.WriteOfStranger(caller_ + ": " + line);
+    else
+        around_.Log.Write(user_.Name + ": " + line);
 }
 
 void Session::CheckCancel() {
@@ -175,6 +179,7 @@ HotSyncUser Session::PickUser() {
         if (user.LastSync.IsZero()) free.push_back(user);
     }
     if (free.empty()) throw Turned("a handheld without a user, and no user without a handheld");
+    line_.EndGreeting(); // the operator may take longer
     std::uint32_t picked = 0;
     const std::chrono::seconds atMost(around_.Settings.KeepAliveSeconds);
     for (;;) {
@@ -211,6 +216,14 @@ void Session::RunConduit(const std::string& creator) {
     }
 }
 
+/// A handheld can claim thousands of them.
+void Session::SayRecovered(const std::vector<std::string>& names) {
+    constexpr std::size_t mostNamed = 20;
+    const std::size_t named = std::min(names.size(), mostNamed);
+    for (std::size_t k = 0; k < named; ++k) Say("put " + names[k] + " in order");
+    if (named < names.size()) Say("put " + std::to_string(names.size() - named) + " more in order");
+}
+
 bool Session::Move(const QueuedTransfer& transfer) {
     const bool isUpload = transfer.Direction == QueuedTransfer::Way::Upload;
     moving_ = PathToName(FileNameOf(transfer.Path));
@@ -219,7 +232,7 @@ bool Session::Move(const QueuedTransfer& transfer) {
     const auto begun = ByteStream::Clock::now();
     try {
         if (!recovered_) {
-            for (const std::string& name : transfer_.Recover()) Say("put " + name + " in order");
+            SayRecovered(transfer_.Recover());
             recovered_ = true;
         }
         around_.Progress.Step(way_, moving_, 0, 0);

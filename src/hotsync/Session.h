@@ -92,6 +92,7 @@ private:
     void RunConduit(const std::string& creator);
     /// False when it failed and the session goes on.
     bool Move(const QueuedTransfer& transfer);
+    void SayRecovered(const std::vector<std::string>& names);
     void InstallFiles();
     bool IsGivenUp(const std::string& folder);
     void SayGoodbye();

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <utility>
 
 namespace {
 
@@ -41,6 +42,35 @@ std::string Dated(std::string_view line) {
 SessionLog::SessionLog(std::string folder) : folder_(AddBackslash(folder)) {}
 
 void SessionLog::Write(std::string_view line) {
+    TellLeftOut();
+    WriteDated(line);
+}
+
+void SessionLog::WriteOfStranger(std::string_view line) {
+    if (!TakeRation()) {
+        ++leftOut_;
+        return;
+    }
+    Write(line);
+}
+
+void SessionLog::TellLeftOut() {
+    if (leftOut_ == 0) return;
+    const std::string count = std::to_string(std::exchange(leftOut_, 0));
+    WriteDated(count + " lines about callers that nobody knows were left out here");
+}
+
+bool SessionLog::TakeRation() {
+    const Clock::time_point now = Moment();
+    const auto minutes = (now - filled_) / PerFurtherStranger;
+    filled_ += minutes * PerFurtherStranger;
+    ration_ = static_cast<int>(std::min<std::int64_t>(ration_ + minutes, StrangersAtOnce));
+    if (ration_ == 0) return false;
+    --ration_;
+    return true;
+}
+
+void SessionLog::WriteDated(std::string_view line) {
     const std::string dated = Dated(line);
     try {
         if (missing_ > 0) Append(Dated(std::to_string(missing_) + " lines could not be written here"));

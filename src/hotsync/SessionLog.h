@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -25,6 +26,18 @@ public:
     /// are counted, and the next one that it takes comes behind one that says how many are missing.
     void Write(std::string_view line);
 
+    /// The same about a caller that is no known user's handheld. Such lines are rationed, so that whoever can
+    /// reach the port cannot push all others out of the log: a hundred stand at once, and further ones as
+    /// minutes pass. What is left out is counted, and the next line comes behind one that says how many.
+    void WriteOfStranger(std::string_view line);
+
+    static constexpr int StrangersAtOnce = 100;
+    static constexpr std::chrono::minutes PerFurtherStranger{1};
+
+    /// The moment by which strangers are rationed.
+    using Clock = std::chrono::steady_clock;
+    Clock::time_point (*Moment)() = Clock::now;
+
     /// Up to so many of the last lines, the newest at the end. Never fails.
     std::vector<std::string> Last(std::size_t lines) const noexcept;
 
@@ -33,7 +46,13 @@ public:
 
 private:
     void Append(std::string_view line) const;
+    void WriteDated(std::string_view line);
+    void TellLeftOut();
+    bool TakeRation();
 
     std::string folder_;
     std::size_t missing_ = 0;
+    std::size_t leftOut_ = 0;
+    int ration_ = StrangersAtOnce; ///< lines about strangers that may still be written
+    Clock::time_point filled_{};   ///< until when the ration has been filled up
 };

@@ -55,30 +55,37 @@ std::string PackPacket(const NetPacket& packet) {
     return std::move(bytes).Bytes();
 }
 
+void PacketReader::Feed(std::string_view bytes) {
+    pending_.erase(0, at_);
+    at_ = 0;
+    pending_.append(bytes);
+}
+
 std::optional<NetPacket> PacketReader::Next() {
-    if (pending_.empty()) return std::nullopt;
+    const std::string_view left = std::string_view(pending_).substr(at_);
+    if (left.empty()) return std::nullopt;
     NetPacket packet;
-    if (first_ && static_cast<std::uint8_t>(pending_.front()) == Hello) {
-        if (pending_.size() < HelloSize) return std::nullopt;
+    if (first_ && static_cast<std::uint8_t>(left.front()) == Hello) {
+        if (left.size() < HelloSize) return std::nullopt;
         packet.Transaction = HandshakeTransaction;
-        packet.Payload = pending_.substr(0, HelloSize);
-        pending_.erase(0, HelloSize);
+        packet.Payload = left.substr(0, HelloSize);
+        at_ += HelloSize;
     } else {
-        const auto type = static_cast<std::uint8_t>(pending_.front());
+        const auto type = static_cast<std::uint8_t>(left.front());
         if (type != NetPacket::Data && type != NetPacket::Tickle) {
             throw PalmFailure("a packet of type " + std::to_string(type));
         }
-        if (pending_.size() < HeaderSize) return std::nullopt;
-        ByteReader header(std::string_view(pending_).substr(1, HeaderSize - 1), "packet");
+        if (left.size() < HeaderSize) return std::nullopt;
+        ByteReader header(left.substr(1, HeaderSize - 1), "packet");
         packet.Type = static_cast<NetPacket::Kind>(type);
         packet.Transaction = header.U8();
         const std::uint32_t size = header.U32();
         if (size > LongestPayload || (type == NetPacket::Tickle && size != 0)) {
             throw PalmFailure("a packet of " + std::to_string(size) + " bytes");
         }
-        if (pending_.size() < HeaderSize + size) return std::nullopt;
-        packet.Payload = pending_.substr(HeaderSize, size);
-        pending_.erase(0, HeaderSize + size);
+        if (left.size() < HeaderSize + size) return std::nullopt;
+        packet.Payload = left.substr(HeaderSize, size);
+        at_ += HeaderSize + size;
     }
     first_ = false;
     return packet;

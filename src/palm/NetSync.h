@@ -35,17 +35,18 @@ public:
     /// one is refused before anything is kept of it.
     static constexpr std::uint32_t LongestPayload = 128 * 1024;
 
-    void Feed(std::string_view bytes) { pending_.append(bytes); }
+    void Feed(std::string_view bytes);
 
     /// The next whole packet, or nothing yet. PalmFailure for another type than the two and for a
     /// payload that is too long: the line is not to be used further.
     std::optional<NetPacket> Next();
 
     /// True when bytes of a packet have come that is not whole.
-    bool IsInside() const { return !pending_.empty(); }
+    bool IsInside() const { return at_ < pending_.size(); }
 
 private:
     std::string pending_;
+    std::size_t at_ = 0; ///< where the next packet begins; what stands before it goes with the next Feed
     bool first_ = true;
 };
 

@@ -1,5 +1,6 @@
 #include "core/Catalogue.h"
 #include "platform/Form.h"
+#include "platform/Look.h"
 
 #include <QAbstractButton>
 #include <QAbstractItemView>
@@ -63,13 +64,15 @@ void FillCaptions(QWidget& window) {
         if (const auto entry = TagOf(*object, "TipTag")) {
             const QString tip = QString::fromStdString(CatalogueText(*entry));
             if (auto* widget = qobject_cast<QWidget*>(object)) {
-                widget->setToolTip(tip);
+                widget->setToolTip(PlainTip(tip));
                 widget->setAccessibleName(tip);
             }
         }
     }
-    // Unlike other controls a list is not read aloud by the label before it.
-    for (const auto* label : window.findChildren<QLabel*>()) {
+    for (auto* label : window.findChildren<QLabel*>()) {
+        // What comes out of a table or a file is shown as it stands there; as markup it could open files.
+        if (label->textFormat() == Qt::AutoText) label->setTextFormat(Qt::PlainText);
+        // Unlike other controls a list is not read aloud by the label before it.
         auto* list = qobject_cast<QAbstractItemView*>(label->buddy());
         const auto entry = TagOf(*label, "Tag");
         if (list && entry && list->accessibleName().isEmpty())

@@ -157,10 +157,13 @@ TEST_F(PathsTest, APlainFileNameLeadsNowhereElse) {
 }
 
 TEST_F(PathsTest, ANewFileHasANameThatEverySystemTakes) {
-    for (const char* good : {"a", "Every evening", "..a", "Console", "COM", "COM10", "Caf\xC3\xA9; 2"})
+    for (const char* good :
+         {"a", "Every evening", "..a", "Console", "COM", "COM10", "COM\xC2\xBC", "Caf\xC3\xA9; 2"})
         EXPECT_TRUE(IsNameForNewFile(good)) << good;
-    for (const char* bad : {"", "..", "a/b", "a\\b", "C:a", "a\tb", "a*", "why?", "a\"b", "<a>", "a|b", "a.",
-                            "a ", "con", "NUL", "aux.old", "Com1", "LPT9", "nul .x"}) {
+    for (const char* bad :
+         {"",     "..",   "a/b",    "a\\b",    "C:a",      "a\tb",        "a*",           "why?",
+          "a\"b", "<a>",  "a|b",    "a.",      "a ",       "con",         "NUL",          "aux.old",
+          "Com1", "LPT9", "nul .x", "conout$", "CONIN$.x", "COM\xC2\xB9", "lpt\xC2\xB3.x"}) {
         EXPECT_FALSE(IsNameForNewFile(bad)) << bad;
     }
 }

@@ -123,6 +123,15 @@ TEST_P(AllForms, WhateverAKeyReachesCanBeReadAloud) {
     }
 }
 
+TEST(Captions, ALabelShowsLettersAndNoMarkup) {
+    QWidget window;
+    const QLabel label(QStringLiteral("<img src=\"/etc/passwd\">"), &window);
+
+    FillCaptions(window);
+
+    EXPECT_EQ(label.textFormat(), Qt::PlainText);
+}
+
 TEST_P(AllForms, EveryButtonIsReachedByTheTabKey) {
     for (const auto* button : form_->Window().findChildren<QAbstractButton*>()) {
         if (button->objectName().isEmpty() || button->objectName().startsWith(QLatin1String("qt_"))) continue;

@@ -1,10 +1,12 @@
 #include "fuzz/Targets.h"
 
+#include "core/Catalogue.h"
 #include "core/CodePage.h"
 #include "core/Failure.h"
 #include "core/Globals.h"
 #include "core/Paths.h"
 #include "core/Progress.h"
+#include "core/Settings.h"
 #include "core/TextCompare.h"
 #include "exchange/Activity.h"
 #include "exchange/Export.h"
@@ -21,6 +23,7 @@
 #include "hotsync/HotSyncUsers.h"
 #include "hotsync/ListeningAddress.h"
 #include "hotsync/ManagerSettings.h"
+#include "maintenance/RtfText.h"
 #include "quality/CheckResults.h"
 #include "quality/ReportCsv.h"
 #include "quality/ReportGrid.h"
@@ -35,7 +38,9 @@
 #include "store/TextBridge.h"
 #include "sync/Conduits.h"
 #include "sync/ManagerMessage.h"
+#include "sync/Status.h"
 #include "sync/UnattendedSettings.h"
+#include "tools/Notes.h"
 
 #include <algorithm>
 #include <array>
@@ -518,6 +523,70 @@ void Unattended(std::string_view bytes) {
     });
 }
 
+// ---- other files of the office ----
+
+void SettingsFile(std::string_view bytes) {
+    Outside outside(bytes, "/fuzz/ZUKTramble.ini");
+    Global.IniFile = outside.File;
+    Attempt([&] {
+        GetIniFile();
+        UpdateIniFile();
+        const std::string written = outside.Disk.Content(outside.File);
+        GetIniFile();
+        UpdateIniFile();
+        Require(outside.Disk.Content(outside.File) == written, "settings that are written stay as they are");
+    });
+}
+
+void StatusFile(std::string_view bytes) {
+    Outside outside(bytes, "/fuzz/HSStatus.dat");
+    Global.InstallPath = "/fuzz/";
+    Attempt([&] {
+        GetHHStatus();
+        const auto ids = Global.HHSyncID;
+        const auto statuses = Global.HHStatus;
+        UpdateHHStatus();
+        GetHHStatus();
+        Require(Global.HHSyncID.size() == ids.size(), "a handheld is a line");
+        Require(Global.HHStatus.size() == statuses.size(), "and has one status");
+    });
+}
+
+void NotesDat(std::string_view bytes) {
+    Outside outside(bytes, "/fuzz/Notes.dat");
+    Global.DBFPath = "/fuzz/";
+    Attempt([&] {
+        const NotesFile file = ReadNotes();
+        NotesGrid(file.Notes);
+        if (file.Notes.empty()) return;
+        const Note last = file.Notes.back();
+        NoteMoment(last);
+        WriteNote(last);
+        const Note again = ReadNote(last.Number);
+        Require(again.Issue == last.Issue && again.Resolution == last.Resolution,
+                "a note that is written is read as it was");
+        Require(NoteRecord(again).size() == NoteLength, "a note has the length of a note");
+    });
+}
+
+void RichText(std::string_view bytes) {
+    std::size_t size = 0;
+    for (const RtfRun& run : ReadRtf(bytes)) size += run.Utf8.size();
+    Require(size <= 3 * bytes.size(), "a text does not grow but by its encoding");
+}
+
+/// Texts that take the place of those that are built in.
+void MessagesFile(std::string_view bytes) {
+    const Outside outside(bytes, "/fuzz/Messages.tsv");
+    Attempt([&] {
+        LoadMessages(outside.File);
+        for (const auto& [number, replacement] : Global.Replacements) {
+            Require(CatalogueHas({number}), "only what there is can be replaced");
+            Require(CatalogueCaption({number}).size() >= replacement.Words.size(), "a caption is the text");
+        }
+    });
+}
+
 // ---- the HotSync Manager ----
 
 void HotSyncUsersFile(std::string_view bytes) {
@@ -657,6 +726,11 @@ constexpr std::array Targets = {
     FuzzTarget{"export-templates", ExportTemplates},
     FuzzTarget{"activities", Activities},
     FuzzTarget{"unattended", Unattended},
+    FuzzTarget{"settings", SettingsFile},
+    FuzzTarget{"status", StatusFile},
+    FuzzTarget{"notes", NotesDat},
+    FuzzTarget{"rich-text", RichText},
+    FuzzTarget{"messages", MessagesFile},
     FuzzTarget{"hotsync-users", HotSyncUsersFile},
     FuzzTarget{"hotsync-settings", HotSyncSettingsFile},
     FuzzTarget{"check-results", CheckResultsFile},

@@ -25,6 +25,8 @@ public:
     /// The line is dead once so many packets have passed it, in either direction.
     int CutAfter = std::numeric_limits<int>::max();
     int Packets = 0;
+    /// How it is dead then.
+    LineFailure::Why Fault = LineFailure::Why::Lost;
     /// In place of the answer to the request of this number, from 0, when not empty.
     int LieAt = -1;
     std::string Lie;
@@ -66,7 +68,10 @@ private:
         Passed(Packets);
     }
     void Put(std::string bytes) { waiting_.push_back(std::move(bytes)); }
-    [[noreturn]] static void Cut() { throw LineFailure(LineFailure::Why::Lost, "the handheld went away"); }
+    [[noreturn]] void Cut() const {
+        throw LineFailure(Fault, Fault == LineFailure::Why::Lost ? "the handheld went away"
+                                                                 : "the handheld did not answer in time");
+    }
 
     Handheld handheld_;
     DlpServer server_;

@@ -126,6 +126,37 @@ TEST_F(SessionLogTest, ADiskThatIsFullLosesLinesAndSaysHowMany) {
     EXPECT_EQ(heard[3], std::string(Moment) + "four");
 }
 
+SessionLog::Clock::time_point hour;
+
+TEST_F(SessionLogTest, LinesAboutStrangersAreRationedAndThoseLeftOutAreCounted) {
+    hour = SessionLog::Clock::time_point(std::chrono::hours(1000));
+    log_.Moment = [] { return hour; };
+    for (int k = 0; k < SessionLog::StrangersAtOnce + 5; ++k) log_.WriteOfStranger("browser");
+    EXPECT_EQ(Lines(File()).size(), static_cast<std::size_t>(SessionLog::StrangersAtOnce));
+
+    log_.Write("ANNA: session begins");
+
+    Strings last = log_.Last(2);
+    EXPECT_EQ(last[0], std::string(Moment) + "5 lines about callers that nobody knows were left out here");
+    EXPECT_EQ(last[1], std::string(Moment) + "ANNA: session begins");
+
+    // A minute brings one more, an hour sixty, and a night no more than there were at first.
+    const auto written = [&] {
+        const std::size_t before = Lines(File()).size();
+        for (int k = 0; k < 1000; ++k) log_.WriteOfStranger("browser");
+        return Lines(File()).size() - before;
+    };
+    EXPECT_EQ(written(), 0u);
+    hour += std::chrono::minutes(1);
+    EXPECT_EQ(written(), 2u) << "one, and the count of those left out";
+    hour += std::chrono::hours(1);
+    EXPECT_EQ(written(), 61u);
+    hour += std::chrono::hours(12);
+    EXPECT_EQ(written(), SessionLog::StrangersAtOnce + 1u);
+    log_.Write("others are not rationed");
+    EXPECT_EQ(log_.Last(1)[0], std::string(Moment) + "others are not rationed");
+}
+
 TEST_F(SessionLogTest, AFolderThatIsNotThereIsNoFailure) {
     SessionLog nowhere(Folder() + "nowhere/");
 

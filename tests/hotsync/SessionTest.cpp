@@ -394,6 +394,29 @@ TEST_F(SessionTest, WhereverTheLineBreaksTheOfficeHasTheOldTableOrTheNew) {
     EXPECT_GT(cut, 50);
 }
 
+TEST_F(SessionTest, AHandheldThatFallsSilentInAnyStateEndsItsSessionAndNoOther) {
+    GivenTable(Table("ZUKPAY"), *FindTable("ZUKPAY"), 2, 1);
+    wanted_ = {{Way::Download, Table("ZUKPAY")}, {Way::Upload, Table("ZUKPAY")}};
+    const Rows rows = RowsOf(Table("ZUKPAY"));
+
+    int heard = 0;
+    for (bool whole = false; !whole; ++heard) {
+        SCOPED_TRACE(heard);
+        {
+            LoopHandheld handheld(HandheldFolder());
+            handheld.CutAfter = heard;
+            handheld.Fault = LineFailure::Why::Silent;
+            whole = Hold(handheld) == Session::End::Well;
+        }
+        EXPECT_EQ(whole, log_.Last(1).front().find("did not answer in time") == std::string::npos);
+        EXPECT_EQ(RowsOf(Table("ZUKPAY")), rows);
+        EXPECT_TRUE(desk_.Heard.empty() || desk_.Heard.back() == SessionEnded);
+    }
+    EXPECT_GT(heard, 40);
+    EXPECT_EQ(Global.TheDisk->FilesIn(Folder() + "pc/"), Rows{"ZUKPAY.DBF"}) << "no work file stays";
+    EXPECT_EQ(Hold(), Session::End::Well);
+}
+
 TEST_F(SessionTest, AHandheldThatNoUserOwnsIsRefusedAndTheProgramHearsNothing) {
     GivenHandheld("EVE", 4711);
 
@@ -401,6 +424,39 @@ TEST_F(SessionTest, AHandheldThatNoUserOwnsIsRefusedAndTheProgramHearsNothing) {
 
     EXPECT_TRUE(desk_.Heard.empty());
     EXPECT_TRUE(LogSays("no user of this manager is called \"EVE\""));
+}
+
+/// Whoever can reach the port can say so much as often as it likes.
+TEST_F(SessionTest, HandheldsThatNoUserOwnsDoNotFillTheLog) {
+    GivenHandheld("EVE", 4711);
+    for (int k = 0; k < 3 * SessionLog::StrangersAtOnce; ++k) EXPECT_EQ(Hold(), Session::End::Refused);
+    EXPECT_LE(log_.Last(1000).size(), SessionLog::StrangersAtOnce + 10U);
+
+    GivenHandheld("ANNA", anna_);
+    EXPECT_EQ(Hold(), Session::End::Well);
+
+    EXPECT_TRUE(LogSays("lines about callers that nobody knows were left out here"));
+    EXPECT_TRUE(LogSays("ANNA: session ended well"));
+}
+
+TEST_F(SessionTest, WhatAHandheldLeftHalfDoneByTheHundredTakesAFewLinesOfTheLog) {
+    wanted_ = {{Way::Upload, Table("ZUKPAY")}};
+    {
+        Handheld handheld(HandheldFolder());
+        for (int k = 0; k < 100; ++k) {
+            Database half;
+            half.Name = "TZUK20000_X" + std::to_string(k) + "~";
+            half.Type = HandheldType;
+            half.Creator = HandheldCreator;
+            handheld.Store.Save(half);
+        }
+    }
+
+    EXPECT_EQ(Hold(), Session::End::Well);
+
+    EXPECT_TRUE(LogSays("put 80 more in order"));
+    EXPECT_LT(log_.Last(1000).size(), 30U);
+    EXPECT_EQ(Handheld(HandheldFolder()).Store.Entries().size(), 0U);
 }
 
 TEST_F(SessionTest, AUserNameThatIsAPathMakesNoFolder) {

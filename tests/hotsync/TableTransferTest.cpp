@@ -55,6 +55,7 @@ protected:
         LoopHandheld handheld(HandheldFolder());
         HandheldLine line(handheld, {});
         line.Handshake(0);
+        line.EndGreeting();
         TableTransfer transfer(
             line, {}, [](std::int32_t, std::int32_t) {}, [] { return true; });
         deed(transfer, handheld);

@@ -104,16 +104,6 @@ protected:
         return Argument(DlpFunction::ReadAppBlock, bytes.Bytes());
     }
 
-    /// The most memory that the manager has had, in megabytes.
-    std::int64_t MostMemory() const {
-        QFile status(QStringLiteral("/proc/%1/status").arg(rig_.ManagerProcess()));
-        EXPECT_TRUE(status.open(QIODevice::ReadOnly));
-        static const QRegularExpression most(QStringLiteral("VmHWM:\\s+(\\d+) kB"));
-        const auto found = most.match(QString::fromLatin1(status.readAll()));
-        EXPECT_TRUE(found.hasMatch());
-        return found.captured(1).toLongLong() / 1024;
-    }
-
     std::set<QString> Folders() const {
         std::set<QString> folders;
         QDirIterator each(rig_.Folder(), QDir::Dirs | QDir::Hidden | QDir::NoDotAndDotDot,
@@ -637,8 +627,13 @@ protected:
     }
 };
 
-TEST_F(SlowHandheld, ThatNeverSaysAWordIsGivenUp) {
-    ExpectGivenUp([](const Moment&) { return std::string(); }, false);
+TEST_F(SlowHandheld, ThatNeverSaysAWordIsSentAway) {
+    const auto odd = Odd();
+    odd->Twist = [](const Moment&) { return std::string(); };
+
+    EXPECT_FALSE(Meet(*odd).Begun());
+
+    ExpectLogged(QStringLiteral("sent away, it did not greet"));
     ExpectTheNextIsServed();
 }
 

@@ -9,6 +9,7 @@
 #include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 
 #include <algorithm>
 
@@ -95,6 +96,15 @@ void WireTest::ExpectTheNextIsServed() {
     EXPECT_EQ(RowsOf(Next()), New());
     ExpectNoWorkFilesIn(rig_.Folder());
     EXPECT_FALSE(rig_.Errors().contains(QStringLiteral("anitizer"))) << rig_.Errors().toStdString();
+}
+
+std::int64_t WireTest::MostMemory() const {
+    QFile status(QStringLiteral("/proc/%1/status").arg(rig_.ManagerProcess()));
+    EXPECT_TRUE(status.open(QIODevice::ReadOnly));
+    static const QRegularExpression most(QStringLiteral("VmHWM:\\s+(\\d+) kB"));
+    const auto found = most.match(QString::fromLatin1(status.readAll()));
+    EXPECT_TRUE(found.hasMatch());
+    return found.captured(1).toLongLong() / 1024;
 }
 
 QString WireTest::NewLog() {

@@ -8,6 +8,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -41,6 +42,9 @@ protected:
     /// What the log has got since this was called last.
     QString NewLog();
     void ExpectLogged(const QString& piece);
+
+    /// The most memory that the manager has had, in megabytes.
+    std::int64_t MostMemory() const;
 
     static void ExpectNoWorkFilesIn(const QString& folder);
 

@@ -410,8 +410,9 @@ void frmMain1::DrawBricks(const QString& family, const std::function<Face(std::s
         // An ampersand in an id is no mark of a mnemonic.
         brick->setText(ToQt(std::string_view(id)).replace(QLatin1Char('&'), QLatin1String("&&")));
         brick->setIcon(face.Picture);
-        brick->setToolTip(ToQt(std::string_view(id)) + QStringLiteral(": ") + ToQt(face.State));
-        brick->setAccessibleName(brick->toolTip());
+        const QString tip = ToQt(std::string_view(id)) + QStringLiteral(": ") + ToQt(face.State);
+        brick->setToolTip(PlainTip(tip));
+        brick->setAccessibleName(tip);
         brick->setEnabled(face.Live);
         WireControl(*brick);
         grdBricks->addWidget(brick, place / BricksInRow, place % BricksInRow);

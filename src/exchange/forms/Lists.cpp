@@ -53,7 +53,7 @@ void Label(QListWidgetItem& item, const Text& text) {
     const QString label = ToQt(text);
     if (label == item.text()) return;
     item.setData(LabelledRow::Label, label);
-    item.setToolTip(label);
+    item.setToolTip(PlainTip(label));
     item.setData(Qt::AccessibleTextRole, QStringLiteral("%1, %2").arg(item.text(), label));
 }
 

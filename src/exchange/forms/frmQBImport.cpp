@@ -58,7 +58,7 @@ QuickButtonForm::RowResult frmQBImport::RunRow(std::size_t row, const std::strin
     const bool customers = *kind == TemplateKind::Cust;
     const Text table = customers ? msg::lblSysCust : msg::lblSysItems;
     lblSS[row]->setText(ToQt(table));
-    lblSS[row]->setToolTip(ToQt(name));
+    lblSS[row]->setToolTip(PlainTip(ToQt(name)));
 
     job.TableFile = Global.DBFPath + std::string(TableFileOf(*kind));
     job.Delimiter = read.Template.Delimiter.value_or(Delimiter::Csv);

@@ -7,6 +7,8 @@
 #include <QNetworkDatagram>
 #include <QTimer>
 
+#include <algorithm>
+
 namespace {
 
 /// How long a handheld may take to hear the last words, in milliseconds.
@@ -14,15 +16,33 @@ constexpr int LastWords = 5000;
 /// What one look at the lookup port takes up at most: a flood waits for the next one.
 constexpr int LookupsAtOnce = 64;
 constexpr qint64 LongestLookup = 512;
+/// Callers that have not greeted yet. A handheld is one for an instant only.
+constexpr std::size_t MostSilent = 30;
+/// Nothing is read of a caller that waits but what a greeting needs, in bytes.
+constexpr qint64 Greeting = 1024;
+/// When callers are taken again that the system could not give, in milliseconds.
+constexpr int AcceptPause = 1000;
 
 QHostAddress AddressOf(const ManagerSettings& settings) {
     return settings.Address == "*" ? QHostAddress(QHostAddress::Any)
                                    : QHostAddress(QString::fromStdString(settings.Address));
 }
 
-std::string CallerOf(const QTcpSocket& socket) {
+/// Also when the caller has gone, the log can say where it called from.
+std::string NameOf(const QTcpSocket& socket) {
     return (socket.peerAddress().toString() + QLatin1Char(' ') + QString::number(socket.peerPort()))
         .toStdString();
+}
+
+/// Whether the first packet is there, or it is clear that none will come.
+bool HasSpoken(QTcpSocket& socket) {
+    PacketReader reader;
+    reader.Feed(socket.peek(Greeting).toStdString());
+    try {
+        return reader.Next().has_value();
+    } catch (const PalmFailure&) {
+        return true;
+    }
 }
 
 /// Lets what was sent last arrive, and the socket go when it has.
@@ -38,6 +58,11 @@ void LetGo(std::unique_ptr<QTcpSocket> socket) {
 
 Listener::Listener(SessionLog& log, Serve serve) : log_(log), serve_(std::move(serve)) {
     connect(&server_, &QTcpServer::newConnection, this, &Listener::Accept);
+    connect(&server_, &QTcpServer::acceptError, this, [this] {
+        log_.WriteOfStranger("a caller could not be taken: " +
+                             Utf8ToCodePage(server_.errorString().toStdString()));
+        QTimer::singleShot(AcceptPause, this, &Listener::AcceptAgain);
+    });
     connect(&lookup_, &QUdpSocket::readyRead, this, &Listener::AnswerLookups);
 }
 
@@ -47,6 +72,7 @@ bool Listener::Listen(const ManagerSettings& settings, QString& why) {
     server_.close();
     lookup_.close();
     mayWait_ = static_cast<std::size_t>(settings.WaitingCallers);
+    patience_ = std::chrono::seconds(settings.HandshakeSeconds);
     if (!server_.listen(AddressOf(settings), settings.Port)) {
         why = server_.errorString();
         return false;
@@ -66,33 +92,78 @@ bool Listener::Listen(const ManagerSettings& settings, QString& why) {
 void Listener::Stop() {
     server_.close();
     lookup_.close();
+    silent_.clear();
     waiting_.clear();
 }
 
 void Listener::Accept() {
     while (QTcpSocket* const connected = server_.nextPendingConnection()) {
-        std::unique_ptr<QTcpSocket> socket(connected);
-        socket->setParent(nullptr);
-        const std::string caller = CallerOf(*socket);
-        std::erase_if(waiting_, [this](const auto& each) { return HasGone(*each); });
-        if (waiting_.size() > mayWait_ || (serving_ && waiting_.size() == mayWait_)) {
-            log_.Write(caller + ": turned away, " + std::to_string(waiting_.size()) +
-                       " handhelds wait already");
-            socket->abort();
-            continue;
-        }
-        if (serving_) log_.Write(caller + ": waits for the end of the session");
-        // Nothing is read of one that waits but what a greeting needs.
-        constexpr qint64 greeting = 1024;
-        socket->setReadBufferSize(greeting);
-        waiting_.push_back(std::move(socket));
+        connected->setParent(nullptr);
+        TakeSilent({std::unique_ptr<QTcpSocket>(connected), NameOf(*connected)});
     }
-    if (!serving_) QMetaObject::invokeMethod(this, &Listener::ServeNext, Qt::QueuedConnection);
+    HearSilent();
 }
 
-bool Listener::HasGone(const QTcpSocket& waiting) {
-    if (waiting.state() == QAbstractSocket::ConnectedState) return false;
-    log_.Write(CallerOf(waiting) + ": went away while it waited");
+/// The server takes no caller after a failure, such as too many open files, until it is told to.
+void Listener::AcceptAgain() {
+    if (server_.isListening()) server_.resumeAccepting();
+}
+
+void Listener::TakeSilent(Caller caller) {
+    if (silent_.size() == MostSilent) GiveUp(silent_.front().Socket.get());
+    QTcpSocket* const socket = caller.Socket.get();
+    socket->setReadBufferSize(Greeting);
+    // Queued: a socket must not go inside its own signal, and its timer goes with it.
+    connect(socket, &QTcpSocket::readyRead, this, &Listener::HearSilent, Qt::QueuedConnection);
+    connect(socket, &QTcpSocket::disconnected, this, &Listener::HearSilent, Qt::QueuedConnection);
+    auto* const limit = new QTimer(socket);
+    limit->setSingleShot(true);
+    connect(
+        limit, &QTimer::timeout, this, [this, socket] { GiveUp(socket); }, Qt::QueuedConnection);
+    limit->start(patience_);
+    silent_.push_back(std::move(caller));
+}
+
+void Listener::GiveUp(const QTcpSocket* silent) {
+    const auto found = std::find_if(silent_.begin(), silent_.end(),
+                                    [silent](const Caller& each) { return each.Socket.get() == silent; });
+    if (found == silent_.end()) return;
+    log_.WriteOfStranger(found->Name + ": sent away, it did not greet");
+    found->Socket->abort();
+    silent_.erase(found);
+}
+
+/// Looks for callers that have greeted by now, or have gone.
+void Listener::HearSilent() {
+    std::deque<Caller> silent;
+    silent.swap(silent_);
+    for (Caller& caller : silent) {
+        if (HasGone(caller)) continue;
+        if (HasSpoken(*caller.Socket))
+            TakeIntoLine(std::move(caller));
+        else
+            silent_.push_back(std::move(caller));
+    }
+    if (!serving_ && !waiting_.empty()) {
+        QMetaObject::invokeMethod(this, &Listener::ServeNext, Qt::QueuedConnection);
+    }
+}
+
+void Listener::TakeIntoLine(Caller caller) {
+    caller.Socket->disconnect(this);
+    std::erase_if(waiting_, [this](const Caller& each) { return HasGone(each); });
+    if (waiting_.size() > mayWait_ || (serving_ && waiting_.size() == mayWait_)) {
+        log_.WriteOfStranger(caller.Name + ": turned away, " + std::to_string(waiting_.size()) +
+                             " handhelds wait already");
+        return caller.Socket->abort();
+    }
+    if (serving_) log_.WriteOfStranger(caller.Name + ": waits for the end of the session");
+    waiting_.push_back(std::move(caller));
+}
+
+bool Listener::HasGone(const Caller& caller) {
+    if (caller.Socket->state() == QAbstractSocket::ConnectedState) return false;
+    log_.WriteOfStranger(caller.Name + ": went away while it waited");
     return true;
 }
 
@@ -100,11 +171,11 @@ void Listener::ServeNext() {
     if (serving_) return;
     serving_ = true;
     while (!waiting_.empty() && !Global.Ending) {
-        std::unique_ptr<QTcpSocket> socket = std::move(waiting_.front());
+        Caller caller = std::move(waiting_.front());
         waiting_.pop_front();
-        if (HasGone(*socket)) continue;
-        serve_(*socket, CallerOf(*socket));
-        LetGo(std::move(socket));
+        if (HasGone(caller)) continue;
+        serve_(*caller.Socket, caller.Name);
+        LetGo(std::move(caller.Socket));
     }
     serving_ = false;
 }

@@ -8,13 +8,16 @@
 #include <QTcpSocket>
 #include <QUdpSocket>
 
+#include <chrono>
 #include <deque>
 #include <functional>
 #include <memory>
 #include <string>
 
 /// Where handhelds call: the port of Network HotSync, and the one on which they look this computer up.
-/// Callers are served one after the other; so many wait, and any further one is turned away.
+/// Callers are served one after the other; so many wait, and any further one is turned away. A handheld
+/// greets first: a caller that has not waits apart, holds nobody up, and goes when the time of a handshake is
+/// over or when there are too many of its kind.
 class Listener final : public QObject {
 public:
     /// Holds one session; runs the event loop while it does. The socket is gone afterwards. `caller` is
@@ -35,16 +38,28 @@ public:
     bool IsServing() const { return serving_; }
 
 private:
+    struct Caller {
+        std::unique_ptr<QTcpSocket> Socket;
+        std::string Name; ///< where it calls from
+    };
+
     void Accept();
+    void AcceptAgain();
+    void TakeSilent(Caller caller);
+    void GiveUp(const QTcpSocket* silent);
+    void HearSilent();
+    void TakeIntoLine(Caller caller);
     void ServeNext();
-    bool HasGone(const QTcpSocket& waiting);
+    bool HasGone(const Caller& caller);
     void AnswerLookups();
 
     SessionLog& log_;
     Serve serve_;
     QTcpServer server_;
     QUdpSocket lookup_;
-    std::deque<std::unique_ptr<QTcpSocket>> waiting_;
+    std::deque<Caller> silent_;  ///< have not greeted yet
+    std::deque<Caller> waiting_; ///< have
     std::size_t mayWait_ = 0;
+    std::chrono::seconds patience_{};
     bool serving_ = false;
 };

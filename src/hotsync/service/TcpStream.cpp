@@ -9,6 +9,8 @@ namespace {
 
 /// More than a whole packet waits in no buffer: what a handheld sends unasked stays on its side.
 constexpr qint64 Buffered = 256 * 1024;
+/// A handheld answers what it has read: so much cannot be on its way to one.
+constexpr qint64 MostUnread = 256 * 1024;
 
 } // namespace
 
@@ -24,6 +26,8 @@ void TcpStream::Send(std::string_view bytes) {
         throw LineFailure(LineFailure::Why::Lost, "the handheld went away");
     }
     socket_.flush();
+    if (socket_.bytesToWrite() > MostUnread)
+        throw LineFailure(LineFailure::Why::Nonsense, "the handheld answers what it has not read");
 }
 
 std::string TcpStream::Receive(Clock::time_point until) {
