@@ -17,6 +17,7 @@ function(expect_refusal rule)
     if(result EQUAL 0)
         message(FATAL_ERROR "${rule}.cmake has not found that the documents are not true")
     endif()
+    string(REGEX REPLACE "[ \n]+" " " output "${output}") # it comes in lines of 77 characters
     foreach(words IN LISTS ARGN)
         string(FIND "${output}" "${words}" found)
         if(found EQUAL -1)
