@@ -1,6 +1,6 @@
 #include "core/Catalogue.h"
+#include "platform/Convert.h"
 #include "platform/Form.h"
-#include "platform/Look.h"
 
 #include <QAbstractButton>
 #include <QAbstractItemView>
