@@ -676,13 +676,10 @@ TEST_F(SessionProgressWindow, AHundredThousandStepsDoNotPaintAHundredThousandTim
     progress_.Begun("ANNA");
     Settle();
     Paints paints(The<frmHSProgress>());
-    QElapsedTimer time;
-    time.start();
     for (int k = 0; k <= 100'000; ++k)
         progress_.Step(SessionProgress::Way::ToHandheld, "ZUKCUST", k, 100'000);
-    const qint64 most = time.elapsed() / 50 + 5; // the window's own first paints among them
 
-    EXPECT_LE(paints.Count, most);
+    EXPECT_LT(paints.Count, 1000);
     EXPECT_TRUE(QTest::qWaitFor([] { return Bar() == 1000; }));
 }
 
