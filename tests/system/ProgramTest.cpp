@@ -66,6 +66,33 @@ TEST_F(Program, F1OpensTheHelpBesideWhateverScreenStandsAndItsSearchFindsAWord) 
     EXPECT_TRUE(QDir(folder_.path()).entryList({QStringLiteral("ZUKHelp-*")}, QDir::Dirs).isEmpty());
 }
 
+TEST_F(Program, ALanguageIsChosenInSetupPCAndShownFromTheNextStart) {
+    QDir().mkpath(office_.Path(QStringLiteral("Languages")));
+    QFile german(office_.Path(QStringLiteral("Languages/Deutsch.tsv")));
+    ASSERT_TRUE(german.open(QIODevice::WriteOnly));
+    german.write("17130\tlblImportBtn\tE\t\"Einlesen\"\n");
+    german.close();
+    const QString options = QStringLiteral("frmOptions");
+    {
+        DriverClient program(InOffice());
+        StartUp(program);
+        program.Click(Main, QStringLiteral("mnuPCSetup"));
+        program.WaitForm(options);
+        program.Choose(options, QStringLiteral("SSTab1"), QStringLiteral("PC Backup / Updates"));
+        program.Choose(options, QStringLiteral("cboLanguage"), QStringLiteral("Deutsch"));
+        program.ExpectContaining(QStringLiteral("from its next start"));
+        program.Click(options, QStringLiteral("cmdOK"));
+        program.WaitGone(options);
+        EXPECT_NE(program.Text(Main, QStringLiteral("lblImportBtn")), QStringLiteral("Einlesen"));
+        EXPECT_EQ(program.Quit(), 0);
+    }
+
+    DriverClient program(InOffice());
+    StartUp(program);
+    EXPECT_EQ(program.Text(Main, QStringLiteral("lblImportBtn")), QStringLiteral("Einlesen"));
+    EXPECT_EQ(program.Quit(), 0);
+}
+
 TEST_F(Program, ASecondStartIsToldAndLeavesTheFirstUntouched) {
     DriverClient first(InOffice());
     StartUp(first);
