@@ -240,6 +240,8 @@ std::optional<std::string> TakeBackInstall(std::string_view managerFolder) {
         const std::string folder = InstallFolder(managerFolder, user);
         waits = !FilesWithExtension(folder, "").empty();
         if (waits) ClearHSInstallDir(managerFolder, user);
+        // What could not be removed is known as long as the marks stand; the next start tries again.
+        if (!FilesWithExtension(folder, "").empty()) throw RunTimeFailure(75, folder);
         RemoveQuietly(InstallMark(folder));
     } catch (const RunTimeFailure& failure) {
         if (failure.Number() != 52) throw; // a mark that names no user has nothing to take back

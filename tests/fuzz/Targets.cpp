@@ -17,6 +17,7 @@
 #include "exchange/LineSplitter.h"
 #include "exchange/OrderTables.h"
 #include "fuzz/MemoryDisk.h"
+#include "fuzz/OfficeTargets.h"
 #include "fuzz/PalmTargets.h"
 #include "hotsync/HotSyncUsers.h"
 #include "hotsync/ListeningAddress.h"
@@ -330,7 +331,7 @@ void TextBridge(std::string_view bytes) {
     } else if (spoilt != Names[2]) {
         const TableScan old(source);
         Require(TableScan(target).RecordCount() == records + old.RecordCount(), "no record is lost or made");
-        Require(EndsWithBridged(target, source), "what was merged is known again");
+        Require(HoldsBridged(target, source), "what was merged is known again");
     }
     Require(!outside.Disk.IsFile(target + ".zuk~") && !outside.Disk.IsFile(text + ".zuk~"),
             "no work file is left");
@@ -668,6 +669,19 @@ constexpr std::array Targets = {
     FuzzTarget{"handheld-session", FuzzHandheldSession},
     FuzzTarget{"manager-messages", ManagerMessages},
     FuzzTarget{"conduits", ConduitsFile},
+    FuzzTarget{"settings", FuzzSettings},
+    FuzzTarget{"status", FuzzStatus},
+    FuzzTarget{"notes", FuzzNotes},
+    FuzzTarget{"messages", FuzzMessages},
+    FuzzTarget{"support-desk", FuzzSupportDesk},
+    FuzzTarget{"backups", FuzzBackups},
+    FuzzTarget{"unfinished-jobs", FuzzUnfinishedJobs},
+    FuzzTarget{"install-mark", FuzzInstallMark},
+    FuzzTarget{"selections", FuzzSelections},
+    FuzzTarget{"hotsync-log", FuzzHotSyncLog},
+    FuzzTarget{"handheld-file", FuzzHandheldFile},
+    FuzzTarget{"update-text", FuzzUpdateText},
+    FuzzTarget{"file-version", FuzzFileVersion},
 };
 
 } // namespace

@@ -3,6 +3,7 @@
 #include "core/Messages.h"
 #include "installation/InstallTest.h"
 #include "support/Fails.h"
+#include "support/RefusingDisk.h"
 
 #include <filesystem>
 
@@ -124,6 +125,26 @@ TEST_F(DemoInstall, WhatAKilledProgramHadQueuedIsTakenBackByTheNextStartAndItsUs
 
     EXPECT_EQ(Waiting(), Strings());
     EXPECT_EQ(TakeBackInstall(Control.ManagerFolder), std::nullopt) << "once";
+}
+
+TEST_F(DemoInstall, WhatCannotBeTakenBackKeepsItsMarksUntilAStartHasRemovedIt) {
+    struct KeepingDisk final : PassingDisk {
+        bool Remove(const std::string& path) override {
+            if (path.ends_with("Tramble.prc")) throw RunTimeFailure(75, path);
+            return PassingDisk::Remove(path);
+        }
+    } disk;
+    Install.Begin(InstallKind::Demo);
+    Global.TheDisk = &disk;
+
+    EXPECT_EQ(FailureNumber([&] { TakeBackInstall(Control.ManagerFolder); }), 75);
+    EXPECT_EQ(Waiting(), Strings{"Tramble.prc"});
+    EXPECT_TRUE(Exists(InstallMark(FolderOfAnna())));
+
+    Global.TheDisk = &NativeDisk();
+    EXPECT_EQ(TakeBackInstall(Control.ManagerFolder), "Anna");
+    EXPECT_EQ(Waiting(), Strings());
+    EXPECT_FALSE(Exists(InstallMark(FolderOfAnna())));
 }
 
 TEST_F(DemoInstall, AStartTakesBackNothingOfWhatNoInstallHasQueued) {
