@@ -37,7 +37,8 @@ public:
     Outside(std::string_view file, std::string_view content) {
         Global = Globals{};
         Global.TheDisk = &Disk;
-        for (std::string* path : {&Global.AppPath, &Global.DBFPath, &Global.InstallPath, &Global.DBFEmptyPath})
+        for (std::string* path :
+             {&Global.AppPath, &Global.DBFPath, &Global.InstallPath, &Global.DBFEmptyPath})
             *path = Folder;
         Global.BackupPath = Folder + "Backup/";
         Disk.Put(Folder + std::string(file), std::string(content));
@@ -81,7 +82,8 @@ void FuzzSettings(std::string_view bytes) {
         const std::string written = outside.Content("ZUKTramble.ini");
         GetIniFile();
         UpdateIniFile();
-        Require(outside.Content("ZUKTramble.ini") == written, "settings that are written are read as they were");
+        Require(outside.Content("ZUKTramble.ini") == written,
+                "settings that are written are read as they were");
     });
 }
 
@@ -130,9 +132,9 @@ void FuzzNotes(std::string_view bytes) {
 
 void FuzzMessages(std::string_view bytes) {
     const Outside outside("Messages.tsv", bytes);
-    const std::vector<std::string> faults = LoadMessages(Folder + "Messages.tsv");
-    for (const std::string& fault : faults)
-        Require(fault.find("Messages.tsv") != std::string::npos, "a row that cannot be read is named");
+    const std::string faults = LoadMessages(Folder + "Messages.tsv");
+    Require(faults.empty() || faults.find("Messages.tsv, ") != std::string::npos,
+            "a row that cannot be read is named");
     for (std::size_t k = 0; k < CatalogueRowCount; ++k) {
         const MessageId entry{CatalogueRows[k].Number};
         Require(CatalogueCaption(entry).size() >= CatalogueText(entry).size(), "a caption is the whole text");
@@ -165,7 +167,8 @@ void FuzzBackups(std::string_view bytes) {
             CompareSums(point);
             Require(point.SumsCompared, "the checksums have been compared");
             for (const SavedTable& table : point.Tables)
-                Require(SavedTable::FromLine(table.Line()).has_value(), "a line that was read can be written");
+                Require(SavedTable::FromLine(table.Line()).has_value(),
+                        "a line that was read can be written");
             FindBackup(point.Values[1]);
         }
     });
@@ -182,7 +185,7 @@ void FuzzUnfinishedJobs(std::string_view bytes) {
     Require(found.Broken.empty() || outside.Content(file) == bytes, "a mark that cannot be read stays");
     Require(FindUnfinishedJobs().Jobs == found.Jobs, "the next look finds the same");
     for (const CutOffJob& job : found.Jobs) {
-        Require(!job.Left.empty() && !job.Done.empty(), "a job of which nothing is left is over");
+        Require(!job.Left.empty(), "a job of which nothing is left is over");
         Require(!TellCutOff(job).IsEmpty(), "the operator is told of each job");
     }
     Attempt([&] {
@@ -196,12 +199,14 @@ void FuzzUnfinishedJobs(std::string_view bytes) {
 
 void FuzzInstallMark(std::string_view bytes) {
     Outside outside("InstallBegun.txt", bytes);
-    for (const char* file : {"HotSync/ANNA/Install/x.prc", "HotSync/Users.txt", "ZUKOrHdr.dbf", "HotSync/Install/y"})
+    for (const char* file :
+         {"HotSync/ANNA/Install/x.prc", "HotSync/Users.txt", "ZUKOrHdr.dbf", "HotSync/Install/y"})
         outside.Disk.Put(Folder + file, "there");
     Attempt([&] {
         const auto user = TakeBackInstall(Folder + "HotSync/");
         Require(!outside.Has("InstallBegun.txt"), "what was taken back is forgotten");
-        Require(user.has_value() != outside.Has("HotSync/ANNA/Install/x.prc"), "only what waits is taken back");
+        Require(user.has_value() != outside.Has("HotSync/ANNA/Install/x.prc"),
+                "only what waits is taken back");
     });
     for (const char* file : {"HotSync/Users.txt", "ZUKOrHdr.dbf", "HotSync/Install/y"})
         Require(outside.Has(file), "nothing else is removed");
@@ -210,7 +215,7 @@ void FuzzInstallMark(std::string_view bytes) {
 namespace {
 
 template <typename Choice>
-void Selection(const char* name) {
+void ReadAndWrite(const char* name) {
     Attempt([&] {
         Choice read;
         ReadTemplate(Folder + "outside.txt", read);
@@ -225,10 +230,10 @@ void Selection(const char* name) {
 
 void FuzzSelections(std::string_view bytes) {
     const Outside outside("outside.txt", bytes);
-    Selection<UploadChoice>("again.ust");
-    Selection<DownloadChoice>("again.dst");
-    Selection<ClearChoice>("again.dct");
-    Selection<ClearPlan>("again.pct");
+    ReadAndWrite<UploadChoice>("again.ust");
+    ReadAndWrite<DownloadChoice>("again.dst");
+    ReadAndWrite<ClearChoice>("again.dct");
+    ReadAndWrite<ClearPlan>("again.pct");
 }
 
 void FuzzHotSyncLog(std::string_view bytes) {
@@ -242,7 +247,9 @@ void FuzzHotSyncLog(std::string_view bytes) {
     Require(!after.empty() && after.back() == "2026-11-15 09:30:00 a HotSync began",
             "the last line is the one that was written last");
     after.pop_back();
-    Require(before.size() == 50 || after == before, "the lines before it stay");
+    // A line that was cut off is ended, whatever it ended in.
+    const bool isWhole = bytes.empty() || bytes.ends_with('\n');
+    Require(!isWhole || before.size() == 50 || after == before, "the lines before it stay");
     Require(outside.Content("HotSync.log").starts_with(bytes), "nothing that stands there is changed");
 }
 
@@ -272,8 +279,7 @@ void FuzzFileVersion(std::string_view bytes) {
     const Outside outside("program.exe", bytes);
     const std::string version = FileVersion(Folder + "program.exe");
     constexpr std::size_t FourNumbers = 23;
-    Require(version.size() <= FourNumbers &&
-                version.find_first_not_of("0123456789.") == std::string::npos,
+    Require(version.size() <= FourNumbers && version.find_first_not_of("0123456789.") == std::string::npos,
             "a version is four numbers");
     Require(Global.Files.Count() == 0, "a file was left open");
 }

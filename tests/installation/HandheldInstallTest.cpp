@@ -147,6 +147,28 @@ TEST_F(DemoInstall, WhatCannotBeTakenBackKeepsItsMarksUntilAStartHasRemovedIt) {
     EXPECT_FALSE(Exists(InstallMark(FolderOfAnna())));
 }
 
+TEST_F(DemoInstall, AManagersMarkThatCannotBeRemovedIsRemovedByTheNextStart) {
+    const std::string mark = InstallMark(FolderOfAnna());
+    struct KeepingDisk final : PassingDisk {
+        bool Remove(const std::string& path) override {
+            if (path == Kept) throw RunTimeFailure(75, path);
+            return PassingDisk::Remove(path);
+        }
+        std::string Kept;
+    } disk;
+    disk.Kept = mark;
+    Global.TheDisk = &disk;
+    { HandheldInstall(Control, Control.ManagerFolder, "Anna", "1.0.0").Begin(InstallKind::Demo); }
+    EXPECT_EQ(FailureNumber([&] { TakeBackInstall(Control.ManagerFolder); }), 75);
+    ASSERT_TRUE(Exists(mark));
+
+    Global.TheDisk = &NativeDisk();
+    TakeBackInstall(Control.ManagerFolder);
+
+    EXPECT_FALSE(Exists(mark));
+    EXPECT_FALSE(FileExists(Global.InstallPath + "InstallBegun.txt"));
+}
+
 TEST_F(DemoInstall, AStartTakesBackNothingOfWhatNoInstallHasQueued) {
     GivenFile("HotSync/Anna/Install/Memo.pdb", "by hand");
     EXPECT_EQ(TakeBackInstall(Control.ManagerFolder), std::nullopt);

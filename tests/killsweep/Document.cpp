@@ -65,27 +65,22 @@ std::string RowOf(const SweepJob& job, const SweepFindings& findings) {
         sum.Told += found.Told;
     }
     std::string row = "| " + job.Name + " |";
-    for (const long number : {findings.Calls, static_cast<long>(sum.Old + sum.Part + sum.New),
-                              static_cast<long>(sum.Old), static_cast<long>(sum.Part),
-                              static_cast<long>(sum.New), static_cast<long>(sum.Told),
-                              static_cast<long>(findings.Complaints.size())})
+    for (const long number :
+         {findings.Calls, static_cast<long>(sum.Old + sum.Part + sum.New), static_cast<long>(sum.Old),
+          static_cast<long>(sum.Part), static_cast<long>(sum.New), static_cast<long>(sum.Told),
+          static_cast<long>(findings.Complaints.size())})
         row += " " + std::to_string(number) + " |";
     return row + "\n";
 }
 
 /// True for a source that puts a file in place, moves or removes one itself, or writes into one.
 bool WritesFiles(const std::string& source) {
-    constexpr std::array Ways = {"SafeFile file(",     "SafeFile text(",
-                                 "SafeFile bitmap(",   "SafeFile about(",
-                                 "SafeFile target(",   "make_unique<SafeFile>",
-                                 "WriteWholeFile(",    "CopyOver(",
-                                 "TableRewrite ",      "TableRewrite(",
-                                 "AppendLine(",        "RemoveQuietly(",
-                                 "CreateTable(",       "->Rename(",
-                                 "->Remove(",          "->RemoveFolder(",
-                                 "->WriteAt(",         ".WriteAt(",
-                                 "DBFEdit links",      "Access::Create",
-                                 "Access::ReadWrite"};
+    constexpr std::array Ways = {
+        "SafeFile file(",        "SafeFile text(",  "SafeFile bitmap(", "SafeFile about(", "SafeFile target(",
+        "make_unique<SafeFile>", "WriteWholeFile(", "CopyOver(",        "TableRewrite ",   "TableRewrite(",
+        "AppendLine(",           "RemoveQuietly(",  "CreateTable(",     "->Rename(",       "->Remove(",
+        "->RemoveFolder(",       "->WriteAt(",      ".WriteAt(",        "DBFEdit links",   "Access::Create",
+        "Access::ReadWrite"};
     return std::any_of(Ways.begin(), Ways.end(),
                        [&](const char* way) { return source.find(way) != std::string::npos; });
 }
@@ -131,14 +126,16 @@ std::vector<std::string> FaultsOf(const std::string& document, const std::string
 
     std::set<std::string> unnamed = jobs;
     for (const auto& row : Rows(text.substr(begin, end - begin))) {
-        if (unnamed.erase(row.front()) == 0) faults.push_back("the results have a row too many: " + row.front());
+        if (unnamed.erase(row.front()) == 0)
+            faults.push_back("the results have a row too many: " + row.front());
     }
     for (const std::string& job : unnamed) faults.push_back("the results lack the job: " + job);
 
     std::set<std::string> writing = WritingSources(sources);
     unnamed = jobs;
     for (const auto& row : Rows(text.substr(0, begin))) {
-        if (writing.erase(row.front()) == 0) faults.push_back(row.front() + " writes no file, or stands there twice");
+        if (writing.erase(row.front()) == 0)
+            faults.push_back(row.front() + " writes no file, or stands there twice");
         if (row.back().starts_with(NoJob)) continue;
         std::istringstream named(row.back());
         for (std::string job; std::getline(named, job, ';');) {

@@ -63,6 +63,9 @@ void PrepareUser() {
     MakePath(HotSyncFolder() + "ANNA/Install");
     WriteWholeFile(Global.AppPath + WaitsForAnna, "for her handheld");
     WriteWholeFile(HotSyncFolder() + "Users.txt", "7\tANNA\tnever\tcomplete\r\n8\tBEN\tnever\tcomplete\r\n");
+    HotSyncUsers users(HotSyncFolder());
+    users.Load();
+    users.Synced(8, Now(), true); // the file as it is written
 }
 
 std::string RenameUser() {
@@ -147,7 +150,8 @@ public:
 
 void PrepareInstall() {
     PrepareUser();
-    for (const std::string& file : FilesOf(InstallKind::Program)) WriteWholeFile(Global.InstallPath + file, file);
+    for (const std::string& file : FilesOf(InstallKind::Program))
+        WriteWholeFile(Global.InstallPath + file, file);
 }
 
 std::string QueueInstall() {
@@ -162,7 +166,8 @@ std::string JudgeInstall() {
     const std::string folder = InstallFolder(HotSyncFolder(), "ANNA");
     if (FileExists(InstallMark(folder))) return "the manager's mark lies about";
     const std::size_t waiting = FilesWithExtension(folder, "").size();
-    return waiting == 0 || waiting == FilesOf(InstallKind::Live).size() || FileExists(Global.AppPath + WaitsForAnna)
+    return waiting == 0 || waiting == FilesOf(InstallKind::Live).size() ||
+                   FileExists(Global.AppPath + WaitsForAnna)
                ? ""
                : "half an install waits for the handheld";
 }
@@ -188,7 +193,7 @@ std::string JudgeTakenBack() {
 
 /// Beside the office: the sweep is over the office's files.
 std::string FolderOfHandheld() {
-    return Global.AppPath + "../handheld/";
+    return std::filesystem::path(Global.AppPath).parent_path().replace_filename("handheld/").string();
 }
 
 void PrepareTransfer() {
@@ -261,7 +266,8 @@ std::vector<SweepJob> HotSyncJobs() {
     const std::string mark = "Install/InstallBegun.txt";
     const std::string managersMark = "HotSync/ANNA/InstallBegun.txt";
     std::vector<std::string> install = {WaitsForAnna, mark, managersMark};
-    for (const std::string& file : FilesOf(InstallKind::Live)) install.push_back("HotSync/ANNA/Install/" + file);
+    for (const std::string& file : FilesOf(InstallKind::Live))
+        install.push_back("HotSync/ANNA/Install/" + file);
     install.insert(install.end(), {managersMark, mark});
     return {
         {"HotSync users", {"HotSync/Users.txt"}, PrepareHotSyncUsers, EndHotSyncSession},

@@ -31,7 +31,8 @@ bool IsIn(const std::string& path, const std::string& folder) {
 }
 
 bool HoldsSomething(const OfficeFiles& files, const std::string& folder) {
-    return std::any_of(files.begin(), files.end(), [&](const auto& file) { return IsIn(file.first, folder); });
+    return std::any_of(files.begin(), files.end(),
+                       [&](const auto& file) { return IsIn(file.first, folder); });
 }
 
 /// Gives a folder another name.

@@ -38,9 +38,15 @@ std::string WriteResults(std::int32_t warnings) {
 
 std::string SaveProblems() {
     const auto words = [](std::string_view text) { return Text::Value(text); };
-    SaveReport(Global.DataOutPath + "Quality Check 2026-11-15.csv",
-               {{Severity::Warn, words("Customers"), words("A blank value"), words("Records: 1"),
-                 words("Fill it in"), Table("ZUKCust.dbf"), "1", "C_SEARCH", {}}});
+    SaveReport(Global.DataOutPath + "Quality Check 2026-11-15.csv", {{Severity::Warn,
+                                                                      words("Customers"),
+                                                                      words("A blank value"),
+                                                                      words("Records: 1"),
+                                                                      words("Fill it in"),
+                                                                      Table("ZUKCust.dbf"),
+                                                                      "1",
+                                                                      "C_SEARCH",
+                                                                      {}}});
     return {};
 }
 
@@ -70,10 +76,7 @@ std::string InformSupport() {
 std::vector<SweepJob> ScreenJobs() {
     return {
         {"note", {"DBFFiles/Notes.dat"}, PrepareNotes, ResolveNote},
-        {"results of the checks",
-         {"QCResults.dat"},
-         [] { WriteResults(7); },
-         [] { return WriteResults(0); }},
+        {"results of the checks", {"QCResults.dat"}, [] { WriteResults(7); }, [] { return WriteResults(0); }},
         {"report of the Quality Check", {"DataOut/Quality Check 2026-11-15.csv"}, [] {}, SaveProblems},
         {.Name = "table of the signed orders",
          .Steps = {"DBFFiles/SIGN.DBF"},

@@ -109,12 +109,12 @@ std::string JudgeMerge() {
     return {};
 }
 
-/// What the handheld has sent lies in the tables, and nothing has been merged yet.
+/// The headers have come from the handheld, nothing else, and nothing has been merged yet.
 void PrepareRecovery() {
     PrepareMerge();
     Global.UploadSelect = Selection(true);
     MakeSafetyCopies(SafetyCopies::OfSession);
-    for (const char* table : SentTables) CopyOver(Sent(table), Table(table));
+    CopyOver(Sent(SentTables[0]), Table(SentTables[0]));
 }
 
 std::string RecoverUpload() {
@@ -125,7 +125,8 @@ std::string RecoverUpload() {
 // ---- images ----
 
 void PrepareImages() {
-    for (const char* order : {"A1", "B2"}) WriteWholeFile(Global.ImagesPath + order, "BM of " + std::string(order));
+    for (const char* order : {"A1", "B2"})
+        WriteWholeFile(Global.ImagesPath + order, "BM of " + std::string(order));
 }
 
 std::string GiveImagesTheirNames() {
@@ -203,9 +204,9 @@ std::vector<SweepJob> SyncJobs() {
     merge.insert(merge.end(), copies.begin(), copies.end());
 
     // A table after the other, and its copy as soon as it is settled.
-    const std::vector<std::string> recovery = {
-        headerText,      headers,         headerText,      copyOf("OrHdr"), lineText, lines,          lineText,
-        copyOf("OrLin"), copyOf("AudtH"), copyOf("AudtL"), copyOf("AudHH"), mark,     copyOf("BarIn")};
+    std::vector<std::string> recovery = {headerText, headers, headerText};
+    for (const char* name : {"OrHdr", "OrLin", "AudtH", "AudtL", "AudHH"}) recovery.push_back(copyOf(name));
+    recovery.insert(recovery.end(), {mark, copyOf("BarIn")});
 
     return {
         {.Name = "merge",
@@ -221,10 +222,7 @@ std::vector<SweepJob> SyncJobs() {
          .JudgeStarted = JudgeMerge},
         {"status", {"Install/HSStatus.dat"}, PrepareStatus, WriteStatus},
         {"deletion of a link", {links}, PrepareLinks, DeleteLink},
-        {"links sorted, status anew",
-         {links, "Install/HSStatus.dat"},
-         PrepareLinks,
-         SortLinksAndResetStatus},
+        {"links sorted, status anew", {links, "Install/HSStatus.dat"}, PrepareLinks, SortLinksAndResetStatus},
         {"unattended settings",
          {"Templates/UnattendedHotsync/evening.uhs"},
          [] { SaveUA(UnattendedFile(), {}); },
