@@ -73,7 +73,8 @@ HandheldInstall::HandheldInstall(SFrmAX40& control, std::string managerFolder, s
 
 HandheldInstall::~HandheldInstall() {
     if (!begun_.empty()) RemoveQuietly(begun_);
-    RemoveQuietly(MarkPath());
+    // Where the manager's stays, the next start has to know: it would keep every install from the user.
+    if (begun_.empty() || !FileExists(begun_)) RemoveQuietly(MarkPath());
 }
 
 void HandheldInstall::Begin(InstallKind kind) {
@@ -240,7 +241,9 @@ std::optional<std::string> TakeBackInstall(std::string_view managerFolder) {
         const std::string folder = InstallFolder(managerFolder, user);
         waits = !FilesWithExtension(folder, "").empty();
         if (waits) ClearHSInstallDir(managerFolder, user);
-        RemoveQuietly(InstallMark(folder));
+        // What could not be removed is known as long as the marks stand; the next start tries again.
+        if (!FilesWithExtension(folder, "").empty()) throw RunTimeFailure(75, folder);
+        Global.TheDisk->Remove(ResolvePath(InstallMark(folder)));
     } catch (const RunTimeFailure& failure) {
         if (failure.Number() != 52) throw; // a mark that names no user has nothing to take back
     }

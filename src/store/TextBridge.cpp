@@ -10,6 +10,8 @@
 #include "store/TableScan.h"
 
 #include <algorithm>
+#include <numeric>
+#include <unordered_map>
 
 namespace {
 
@@ -71,6 +73,16 @@ std::vector<Match> MatchesOf(const BridgeFields& old, const TableLayout& structu
             oldIsOuter ? look(i, j) : look(j, i);
     }
     return matches;
+}
+
+/// The fields of the current record as the bridge appends them to a table of this layout.
+std::string Bridged(const TableScan& scan, const TableLayout& layout, const std::vector<int>& places) {
+    std::string fields(static_cast<std::size_t>(layout.FieldBytes()), ' ');
+    std::string line;
+    MakeLine(scan, line);
+    EachValue(line, places.size(),
+              [&](std::size_t k, std::string_view value) { layout.Fit(places[k], value, fields); });
+    return fields;
 }
 
 std::int64_t CountLines(std::string_view text) {
@@ -162,25 +174,29 @@ bool HaveSameFields(const TableLayout& a, const TableLayout& b) {
     return true;
 }
 
-bool EndsWithBridged(std::string_view target, std::string_view source) {
+bool HoldsBridged(std::string_view target, std::string_view source) {
     TableScan old(source);
     TableScan table(target);
-    const TableLayout& layout = table.Layout();
     if (old.RecordCount() == 0) return true;
     if (table.RecordCount() < old.RecordCount()) return false;
-    while (table.RecordNumber() < table.RecordCount() - old.RecordCount()) table.Next();
 
+    const TableLayout& layout = table.Layout();
+    std::unordered_map<std::string, std::int32_t> missing;
     const std::vector<int> places = PlacesIn(layout, FieldsOf(old.Layout()));
-    std::string line;
-    std::string fields;
-    const auto fit = [&](std::size_t k, std::string_view value) { layout.Fit(places[k], value, fields); };
-    while (old.Next() && table.Next()) {
-        fields.assign(static_cast<std::size_t>(layout.FieldBytes()), ' ');
-        MakeLine(old, line);
-        EachValue(line, places.size(), fit);
-        if (fields != table.Fields()) return false;
+    while (old.Next()) ++missing[Bridged(old, layout, places)];
+    const auto found = [&](const std::string& fields) {
+        const auto record = missing.find(fields);
+        if (record == missing.end()) return false;
+        if (--record->second == 0) missing.erase(record);
+        return true;
+    };
+    std::vector<int> own(static_cast<std::size_t>(layout.FieldCount()));
+    std::iota(own.begin(), own.end(), 1);
+    while (!missing.empty() && table.Next()) {
+        // One that was never replaced still has its values as they were, with blanks before them.
+        if (!found(std::string(table.Fields()))) found(Bridged(table, layout, own));
     }
-    return true;
+    return missing.empty();
 }
 
 bool HoldTheSame(std::string_view table, std::string_view other) {

@@ -46,10 +46,11 @@ void TextToNewDBF(std::string_view target, const TableLayout& structure, const B
 /// Whether two tables have the same fields, so that a record of one is one of the other byte by byte.
 bool HaveSameFields(const TableLayout& a, const TableLayout& b);
 
-/// Whether a table ends with all records of another as the bridge appends them: TextToDBF behind DBFtoText
-/// has been done already. Always so when the source has no record. RunTimeFailure as TableScan and
-/// TableLayout::Find.
-bool EndsWithBridged(std::string_view target, std::string_view source);
+/// Whether a table holds all records of another as the bridge appends them, each as often as there, in
+/// whatever order: TextToDBF behind DBFtoText has been done already, also when the table was sorted since, or
+/// would add nothing new. Marks of deletion make no difference. Always so when the source has no record. The
+/// source's records are in memory meanwhile. RunTimeFailure as TableScan and TableLayout::Find.
+bool HoldsBridged(std::string_view target, std::string_view source);
 
 /// Whether two tables have the same fields and the same records, marks of deletion included. RunTimeFailure
 /// as TableScan.

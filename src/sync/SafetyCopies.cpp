@@ -52,7 +52,7 @@ bool IsNeededStill(std::string_view copy) {
 }
 
 bool WasReplacedAndNotMerged(const std::string& table, const std::string& copy) {
-    return !HoldTheSame(table, copy) && !EndsWithBridged(table, copy);
+    return !HoldTheSame(table, copy) && !HoldsBridged(table, copy);
 }
 
 /// Takes a step, and keeps the first failure for the end.

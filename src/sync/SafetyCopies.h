@@ -77,11 +77,11 @@ struct RecoveredTable {
 
 /// Where the mark is found: merges each copy of orders, audits and handheld totals whose table was replaced
 /// by an upload and not merged yet, then deletes all copies of a session, and the mark. A table that is as it
-/// was, or that ends with the copy's records as a merge writes them, stays as it is; so does the barcode
-/// index, which no handheld sends. To be called when no session can run: at the start, with a trace line.
-/// Returns the tables whose old records were put back. RunTimeFailure as the merge, also for a table that
-/// cannot be read: the others are done, and the copies of those that failed stay for the next call, with the
-/// mark.
+/// was, or that holds the copy's records as a merge writes them, in whatever order, stays as it is: nothing
+/// is lost then, and a merge would double them. So does the barcode index, which no handheld sends. To be
+/// called when no session can run: at the start, with a trace line. Returns the tables whose old records were
+/// put back. RunTimeFailure as the merge, also for a table that cannot be read: the others are done, and the
+/// copies of those that failed stay for the next call, with the mark.
 std::vector<RecoveredTable> RecoverSafetyCopies();
 
 /// To be called before any of these tables, by path or file name, is replaced: where one has a copy that

@@ -3,6 +3,7 @@
 #include "core/Failure.h"
 
 #include <algorithm>
+#include <set>
 
 namespace {
 
@@ -56,9 +57,24 @@ std::unique_ptr<DiskFile> MemoryDisk::Open(const std::string& path, Access acces
     return std::make_unique<MemoryFile>(file->second);
 }
 
-std::vector<std::string> MemoryDisk::FilesIn(const std::string& folder) {
+std::string MemoryDisk::PrefixOf(const std::string& folder) {
     std::string prefix = Key(folder);
-    if (!prefix.ends_with('/')) prefix += '/';
+    return prefix.ends_with('/') ? prefix : prefix + '/';
+}
+
+std::vector<std::string> MemoryDisk::FoldersIn(const std::string& folder) {
+    const std::string prefix = PrefixOf(folder);
+    std::set<std::string> names;
+    for (const auto& [path, content] : files_) {
+        const std::size_t end = path.find('/', prefix.size());
+        if (path.starts_with(prefix) && end != std::string::npos)
+            names.insert(path.substr(prefix.size(), end - prefix.size()));
+    }
+    return {names.begin(), names.end()};
+}
+
+std::vector<std::string> MemoryDisk::FilesIn(const std::string& folder) {
+    const std::string prefix = PrefixOf(folder);
     std::vector<std::string> names;
     for (const auto& [path, content] : files_) {
         if (path.starts_with(prefix) && path.find('/', prefix.size()) == std::string::npos)

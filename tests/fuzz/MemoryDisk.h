@@ -25,7 +25,7 @@ public:
     bool IsFile(const std::string& path) override { return files_.contains(Key(path)); }
     bool IsFolder(const std::string& path) override { return Key(path).ends_with('/'); }
     std::vector<std::string> FilesIn(const std::string& folder) override;
-    std::vector<std::string> FoldersIn(const std::string&) override { return {}; }
+    std::vector<std::string> FoldersIn(const std::string& folder) override;
     bool LockedByAnother(const std::string&) override { return false; }
 
     std::size_t FileCount() const { return files_.size(); }
@@ -33,6 +33,7 @@ public:
 private:
     /// A path with one kind of separator, whatever the platform's own is.
     static std::string Key(std::string path);
+    static std::string PrefixOf(const std::string& folder);
 
     std::map<std::string, std::shared_ptr<std::string>> files_;
 };

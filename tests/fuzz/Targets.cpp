@@ -1,12 +1,10 @@
 #include "fuzz/Targets.h"
 
-#include "core/Catalogue.h"
 #include "core/CodePage.h"
 #include "core/Failure.h"
 #include "core/Globals.h"
 #include "core/Paths.h"
 #include "core/Progress.h"
-#include "core/Settings.h"
 #include "core/TextCompare.h"
 #include "exchange/Activity.h"
 #include "exchange/Export.h"
@@ -19,11 +17,11 @@
 #include "exchange/LineSplitter.h"
 #include "exchange/OrderTables.h"
 #include "fuzz/MemoryDisk.h"
+#include "fuzz/OfficeTargets.h"
 #include "fuzz/PalmTargets.h"
 #include "hotsync/HotSyncUsers.h"
 #include "hotsync/ListeningAddress.h"
 #include "hotsync/ManagerSettings.h"
-#include "maintenance/RtfText.h"
 #include "quality/CheckResults.h"
 #include "quality/ReportCsv.h"
 #include "quality/ReportGrid.h"
@@ -38,9 +36,7 @@
 #include "store/TextBridge.h"
 #include "sync/Conduits.h"
 #include "sync/ManagerMessage.h"
-#include "sync/Status.h"
 #include "sync/UnattendedSettings.h"
-#include "tools/Notes.h"
 
 #include <algorithm>
 #include <array>
@@ -335,7 +331,7 @@ void TextBridge(std::string_view bytes) {
     } else if (spoilt != Names[2]) {
         const TableScan old(source);
         Require(TableScan(target).RecordCount() == records + old.RecordCount(), "no record is lost or made");
-        Require(EndsWithBridged(target, source), "what was merged is known again");
+        Require(HoldsBridged(target, source), "what was merged is known again");
     }
     Require(!outside.Disk.IsFile(target + ".zuk~") && !outside.Disk.IsFile(text + ".zuk~"),
             "no work file is left");
@@ -523,70 +519,6 @@ void Unattended(std::string_view bytes) {
     });
 }
 
-// ---- other files of the office ----
-
-void SettingsFile(std::string_view bytes) {
-    Outside outside(bytes, "/fuzz/ZUKTramble.ini");
-    Global.IniFile = outside.File;
-    Attempt([&] {
-        GetIniFile();
-        UpdateIniFile();
-        const std::string written = outside.Disk.Content(outside.File);
-        GetIniFile();
-        UpdateIniFile();
-        Require(outside.Disk.Content(outside.File) == written, "settings that are written stay as they are");
-    });
-}
-
-void StatusFile(std::string_view bytes) {
-    Outside outside(bytes, "/fuzz/HSStatus.dat");
-    Global.InstallPath = "/fuzz/";
-    Attempt([&] {
-        GetHHStatus();
-        const auto ids = Global.HHSyncID;
-        const auto statuses = Global.HHStatus;
-        UpdateHHStatus();
-        GetHHStatus();
-        Require(Global.HHSyncID.size() == ids.size(), "a handheld is a line");
-        Require(Global.HHStatus.size() == statuses.size(), "and has one status");
-    });
-}
-
-void NotesDat(std::string_view bytes) {
-    Outside outside(bytes, "/fuzz/Notes.dat");
-    Global.DBFPath = "/fuzz/";
-    Attempt([&] {
-        const NotesFile file = ReadNotes();
-        NotesGrid(file.Notes);
-        if (file.Notes.empty()) return;
-        const Note last = file.Notes.back();
-        NoteMoment(last);
-        WriteNote(last);
-        const Note again = ReadNote(last.Number);
-        Require(again.Issue == last.Issue && again.Resolution == last.Resolution,
-                "a note that is written is read as it was");
-        Require(NoteRecord(again).size() == NoteLength, "a note has the length of a note");
-    });
-}
-
-void RichText(std::string_view bytes) {
-    std::size_t size = 0;
-    for (const RtfRun& run : ReadRtf(bytes)) size += run.Utf8.size();
-    Require(size <= 3 * bytes.size(), "a text does not grow but by its encoding");
-}
-
-/// Texts that take the place of those that are built in.
-void MessagesFile(std::string_view bytes) {
-    const Outside outside(bytes, "/fuzz/Messages.tsv");
-    Attempt([&] {
-        LoadMessages(outside.File);
-        for (const auto& [number, replacement] : Global.Replacements) {
-            Require(CatalogueHas({number}), "only what there is can be replaced");
-            Require(CatalogueCaption({number}).size() >= replacement.Words.size(), "a caption is the text");
-        }
-    });
-}
-
 // ---- the HotSync Manager ----
 
 void HotSyncUsersFile(std::string_view bytes) {
@@ -726,11 +658,6 @@ constexpr std::array Targets = {
     FuzzTarget{"export-templates", ExportTemplates},
     FuzzTarget{"activities", Activities},
     FuzzTarget{"unattended", Unattended},
-    FuzzTarget{"settings", SettingsFile},
-    FuzzTarget{"status", StatusFile},
-    FuzzTarget{"notes", NotesDat},
-    FuzzTarget{"rich-text", RichText},
-    FuzzTarget{"messages", MessagesFile},
     FuzzTarget{"hotsync-users", HotSyncUsersFile},
     FuzzTarget{"hotsync-settings", HotSyncSettingsFile},
     FuzzTarget{"check-results", CheckResultsFile},
@@ -742,6 +669,19 @@ constexpr std::array Targets = {
     FuzzTarget{"handheld-session", FuzzHandheldSession},
     FuzzTarget{"manager-messages", ManagerMessages},
     FuzzTarget{"conduits", ConduitsFile},
+    FuzzTarget{"settings", FuzzSettings},
+    FuzzTarget{"status", FuzzStatus},
+    FuzzTarget{"notes", FuzzNotes},
+    FuzzTarget{"messages", FuzzMessages},
+    FuzzTarget{"support-desk", FuzzSupportDesk},
+    FuzzTarget{"backups", FuzzBackups},
+    FuzzTarget{"unfinished-jobs", FuzzUnfinishedJobs},
+    FuzzTarget{"install-mark", FuzzInstallMark},
+    FuzzTarget{"selections", FuzzSelections},
+    FuzzTarget{"hotsync-log", FuzzHotSyncLog},
+    FuzzTarget{"handheld-file", FuzzHandheldFile},
+    FuzzTarget{"update-text", FuzzUpdateText},
+    FuzzTarget{"file-version", FuzzFileVersion},
 };
 
 } // namespace

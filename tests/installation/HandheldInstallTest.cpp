@@ -3,6 +3,7 @@
 #include "core/Messages.h"
 #include "installation/InstallTest.h"
 #include "support/Fails.h"
+#include "support/RefusingDisk.h"
 
 #include <filesystem>
 
@@ -124,6 +125,48 @@ TEST_F(DemoInstall, WhatAKilledProgramHadQueuedIsTakenBackByTheNextStartAndItsUs
 
     EXPECT_EQ(Waiting(), Strings());
     EXPECT_EQ(TakeBackInstall(Control.ManagerFolder), std::nullopt) << "once";
+}
+
+TEST_F(DemoInstall, WhatCannotBeTakenBackKeepsItsMarksUntilAStartHasRemovedIt) {
+    struct KeepingDisk final : PassingDisk {
+        bool Remove(const std::string& path) override {
+            if (path.ends_with("Tramble.prc")) throw RunTimeFailure(75, path);
+            return PassingDisk::Remove(path);
+        }
+    } disk;
+    Install.Begin(InstallKind::Demo);
+    Global.TheDisk = &disk;
+
+    EXPECT_EQ(FailureNumber([&] { TakeBackInstall(Control.ManagerFolder); }), 75);
+    EXPECT_EQ(Waiting(), Strings{"Tramble.prc"});
+    EXPECT_TRUE(Exists(InstallMark(FolderOfAnna())));
+
+    Global.TheDisk = &NativeDisk();
+    EXPECT_EQ(TakeBackInstall(Control.ManagerFolder), "Anna");
+    EXPECT_EQ(Waiting(), Strings());
+    EXPECT_FALSE(Exists(InstallMark(FolderOfAnna())));
+}
+
+TEST_F(DemoInstall, AManagersMarkThatCannotBeRemovedIsRemovedByTheNextStart) {
+    const std::string mark = InstallMark(FolderOfAnna());
+    struct KeepingDisk final : PassingDisk {
+        bool Remove(const std::string& path) override {
+            if (path == Kept) throw RunTimeFailure(75, path);
+            return PassingDisk::Remove(path);
+        }
+        std::string Kept;
+    } disk;
+    disk.Kept = mark;
+    Global.TheDisk = &disk;
+    { HandheldInstall(Control, Control.ManagerFolder, "Anna", "1.0.0").Begin(InstallKind::Demo); }
+    EXPECT_EQ(FailureNumber([&] { TakeBackInstall(Control.ManagerFolder); }), 75);
+    ASSERT_TRUE(Exists(mark));
+
+    Global.TheDisk = &NativeDisk();
+    TakeBackInstall(Control.ManagerFolder);
+
+    EXPECT_FALSE(Exists(mark));
+    EXPECT_FALSE(FileExists(Global.InstallPath + "InstallBegun.txt"));
 }
 
 TEST_F(DemoInstall, AStartTakesBackNothingOfWhatNoInstallHasQueued) {

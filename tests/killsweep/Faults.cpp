@@ -7,7 +7,8 @@
 //   KILLSWEEP_LOG     a folder outside the first one for what the library has to tell
 //
 // `watch` breaks nothing. It writes a line for each counted call into LOG/calls, and before a
-// rename keeps the renamed file's content as LOG/<number of the call>. The others make the file
+// rename keeps the renamed file's content as LOG/<number of the call>, unless it is a folder, and its
+// path as the link LOG/<number of the call>.from. The others make the file
 // LOG/struck when the n-th call has come: `before` kills the process before the call, `within` after
 // half of the bytes of a write or directly after any other call, `full` writes half of the bytes and
 // has the disk full from then on, `error` fails the one call with EIO.
@@ -139,7 +140,8 @@ public:
     void KeepBeforeRename(const std::string& from, const std::string& to) const {
         if (mode_ != Mode::Watch || !Covers(to)) return;
         const std::string kept = log_ + std::to_string(calls_ + 1);
-        syscall(SYS_linkat, AT_FDCWD, from.c_str(), AT_FDCWD, kept.c_str(), 0);
+        syscall(SYS_symlinkat, from.c_str(), AT_FDCWD, (kept + ".from").c_str());
+        syscall(SYS_linkat, AT_FDCWD, from.c_str(), AT_FDCWD, kept.c_str(), 0); // fails for a folder
     }
 
 private:

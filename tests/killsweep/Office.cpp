@@ -4,9 +4,11 @@
 
 #include "core/SafeFile.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
+#include <utility>
 #include <vector>
 
 namespace fs = std::filesystem;
@@ -22,6 +24,24 @@ std::string ContentOf(const fs::path& path) {
 
 bool IsFolder(const std::string& path) {
     return path.ends_with('/');
+}
+
+bool IsIn(const std::string& path, const std::string& folder) {
+    return path.starts_with(folder) && path != folder;
+}
+
+bool HoldsSomething(const OfficeFiles& files, const std::string& folder) {
+    return std::any_of(files.begin(), files.end(),
+                       [&](const auto& file) { return IsIn(file.first, folder); });
+}
+
+/// Gives a folder another name.
+void Move(OfficeFiles& files, const std::string& from, const std::string& to) {
+    OfficeFiles moved;
+    for (const auto& [path, content] : files) {
+        moved[path.starts_with(from) ? to + path.substr(from.size()) : path] = content;
+    }
+    files = std::move(moved);
 }
 
 } // namespace
@@ -84,14 +104,20 @@ OfficeHistory::OfficeHistory(const OfficeFiles& before, const OfficeFiles& after
             traces_.insert(ContentOf(log + number));
             continue;
         }
-        if (call == "rename")
-            state[path] = ContentOf(log + number);
-        else if (call == "mkdir")
+        if (call == "rename") {
+            const std::string from = fs::read_symlink(log + number + ".from").string().substr(office.size());
+            if (fs::exists(log + number)) {
+                state[path] = ContentOf(log + number);
+                state.erase(from);
+            } else {
+                Move(state, from + "/", path += "/");
+            }
+        } else if (call == "mkdir")
             state[path += "/"];
         else if (call == "unlink")
             state.erase(path);
-        else if (call == "rmdir")
-            state.erase(path += "/");
+        else if (call == "rmdir" && !HoldsSomething(state, path += "/"))
+            state.erase(path);
         // Nothing is removed that was not there.
         if (call == "rename" || state != states_.back()) Step(path, state);
     }

@@ -212,13 +212,13 @@ private:
         // A file that could not be removed may stay: the next start has it, or a job's own judge.
         const bool removal = TextOf(tools_.Log + "struck").starts_with("unlink");
         const bool mayStay = removal && job_.JudgeStarted;
-        if (fine && !mayStay && !AllNew(Judged(left, false)))
+        if (fine && !mayStay && !job_.IsQuiet && !AllNew(Judged(left, false)))
             Complain("said that all went well, and it did not");
         if (!fine) ++findings_.ByFault[fault_].Told;
         if (!fine && TextOf(tools_.Log + "said").empty()) Complain("told of a failure without a word");
         OfficeFiles files = Judged(left, false);
         files.erase(job_.Mark);
-        JudgeFiles(files, false);
+        JudgeFiles(std::move(files), false);
         for (const auto& [path, content] : left) {
             if (IsWorkFile(path) && !removal) Complain(path + " was left by a process that lived");
         }
@@ -226,22 +226,25 @@ private:
         if (trace == left.end() || !IsWholeTrace(trace->second)) Complain("the trace is hurt");
     }
 
-    void JudgeFiles(const OfficeFiles& files, bool inOrder) {
+    void JudgeFiles(OfficeFiles files, bool inOrder) {
+        if (const auto written = files.find(job_.InPlace); written != files.end())
+            written->second = before_.at(job_.InPlace);
         const std::string hurt = history_.FirstHurt(files);
         if (!hurt.empty()) return Complain(hurt);
         if (inOrder && history_.StepsTaken(files) < 0) Complain("its files changed in another order");
     }
 
-    /// Starts the office and returns what then lies in it.
+    /// Starts the office, judges it, and returns what then lies in it.
     OfficeFiles JudgeStarted(const OfficeFiles& left, bool inOrder, bool counts) {
         Start();
-        const OfficeFiles now = FilesOf(tools_.Office);
+        OfficeFiles now = FilesOf(tools_.Office);
         OfficeFiles files = Judged(now, true);
-        if (job_.IsStart) {
+        if (job_.JudgeStarted) {
+            Judge();
+            now = FilesOf(tools_.Office); // it may have gone on
+        } else if (job_.IsStart) {
             if (!AllNew(files)) Complain("the next start did not complete it");
             files = Judged(left, false);
-        } else if (job_.JudgeStarted) {
-            Judge();
         } else {
             JudgeFiles(files, inOrder);
             if (files != Judged(left, false)) Complain("the next start changed a file");
@@ -277,7 +280,7 @@ SweepFindings Sweep(const SweepJob& job, const SweepTools& tools, Share share) {
 int RunJob(const SweepJob& job, const std::string& office) {
     std::string told;
     try {
-        if (job.IsStart) {
+        if (job.Run == nullptr) {
             StartOffice(office);
         } else {
             OpenOffice(office);

@@ -4,8 +4,12 @@
 //                         when nothing was hurt
 //   killsweep share K N   all jobs, but of each only the calls K, K + N, K + 2N ... of 1, 2, 3 ...
 //   killsweep harm        jobs that do harm; ends in 0 only when each of them was found out
+//   killsweep table       all jobs; writes the table of docs/kill-sweep.md
+//   killsweep listed      sweeps nothing; ends in 0 when docs/kill-sweep.md names each job and each source
+//                         file that writes files
 
 #include "core/Failure.h"
+#include "killsweep/Document.h"
 #include "killsweep/Sweep.h"
 #include "maintenance/Office.h"
 
@@ -112,22 +116,43 @@ bool IsAskedFor(const SweepJob& job, const std::vector<std::string>& names) {
                                         [&](const std::string& name) { return job.Name.starts_with(name); });
 }
 
-int SweepOffice(const std::vector<std::string>& names, Share share = {}) {
+/// Prints a table; `results` gets what it is made of.
+int SweepOffice(const std::vector<std::string>& names, Share share, SweepResults& results) {
     const Place place;
     int runs = 0;
-    int swept = 0;
     std::size_t hurt = 0;
     PrintHead();
     for (const SweepJob& job : SweepJobs()) {
         if (!job.Harm.empty() || !IsAskedFor(job, names)) continue;
-        const SweepFindings findings = Sweep(job, place.Tools(), share);
+        results.emplace_back(&job, Sweep(job, place.Tools(), share));
+        const SweepFindings& findings = results.back().second;
         Print(job, findings);
-        ++swept;
         hurt += findings.Complaints.size();
         for (const FaultFindings& found : findings.ByFault) runs += found.Old + found.Part + found.New;
     }
-    std::cout << runs << " runs of " << swept << " jobs, " << hurt << " complaints\n";
-    return hurt == 0 && swept > 0 ? 0 : 1;
+    std::cout << runs << " runs of " << results.size() << " jobs, " << hurt << " complaints\n";
+    return hurt == 0 && !results.empty() ? 0 : 1;
+}
+
+int SweepOffice(const std::vector<std::string>& names, Share share = {}) {
+    SweepResults results;
+    return SweepOffice(names, share, results);
+}
+
+const std::string Source = KILLSWEEP_SOURCE "/";
+const std::string Document = Source + "docs/kill-sweep.md";
+
+int SweepForTheDocument() {
+    SweepResults results;
+    const int outcome = SweepOffice({}, {}, results);
+    WriteResults(Document, results);
+    return outcome;
+}
+
+int CheckTheDocument() {
+    const std::vector<std::string> faults = FaultsOf(Document, Source + "src/");
+    for (const std::string& fault : faults) std::cout << fault << "\n";
+    return faults.empty() ? 0 : 1;
 }
 
 /// Share `first` of `of`, from 1. RunTimeFailure 5 for what is none.
@@ -167,6 +192,8 @@ int main(int argc, char** argv) {
     try {
         if (words.size() == 3 && words[0] == "job") return RunOneJob(words[1], words[2]);
         if (words.size() == 1 && words[0] == "harm") return SweepHarm();
+        if (words.size() == 1 && words[0] == "table") return SweepForTheDocument();
+        if (words.size() == 1 && words[0] == "listed") return CheckTheDocument();
         if (words.size() == 3 && words[0] == "share") return SweepOffice({}, ShareOf(words[1], words[2]));
         return SweepOffice(words);
     } catch (const std::exception& failure) {

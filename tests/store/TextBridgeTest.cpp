@@ -114,7 +114,7 @@ TEST_P(RandomBridges, LeaveTheTextTheTableAndTheTraceThatTheStepsLeave) {
         ASSERT_EQ(Bytes(target), expected);
         ASSERT_EQ(TableTrace(), expectedTrace);
         ASSERT_EQ(Global.Files.Count(), 0);
-        ASSERT_TRUE(EndsWithBridged(target, source));
+        ASSERT_TRUE(HoldsBridged(target, source));
     }
 }
 
@@ -328,7 +328,7 @@ TEST_F(TextBridgeTest, WhereverTheDiskFailsTheTableIsTheOldOneOrTheMergedOne) {
         Global.TheDisk = &disk;
         failed = FailureNumber([&] { Bridge(); }) != 0;
         Global.TheDisk = &NativeDisk();
-        const bool merged = EndsWithBridged(Path(New), Path(Old));
+        const bool merged = HoldsBridged(Path(New), Path(Old));
 
         EXPECT_TRUE(failed ? merged || Bytes(Path(New)) == before : merged) << failAt;
         EXPECT_EQ(Global.Files.Count(), 0);
@@ -354,31 +354,52 @@ TEST_F(TextBridgeTest, TheBarGoesFromTheFirstLineToTheLast) {
 
 // ---- has it been done already? ----
 
-TEST_F(TextBridgeTest, ATableThatWasMergedEndsWithTheOldRecordsAsTheBridgeWritesThem) {
+TEST_F(TextBridgeTest, ATableThatWasMergedHoldsTheOldRecordsAsTheBridgeWritesThem) {
     // Trimmed, converted, cut, and a field less.
     GivenTable(Old, {{"CODE", 'C', 6}, {"QTY", 'C', 4}, {"GONE", 'C', 2}}, {{"  long1", "many", "x"}});
     GivenTable(New, {{"CODE", 'C', 4}, {"QTY", 'N', 4}, {"MORE", 'C', 1}}, {{"N1", "1", "y"}});
-    EXPECT_FALSE(EndsWithBridged(Path(New), Path(Old)));
+    EXPECT_FALSE(HoldsBridged(Path(New), Path(Old)));
 
     Bridge();
 
-    EXPECT_TRUE(EndsWithBridged(Path(New), Path(Old)));
+    EXPECT_TRUE(HoldsBridged(Path(New), Path(Old)));
 }
 
-TEST_F(TextBridgeTest, ATableThatIsShorterOrEndsInOtherRecordsWasNotMerged) {
-    GivenTable(Old, {{"CODE", 'C', 2}}, {{"O1"}, {"O2"}});
-    for (const std::vector<Values>& rows :
-         {std::vector<Values>{}, {{"O2"}}, {{"O1"}, {"O2"}, {"N1"}}, {{"O2"}, {"O1"}}, {{"O1"}, {"OX"}}}) {
+TEST_F(TextBridgeTest, ATableThatIsShorterOrLacksOneOfTheRecordsWasNotMerged) {
+    GivenTable(Old, {{"CODE", 'C', 2}}, {{"O1"}, {"O2"}, {"O2"}});
+    for (const std::vector<Values>& rows : {std::vector<Values>{},
+                                            {{"O2"}, {"O2"}},
+                                            {{"O1"}, {"O2"}, {"N1"}},
+                                            {{"O1"}, {"O2"}, {"O1"}},
+                                            {{"N1"}, {"O1"}, {"O2"}, {"OX"}}}) {
         GivenTable(New, {{"CODE", 'C', 2}}, rows);
-        EXPECT_FALSE(EndsWithBridged(Path(New), Path(Old))) << rows.size();
+        EXPECT_FALSE(HoldsBridged(Path(New), Path(Old))) << rows.size();
     }
+}
+
+TEST_F(TextBridgeTest, AMergedTableThatWasSortedSinceCountsAsMerged) {
+    GivenTable(Old, {{"CODE", 'C', 2}}, {{"O1"}, {"O2"}, {"O2"}});
+    for (const std::vector<Values>& rows :
+         {std::vector<Values>{{"O2"}, {"O2"}, {"O1"}}, {{"O2"}, {"N1"}, {"O1"}, {"O2"}, {"N2"}}}) {
+        GivenTable(New, {{"CODE", 'C', 2}}, rows);
+        EXPECT_TRUE(HoldsBridged(Path(New), Path(Old))) << rows.size();
+    }
+}
+
+TEST_F(TextBridgeTest, ATableThatWasNeverReplacedAndSortedSinceCountsAsMerged) {
+    // Its values have blanks before them still, and a mark of deletion.
+    const std::vector<TableMaker::Column> columns = {{"CODE", 'C', 4}, {"QTY", 'N', 3}};
+    GivenFile(Old, TableMaker(columns).Row({" O2", "  7"}).Row({" O1", ""}, '*').Bytes());
+    GivenFile(New, TableMaker(columns).Row({" O1", ""}).Row({" O2", "  7"}).Bytes());
+
+    EXPECT_TRUE(HoldsBridged(Path(New), Path(Old)));
 }
 
 TEST_F(TextBridgeTest, NothingToMergeCountsAsMerged) {
     GivenTable(Old, {{"CODE", 'C', 2}}, {});
     GivenTable(New, {{"OTHER", 'C', 2}}, {{"N1"}});
 
-    EXPECT_TRUE(EndsWithBridged(Path(New), Path(Old)));
+    EXPECT_TRUE(HoldsBridged(Path(New), Path(Old)));
 }
 
 TEST_F(TextBridgeTest, TablesHoldTheSameWhenFieldsRecordsAndMarksAgree) {

@@ -360,6 +360,30 @@ TEST_F(SafetyCopiesTest, OrdersThatWereExportedBetweenTwoTriesOfARecoveryAreNotP
     ExpectNothingLeft();
 }
 
+TEST_F(SafetyCopiesTest, TablesThatWereSortedBetweenAMergeAndTheRecoveryAreNotMergedTwice) {
+    MakeSafetyCopies(SafetyCopies::OfSession);
+    GivenOrders({"H1"});
+    Merge(MergedOrderHeaders);
+    GivenOrders({"P2", "H1", "P1"});
+    GivenLines({"P2-1", "P1-2", "P1-1"}); // never replaced
+
+    EXPECT_EQ(RecoverSafetyCopies(), None);
+
+    EXPECT_EQ(Orders(), (Strings{"P2", "H1", "P1"}));
+    EXPECT_EQ(OrderLines(), (Strings{"P2-1", "P1-2", "P1-1"}));
+    ExpectNothingLeft();
+}
+
+TEST_F(SafetyCopiesTest, OrdersOfThePCThatTheHandheldHasSentOnceMoreAreThereOnce) {
+    MakeSafetyCopies(SafetyCopies::OfSession);
+    GivenOrders({"P1", "H1", "P2"});
+
+    EXPECT_EQ(RecoverSafetyCopies(), None);
+
+    EXPECT_EQ(Orders(), (Strings{"P1", "H1", "P2"}));
+    ExpectNothingLeft();
+}
+
 TEST_F(SafetyCopiesTest, OnTheUploadScreenMastersThatWereReplacedStaySoAndTheirCopiesStayToo) {
     MakeSafetyCopies(SafetyCopies::OfUploadScreen);
     GivenOrders({"H1"});
