@@ -38,7 +38,7 @@ void HandheldTest::GivenTable(std::string_view name, const std::vector<Fields>& 
 }
 
 void HandheldTest::GivenPacked(std::string_view name, std::uint16_t rows) {
-    Database data = handheld_->Store.Load(HandheldDatabaseName(name));
+    Database data = Again().Store.Load(HandheldDatabaseName(name));
     HandheldLayout layout = ReadLayout(data.AppInfo);
     layout.RowsInRecord = rows;
     data.AppInfo = PackLayout(layout);
