@@ -65,9 +65,13 @@ add_library(mappingbykeys STATIC ${CMAKE_SOURCE_DIR}/tools/MappingByKeys.cpp ${C
 target_include_directories(mappingbykeys PUBLIC ${CMAKE_SOURCE_DIR}/tools)
 target_link_libraries(mappingbykeys PUBLIC driverclient PRIVATE engine)
 
+add_library(runningoffice STATIC ${CMAKE_SOURCE_DIR}/tools/RunningOffice.cpp ${CMAKE_SOURCE_DIR}/tools/RunningOffice.h)
+target_include_directories(runningoffice PUBLIC ${CMAKE_SOURCE_DIR}/tools)
+target_link_libraries(runningoffice PUBLIC officeforday driverclient PRIVATE screens)
+
 add_executable(day ${CMAKE_SOURCE_DIR}/tools/day.cpp ${CMAKE_SOURCE_DIR}/tools/LoopOfDay.cpp
     ${CMAKE_SOURCE_DIR}/tools/LoopOfDay.h)
-target_link_libraries(day PRIVATE mappingbykeys officeforday screens)
+target_link_libraries(day PRIVATE mappingbykeys runningoffice screens)
 
 add_library(screensbykeys STATIC ${CMAKE_SOURCE_DIR}/tools/ScreensByKeys.cpp ${CMAKE_SOURCE_DIR}/tools/ScreensByKeys.h
     ${CMAKE_SOURCE_DIR}/tools/FilledTables.cpp ${CMAKE_SOURCE_DIR}/tools/FilledTables.h
@@ -90,8 +94,14 @@ target_link_libraries(tryinstalled PRIVATE driverclient screens)
 add_executable(startup ${CMAKE_SOURCE_DIR}/bench/startup.cpp)
 target_link_libraries(startup PRIVATE driverclient)
 
-set_target_properties(day keys pictures_of_screens tryinstalled startup PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+# For bench/day: a day of fifty handhelds.
+add_executable(daybench ${CMAKE_SOURCE_DIR}/bench/day.cpp)
+target_link_libraries(daybench PRIVATE runningoffice screens)
+add_dependencies(daybench ZUKTramble hotsync rdkinst handheld trambledriver layoutoffice filltables)
+
+set_target_properties(day daybench keys pictures_of_screens tryinstalled startup PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
 
 # What drives programs from outside is test code too: the sanitizers look at the programs.
-set_target_properties(trambledriver driverclient officeforday mappingbykeys day screensbykeys keys pictures_of_screens
+set_target_properties(trambledriver driverclient officeforday mappingbykeys runningoffice day
+    daybench screensbykeys keys pictures_of_screens
     tryinstalled startup wirerig wire wirebench PROPERTIES TEST_CODE ON)

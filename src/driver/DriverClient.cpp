@@ -93,6 +93,8 @@ public:
         QObject::connect(&socket_, &QLocalSocket::disconnected, &context_, [this] { Wake(); });
     }
 
+    qint64 ProcessId() const { return process_.processId(); }
+
     ~Line() {
         Kill();
         socket_.abort();
@@ -314,6 +316,9 @@ void DriverClient::Start() {
 
 bool DriverClient::IsRunning() const {
     return line_->HasStarted() && !line_->HasEnded();
+}
+qint64 DriverClient::ProcessId() const {
+    return line_->ProcessId();
 }
 QString DriverClient::Folder() const {
     return line_->Folder();

@@ -84,6 +84,8 @@ public:
     void Start();
 
     bool IsRunning() const;
+    /// The system's number of the program; 0 while it does not run.
+    qint64 ProcessId() const;
 
     /// The client's own folder, gone with it; ends without a separator.
     QString Folder() const;

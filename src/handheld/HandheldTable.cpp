@@ -73,20 +73,22 @@ bool HandheldTable::Has(const DatabaseStore& store, std::string_view table) {
     return store.Has(DatabaseOf(table));
 }
 
-/// Which records are rows. Each is looked at, so that whoever takes a field of it need not.
+/// Where the rows are. Each record is looked at, so that whoever takes a field of it need not.
 void HandheldTable::Arrange() {
     rows_.clear();
     ids_.clear();
+    RowReader reader(layout_);
+    const std::size_t rowBytes = layout_.RecordBytes();
     for (std::size_t at = 0; at < data_.Records.size(); ++at) {
         ids_.insert(data_.Records[at].Id);
         if ((data_.Records[at].Flags & DeletedRecord) != 0) continue;
         try {
-            ReadRecord(layout_, data_.Records[at].Data);
+            const std::size_t count = reader.Read(data_.Records[at].Data).size();
+            for (std::size_t row = 0; row < count; ++row) rows_.push_back({at, row * rowBytes});
         } catch (const PalmFailure& failure) {
             throw Refusal(CodePageToUtf8(data_.Name) + ", record " + std::to_string(at + 1) + ": " +
                           failure.what());
         }
-        rows_.push_back(at);
     }
 }
 
@@ -98,7 +100,8 @@ std::size_t HandheldTable::Field(std::string_view name) const {
 }
 
 std::string_view HandheldTable::Get(std::size_t row, std::size_t field) const {
-    return Trim(std::string_view(Record(row).Data).substr(offsets_[field], layout_.Fields[field].Length));
+    const std::size_t at = rows_[row].Offset + offsets_[field];
+    return Trim(std::string_view(Record(row).Data).substr(at, layout_.Fields[field].Length));
 }
 
 std::string_view HandheldTable::Get(std::size_t row, std::string_view field) const {
@@ -106,10 +109,11 @@ std::string_view HandheldTable::Get(std::size_t row, std::string_view field) con
 }
 
 bool HandheldTable::IsSigned(std::size_t row) const {
-    return Record(row).Data.size() > layout_.RecordBytes();
+    return !layout_.IsPacked() && Record(row).Data.size() > layout_.RecordBytes();
 }
 
 Ink HandheldTable::SignatureOf(std::size_t row) const {
+    if (!IsSigned(row)) return {};
     return ReadRecord(layout_, Record(row).Data).Signature;
 }
 
@@ -129,26 +133,35 @@ void HandheldTable::PutCut(std::string& fields, std::string_view field, std::str
     if (at < layout_.Fields.size()) layout_.Put(at, value, fields);
 }
 
+void HandheldTable::RequireChangeable() const {
+    if (layout_.IsPacked())
+        throw Refusal("the table " + name_ + " is packed, " + std::to_string(layout_.RowsInRecord) +
+                      " rows in a record: it can be read and not changed");
+}
+
 std::size_t HandheldTable::Append(const std::string& fields) {
+    RequireChangeable();
     if (data_.Records.size() >= MostRecords) throw Refusal("the table " + name_ + " is full");
     DatabaseRecord record;
     record.Flags = DirtyRecord;
     record.Id = NewRecordId(data_, [this](std::uint32_t id) { return ids_.contains(id); });
     record.Data = PackRecord(layout_, {fields, {}});
     ids_.insert(record.Id);
-    rows_.push_back(data_.Records.size());
+    rows_.push_back({data_.Records.size(), 0});
     data_.Records.push_back(std::move(record));
     changed_ = true;
     return rows_.size() - 1;
 }
 
 void HandheldTable::Set(std::size_t row, std::string_view field, std::string_view value) {
+    RequireChangeable();
     HandheldRecord record = ReadRecord(layout_, Record(row).Data);
     Put(record.Fields, field, value);
     Write(row, record);
 }
 
 void HandheldTable::Sign(std::size_t row, const Ink& ink) {
+    RequireChangeable();
     HandheldRecord record = ReadRecord(layout_, Record(row).Data);
     record.Signature = ink;
     Write(row, record);
@@ -161,8 +174,9 @@ void HandheldTable::Write(std::size_t row, const HandheldRecord& record) {
 }
 
 void HandheldTable::RemoveRows(const std::vector<bool>& gone) {
+    RequireChangeable();
     std::vector<bool> recordGone(data_.Records.size(), false);
-    for (std::size_t row = 0; row < rows_.size(); ++row) recordGone[rows_[row]] = gone[row];
+    for (std::size_t row = 0; row < rows_.size(); ++row) recordGone[rows_[row].Record] = gone[row];
     std::vector<DatabaseRecord> kept;
     for (std::size_t at = 0; at < data_.Records.size(); ++at) {
         if (!recordGone[at]) kept.push_back(std::move(data_.Records[at]));

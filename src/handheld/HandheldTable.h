@@ -11,7 +11,8 @@
 #include <vector>
 
 /// A table of the handheld in memory. Rows count from 0, as the barcode index counts them; records that are
-/// marked as deleted are none. Texts are in code page 1252, and come without their padding.
+/// marked as deleted are none. Texts are in code page 1252, and come without their padding. A packed table
+/// is for looking things up: what would change it is a Refusal.
 class HandheldTable {
 public:
     /// Reads a table, by its name as in "ZUKCUST". Refusal when the handheld has none of that name, and for
@@ -29,6 +30,9 @@ public:
     const HandheldLayout& Layout() const { return layout_; }
     const Database& Data() const { return data_; }
     bool IsChanged() const { return changed_; }
+
+    /// Refusal when the table is packed.
+    void RequireChangeable() const;
 
     std::size_t Count() const { return rows_.size(); }
     bool HasField(std::string_view name) const { return layout_.Find(name) < layout_.Fields.size(); }
@@ -65,14 +69,18 @@ private:
     HandheldTable(std::string_view table, Database data);
     void Arrange();
     void Write(std::size_t row, const HandheldRecord& record);
-    DatabaseRecord& Record(std::size_t row) { return data_.Records[rows_[row]]; }
-    const DatabaseRecord& Record(std::size_t row) const { return data_.Records[rows_[row]]; }
+    DatabaseRecord& Record(std::size_t row) { return data_.Records[rows_[row].Record]; }
+    const DatabaseRecord& Record(std::size_t row) const { return data_.Records[rows_[row].Record]; }
+
+    struct Place {
+        std::size_t Record = 0, Offset = 0; ///< the record, and where in it the row begins
+    };
 
     std::string name_;
     Database data_;
     HandheldLayout layout_;
     std::vector<std::size_t> offsets_; ///< of the fields
-    std::vector<std::size_t> rows_;    ///< their records
+    std::vector<Place> rows_;
     std::unordered_set<std::uint32_t> ids_;
     bool changed_ = false;
 };

@@ -261,6 +261,8 @@ std::string OrderBook::Take(const OrderEntry& entry) {
     if (entry.Lines.empty()) throw Refusal("an order has at least one line");
     if (entry.Lines.size() > MostLines) throw Refusal("an order has at most 9999 lines");
     if (entry.Charges.size() > OrderEntry::MostCharges) throw Refusal("an order has at most 4 charges");
+    headers_.RequireChangeable();
+    lines_.RequireChangeable();
     if (headers_.Data().Records.size() >= MostRecords ||
         lines_.Data().Records.size() + entry.Lines.size() > MostRecords) {
         throw Refusal("the handheld's order tables are full");
@@ -308,6 +310,8 @@ std::size_t OrderBook::Delete(std::string_view orderCode, const DateTime& at) {
     const std::size_t header = FindHeader(orderCode);
     if (!headerAudit_) headerAudit_ = Open("ZUKAUDTH");
     if (!lineAudit_) lineAudit_ = Open("ZUKAUDTL");
+    for (const HandheldTable* table : {&headers_, &lines_, &*headerAudit_, &*lineAudit_})
+        table->RequireChangeable();
     const auto putMoment = [&](const HandheldTable& audit, std::string& fields) {
         audit.Put(fields, "A_DATE", YyyyMmDd(at));
         audit.Put(fields, "A_TIME", TimeOf(at));

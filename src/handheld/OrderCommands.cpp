@@ -12,7 +12,7 @@
 namespace {
 
 constexpr int QuantityDecimals = 4, MoneyDecimals = 2;
-constexpr std::uint64_t MostOrders = 65535;
+constexpr std::uint64_t MostOrders = 65535, MostLines = 9999;
 
 std::int64_t Amount(const std::string& option, std::string_view text, int decimals) {
     const std::optional<std::int64_t> amount = ReadDecimal(text, decimals);
@@ -125,11 +125,13 @@ Outcome Take(const CommandRun& run) {
     const std::uint64_t count = WholeNumber("take", run.Line.Operands().front(), 1, MostOrders);
     if (!run.Line.Has("--seed")) throw Misuse("--seed is missing");
     const std::uint64_t seed = run.Line.Number("--seed", 0, std::numeric_limits<std::uint32_t>::max());
+    const std::uint64_t lines = run.Line.Has("--lines") ? run.Line.Number("--lines", 1, MostLines) : 0;
     Handheld handheld(run.Folder);
     OrderBook book(handheld);
     const DateTime at = MomentOf(run, handheld);
     const std::vector<std::string> codes =
-        TakeRandomOrders(book, static_cast<std::size_t>(count), static_cast<std::uint32_t>(seed), at);
+        TakeRandomOrders(book, static_cast<std::size_t>(count), static_cast<std::uint32_t>(seed), at,
+                         static_cast<std::size_t>(lines));
     book.Save("ORDER", handheld.Clock());
     run.Out() << codes.size() << " orders, " << CodePageToUtf8(codes.front()) << " to "
               << CodePageToUtf8(codes.back()) << '\n';
@@ -145,7 +147,7 @@ constexpr std::array<OptionDef, 7> OrderOptions{{{"--customer"},
                                                  {"--at"}}};
 constexpr std::array<OptionDef, 1> SignOptions{{{"--text"}}};
 constexpr std::array<OptionDef, 1> DeleteOptions{{{"--at"}}};
-constexpr std::array<OptionDef, 2> TakeOptions{{{"--seed"}, {"--at"}}};
+constexpr std::array<OptionDef, 3> TakeOptions{{{"--seed"}, {"--lines"}, {"--at"}}};
 
 constexpr std::array<CommandDef, 5> Commands{{
     {"order",
@@ -166,9 +168,9 @@ constexpr std::array<CommandDef, 5> Commands{{
      0,
      0,
      Totals},
-    {"take", "N --seed S [--at MOMENT]",
-     "Takes N orders of 1 to 10 lines by chance, some of them signed: the same ones for the same seed and\n"
-     "moment, over the same tables.\n",
+    {"take", "N --seed S [--lines L] [--at MOMENT]",
+     "Takes N orders of 1 to 10 lines by chance, or of L lines each, some of them signed: the same ones for\n"
+     "the same seed and moment, over the same tables.\n",
      TakeOptions, 1, 1, Take},
 }};
 

@@ -23,11 +23,11 @@ private:
 };
 
 OrderEntry RandomOrder(Dice& dice, const std::vector<std::string>& customers,
-                       const std::vector<std::string>& items, const DateTime& at) {
+                       const std::vector<std::string>& items, const DateTime& at, std::size_t lines) {
     OrderEntry entry;
     entry.At = at;
     entry.Customer = dice.Choose(customers);
-    const std::size_t lines = 1 + dice.Throw(10);
+    if (lines == 0) lines = 1 + dice.Throw(10);
     for (std::size_t k = 0; k < lines; ++k) {
         OrderEntry::Line line;
         line.Item = dice.Choose(items);
@@ -55,7 +55,7 @@ std::vector<std::string> CodesOf(const std::vector<OrderBook::Choice>& choices) 
 } // namespace
 
 std::vector<std::string> TakeRandomOrders(OrderBook& book, std::size_t count, std::uint32_t seed,
-                                          const DateTime& from) {
+                                          const DateTime& from, std::size_t lines) {
     const std::vector<std::string> customers = CodesOf(book.Customers()), items = CodesOf(book.PricedItems());
     if (customers.empty()) throw Refusal("the handheld has no customer with a code (ZUKCUST)");
     if (items.empty()) throw Refusal("the handheld has no item with a code and a price (ZUKITEM)");
@@ -65,7 +65,7 @@ std::vector<std::string> TakeRandomOrders(OrderBook& book, std::size_t count, st
     std::vector<std::string> codes;
     for (std::size_t k = 0; k < count; ++k) {
         const DateTime at = FromSerial(ToSerial(from) + static_cast<double>(k) * MinutesApart / MinutesADay);
-        codes.push_back(book.Take(RandomOrder(dice, customers, items, at)));
+        codes.push_back(book.Take(RandomOrder(dice, customers, items, at, lines)));
         if (dice.OneIn(4)) book.Sign(codes.back(), {});
     }
     return codes;

@@ -52,6 +52,19 @@ void TellCsv(std::ostream& out, const HandheldTable& table) {
     }
 }
 
+/// Also of a table that is damaged, which has its records then.
+std::size_t RowsOf(const Database& database) {
+    try {
+        const HandheldLayout layout = ReadLayout(database.AppInfo);
+        if (!layout.IsPacked()) return database.Records.size();
+        std::size_t bytes = 0;
+        for (const DatabaseRecord& record : database.Records) bytes += record.Data.size();
+        return bytes / layout.RecordBytes();
+    } catch (const PalmFailure&) {
+        return database.Records.size();
+    }
+}
+
 Outcome Tables(const CommandRun& run) {
     const Handheld handheld(run.Folder);
     std::size_t count = 0;
@@ -60,7 +73,7 @@ Outcome Tables(const CommandRun& run) {
         const std::string table =
             TableOfDatabase(entry.Header.Name.substr(0, entry.Header.Name.size() - (isPart ? 1 : 0)));
         if (table.empty()) continue;
-        run.Out() << table << ": " << handheld.Store.Load(entry.Header.Name).Records.size() << " records, "
+        run.Out() << table << ": " << RowsOf(handheld.Store.Load(entry.Header.Name)) << " records, "
                   << entry.Bytes << " bytes" << (isPart ? ", left from a HotSync that did not end" : "")
                   << '\n';
         ++count;

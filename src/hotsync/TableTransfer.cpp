@@ -180,9 +180,12 @@ TableTransfer::Result TableTransfer::Fetch(std::string_view path, const std::str
     const HandheldLayout layout =
         ReadLayout(ReadBlock(line_.Need(PackReadAppBlock(handle), "read the fields of " + name)));
     const std::uint16_t count = CountRecords(handle, name);
-    std::uint64_t bytes = std::uint64_t{count} * layout.RecordBytes();
+    // The last record of a packed table may have but one row.
+    const std::uint64_t rows =
+        layout.IsPacked() && count > 0 ? (count - std::uint64_t{1}) * layout.RowsInRecord + 1 : count;
+    std::uint64_t bytes = rows * layout.RecordBytes();
     const auto refuseSize = [&] {
-        throw TransferFailure(name + ": " + std::to_string(count) + " records are more than " +
+        throw TransferFailure(name + ": " + std::to_string(rows) + " records are more than " +
                               std::to_string(limits_.LargestTable >> 20) + " MB");
     };
     if (bytes > limits_.LargestTable) refuseSize();
@@ -194,6 +197,23 @@ TableTransfer::Result TableTransfer::Fetch(std::string_view path, const std::str
     std::string firstHomeless;
     const bool isSigned = TableOfDatabase(name) == SignedTable;
     const std::size_t orderCode = layout.Find("H_ORDCODE");
+    const auto keep = [&](HandheldRecord& record) {
+        columns.Append(layout, record.Fields);
+        ++result.Records;
+        if (!record.IsSigned()) return;
+        std::string code;
+        if (isSigned && orderCode < layout.Fields.size()) code = layout.Get(orderCode, record.Fields);
+        code.erase(code.find_last_not_of(' ') + 1);
+        if (!IsNameForNewFile(NameToPath(code))) {
+            if (homeless++ == 0) firstHomeless = CodePageToUtf8(code);
+            return;
+        }
+        bytes += record.Signature.Rows.size();
+        if (bytes > limits_.LargestTable) refuseSize();
+        const std::string images = AddBackslash(std::string(FolderOf(path)) + "Images");
+        signatures.push_back({images + NameToPath(code), std::move(record.Signature)});
+    };
+    RowReader reader(layout);
     for (std::uint16_t index = 0; index < count; ++index) {
         step_(index, count);
         const DatabaseRecord whole = ReadWhole(handle, index);
@@ -201,21 +221,7 @@ TableTransfer::Result TableTransfer::Fetch(std::string_view path, const std::str
             ++result.LeftBehind;
             continue;
         }
-        HandheldRecord record = ReadRecord(layout, whole.Data);
-        columns.Append(layout, record.Fields);
-        ++result.Records;
-        if (!record.IsSigned()) continue;
-        std::string code;
-        if (isSigned && orderCode < layout.Fields.size()) code = layout.Get(orderCode, record.Fields);
-        code.erase(code.find_last_not_of(' ') + 1);
-        if (!IsNameForNewFile(NameToPath(code))) {
-            if (homeless++ == 0) firstHomeless = CodePageToUtf8(code);
-            continue;
-        }
-        bytes += record.Signature.Rows.size();
-        if (bytes > limits_.LargestTable) refuseSize();
-        const std::string images = AddBackslash(std::string(FolderOf(path)) + "Images");
-        signatures.push_back({images + NameToPath(code), std::move(record.Signature)});
+        for (HandheldRecord& record : reader.Read(whole.Data)) keep(record);
     }
     step_(count, count);
     if (CountRecords(handle, name) != count) throw TransferFailure(name + " changed while it was read");
@@ -293,32 +299,36 @@ TableTransfer::Result TableTransfer::Download(std::string_view path) {
 
 TableTransfer::Result TableTransfer::Send(std::string_view path, const std::string& work) {
     TableScan scan(path);
-    const HandheldLayout layout = LayoutOf(scan.Layout());
+    HandheldLayout layout = LayoutOf(scan.Layout());
+    layout.RowsInRecord = RowsInRecordFor(layout, static_cast<std::size_t>(scan.RecordCount()));
     const std::string fields = PackLayout(layout);
-    if (scan.RecordCount() > static_cast<std::int32_t>(MostRecords)) {
-        throw TransferFailure(std::string(path) + ": " + std::to_string(scan.RecordCount()) +
-                              " records are more than the 65535 of a handheld database");
-    }
     DatabaseHeader header = HandheldHeader(path);
     const std::string name = header.Name;
     header.Version = 0;
     const std::uint8_t handle = Begin(header, work);
     line_.Need(PackWriteAppBlock(handle, fields), "write the fields of " + name);
     Result result;
+    DatabaseRecord record;
+    std::size_t rows = 0, records = 0;
+    const auto write = [&] {
+        line_.Need(PackWriteRecord(handle, record), "write record " + std::to_string(scan.RecordNumber()));
+        record.Data.clear();
+        rows = 0;
+        ++records;
+    };
     while (scan.Next()) {
         step_(scan.RecordNumber() - 1, scan.RecordCount());
         if (scan.Deleted()) {
             ++result.LeftBehind;
             continue;
         }
-        DatabaseRecord record;
-        record.Data = PackRecord(layout, {std::string(scan.Fields()), {}});
-        line_.Need(PackWriteRecord(handle, record), "write record " + std::to_string(scan.RecordNumber()));
+        record.Data += PackRecord(layout, {std::string(scan.Fields()), {}});
         ++result.Records;
+        if (++rows == layout.RowsInRecord) write();
     }
+    if (rows > 0) write();
     step_(scan.RecordCount(), scan.RecordCount());
-    if (CountRecords(handle, name) != result.Records)
-        throw TransferFailure(name + ": the handheld lost records");
+    if (CountRecords(handle, name) != records) throw TransferFailure(name + ": the handheld lost records");
     line_.Need(PackSetDBInfo(handle, WholeTable, {}), "finish " + name);
     Close(handle);
     return result;

@@ -6,7 +6,9 @@ namespace {
 
 constexpr const char* What = "fields of a table";
 constexpr std::uint32_t LayoutMark = FourCharacters("ZUKT");
-constexpr std::uint16_t LayoutVersion = 1;
+constexpr std::uint16_t PlainVersion = 1, PackedVersion = 2;
+/// Of a packed record: so few that each handheld moves it in one piece, so many that a table takes few turns.
+constexpr std::size_t PackedBytes = 4096;
 constexpr std::size_t NameSize = 10;
 constexpr std::size_t MostFields = 255;
 constexpr std::size_t LongestFields = 32767;
@@ -46,6 +48,10 @@ void Check(const HandheldLayout& layout) {
     if (twice != names.end()) Refuse(*twice + " comes twice");
     if (layout.RecordBytes() > LongestFields) {
         Refuse(std::to_string(layout.RecordBytes()) + " bytes in a record");
+    }
+    if (layout.RowsInRecord == 0 || layout.RowsInRecord * layout.RecordBytes() > LongestRecord) {
+        Refuse(std::to_string(layout.RowsInRecord) + " rows of " + std::to_string(layout.RecordBytes()) +
+               " bytes in a record");
     }
 }
 
@@ -105,18 +111,21 @@ void HandheldLayout::Put(std::size_t field, std::string_view value, std::string&
 std::string PackLayout(const HandheldLayout& layout) {
     Check(layout);
     ByteWriter block;
-    block.U32(LayoutMark).U16(LayoutVersion).U16(static_cast<unsigned>(layout.Fields.size()));
+    block.U32(LayoutMark).U16(layout.IsPacked() ? PackedVersion : PlainVersion);
+    block.U16(static_cast<unsigned>(layout.Fields.size()));
     for (const HandheldField& field : layout.Fields) {
         block.Put(field.Name).Put(std::string(NameSize - field.Name.size(), '\0'));
         block.U8(static_cast<unsigned char>(field.Type)).U8(field.Length).U8(field.Decimals).U8(0);
     }
+    if (layout.IsPacked()) block.U16(layout.RowsInRecord);
     return std::move(block).Bytes();
 }
 
 HandheldLayout ReadLayout(std::string_view block) {
     ByteReader from(block, What);
     if (from.U32() != LayoutMark) from.Fail("not the database of a table");
-    if (const unsigned version = from.U16(); version != LayoutVersion) {
+    const unsigned version = from.U16();
+    if (version != PlainVersion && version != PackedVersion) {
         from.Fail("version " + std::to_string(version) + " of the layout");
     }
     HandheldLayout layout;
@@ -132,9 +141,25 @@ HandheldLayout ReadLayout(std::string_view block) {
         from.Skip(1);
         layout.Fields.push_back(std::move(field));
     }
+    if (version == PackedVersion) {
+        layout.RowsInRecord = from.U16();
+        if (!layout.IsPacked())
+            Refuse("packed with " + std::to_string(layout.RowsInRecord) + " rows in a record");
+    }
     if (from.Left() != 0) from.Fail(std::to_string(from.Left()) + " bytes behind the last one");
     Check(layout);
     return layout;
+}
+
+std::uint16_t RowsInRecordFor(const HandheldLayout& layout, std::size_t rows) {
+    if (rows <= MostRecords) return 1;
+    const std::size_t bytes = layout.RecordBytes();
+    const std::size_t needed = (rows + MostRecords - 1) / MostRecords;
+    if (needed * bytes > LongestRecord) {
+        throw PalmFailure(std::to_string(rows) + " rows of " + std::to_string(bytes) +
+                          " bytes are more than a handheld database holds");
+    }
+    return static_cast<std::uint16_t>(std::max(needed, PackedBytes / bytes));
 }
 
 std::string HandheldDatabaseName(std::string_view tableFile) {
@@ -162,6 +187,7 @@ std::string PackRecord(const HandheldLayout& layout, const HandheldRecord& recor
         throw PalmFailure("record of " + std::to_string(record.Fields.size()) + " bytes");
     }
     if (!record.IsSigned()) return record.Fields;
+    if (layout.IsPacked()) throw PalmFailure("ink in a table that is packed");
     Check(record.Signature);
     ByteWriter data;
     data.Put(record.Fields).Put(InkMark).U16(record.Signature.Width).U16(record.Signature.Height);
@@ -179,6 +205,23 @@ HandheldRecord ReadRecord(const HandheldLayout& layout, std::string_view data) {
     record.Signature.Rows = from.Rest();
     Check(record.Signature);
     return record;
+}
+
+RowReader::RowReader(const HandheldLayout& layout) : layout_(layout), rowBytes_(layout.RecordBytes()) {}
+
+std::vector<HandheldRecord> RowReader::Read(std::string_view data) {
+    if (!layout_.IsPacked()) return {ReadRecord(layout_, data)};
+    if (ended_) throw PalmFailure("record of a table: it comes behind one that is not full");
+    if (data.empty() || data.size() % rowBytes_ != 0 || data.size() / rowBytes_ > layout_.RowsInRecord) {
+        throw PalmFailure("record of a table: " + std::to_string(data.size()) + " bytes are not 1 to " +
+                          std::to_string(layout_.RowsInRecord) + " rows of " + std::to_string(rowBytes_));
+    }
+    std::vector<HandheldRecord> rows;
+    rows.reserve(data.size() / rowBytes_);
+    for (; !data.empty(); data.remove_prefix(rowBytes_))
+        rows.push_back({std::string(data.substr(0, rowBytes_)), {}});
+    ended_ = rows.size() < layout_.RowsInRecord;
+    return rows;
 }
 
 std::string InkBitmap(const Ink& ink) {

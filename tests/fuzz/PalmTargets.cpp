@@ -114,6 +114,15 @@ void Databases(const DlpResponse& response) {
     }
 }
 
+/// The block of a table that came over the wire.
+void TableBlock(std::string_view block) {
+    const auto layout = Taken([&] { return ReadLayout(block); });
+    if (!layout) return;
+    Require(ReadLayout(PackLayout(*layout)) == *layout, "a layout can be sent again");
+    Require(layout->RecordBytes() * layout->RowsInRecord <= LongestRecord,
+            "a record of any layout fits a database");
+}
+
 /// A record that came from a handheld goes into a file as it is.
 void Record(const DlpResponse& response) {
     const auto answer = Taken([&] { return ReadRecordAnswer(response); });
@@ -143,6 +152,7 @@ void Response(std::string_view message) {
     if (const auto block = Taken([&] { return ReadBlock(*response); })) {
         Require(block->size() + 2 == response->Argument().size(),
                 "a block is all that stands behind its size");
+        TableBlock(*block);
     }
     if (const auto date = Taken([&] { return ReadDate(response->Argument()); })) {
         Require(ReadDate(PackDate(*date)) == *date, "a date can be sent again");
@@ -164,10 +174,32 @@ void Request(std::string_view message) {
                     again.SyncDate == change->SyncDate && again.Name == change->Name,
                 "a change of the user can be sent again");
     }
+    if (request->Function == DlpFunction::WriteAppBlock) {
+        Taken([&] {
+            ByteReader from(request->Argument(), "block");
+            from.Skip(4); // the handle, and the size
+            TableBlock(from.Rest());
+            return true;
+        });
+    }
     Taken([&] {
         bool several = false;
         return ReadListRequest(*request, several);
     });
+}
+
+/// A record that is not packed.
+void Row(const HandheldLayout& layout, const HandheldRecord& record, std::string_view data) {
+    Require(PackRecord(layout, record) == data, "a record loses nothing");
+    std::string joined, put(record.Fields.size(), ' ');
+    for (std::size_t field = 0; field < layout.Fields.size(); ++field) {
+        const std::string_view value = layout.Get(field, record.Fields);
+        joined += value;
+        layout.Put(field, value, put);
+        Require(layout.Find(layout.Fields[field].Name) == field, "a field is found by its name");
+    }
+    Require(joined == record.Fields && put == joined, "a record is its fields");
+    if (record.IsSigned()) Require(!InkBitmap(record.Signature).empty(), "ink has a bitmap");
 }
 
 } // namespace
@@ -189,18 +221,26 @@ void FuzzHandheldTable(std::string_view bytes) {
     const auto layout = Taken([&] { return ReadLayout(block); });
     if (!layout) return;
     Require(ReadLayout(PackLayout(*layout)) == *layout, "a layout can be packed again");
-    const auto record = Taken([&] { return ReadRecord(*layout, data); });
-    if (!record) return;
-    Require(PackRecord(*layout, *record) == data, "a record loses nothing");
-    std::string joined, put(record->Fields.size(), ' ');
-    for (std::size_t field = 0; field < layout->Fields.size(); ++field) {
-        const std::string_view value = layout->Get(field, record->Fields);
-        joined += value;
-        layout->Put(field, value, put);
-        Require(layout->Find(layout->Fields[field].Name) == field, "a field is found by its name");
+    // As two records: what stands behind one that is full, or is not.
+    const std::size_t first = std::min(data.size(), layout->RecordBytes() * layout->RowsInRecord);
+    RowReader reader(*layout);
+    if (layout->IsPacked()) {
+        std::string again;
+        const auto keep = [&](std::string_view record) {
+            const auto rows = Taken([&] { return reader.Read(record); });
+            if (!rows) return false;
+            Require(!rows->empty() && rows->size() <= layout->RowsInRecord, "a record has 1 to so many rows");
+            for (const HandheldRecord& row : *rows) again += PackRecord(*layout, row);
+            return true;
+        };
+        if (keep(data.substr(0, first)) && keep(data.substr(first)))
+            Require(again == data, "packed records lose nothing");
+        return;
     }
-    Require(joined == record->Fields && put == joined, "a record is its fields");
-    if (record->IsSigned()) Require(!InkBitmap(record->Signature).empty(), "ink has a bitmap");
+    const auto rows = Taken([&] { return reader.Read(data); });
+    if (!rows) return;
+    Require(rows->size() == 1, "a record that is not packed is one row");
+    Row(*layout, rows->front(), data);
 }
 
 void FuzzHandheldToDesktop(std::string_view bytes) {

@@ -37,6 +37,22 @@ void HandheldTest::GivenTable(std::string_view name, const std::vector<Fields>& 
     handheld_->Store.Save(table.Data());
 }
 
+void HandheldTest::GivenPacked(std::string_view name, std::uint16_t rows) {
+    Database data = Again().Store.Load(HandheldDatabaseName(name));
+    HandheldLayout layout = ReadLayout(data.AppInfo);
+    layout.RowsInRecord = rows;
+    data.AppInfo = PackLayout(layout);
+    std::vector<DatabaseRecord> records;
+    for (std::size_t k = 0; k < data.Records.size(); ++k) {
+        if (k % rows == 0)
+            records.push_back(data.Records[k]);
+        else
+            records.back().Data += data.Records[k].Data;
+    }
+    data.Records = records;
+    handheld_->Store.Save(data);
+}
+
 Fields HandheldTest::Row(std::string_view table, std::size_t row) {
     const HandheldTable read(Again().Store, table);
     Fields fields;

@@ -37,6 +37,8 @@ protected:
 
     /// Puts a table on it, with the layout of an office.
     void GivenTable(std::string_view name, const std::vector<Fields>& rows);
+    /// Puts a table that it has into records of so many rows each.
+    void GivenPacked(std::string_view name, std::uint16_t rows);
     /// All fields of a row that are not blank.
     Fields Row(std::string_view table, std::size_t row);
     std::string Cell(std::string_view table, std::size_t row, std::string_view field);

@@ -154,6 +154,42 @@ TEST_F(OrderTest, ADiscountInDollarsIsTakenOff) {
     EXPECT_EQ(Cell("ZUKORHDR", 0, "H_TOTTOTAL"), "20");
 }
 
+TEST_F(OrderTest, ChanceTakesAsManyLinesAsItIsTold) {
+    EXPECT_EQ(Run({"take", "3", "--seed", "4", "--lines", "12"}).How, Outcome::Done);
+
+    EXPECT_EQ(Count("ZUKORHDR"), 3U);
+    EXPECT_EQ(Count("ZUKORLIN"), 36U);
+    for (std::size_t order = 0; order < 3; ++order) EXPECT_EQ(Cell("ZUKORHDR", order, "H_NUMLINES"), "12");
+}
+
+TEST_F(OrderTest, IsTakenOfPackedCustomersAndItems) {
+    GivenPacked("ZUKCUST", 2);
+    GivenPacked("ZUKITEM", 3);
+    Again();
+
+    EXPECT_EQ(Order({"--line", "N1:10", "--line", "bolt:3"}, "cod").Out, "A7000100\n");
+    EXPECT_EQ(Cell("ZUKORHDR", 0, "H_CUSTCODE"), "C3");
+    EXPECT_EQ(Cell("ZUKORLIN", 1, "L_ITEMCODE"), "B1");
+    EXPECT_EQ(Run({"take", "3", "--seed", "4"}).How, Outcome::Done);
+    EXPECT_EQ(Count("ZUKORHDR"), 4U);
+}
+
+TEST_F(OrderTest, IsNeitherTakenNorDeletedWhereTheOrderTablesArePacked) {
+    for (int order = 0; order < 2; ++order) Order({"--line", "N1:10"});
+    GivenPacked("ZUKORLIN", 2);
+    const std::string before = Cell("ZUKLINK", 1, "LK_LSTONUM");
+
+    for (const CommandResult& result : {Order({"--line", "N1:10"}), Run({"delete", "A7000100"})}) {
+        EXPECT_EQ(result.How, Outcome::Failed);
+        EXPECT_NE(result.Err.find("the table ZUKORLIN is packed"), std::string::npos) << result.Err;
+    }
+
+    EXPECT_EQ(Count("ZUKORHDR"), 2U);
+    EXPECT_EQ(Count("ZUKORLIN"), 2U);
+    EXPECT_FALSE(HandheldTable::Has(Again().Store, "ZUKAUDTH"));
+    EXPECT_EQ(Cell("ZUKLINK", 1, "LK_LSTONUM"), before) << "no number is used up";
+}
+
 TEST_F(OrderTest, TheNumberCountsOnAtItsWidthAndIsWrittenBack) {
     EXPECT_EQ(Order({"--line", "N1:1"}).Out, "A7000100\n");
     EXPECT_EQ(Order({"--line", "N1:1"}).Out, "A7000101\n");
@@ -580,6 +616,8 @@ TEST_F(TakeTest, WithoutCustomersOrPricesItSaysSo) {
               "handheld: the handheld has no customer with a code (ZUKCUST)\n");
     EXPECT_EQ(Run({"take", "1"}).How, Outcome::Misused);
     EXPECT_EQ(Run({"take", "0", "--seed", "1"}).How, Outcome::Misused);
+    EXPECT_EQ(Run({"take", "1", "--seed", "1", "--lines", "0"}).How, Outcome::Misused);
+    EXPECT_EQ(Run({"take", "1", "--seed", "1", "--lines", "10000"}).How, Outcome::Misused);
 }
 
 } // namespace

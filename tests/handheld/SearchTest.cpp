@@ -53,6 +53,41 @@ TEST_F(SearchTest, ABinarySearchFindsWhatAWalkFindsInAnyTableThatIsSorted) {
     }
 }
 
+TEST_F(SearchTest, APackedTableIsSearchedRowByRowAndNothingInItIsChanged) {
+    GivenHandheld();
+    Customers({"E", "\xC9", "EZ", "F", "G"});
+    GivenPacked("ZUKCUST", 2);
+    HandheldTable table = Customers({});
+
+    ASSERT_EQ(table.Data().Records.size(), 3U);
+    EXPECT_EQ(table.Count(), 5U);
+    EXPECT_EQ(FindKey(table, "\xE9").First, 1U);
+    EXPECT_EQ(table.Get(4, "C_SEARCH"), "G");
+    EXPECT_FALSE(table.IsSigned(0));
+    EXPECT_FALSE(FirstOutOfOrder(table));
+    EXPECT_EQ(Run({"tables"}).Out.substr(0, 18), "ZUKCUST: 5 records");
+
+    const std::string words =
+        "the table ZUKCUST is packed, 2 rows in a record: it can be read and not changed";
+    EXPECT_EQ(RefusalOf([&] { table.Append(table.NewFields()); }), words);
+    EXPECT_EQ(RefusalOf([&] { table.Set(0, "C_SEARCH", "A"); }), words);
+    EXPECT_EQ(RefusalOf([&] { table.Sign(0, {1, 1, "x"}); }), words);
+    EXPECT_EQ(RefusalOf([&] { table.Clear(); }), words);
+    EXPECT_FALSE(table.IsChanged());
+}
+
+TEST_F(SearchTest, APackedTableWithARecordThatIsNotFullBeforeTheLastIsDamaged) {
+    GivenHandheld();
+    Customers({"A", "B", "C"});
+    GivenPacked("ZUKCUST", 2);
+    Database data = Its().Store.Load("TZUK20000_ZUKCUST");
+    std::swap(data.Records[0].Data, data.Records[1].Data);
+    Its().Store.Save(data);
+
+    EXPECT_EQ(RefusalOf([&] { Customers({}); }),
+              "TZUK20000_ZUKCUST, record 2: record of a table: it comes behind one that is not full");
+}
+
 TEST_F(SearchTest, AnAccentStandsBehindItsLetter) {
     GivenHandheld();
     const HandheldTable table = Customers({"E", "\xC9", "EZ", "F"});

@@ -88,6 +88,13 @@ HandheldLayout Fields(std::size_t count, std::uint8_t length) {
     return layout;
 }
 
+/// Ten bytes a row.
+HandheldLayout Packed(std::uint16_t rows) {
+    HandheldLayout layout = Small;
+    layout.RowsInRecord = rows;
+    return layout;
+}
+
 } // namespace
 
 TEST(HandheldLayout, IsAMarkAVersionACountAndFourteenBytesAField) {
@@ -142,8 +149,8 @@ TEST(HandheldLayout, AnotherMarkVersionOrLengthIsRefused) {
     const std::string good = PackLayout(Small);
     const auto refusal = [](const std::string& block) { return Refusal([&] { ReadLayout(block); }); };
     EXPECT_EQ(refusal("zukt" + good.substr(4)), "fields of a table: not the database of a table");
-    EXPECT_EQ(refusal(good.substr(0, 4) + Hex("0002") + good.substr(6)),
-              "fields of a table: version 2 of the layout");
+    EXPECT_EQ(refusal(good.substr(0, 4) + Hex("0003") + good.substr(6)),
+              "fields of a table: version 3 of the layout");
     EXPECT_EQ(refusal(good.substr(0, 4) + Hex("0000") + good.substr(6)),
               "fields of a table: version 0 of the layout");
     EXPECT_EQ(refusal(good + "x"), "fields of a table: 1 bytes behind the last one");
@@ -153,17 +160,64 @@ TEST(HandheldLayout, AnotherMarkVersionOrLengthIsRefused) {
 }
 
 TEST(HandheldLayout, AnyByteChangedIsRefusedOrReadWithoutHarm) {
-    const std::string good = PackLayout(Small);
-    for (std::size_t at = 0; at < good.size(); ++at) {
-        for (int change = 1; change < 256; ++change) {
-            std::string block = good;
-            block[at] = static_cast<char>(block[at] ^ change);
-            GoesWell([&] {
-                const HandheldLayout read = ReadLayout(block);
-                EXPECT_EQ(ReadLayout(PackLayout(read)), read);
-            });
+    for (const std::string& good : {PackLayout(Small), PackLayout(Packed(3))}) {
+        for (std::size_t at = 0; at < good.size(); ++at) {
+            for (int change = 1; change < 256; ++change) {
+                std::string block = good;
+                block[at] = static_cast<char>(block[at] ^ change);
+                GoesWell([&] {
+                    const HandheldLayout read = ReadLayout(block);
+                    EXPECT_EQ(ReadLayout(PackLayout(read)), read);
+                });
+            }
         }
     }
+}
+
+TEST(HandheldLayout, OfAPackedTableIsVersionTwoWithTheRowsOfARecordBehindTheLastField) {
+    std::string block = PackLayout(Small);
+    block.replace(4, 2, Hex("0002"));
+    block += Hex("0102");
+
+    EXPECT_EQ(PackLayout(Packed(0x102)), block);
+    EXPECT_EQ(ReadLayout(block), Packed(0x102));
+    EXPECT_EQ(ReadLayout(block).RecordBytes(), 10u) << "a row's, not a record's";
+}
+
+TEST(HandheldLayout, OfAPackedTableIsRefusedWithAWrongNumberOfRows) {
+    const std::string good = PackLayout(Packed(3));
+    const auto withRows = [&](const char* rows) {
+        return Refusal([&] { ReadLayout(good.substr(0, good.size() - 2) + Hex(rows)); });
+    };
+    EXPECT_EQ(withRows("0000"), "fields of a table: packed with 0 rows in a record");
+    EXPECT_EQ(withRows("0001"), "fields of a table: packed with 1 rows in a record");
+    EXPECT_EQ(withRows("1997"), "fields of a table: 6551 rows of 10 bytes in a record");
+    EXPECT_EQ(withRows("0003 00"), "fields of a table: 1 bytes behind the last one");
+    for (std::size_t size = 0; size < good.size(); ++size)
+        EXPECT_FALSE(GoesWell([&] { ReadLayout(good.substr(0, size)); })) << size;
+
+    EXPECT_EQ(Refusal([] { PackLayout(Packed(0)); }), "fields of a table: 0 rows of 10 bytes in a record");
+    EXPECT_EQ(Refusal([] { PackLayout(Packed(6551)); }),
+              "fields of a table: 6551 rows of 10 bytes in a record");
+    EXPECT_EQ(ReadLayout(PackLayout(Packed(6550))), Packed(6550));
+}
+
+TEST(HandheldLayout, ATableIsPackedOnlyWhenADatabaseHasTooFewRecordsForIt) {
+    EXPECT_EQ(RowsInRecordFor(Small, 0), 1);
+    EXPECT_EQ(RowsInRecordFor(Small, 65535), 1);
+    EXPECT_EQ(RowsInRecordFor(Small, 65536), 409) << "4090 of 4096 bytes";
+    EXPECT_EQ(RowsInRecordFor(Fields(1, 1), 65536), 4096);
+}
+
+TEST(HandheldLayout, LongRowsArePackedAsFarAsNeededAndRefusedWhereTheRecordsDoNotHoldThem) {
+    const HandheldLayout longRows = Fields(100, 200); // 20000 bytes
+    EXPECT_EQ(RowsInRecordFor(longRows, 65536), 2);
+    EXPECT_EQ(RowsInRecordFor(longRows, 131071), 3);
+    EXPECT_EQ(RowsInRecordFor(longRows, 196605), 3);
+    EXPECT_EQ(Refusal([&] { RowsInRecordFor(longRows, 196606); }),
+              "196606 rows of 20000 bytes are more than a handheld database holds");
+    EXPECT_EQ(RowsInRecordFor(Fields(128, 255), 65535), 1);
+    EXPECT_NE(Refusal([&] { RowsInRecordFor(Fields(129, 254), 65536); }), "");
 }
 
 TEST(HandheldLayout, FindsAFieldByItsWholeNameInAnyCase) {
@@ -272,6 +326,46 @@ TEST(HandheldRecord, TheLongestOneWithTheMostInkFitsAHandheld) {
 
     EXPECT_LE(data.size(), LongestRecord);
     EXPECT_EQ(ReadRecord(layout, data), record);
+}
+
+TEST(HandheldRecord, OfAPackedTableIsSoManyRowsAndTheLastOneHasTheRest) {
+    const HandheldLayout layout = Packed(2);
+    RowReader reader(layout);
+
+    EXPECT_EQ(reader.Read("A1  12.50 A2  13.50 "),
+              (std::vector<HandheldRecord>{{"A1  12.50 ", {}}, {"A2  13.50 ", {}}}));
+    EXPECT_EQ(reader.Read("A3  14.50 "), (std::vector<HandheldRecord>{{"A3  14.50 ", {}}}));
+    EXPECT_EQ(Refusal([&] { reader.Read("A4  15.50 A5  15.50 "); }),
+              "record of a table: it comes behind one that is not full");
+}
+
+TEST(HandheldRecord, OfATableThatIsNotPackedIsOneRowWithItsInk) {
+    RowReader reader(Small);
+    const HandheldRecord isSigned{"A1  12.50 ", {9, 2, Hex("FF80 0180")}};
+
+    EXPECT_EQ(reader.Read(PackRecord(Small, isSigned)), std::vector<HandheldRecord>{isSigned});
+    EXPECT_EQ(reader.Read("A2  12.50 "), (std::vector<HandheldRecord>{{"A2  12.50 ", {}}}));
+    EXPECT_NE(Refusal([&] { reader.Read("A2  12.50 A3  13.50 "); }), "");
+}
+
+TEST(HandheldRecord, OfAPackedTableIsRefusedWhenItIsEmptyCutOffOrTooLong) {
+    const HandheldLayout layout = Packed(2);
+    const auto refusal = [&](const std::string& data) {
+        RowReader reader(layout);
+        return Refusal([&] { reader.Read(data); });
+    };
+    EXPECT_EQ(refusal(""), "record of a table: 0 bytes are not 1 to 2 rows of 10");
+    EXPECT_EQ(refusal("A1  12.50 A2"), "record of a table: 12 bytes are not 1 to 2 rows of 10");
+    EXPECT_EQ(refusal(std::string(30, 'x')), "record of a table: 30 bytes are not 1 to 2 rows of 10");
+}
+
+TEST(HandheldRecord, OfAPackedTableHasNoInk) {
+    const HandheldRecord isSigned{"A1  12.50 ", {9, 2, Hex("FF80 0180")}};
+
+    EXPECT_EQ(Refusal([&] { PackRecord(Packed(2), isSigned); }), "ink in a table that is packed");
+    const HandheldLayout layout = Packed(2);
+    RowReader reader(layout);
+    EXPECT_NE(Refusal([&] { reader.Read(PackRecord(Small, isSigned)); }), "");
 }
 
 TEST(HandheldRecord, OfAnotherLengthIsNotPacked) {
