@@ -191,14 +191,26 @@ std::vector<std::string> StepsOfStart() {
     return steps;
 }
 
+/// The part of a start that an update has to itself.
+std::string Update() {
+    NoProgress silent;
+    UpdateTables(silent);
+    return {};
+}
+
 /// The new tables in the order of their names.
 std::vector<std::string> StepsOfUpdate() {
     const std::string text = "DBFFiles/DBFCOPY.TXT";
-    std::vector<std::string> steps = StepsOfTwins();
-    steps.insert(steps.end(),
-                 {"DBFFiles/ZUKBRAND.dbf", "DBFNew/ZUKBRAND.dbf", text, text, "DBFFiles/ZUKPAY.dbf", text,
-                  text, "Install/ZUKPAY.dbf", "DBFEmpty/ZUKPAY.dbf", "DBFNew/ZUKPAY.dbf"});
-    return steps;
+    return {"DBFFiles/ZUKBRAND.dbf",
+            "DBFNew/ZUKBRAND.dbf",
+            text,
+            text,
+            "DBFFiles/ZUKPAY.dbf",
+            text,
+            text,
+            "Install/ZUKPAY.dbf",
+            "DBFEmpty/ZUKPAY.dbf",
+            "DBFNew/ZUKPAY.dbf"};
 }
 
 // ---- a job that was cut off, looked at ----
@@ -343,7 +355,11 @@ std::vector<SweepJob> MaintenanceJobs() {
          .Prepare = PrepareLayout,
          .Run = LayOut,
          .JudgeStarted = JudgeLayout},
-        {.Name = "version update", .Steps = StepsOfUpdate(), .Prepare = PrepareUpdate, .IsStart = true},
+        {.Name = "version update",
+         .Steps = StepsOfUpdate(),
+         .Prepare = PrepareUpdate,
+         .Run = Update,
+         .IsStart = true},
         {.Name = "start", .Steps = StepsOfStart(), .Prepare = PrepareStart, .IsStart = true},
     };
 }
