@@ -1,6 +1,5 @@
 #include "platform/Installation.h"
 
-#include "core/Paths.h"
 #include "forms/FormTest.h"
 #include "platform/HotSyncManager.h"
 #include "platform/Registry.h"
