@@ -1,6 +1,7 @@
 // One unattended day of an office at its limits, with the real programs over loopback:
 //
-//   daybench BUILD FOLDER      an office of 100,000 customers and 100,000 items and 50 handhelds with 200 orders
+//   daybench BUILD FOLDER      an office of 100,000 customers and 100,000 items and 50 handhelds with 200
+//   orders
 //                              of 10 lines each; before it the same at a tenth of customers, items and orders
 //   daybench BUILD FOLDER N    the same at an N-th of it alone
 //
@@ -139,10 +140,12 @@ private:
 
 /// The day's customers and items, as an accounting system writes them.
 void WriteSamples(const QString& folder, int customers, int items) {
-    QFile customerFile(folder + QStringLiteral("/customers.csv")), itemFile(folder + QStringLiteral("/items.txt"));
+    QFile customerFile(folder + QStringLiteral("/customers.csv")),
+        itemFile(folder + QStringLiteral("/items.txt"));
     Require(customerFile.open(QIODevice::WriteOnly) && itemFile.open(QIODevice::WriteOnly), folder);
-    customerFile.write("CustNo,\"Company\",\"Contact\",\"Street\",\"Street2\",\"City\",\"State\",\"Postcode\","
-                       "\"Telephone\",\"TaxCode\",Terms\n");
+    customerFile.write(
+        "CustNo,\"Company\",\"Contact\",\"Street\",\"Street2\",\"City\",\"State\",\"Postcode\","
+        "\"Telephone\",\"TaxCode\",Terms\n");
     for (int k = 0; k < customers; ++k) {
         // In another order than that of the codes: sorting them is work.
         const int number = static_cast<int>(static_cast<qint64>(k) * 7919 % customers);
@@ -173,10 +176,9 @@ public:
 
     /// At a `part`-th.
     BusyDay(const QString& build, const QString& office, int part)
-        : RunningOffice(build, office, People(), {QStringLiteral("--memory"), QStringLiteral("268435456")}, Say,
-                        [part](const QString& folder) {
-                            WriteSamples(folder, Customers / part, Items / part);
-                        }),
+        : RunningOffice(
+              build, office, People(), {QStringLiteral("--memory"), QStringLiteral("268435456")}, Say,
+              [part](const QString& folder) { WriteSamples(folder, Customers / part, Items / part); }),
           customers_(Customers / part),
           items_(Items / part),
           orders_(OrdersOfHandheld / part) {
@@ -194,7 +196,8 @@ public:
             Activity(QStringLiteral("lblImportBtn"), QStringLiteral("frmQBImport"),
                      QStringLiteral("DemoImport"), {});
         });
-        const Usage programBefore = UsageOf(program_->ProcessId()), managerBefore = UsageOf(manager_.processId());
+        const Usage programBefore = UsageOf(program_->ProcessId()),
+                    managerBefore = UsageOf(manager_.processId());
         handhelds_ = {};
 
         TraceWatch trace(office_.Path(QString()));
@@ -287,7 +290,8 @@ private:
         Require(taken.size() == static_cast<std::size_t>(Handhelds * orders_),
                 QStringLiteral("the handhelds do not hold all orders"));
         for (const auto& [code, order] : taken)
-            Require(order.Headers == 1 && order.Lines == LinesOfOrder, code + QStringLiteral(" is not whole"));
+            Require(order.Headers == 1 && order.Lines == LinesOfOrder,
+                    code + QStringLiteral(" is not whole"));
         return taken;
     }
 

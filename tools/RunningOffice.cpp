@@ -105,10 +105,10 @@ RunningOffice::RunningOffice(const QString& build, const QString& office, const 
         users += QByteArray::number(one.Id) + '\t' + one.Name.toLatin1() + "\tnever\tcomplete\r\n";
     Put(office_.Path(QStringLiteral("HotSync/Users.txt")), users);
     for (const Salesperson& one : people) {
-        Hand(one.Name, QStringList{QStringLiteral("new"), QStringLiteral("--user"), one.Name,
-                                   QStringLiteral("--id"), QString::number(one.Id),
-                                   QStringLiteral("--machine"), one.Machine} +
-                           options);
+        Hand(one.Name,
+             QStringList{QStringLiteral("new"), QStringLiteral("--user"), one.Name, QStringLiteral("--id"),
+                         QString::number(one.Id), QStringLiteral("--machine"), one.Machine} +
+                 options);
     }
     Template(QStringLiteral("Download/Day.dst"), "Customers=1\r\nItems=1\r\nSetup Tables=1\r\n");
     Template(QStringLiteral("Download/Day.dct"), "Order Tables=1\r\nAudit Tables=1\r\nHandheld Totals=1\r\n");
@@ -190,12 +190,11 @@ void RunningOffice::Unattended(const QString& name, bool download, bool upload, 
 }
 
 void RunningOffice::Activity(const QString& button, const QString& form, const QString& activity,
-              const QList<QPair<QString, QString>>& further) {
+                             const QList<QPair<QString, QString>>& further) {
     program_->Click(Main, button);
     program_->WaitForm(form);
     program_->Choose(form, QStringLiteral("cboMaster"), activity);
-    program_->Expect(QStringLiteral("Perform %1 - Is that correct?").arg(activity),
-                     QStringLiteral("Yes"));
+    program_->Expect(QStringLiteral("Perform %1 - Is that correct?").arg(activity), QStringLiteral("Yes"));
     for (const auto& [text, answer] : further) program_->ExpectContaining(text, answer);
     program_->Click(form, QStringLiteral("cmdOK"));
     const QString end = program_->WaitTextContaining(form, QStringLiteral("lblProgress"),

@@ -52,8 +52,9 @@ protected:
         QString LastOrder; ///< digits
     };
 
-    /// `say` gets a line for each step; the templates of each kind are called `Day`. `samples` makes customers.csv and items.txt in a folder. The handhelds
-    /// are empty; `options` are those of the command that makes one.
+    /// `say` gets a line for each step; the templates of each kind are called `Day`. `samples` makes
+    /// customers.csv and items.txt in a folder. The handhelds are empty; `options` are those of the command
+    /// that makes one.
     RunningOffice(const QString& build, const QString& office, const QList<Salesperson>& people,
                   const QStringList& options, std::function<void(const QString&)> say,
                   const std::function<void(const QString& folder)>& samples);
@@ -70,7 +71,8 @@ protected:
     void Template(const QString& name, const QByteArray& content) const;
     void Unattended(const QString& name, bool download, bool upload, bool clear) const;
 
-    /// Runs an activity of `DemoImport`'s kind, whose report has no errors. `further` are the boxes and their answers.
+    /// Runs an activity of `DemoImport`'s kind, whose report has no errors. `further` are the boxes and their
+    /// answers.
     void Activity(const QString& button, const QString& form, const QString& activity,
                   const QList<QPair<QString, QString>>& further);
     /// Starts unattended mode; `checks` when a Quality Check comes before it.

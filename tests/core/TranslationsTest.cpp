@@ -160,7 +160,7 @@ TEST_F(TranslationsTest, AFaultOfEachKindIsFound) {
 TEST_F(TranslationsTest, TwoGroupsOfTablesOfOneNameAreFound) {
     const int first = std::min(msg::TablesHelp.Number, msg::TablesItems.Number);
     const int second = std::max(msg::TablesHelp.Number, msg::TablesItems.Number);
-    const std::string row = std::to_string(msg::TablesHelp.Number) + "\tTablesHelp\t\t\"Items\"";
+    const std::string row = std::to_string(msg::TablesHelp.Number) + "\tTablesHelp\te\t\"Items\"";
 
     EXPECT_EQ(Faults(AllBut(row)), std::to_string(second) + " is called as " + std::to_string(first) + "\n");
 }

@@ -85,7 +85,8 @@ TEST_F(DocumentedOffice, TheStatusOfTwoHandheldsIsReadAndWrittenBack) {
 }
 
 TEST_F(DocumentedOffice, TheTextsOfTheExampleTakeThePlaceOfTheBuiltInOnes) {
-    const std::string path = GivenExample("Texts: `Messages.tsv`", "app/Messages.tsv");
+    const std::string path =
+        GivenExample("Texts: `Languages/<name>.tsv` and `Messages.tsv`", "app/Messages.tsv");
 
     EXPECT_EQ(LoadMessages(path), "");
 
