@@ -181,13 +181,15 @@ void Listener::ServeNext() {
 }
 
 void Listener::AnswerLookups() {
-    for (int k = 0; k < LookupsAtOnce && lookup_.hasPendingDatagrams(); ++k) {
+    int answered = 0;
+    do {
+        // Read even where nothing is left: a socket that has called and was not read calls never again.
         const QNetworkDatagram datagram = lookup_.receiveDatagram(LongestLookup);
         auto lookup = ReadLookup(datagram.data().toStdString());
         if (!lookup || lookup->IsAnswer) continue;
         lookup->IsAnswer = true;
         lookup_.writeDatagram(datagram.makeReply(QByteArray::fromStdString(PackLookup(*lookup))));
-    }
+    } while (++answered < LookupsAtOnce && lookup_.hasPendingDatagrams());
     if (lookup_.hasPendingDatagrams()) {
         QMetaObject::invokeMethod(this, &Listener::AnswerLookups, Qt::QueuedConnection);
     }
