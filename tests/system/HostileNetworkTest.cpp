@@ -240,8 +240,10 @@ TEST_F(HostileNetwork, ASessionThatIsPlayedAgainBringsTheSameTableAndNothingTwic
         EXPECT_EQ(RowsOf(Target()), New()) << atOnce;
     }
 
-    EXPECT_EQ(Changed(before, Disk()).join(QLatin1Char(' ')).toStdString(),
-              "HotSync/HotSync.log HotSync/Users.txt");
+    // The time of the last HotSync is another one, unless all of them fell into one second.
+    const QStringList mayChange{QStringLiteral("HotSync/HotSync.log"), QStringLiteral("HotSync/Users.txt")};
+    for (const QString& path : Changed(before, Disk()))
+        EXPECT_TRUE(mayChange.contains(path)) << path.toStdString();
     ExpectTheNextIsServed();
 }
 
