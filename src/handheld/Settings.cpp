@@ -39,6 +39,7 @@ std::string FromOneLine(std::string_view line) {
     for (std::size_t at = 0; at < bytes.size(); ++at) {
         unsigned code = 0;
         const char* const first = bytes.data() + at + 1;
+        if (bytes[at] == '\0') throw Refusal("a NUL byte");
         if (bytes[at] != '%') {
             text += bytes[at];
         } else if (at + 2 < bytes.size() && std::from_chars(first, first + 2, code, 16).ptr == first + 2 &&

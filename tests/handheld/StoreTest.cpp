@@ -158,6 +158,7 @@ TEST_F(SettingsTest, ABadLineIsToldWithFileLineAndReason) {
     EXPECT_EQ(wordsOf("PCName=a%0"),
               "x/Handheld.txt, line 3: a % without the two digits of a character behind it");
     EXPECT_EQ(wordsOf("LanSync=maybe"), "x/Handheld.txt, line 3: neither yes nor no");
+    EXPECT_EQ(wordsOf(std::string("PCName=a\0b", 10)), "x/Handheld.txt, line 3: a NUL byte");
 }
 
 TEST_F(SettingsTest, AFolderWithoutAHandheldIsToldOf) {
