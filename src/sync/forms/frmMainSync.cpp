@@ -55,6 +55,10 @@ bool frmMainSync::InSession() const {
     return session_->SessionClosing || (!stage.empty() && stage != "End");
 }
 
+void frmMainSync::LookForManager() const {
+    if (SFMain) SFMain->HotSyncUser(0); // whoever asks for users goes to the manager for them
+}
+
 void frmMainSync::SFMain_HotSyncStatus(std::int32_t status) {
     const bool wasActive = Global.UnattendedActive;
     session_->SFMain_HotSyncStatus(status);

@@ -27,6 +27,9 @@ public:
     /// A handheld is in session, or the end of its session is being worked off.
     bool InSession() const;
 
+    /// Hears a manager that has started a moment ago without waiting for the next look for it.
+    void LookForManager() const;
+
 protected:
     void Form_Load() override;
     void Form_Unload() override;

@@ -7,6 +7,7 @@
 #include "platform/Convert.h"
 #include "platform/Look.h"
 #include "sync/forms/UnattendedMode.h"
+#include "sync/forms/frmMainSync.h"
 
 #include <QCloseEvent>
 #include <QWindow>
@@ -18,6 +19,8 @@ void frmRemoteSync::Form_Load() {
     lblRemote->setText(ToQt(std::string_view(Global.RemoteSyncSettings)));
     ShowUnattendedActivities(*this, SelectionsInForce());
     Global.UnattendedActive = true;
+    // The operator walks to the handhelds now.
+    if (const auto* sync = IfLoaded<frmMainSync>()) sync->LookForManager();
     ShowWaiting();
     if (auto* main = IfLoaded<frmMain1>()) main->LoadActiveRemoteSync();
     Global.RemoteFormLoaded = true;
