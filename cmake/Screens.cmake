@@ -48,7 +48,7 @@ file(CONFIGURE OUTPUT ${TRAMBLE_GENERATED}/pictures.qrc CONTENT "${qrc}</qresour
 add_library(pictures OBJECT ${TRAMBLE_GENERATED}/pictures.qrc)
 target_link_libraries(pictures PRIVATE Qt6::Core)
 
-add_executable(ZUKTramble ${CMAKE_SOURCE_DIR}/src/main.cpp)
+add_executable(ZUKTramble ${CMAKE_SOURCE_DIR}/src/program/main.cpp)
 target_link_libraries(ZUKTramble PRIVATE screens pictures)
 target_compile_definitions(ZUKTramble PRIVATE TRAMBLE_VERSION="${PROJECT_VERSION}")
 set_target_properties(ZUKTramble PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin WIN32_EXECUTABLE ON)

@@ -1,11 +1,11 @@
 #include "core/Messages.h"
 #include "core/Paths.h"
 #include "core/SafeFile.h"
-#include "core/forms/frmMain1.h"
 #include "exchange/Activity.h"
 #include "exchange/forms/frmQBClearPC.h"
 #include "forms/FormTest.h"
 #include "maintenance/forms/frmTableSelectPC.h"
+#include "program/forms/frmMain1.h"
 #include "support/OtherProgram.h"
 #include "sync/TableTemplates.h"
 

@@ -1,9 +1,9 @@
 #include "core/Messages.h"
 #include "core/SafeFile.h"
-#include "core/forms/frmMain1.h"
 #include "exchange/ExportTemplate.h"
 #include "exchange/forms/frmExport1.h"
 #include "forms/FormTest.h"
+#include "program/forms/frmMain1.h"
 #include "store/TableScan.h"
 
 #include <QComboBox>

@@ -3,7 +3,6 @@
 #include "core/Paths.h"
 #include "core/SafeFile.h"
 #include "core/Settings.h"
-#include "core/forms/frmMain1.h"
 #include "core/forms/frmProgress.h"
 #include "forms/FormTest.h"
 #include "forms/TopicList.h"
@@ -11,6 +10,7 @@
 #include "platform/Convert.h"
 #include "platform/Registry.h"
 #include "platform/SingleInstance.h"
+#include "program/forms/frmMain1.h"
 #include "sync/forms/frmHHStatus.h"
 #include "tools/forms/frmAbout.h"
 

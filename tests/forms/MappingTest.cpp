@@ -2,13 +2,13 @@
 #include "core/Messages.h"
 #include "core/Paths.h"
 #include "core/SafeFile.h"
-#include "core/forms/frmMain1.h"
 #include "exchange/HeadLines.h"
 #include "exchange/ImportTemplate.h"
 #include "exchange/forms/frmConvert.h"
 #include "exchange/forms/frmImport1.h"
 #include "forms/FormTest.h"
 #include "platform/Convert.h"
+#include "program/forms/frmMain1.h"
 #include "support/ForeignTexts.h"
 
 #include <QApplication>

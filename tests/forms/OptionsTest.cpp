@@ -2,7 +2,6 @@
 #include "core/Paths.h"
 #include "core/SafeFile.h"
 #include "core/Settings.h"
-#include "core/forms/frmMain1.h"
 #include "exchange/Activity.h"
 #include "exchange/forms/frmExport1.h"
 #include "exchange/forms/frmImport1.h"
@@ -12,6 +11,7 @@
 #include "forms/TopicList.h"
 #include "platform/Registry.h"
 #include "platform/Translation.h"
+#include "program/forms/frmMain1.h"
 #include "support/RefusingDisk.h"
 #include "tools/forms/frmOptions.h"
 

@@ -2,12 +2,12 @@
 #include "core/Failure.h"
 #include "core/Messages.h"
 #include "core/SafeFile.h"
-#include "core/forms/frmMain1.h"
 #include "forms/HotSyncTest.h"
 #include "forms/Steps.h"
 #include "platform/Convert.h"
 #include "platform/HotSyncManager.h"
 #include "platform/TitledWindow.h"
+#include "program/forms/frmMain1.h"
 #include "sync/Conduits.h"
 
 #include <QDialog>

@@ -3,7 +3,7 @@ cmake_minimum_required(VERSION 3.25)
 # folder into another. Includes of core and store, on which the others stand, have no arrow.
 set(stand_apart palm)               # use nothing, not even core
 set(touch_no_table core tools help) # do not use store
-set(outside platform driver rdkinst)
+set(outside platform driver program rdkinst)
 
 # Sets `result` to the folders that the files include from, a name each, as "sync" or "sync/forms".
 function(folders_included result)
@@ -54,14 +54,16 @@ foreach(arrow IN LISTS arrows)
     endif()
 endforeach()
 
-# The PC program's screens see the HotSync Manager by its socket alone, and no program sees its driver.
+# The PC program's screens see the HotSync Manager by its socket alone, and no program sees its driver. The
+# main screen stands above all others, which know it by an interface.
 file(GLOB pc_folders LIST_DIRECTORIES true RELATIVE ${SOURCE}/src ${SOURCE}/src/platform ${SOURCE}/src/*/forms)
 list(FILTER pc_folders EXCLUDE REGEX "^(hotsync|handheld|rdkinst)/forms$")
 foreach(folder IN LISTS pc_folders)
     file(GLOB files ${SOURCE}/src/${folder}/*.h ${SOURCE}/src/${folder}/*.cpp)
     folders_included(used ${files})
     foreach(other IN LISTS used)
-        if(other MATCHES "^(palm|hotsync|handheld|driver)")
+        if(other MATCHES "^(palm|hotsync|handheld|driver)" OR
+           (other MATCHES "^program" AND NOT folder MATCHES "^program"))
             string(APPEND wrong "\nsrc/${folder} includes from ${other}")
         endif()
     endforeach()

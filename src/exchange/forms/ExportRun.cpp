@@ -5,12 +5,12 @@
 #include "core/Messages.h"
 #include "core/Operator.h"
 #include "core/Paths.h"
-#include "core/forms/frmMain1.h"
 #include "core/forms/frmProgress.h"
 #include "exchange/forms/DataDirectory.h"
 #include "maintenance/Backup.h"
 #include "maintenance/forms/BackupRun.h"
 #include "platform/BarProgress.h"
+#include "platform/MainScreen.h"
 
 namespace {
 
@@ -62,7 +62,7 @@ bool AgreedToDelete(FormBehaviour& form) {
 
 void RefreshMainScreen() {
     Global.RefreshTotals = true;
-    auto* main = IfLoaded<frmMain1>();
+    auto* main = IfMainScreen();
     if (!main) return;
     main->GetPCTotals();
     main->RefreshRecordCounts();

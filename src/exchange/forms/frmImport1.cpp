@@ -7,7 +7,6 @@
 #include "core/Operator.h"
 #include "core/Paths.h"
 #include "core/TextCompare.h"
-#include "core/forms/frmMain1.h"
 #include "exchange/HeadLines.h"
 #include "exchange/Import.h"
 #include "exchange/ImportText.h"
@@ -16,6 +15,7 @@
 #include "exchange/forms/frmConvert.h"
 #include "platform/BarProgress.h"
 #include "platform/Convert.h"
+#include "platform/MainScreen.h"
 
 #include <QHeaderView>
 #include <QLineEdit>
@@ -559,7 +559,7 @@ void frmImport1::Import() {
 
 void frmImport1::TellResult(const ImportJob& job, const ImportResult& result) {
     if (!TemplateName().empty()) RememberHead(TemplateFile(TemplateName()));
-    if (auto* main = IfLoaded<frmMain1>()) main->RefreshRecordCounts();
+    if (auto* main = IfMainScreen()) main->RefreshRecordCounts();
     Text count = Words(Text::Value(result.LinesRead - result.LinesFailed), msg::Of,
                        Text::Value(result.LinesRead), msg::LinesImported);
     if (result.ErrorsListed)

@@ -5,13 +5,13 @@
 #include "core/Messages.h"
 #include "core/Operator.h"
 #include "core/TextCompare.h"
-#include "core/forms/frmMain1.h"
 #include "installation/InstallList.h"
 #include "installation/OrdersAtRisk.h"
 #include "platform/Convert.h"
 #include "platform/Form.h"
 #include "platform/HotSyncControl.h"
 #include "platform/HotSyncManager.h"
+#include "platform/MainScreen.h"
 #include "platform/Registry.h"
 #include "platform/TitledWindow.h"
 #include "sync/SessionStatus.h"
@@ -146,7 +146,7 @@ void InstallRun::Record(InstallKind kind, const std::string& user) {
     try {
         Registry registry;
         RecordInstall(registry, user, type);
-        if (auto* main = IfLoaded<frmMain1>()) main->GetHHBricksInst();
+        if (auto* main = IfMainScreen()) main->GetHHBricksInst();
     } catch (const RunTimeFailure& failure) {
         Tell(Lines(msg::StoreFailed, Text::Path(std::string_view(failure.what()))), Icon::Warning);
     }

@@ -4,12 +4,12 @@
 #include "core/Globals.h"
 #include "core/Messages.h"
 #include "core/Operator.h"
-#include "core/forms/frmMain1.h"
 #include "installation/InstallList.h"
 #include "platform/Convert.h"
 #include "platform/HelpLine.h"
 #include "platform/HotSyncManager.h"
 #include "platform/Look.h"
+#include "platform/MainScreen.h"
 #include "platform/Registry.h"
 #include "quality/forms/QCRun.h"
 #include "sync/Status.h"
@@ -56,7 +56,7 @@ void frmHHInstall::Form_Unload() {
     TraceEvent("frmHHInstall:Form_Unload");
     run_.Cancel();
     // The bricks of the manual downloads, and the list of handhelds that goes with them.
-    if (auto* main = IfLoaded<frmMain1>(); main && !main->IsOver()) main->GetHHBricksStd();
+    if (auto* main = IfMainScreen(); main && !main->IsOver()) main->GetHHBricksStd();
 }
 
 // ---- the handhelds ----
@@ -85,7 +85,7 @@ bool frmHHInstall::LoadUsers() {
 
 void frmHHInstall::ShowList() {
     GetList();
-    if (auto* main = IfLoaded<frmMain1>()) main->GetHHBricksInst();
+    if (auto* main = IfMainScreen()) main->GetHHBricksInst();
 }
 
 void frmHHInstall::GetList() {

@@ -4,10 +4,10 @@
 #include "core/Globals.h"
 #include "core/Messages.h"
 #include "core/Operator.h"
-#include "core/forms/frmMain1.h"
 #include "help/HTMLHelp.h"
 #include "platform/Convert.h"
 #include "platform/HotSyncManager.h"
+#include "platform/MainScreen.h"
 #include "platform/ManagerLine.h"
 #include "platform/TitledWindow.h"
 #include "sync/Links.h"
@@ -70,7 +70,7 @@ void frmQuickStart::Form_Unload() {
     Trace("Form_Unload");
     run_.Cancel();
     // Behind an install the bricks of the manual downloads, and the list of handhelds that goes with them.
-    if (auto* main = IfLoaded<frmMain1>(); main && !main->IsOver()) main->GetHHBricksStd();
+    if (auto* main = IfMainScreen(); main && !main->IsOver()) main->GetHHBricksStd();
 }
 
 void frmQuickStart::lblCompany_Click() {

@@ -4,13 +4,13 @@
 #include "core/Globals.h"
 #include "core/Messages.h"
 #include "core/Operator.h"
-#include "core/forms/frmMain1.h"
 #include "core/forms/frmProgress.h"
 #include "exchange/forms/ExportRun.h"
 #include "maintenance/Backup.h"
 #include "maintenance/forms/BackupRun.h"
 #include "platform/Convert.h"
 #include "platform/HelpLine.h"
+#include "platform/MainScreen.h"
 #include "store/OfficeTables.h"
 #include "sync/SafetyCopies.h"
 #include "sync/Status.h"
@@ -86,7 +86,7 @@ void frmTableSelectPC::Perform() {
     if (!CopiesAreIn(plan)) return;
     if (plan.NeedsBackup() && !MakeBackup("CLEAR")) {
         Tell(Lines(msg::FileError, msg::TransferAborted), Icon::Stop);
-        if (auto* main = IfLoaded<frmMain1>()) main->RefreshRecordCounts();
+        if (auto* main = IfMainScreen()) main->RefreshRecordCounts();
         return;
     }
     const bool done = Clear(plan);
@@ -131,7 +131,7 @@ bool frmTableSelectPC::Clear(const ClearPlan& plan) {
         Tell(Lines(Lines(Lines(msg::FileError, msg::ClearStopped), told), *stopped), Icon::Stop);
         return false;
     }
-    if (auto* main = IfLoaded<frmMain1>(); main && !IsDriven())
+    if (auto* main = IfMainScreen(); main && !IsDriven())
         main->ShowOutcome(told.IsEmpty() ? Text(msg::NothingCleared) : Words(msg::TablesCleared, told));
     return true;
 }
@@ -144,5 +144,5 @@ void frmTableSelectPC::ShowState(const ClearPlan& plan) {
     // The status of the handhelds goes by the rows of the Links table.
     ClearHHStatus();
     if (!WithStatusFile(MakeHHStatusFile)) return;
-    if (auto* main = IfLoaded<frmMain1>()) main->GetHHBricksStd();
+    if (auto* main = IfMainScreen()) main->GetHHBricksStd();
 }

@@ -4,20 +4,20 @@
 #include "core/Messages.h"
 #include "core/Operator.h"
 #include "core/Trace.h"
-#include "core/forms/frmMain1.h"
+#include "platform/MainScreen.h"
 #include "sync/Status.h"
 
 namespace {
 
 void EndProcess() {
     TraceEvent("basCommon:EndProcess");
-    if (auto* main = IfLoaded<frmMain1>()) main->hide();
+    if (auto* main = IfMainScreen()) main->hide();
     EndProgram(1);
 }
 
-void WriteAndDraw(void (frmMain1::*bricks)()) {
+void WriteAndDraw(void (MainScreen::*bricks)()) {
     if (!WithStatusFile(UpdateHHStatus)) return;
-    if (auto* main = IfLoaded<frmMain1>()) (main->*bricks)();
+    if (auto* main = IfMainScreen()) (main->*bricks)();
 }
 
 } // namespace
@@ -36,13 +36,13 @@ bool WithStatusFile(void (*routine)()) {
 void BeginHHStatusAnew() {
     ClearHHStatus();
     if (!WithStatusFile(MakeHHStatusFile)) return;
-    if (auto* main = IfLoaded<frmMain1>()) main->GetHHBricksStd();
+    if (auto* main = IfMainScreen()) main->GetHHBricksStd();
 }
 
 void ShowHHStatus() {
-    WriteAndDraw(&frmMain1::GetHHBricks);
+    WriteAndDraw(&MainScreen::GetHHBricks);
 }
 
 void ShowHHStatusStd() {
-    WriteAndDraw(&frmMain1::GetHHBricksStd);
+    WriteAndDraw(&MainScreen::GetHHBricksStd);
 }

@@ -4,8 +4,8 @@
 #include "core/Globals.h"
 #include "core/Messages.h"
 #include "core/Operator.h"
-#include "core/forms/frmMain1.h"
 #include "platform/Convert.h"
+#include "platform/MainScreen.h"
 #include "sync/forms/frmMainSync.h"
 #include "sync/forms/frmRemoteSync.h"
 
@@ -47,7 +47,7 @@ bool UnattendedSettingsCanBeUsed() {
 }
 
 void StopUnattended() {
-    auto* main = IfLoaded<frmMain1>();
+    auto* main = IfMainScreen();
     auto* remote = IfLoaded<frmRemoteSync>();
     const auto* sync = IfLoaded<frmMainSync>();
     if (Global.UnattendedActive && sync && sync->InSession()) {

@@ -6,10 +6,10 @@
 #include "core/Messages.h"
 #include "core/Operator.h"
 #include "core/Paths.h"
-#include "core/forms/frmMain1.h"
 #include "platform/Convert.h"
 #include "platform/Form.h"
 #include "platform/HotSyncManager.h"
+#include "platform/MainScreen.h"
 #include "platform/TitledWindow.h"
 
 #include <QApplication>
@@ -49,7 +49,7 @@ public:
 
 private:
     static void Enable(bool enabled) {
-        if (auto* main = IfLoaded<frmMain1>()) main->EnableRegistration(enabled);
+        if (auto* main = IfMainScreen()) main->EnableRegistration(enabled);
     }
 };
 

@@ -4,7 +4,6 @@
 #include "core/Messages.h"
 #include "core/Operator.h"
 #include "core/TextCompare.h"
-#include "core/forms/frmMain1.h"
 #include "platform/Convert.h"
 #include "platform/HotSyncControl.h"
 #include "platform/Look.h"

@@ -4,9 +4,10 @@
 #include "core/Globals.h"
 #include "core/Messages.h"
 #include "core/Operator.h"
-#include "core/forms/frmMain1.h"
 #include "core/forms/frmProgress.h"
+#include "maintenance/Totals.h"
 #include "platform/HotSyncControl.h"
+#include "platform/MainScreen.h"
 #include "store/forms/frmAppend.h"
 #include "store/forms/frmAppendAudit.h"
 #include "store/forms/frmAppendIndex.h"
@@ -62,7 +63,7 @@ void frmMainSync::LookForManager() const {
 void frmMainSync::SFMain_HotSyncStatus(std::int32_t status) {
     const bool wasActive = Global.UnattendedActive;
     session_->SFMain_HotSyncStatus(status);
-    auto* main = IfLoaded<frmMain1>();
+    auto* main = IfMainScreen();
     if (IsOver() || !main || !wasActive) return;
     if (!Global.UnattendedActive)
         main->ShowUnattendedOff();
@@ -81,16 +82,16 @@ void frmMainSync::TellBackupFailed() {
 }
 
 void frmMainSync::ShowBegun(const std::string& user) {
-    if (auto* main = IfLoaded<frmMain1>()) main->ShowSession(user);
+    if (auto* main = IfMainScreen()) main->ShowSession(user);
     if (auto* remote = IfLoaded<frmRemoteSync>()) remote->ShowSession(user);
 }
 
 void frmMainSync::ShowPhase(SyncPhaseImage phase, PhaseLook look) {
-    if (auto* main = IfLoaded<frmMain1>()) main->ShowPhase(phase, look);
+    if (auto* main = IfMainScreen()) main->ShowPhase(phase, look);
 }
 
 void frmMainSync::ShowEnded() {
-    if (auto* main = IfLoaded<frmMain1>()) main->ShowWaiting();
+    if (auto* main = IfMainScreen()) main->ShowWaiting();
     if (auto* remote = IfLoaded<frmRemoteSync>()) remote->ShowWaiting();
 }
 
@@ -106,12 +107,12 @@ void frmMainSync::RecordUpload() {
 
 void frmMainSync::GetPCTotals() {
     Attempt("GetPCTotals", [] {
-        if (auto* main = IfLoaded<frmMain1>()) main->GetPCTotals();
+        if (auto* main = IfMainScreen()) main->GetPCTotals();
     });
 }
 
 std::optional<SessionScreen::Upload> frmMainSync::NewestUpload() const {
-    const auto* main = IfLoaded<frmMain1>();
+    const auto* main = IfMainScreen();
     if (!main || !main->NewestUpload()) return std::nullopt;
     const UploadRow& row = *main->NewestUpload();
     return Upload{row.Orders, row.Lines, row.Dollars};
@@ -119,14 +120,14 @@ std::optional<SessionScreen::Upload> frmMainSync::NewestUpload() const {
 
 void frmMainSync::RefreshRecordCounts() {
     Attempt("RefreshRecordCounts", [] {
-        if (auto* main = IfLoaded<frmMain1>()) main->RefreshRecordCounts();
+        if (auto* main = IfMainScreen()) main->RefreshRecordCounts();
     });
 }
 
 void frmMainSync::ShowHHStatus() {
     if (!WithStatusFile(UpdateHHStatus)) return;
     Attempt("ShowHHStatus", [] {
-        if (auto* main = IfLoaded<frmMain1>()) main->GetHHBricks();
+        if (auto* main = IfMainScreen()) main->GetHHBricks();
     });
 }
 
@@ -137,6 +138,6 @@ void UnloadMainSync() {
 }
 
 void LoadMainSync() {
-    const auto* main = IfLoaded<frmMain1>();
+    const auto* main = IfMainScreen();
     if (main && !main->IsGone() && !Global.Ending) The<frmMainSync>();
 }

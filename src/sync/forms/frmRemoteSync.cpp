@@ -3,9 +3,9 @@
 #include "core/Failure.h"
 #include "core/Globals.h"
 #include "core/Messages.h"
-#include "core/forms/frmMain1.h"
 #include "platform/Convert.h"
 #include "platform/Look.h"
+#include "platform/MainScreen.h"
 #include "sync/forms/UnattendedMode.h"
 #include "sync/forms/frmMainSync.h"
 
@@ -22,7 +22,7 @@ void frmRemoteSync::Form_Load() {
     // The operator walks to the handhelds now.
     if (const auto* sync = IfLoaded<frmMainSync>()) sync->LookForManager();
     ShowWaiting();
-    if (auto* main = IfLoaded<frmMain1>()) main->LoadActiveRemoteSync();
+    if (auto* main = IfMainScreen()) main->LoadActiveRemoteSync();
     Global.RemoteFormLoaded = true;
 }
 

@@ -4,12 +4,12 @@
 #include "core/Globals.h"
 #include "core/Messages.h"
 #include "core/Operator.h"
-#include "core/forms/frmMain1.h"
 #include "core/forms/frmProgress.h"
 #include "maintenance/Backup.h"
 #include "maintenance/Totals.h"
 #include "maintenance/forms/frmTotalsMsg.h"
 #include "platform/HotSyncManager.h"
+#include "platform/MainScreen.h"
 #include "store/forms/frmAppend.h"
 #include "store/forms/frmAppendAudit.h"
 #include "sync/SafetyCopies.h"
@@ -153,14 +153,14 @@ void frmUploadSelect::MergeOrders() {
     if (Global.Ending) return; // they were cut short
     Global.UploadClosing = true;
     Try([] { RecordTotals(ProgressFlag::UploadAdd); });
-    if (auto* main = IfLoaded<frmMain1>()) main->GetPCTotals();
+    if (auto* main = IfMainScreen()) main->GetPCTotals();
     The<frmTotalsMsg>().Show(ShowMode::Modal);
 }
 
 void frmUploadSelect::EndUpload() {
     if (session_) session_->WriteReceipt();
     Try([] { DeleteSafetyCopies(SafetyCopies::OfUploadScreen); });
-    if (auto* main = IfLoaded<frmMain1>()) main->RefreshRecordCounts();
+    if (auto* main = IfMainScreen()) main->RefreshRecordCounts();
 }
 
 void frmUploadSelect::TellBrokenOff() {

@@ -3,11 +3,11 @@
 #include "core/Messages.h"
 #include "core/Operator.h"
 #include "core/TextCompare.h"
-#include "core/forms/frmMain1.h"
 #include "platform/Convert.h"
 #include "platform/HelpLine.h"
 #include "platform/Look.h"
 #include "platform/LookupBox.h"
+#include "platform/MainScreen.h"
 #include "store/forms/RecordMoves.h"
 #include "views/TableViews.h"
 #include "views/forms/frmViewGrid.h"
@@ -305,5 +305,5 @@ void MasterEditor::cmdCancel_Click() {
 void MasterEditor::Form_Unload() {
     Trace("Form_Unload");
     table_.Close();
-    if (auto* main = IfLoaded<frmMain1>()) main->RefreshRecordCounts();
+    if (auto* main = IfMainScreen()) main->RefreshRecordCounts();
 }

@@ -5,11 +5,11 @@
 #include "core/Messages.h"
 #include "core/Operator.h"
 #include "core/Paths.h"
-#include "core/forms/frmMain1.h"
 #include "core/forms/frmProgress.h"
 #include "help/HelpTopics.h"
 #include "platform/Convert.h"
 #include "platform/Look.h"
+#include "platform/MainScreen.h"
 #include "views/BoxReport.h"
 #include "views/SetupTables.h"
 #include "views/forms/BackupList.h"
@@ -241,7 +241,7 @@ void frmViewGrid::Restore() {
 bool frmViewGrid::RecordRestore() {
     return Try([] {
         RecordTotals(ProgressFlag::Restore);
-        if (auto* main = IfLoaded<frmMain1>()) main->RefreshRecordCounts();
+        if (auto* main = IfMainScreen()) main->RefreshRecordCounts();
     });
 }
 

@@ -4,7 +4,7 @@
 #include "core/Text.h"
 #include "maintenance/Totals.h"
 #include "platform/Animation.h"
-#include "platform/Form.h"
+#include "platform/MainScreen.h"
 #include "sync/SessionScreen.h"
 #include "ui_frmMain1.h"
 
@@ -20,56 +20,31 @@ class QTimer;
 
 /// The system's home: the state of the handhelds, the recent uploads, the daily activities and the
 /// tools. Its load is the start of the program, its unload the end.
-class frmMain1 final : public MainForm, private Ui::frmMain1 {
+class frmMain1 final : public MainScreen, private Ui::frmMain1 {
     Q_OBJECT
 
 public:
     frmMain1();
 
-    /// Fills the grid of recent uploads.
-    void GetPCTotals();
-
-    /// The newest of them; nothing when there is none.
-    const std::optional<UploadRow>& NewestUpload() const { return newestUpload_; }
-
-    /// Writes the record counts of customers, items and orders on the page "System Summary".
-    void RefreshRecordCounts();
-
-    /// Draws the bricks of a family, one for each record of the Links table, and hides the others.
-    void GetHHBricks();
-    void GetHHBricksStd();
-    void GetHHBricksInst();
-
-    /// Says at the foot of the screen what was done, until another screen is opened.
-    void ShowOutcome(const Text& outcome);
+    void GetPCTotals() override;
+    const UploadRow* NewestUpload() const override { return newestUpload_ ? &*newestUpload_ : nullptr; }
+    void RefreshRecordCounts() override;
+    void GetHHBricks() override;
+    void GetHHBricksStd() override;
+    void GetHHBricksInst() override;
+    void ShowOutcome(const Text& outcome) override;
+    void LoadActiveRemoteSync() override;
+    void LoadInactiveRemoteSync() override;
+    void EnableRegistration(bool enabled) override;
+    void ShowSession(const std::string& user) override;
+    void ShowPhase(SyncPhaseImage phase, PhaseLook look) override;
+    void ShowWaiting() override;
+    void ShowUnattendedOff() override;
+    void StopAfterSession(const Text& message) override;
+    void SessionIsOver() override;
 
     /// Closes every secondary form.
     void UnloadForms();
-
-    /// Brings the screen to the armed form of unattended mode: what it does stands in place of the tools and
-    /// the QuickButtons, and whatever starts something else is disabled.
-    void LoadActiveRemoteSync();
-
-    /// Brings the screen to the idle form of the mode, and enables what the other has disabled.
-    void LoadInactiveRemoteSync();
-
-    /// Whether the ways to a registration of the HotSync users are open. One at a time: it waits for windows
-    /// of the other programs.
-    void EnableRegistration(bool enabled);
-
-    /// A session of the armed mode: who is in it, and how far its phases are.
-    void ShowSession(const std::string& user);
-    void ShowPhase(SyncPhaseImage phase, PhaseLook look);
-    void ShowWaiting();
-
-    /// A handheld that is not in the Links table has turned the mode off, which waits to be stopped.
-    void ShowUnattendedOff();
-
-    /// The mode stops when the session that runs is over, and says so.
-    void StopAfterSession(const Text& message);
-
-    /// The session is over: does what has waited for it.
-    void SessionIsOver();
 
 private slots:
     void mnuMainImport_Click();

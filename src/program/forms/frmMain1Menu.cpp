@@ -1,6 +1,6 @@
 // The ways from the main screen to the others: menu entries, and labels that stand for them.
 
-#include "core/forms/frmMain1.h"
+#include "program/forms/frmMain1.h"
 
 #include "core/Globals.h"
 #include "core/Messages.h"

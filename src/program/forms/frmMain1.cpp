@@ -1,4 +1,4 @@
-#include "core/forms/frmMain1.h"
+#include "program/forms/frmMain1.h"
 
 #include "core/Catalogue.h"
 #include "core/Directories.h"

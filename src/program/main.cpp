@@ -1,10 +1,7 @@
-#include "platform/Program.h"
-
 #include "core/Failure.h"
 #include "core/Globals.h"
 #include "core/Operator.h"
 #include "core/ProgramVersion.h"
-#include "core/forms/frmMain1.h"
 #include "help/forms/QtHelp.h"
 #include "maintenance/Office.h"
 #include "platform/Convert.h"
@@ -12,6 +9,7 @@
 #include "platform/Look.h"
 #include "platform/QtOperator.h"
 #include "platform/Registry.h"
+#include "program/forms/frmMain1.h"
 
 #include <QApplication>
 
@@ -37,15 +35,15 @@ void RegisterManager(const std::string& programFolder) {
 
 } // namespace
 
-int RunProgram(int argc, char** argv, const char* version) {
-    if (TellsVersion(argc, argv, "ZUKTramble", version)) return 0;
+int main(int argc, char** argv) {
+    if (TellsVersion(argc, argv, "ZUKTramble", TRAMBLE_VERSION)) return 0;
     if (argc == 2 && std::string_view(argv[1]) == "--help") {
         std::fputs(Usage, stdout);
         return 0;
     }
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("ZUKTramble"));
-    QApplication::setApplicationVersion(QString::fromLatin1(version));
+    QApplication::setApplicationVersion(QStringLiteral(TRAMBLE_VERSION));
     // The desktop finds the window's entry and picture by it.
     QGuiApplication::setDesktopFileName(QStringLiteral("com.example.ZUKTramble"));
     // The main screen's unload ends the program, and nothing else does.
@@ -59,8 +57,7 @@ int RunProgram(int argc, char** argv, const char* version) {
         help.Help().HHSetHelpFile(HelpFilePath(InstalledSet(programFolder), Global.AppPath));
         ApplyLook(application, Registry::DarkLook());
         RegisterManager(programFolder);
-        auto& main = The<frmMain1>();
-        main.Show();
+        The<frmMain1>().Show();
     } catch (const std::exception& failure) {
         FailUnexpectedly(failure);
     }

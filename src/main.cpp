@@ -1,5 +1,0 @@
-#include "platform/Program.h"
-
-int main(int argc, char** argv) {
-    return RunProgram(argc, argv, TRAMBLE_VERSION);
-}

@@ -1,0 +1,5 @@
+#include "platform/MainScreen.h"
+
+MainScreen* IfMainScreen() {
+    return dynamic_cast<MainScreen*>(FormRegistry::Instance().Find("frmMain1"));
+}
