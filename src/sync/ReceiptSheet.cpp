@@ -6,7 +6,7 @@
 #include "core/Paths.h"
 #include "core/TextCompare.h"
 #include "core/TextFile.h"
-#include "sync/SafetyCopies.h"
+#include "maintenance/SafetyCopies.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -2,8 +2,8 @@
 
 #include "core/Dates.h"
 #include "core/Text.h"
+#include "core/UploadRun.h"
 #include "sync/ReceiptCount.h"
-#include "sync/UploadRun.h"
 
 #include <cstddef>
 #include <optional>

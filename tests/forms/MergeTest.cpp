@@ -3,13 +3,13 @@
 #include "core/SafeFile.h"
 #include "core/forms/frmMain1.h"
 #include "forms/FormTest.h"
+#include "maintenance/SafetyCopies.h"
 #include "maintenance/Totals.h"
 #include "maintenance/forms/frmTotalsMsg.h"
 #include "store/TableCatalogue.h"
 #include "store/forms/frmAppend.h"
 #include "store/forms/frmAppendAudit.h"
 #include "store/forms/frmAppendIndex.h"
-#include "sync/SafetyCopies.h"
 #include "tools/forms/frmAbout.h"
 
 #include <QLabel>
