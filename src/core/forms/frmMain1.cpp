@@ -78,7 +78,7 @@ bool IsMarked(std::size_t row) {
 frmMain1::frmMain1() {
     setupUi(this);
     bricks_ = std::make_unique<HHBricks>(*this, *grdBricks);
-    unattended_ = std::make_unique<UnattendedView>(*this, *this);
+    unattended_ = std::make_unique<UnattendedView>(*this, static_cast<const Ui::frmMain1&>(*this));
     for (const auto& [timer, name] : {std::pair{&Timer2, "Timer2"}, {&Timer3, "Timer3"}}) {
         *timer = new QTimer(this);
         (*timer)->setObjectName(QLatin1String(name));
