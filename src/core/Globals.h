@@ -4,7 +4,7 @@
 #include "core/Disk.h"
 #include "core/FileNumbers.h"
 #include "core/Trace.h"
-#include "sync/UploadRun.h"
+#include "core/UploadRun.h"
 
 #include <array>
 #include <cstdint>

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "driver/BoxJudge.h"
 #include "driver/Desk.h"
 
 #include <QAbstractButton>
@@ -15,7 +16,8 @@
 #include <QTimer>
 
 #include <functional>
-#include <optional>
+
+class Request;
 
 /// Drives the program that it is loaded into for one client on a local socket: one JSON object a
 /// line, both ways (docs/driver.md). Lives in the thread of the screen and works inside modal loops.
@@ -30,24 +32,12 @@ public:
     ~Driver() override;
 
 private:
-    struct Expectation {
-        QString Box;  ///< `MsgBox` or `InputBox`
-        QString Text; ///< the whole text, or a piece of it
-        bool Contains = false;
-        QString Button;               ///< object name of the button that answers
-        std::optional<QString> Input; ///< typed into the box first
-    };
     struct Wait {
         QJsonValue Id;
         std::function<bool()> Holds;
         std::function<QString()> Lack; ///< what is missing, in words, for the failure
         std::function<QJsonObject()> Result;
         QDeadlineTimer Until;
-    };
-    struct AnsweredBox {
-        QPointer<QWidget> Box;
-        QDeadlineTimer Until;                      ///< when it counts as stuck
-        std::optional<QDeadlineTimer> HiddenUntil; ///< when a hidden one counts as gone
     };
 
     void Start();
@@ -59,10 +49,10 @@ private:
 
     void ScheduleNext();
     void HandleNext();
-    void Dispatch(const QJsonValue& id, const QString& deed, const QJsonObject& request);
-    bool DispatchWait(const QJsonValue& id, const QString& deed, const QJsonObject& request);
-    bool DispatchDeed(const QJsonValue& id, const QString& deed, const QJsonObject& request);
-    QJsonObject Look(const QString& deed, const QJsonObject& request);
+    void Dispatch(const Request& request);
+    bool DispatchWait(const Request& request);
+    bool DispatchDeed(const Request& request);
+    QJsonObject Look(const Request& request);
     void Perform(const QJsonValue& id, const std::function<void()>& deed);
     /// As Perform, once a window has the keyboard's focus.
     void PerformByKeys(const QJsonValue& id, const std::function<void()>& deed, QDeadlineTimer until);
@@ -70,21 +60,13 @@ private:
     void AddWait(Wait wait);
     void CheckWaits();
 
-    void Expect(const QJsonObject& request);
-    void BoxShown(QWidget& box);
-    void Judge();
-    void AnswerBox(QWidget& box, const Expectation& expected);
-    void FillBox(const QPointer<QWidget>& guard, const Expectation& expected, QDeadlineTimer until);
     bool IsUnderWay() const;
     void NotePressedButton();
-    void CheckAnsweredBoxes();
     void Fail(const QString& words);
     QString Failures() const;
-    QString Expectations() const;
-    static QString Describe(const Expectation& expected);
 
-    QObject& Control(const QJsonObject& request, bool mustBeFree) const;
-    QWidget& Widget(const QJsonObject& request, bool mustBeFree) const;
+    QObject& Control(const Request& request, bool mustBeFree) const;
+    QWidget& Widget(const Request& request, bool mustBeFree) const;
 
     QString path_;
     QLocalServer server_;
@@ -93,14 +75,11 @@ private:
     QQueue<QByteArray> requests_;
     bool nextScheduled_ = false;
     bool checkScheduled_ = false;
-    bool judging_ = false; ///< boxes that stand before the client's first deed wait until then
     QList<Wait> waits_;
-    QList<Expectation> expected_;
-    QList<QPointer<QWidget>> unjudged_;
-    QList<AnsweredBox> answered_;
     QStringList failures_;
     QPointer<QAbstractButton> pressed_; ///< by a key, shown down for a moment before it clicks
     QDeadlineTimer pressedUntil_;
     QTimer poll_;
+    BoxJudge boxes_;
     Desk desk_;
 };

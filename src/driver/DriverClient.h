@@ -60,6 +60,8 @@ struct DrivenBox {
     QString Name, Text, Answer;
 };
 
+class DriverLine;
+
 /// Starts a program and sits before its screen. Forms and controls go by their object names; a
 /// form's is its class name.
 ///
@@ -212,11 +214,9 @@ public:
                         Milliseconds within = Milliseconds(-1));
 
 private:
-    class Line;
-
     QJsonObject Wait(const QString& deed, QJsonObject arguments, Milliseconds within);
     QJsonObject To(const QString& form, const QString& control) const;
     void Register(QJsonObject expectation);
 
-    std::unique_ptr<Line> line_;
+    std::unique_ptr<DriverLine> line_;
 };

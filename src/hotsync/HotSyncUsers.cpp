@@ -6,115 +6,13 @@
 #include "core/Paths.h"
 #include "core/SafeFile.h"
 #include "core/TextCompare.h"
-#include "core/TextFile.h"
 #include "hotsync/PlainText.h"
 
 #include <algorithm>
-#include <charconv>
 #include <random>
 #include <utility>
 
 namespace {
-
-using NameFault = HotSyncUsers::NameFault;
-
-constexpr std::string_view FileName = "Users.txt";
-constexpr std::string_view Heading = "# id\tname\tlast sync\tcomplete or incomplete";
-constexpr std::string_view Never = "never";
-constexpr std::string_view Complete = "complete";
-constexpr std::string_view Incomplete = "incomplete";
-constexpr std::string_view MoveWord = "move";
-
-/// What stands in the manager's folder beside the folders of the users.
-constexpr std::string_view OwnFiles[] = {FileName, "HotSync.ini", "HotSync.log", "HotSync.old.log"};
-
-bool IsFolderName(std::string_view name) {
-    return name == WithoutControls(name) && name == Trim(name) && IsNameForNewFile(NameToPath(name)) &&
-           !SameText(ExtensionOf(name), SafeFile::WorkExtension) &&
-           std::none_of(std::begin(OwnFiles), std::end(OwnFiles),
-                        [&](std::string_view own) { return SameText(own, name); });
-}
-
-/// What keeps a name from being that of any user.
-NameFault FaultOf(std::string_view name) {
-    if (name.empty()) return NameFault::Empty;
-    if (name.size() > HotSyncUsers::LongestName) return NameFault::TooLong;
-    return IsFolderName(name) ? NameFault::None : NameFault::NoFileName;
-}
-
-std::string_view Words(NameFault fault) {
-    switch (fault) {
-    case NameFault::Empty:
-        return "a user has no name";
-    case NameFault::TooLong:
-        return "a name of more than 30 characters";
-    case NameFault::NoFileName:
-        return "a name that no folder can have";
-    case NameFault::Taken:
-        return "a name that another user has";
-    case NameFault::None:
-        break;
-    }
-    return {};
-}
-
-/// A line, or a piece of one, that is not what it should be; the words are code page 1252.
-struct BadLine {
-    std::string Why;
-};
-
-[[noreturn]] void Refuse(std::string_view why, std::string_view what) {
-    throw BadLine{std::string(why) + ": " + WithoutControls(what)};
-}
-
-/// The pieces between tabs, an empty one at the end included.
-std::vector<std::string_view> ColumnsOf(std::string_view line) {
-    auto columns = SplitText(line, "\t");
-    if (line.ends_with('\t')) columns.push_back(line.substr(line.size()));
-    return columns;
-}
-
-/// Names are kept in UTF-8; one that the code page cannot hold would come back as another.
-std::string ReadName(std::string_view utf8) {
-    std::string name = Utf8ToCodePage(utf8);
-    if (CodePageToUtf8(name) != utf8) Refuse("a name with characters that no handheld has", name);
-    return name;
-}
-
-std::uint32_t ReadId(std::string_view text) {
-    std::uint32_t id = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), id);
-    if (error != std::errc{} || end != text.data() + text.size() || id == 0)
-        Refuse("an id is a whole number from 1 to 4294967295", text);
-    return id;
-}
-
-DateTime ReadLastSync(std::string_view text) {
-    if (text == Never) return {};
-    const auto date = CDate(text);
-    if (!date || DateAndTime(*date) != text) Refuse("a last sync is 'yyyy-mm-dd hh:mm:ss' or 'never'", text);
-    return *date;
-}
-
-bool ReadIncomplete(std::string_view text) {
-    if (text != Complete && text != Incomplete) Refuse("neither 'complete' nor 'incomplete'", text);
-    return text == Incomplete;
-}
-
-HotSyncUser ReadUser(std::string_view line) {
-    const auto columns = ColumnsOf(line);
-    if (columns.size() != 4) Refuse("not the four columns of a user, parted by tabs", line);
-    const HotSyncUser user{ReadId(columns[0]), ReadName(columns[1]), ReadLastSync(columns[2]),
-                           ReadIncomplete(columns[3])};
-    if (const auto fault = FaultOf(user.Name); fault != NameFault::None) Refuse(Words(fault), user.Name);
-    return user;
-}
-
-std::string LineOf(const HotSyncUser& user) {
-    return std::to_string(user.Id) + '\t' + CodePageToUtf8(user.Name) + '\t' +
-           (user.LastSync.IsZero() ? std::string(Never) : DateAndTime(user.LastSync)) + '\t' +
-           std::string(user.Incomplete ? Incomplete : Complete);
-}
 
 bool IsFolder(const std::string& path) {
     return Global.TheDisk->IsFolder(path);
@@ -126,65 +24,11 @@ HotSyncUsers::HotSyncUsers(std::string folder) : folder_(AddBackslash(folder)) {
 
 // ---- the file ----
 
-HotSyncUsers::Content HotSyncUsers::Read() const {
-    TextReader file(folder_ + std::string(FileName), TextReader::OwnFile);
-    Content content;
-    for (std::string line; file.ReadLine(line);) {
-        std::string_view text = line;
-        if (file.LineNumber() == 1 && text.starts_with(Utf8Mark)) text.remove_prefix(Utf8Mark.size());
-        try {
-            TakeLine(text, content);
-        } catch (const BadLine& bad) {
-            throw FailureInLine(13, FileName, file.LineNumber(), bad.Why);
-        }
-    }
-    return content;
-}
-
-void HotSyncUsers::TakeLine(std::string_view line, Content& content) {
-    if (Trim(line).empty() || line == Heading) return;
-    if (line.front() == '#')
-        content.Comments.emplace_back(line);
-    else if (line.starts_with(std::string(MoveWord) + '\t'))
-        content.Pending = ReadMove(line);
-    else
-        TakeUser(ReadUser(line), content);
-}
-
-void HotSyncUsers::TakeUser(const HotSyncUser& user, Content& content) {
-    if (!content.Ids.insert(user.Id).second) Refuse("an id that another user has", std::to_string(user.Id));
-    if (!content.Names.insert(FoldCase(user.Name)).second) Refuse(Words(NameFault::Taken), user.Name);
-    if (content.Users.size() == MostUsers) Refuse("more than 5000 users", user.Name);
-    content.Users.push_back(user);
-}
-
-HotSyncUsers::Move HotSyncUsers::ReadMove(std::string_view line) {
-    const auto columns = ColumnsOf(line);
-    if (columns.size() != 3) Refuse("not the three columns of a renaming, parted by tabs", line);
-    Move move{ReadName(columns[1]), ReadName(columns[2])};
-    for (const std::string& name : {move.From, move.To}) {
-        if (!IsFolderName(name)) Refuse(Words(NameFault::NoFileName), name);
-    }
-    return move;
-}
-
-void HotSyncUsers::Write(const std::vector<HotSyncUser>& users, const std::optional<Move>& pending) const {
-    SafeFile file(folder_ + std::string(FileName));
-    file.WriteLine(Heading);
-    for (const std::string& comment : comments_) file.WriteLine(comment);
-    for (const HotSyncUser& user : users) file.WriteLine(LineOf(user));
-    if (pending) {
-        file.WriteLine(std::string(MoveWord) + '\t' + CodePageToUtf8(pending->From) + '\t' +
-                       CodePageToUtf8(pending->To));
-    }
-    file.Commit();
-}
-
 void HotSyncUsers::Load() {
-    RemoveQuietly(folder_ + std::string(FileName) + std::string(SafeFile::WorkExtension));
-    Content content;
+    RemoveQuietly(folder_ + std::string(HotSyncUsersFile::Name) + std::string(SafeFile::WorkExtension));
+    HotSyncUsersFile content;
     try {
-        content = Read();
+        content = HotSyncUsersFile::Read(folder_);
     } catch (const RunTimeFailure& failure) {
         if (failure.Number() != 53) throw;
     }
@@ -199,7 +43,7 @@ void HotSyncUsers::Load() {
 }
 
 void HotSyncUsers::Take(std::vector<HotSyncUser> users) {
-    Write(users, pending_);
+    HotSyncUsersFile{comments_, users, pending_}.Write(folder_);
     users_ = std::move(users);
     if (Changed) Changed();
 }
@@ -238,14 +82,14 @@ void HotSyncUsers::FinishMove() {
 /// The file names the folder's new name before the folder has it: Load finishes what is cut off between.
 void HotSyncUsers::TakeWithFolder(std::vector<HotSyncUser> users, const Move& move) {
     if (!IsFolder(ResolvePath(FolderNamed(move.From)))) return Take(std::move(users));
-    Write(users, move);
+    HotSyncUsersFile{comments_, users, move}.Write(folder_);
     pending_ = move;
     users.swap(users_);
     try {
         FinishMove();
     } catch (const RunTimeFailure&) {
         // When this fails too, the list stays as the file has it by now, and the folder follows later.
-        Write(users, std::nullopt);
+        HotSyncUsersFile{comments_, users, std::nullopt}.Write(folder_);
         users.swap(users_);
         pending_.reset();
         throw;
@@ -281,8 +125,8 @@ std::size_t HotSyncUsers::PlaceOf(std::uint32_t id) const {
     return static_cast<std::size_t>(user - users_.data());
 }
 
-NameFault HotSyncUsers::WhyNotAName(std::string_view name, std::uint32_t id) const {
-    const NameFault fault = FaultOf(Trim(name));
+HotSyncUsers::NameFault HotSyncUsers::WhyNotAName(std::string_view name, std::uint32_t id) const {
+    const NameFault fault = FaultOfUserName(Trim(name));
     const HotSyncUser* other = fault == NameFault::None ? FindName(Trim(name)) : nullptr;
     return other && other->Id != id ? NameFault::Taken : fault;
 }
@@ -290,7 +134,7 @@ NameFault HotSyncUsers::WhyNotAName(std::string_view name, std::uint32_t id) con
 void HotSyncUsers::CheckName(std::string_view name, std::uint32_t id) const {
     const NameFault fault = WhyNotAName(name, id);
     if (fault == NameFault::None) return;
-    throw RunTimeFailure(5, CodePageToUtf8(std::string(Words(fault)) + ": " + WithoutControls(name)));
+    throw RunTimeFailure(5, CodePageToUtf8(std::string(WordsOf(fault)) + ": " + WithoutControls(name)));
 }
 
 std::uint32_t HotSyncUsers::FreeId() const {

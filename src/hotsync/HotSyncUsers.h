@@ -1,25 +1,14 @@
 #pragma once
 
-#include "core/Dates.h"
+#include "hotsync/HotSyncUsersFile.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <optional>
-#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
-
-/// Somebody with a handheld.
-struct HotSyncUser {
-    std::uint32_t Id = 0;    ///< never 0; the user's handheld carries it too
-    std::string Name;        ///< code page 1252; the name of a folder, too
-    DateTime LastSync;       ///< zero: has had no handheld yet
-    bool Incomplete = false; ///< the last session broke off
-
-    bool operator==(const HotSyncUser&) const = default;
-};
 
 /// The users that the HotSync Manager knows, in the order in which they came, and their folders: the
 /// file `Users.txt` of the manager's folder, see docs/files.md.
@@ -79,7 +68,7 @@ public:
     /// with a separator at the end.
     std::string StandInFolder(const HotSyncUser& user) const;
 
-    enum class NameFault { None, Empty, TooLong, NoFileName, Taken };
+    using NameFault = UserNameFault;
 
     /// What keeps a name, its blanks at both ends cut, from becoming that of the user with this id, or of a
     /// new one (id 0). The manager's own files have names, too, that no user can bear.
@@ -89,23 +78,8 @@ public:
     std::function<void()> Changed;
 
 private:
-    /// A folder that is to get another name. Written down before it has it.
-    struct Move {
-        std::string From, To; ///< code page 1252
-    };
-    struct Content {
-        std::vector<std::string> Comments;
-        std::vector<HotSyncUser> Users;
-        std::set<std::uint32_t> Ids;
-        std::set<std::string> Names; ///< by FoldCase
-        std::optional<Move> Pending;
-    };
+    using Move = HotSyncUsersFile::Move;
 
-    Content Read() const;
-    static void TakeLine(std::string_view line, Content& content);
-    static void TakeUser(const HotSyncUser& user, Content& content);
-    static Move ReadMove(std::string_view line);
-    void Write(const std::vector<HotSyncUser>& users, const std::optional<Move>& pending) const;
     void Take(std::vector<HotSyncUser> users);
     void TakeWithFolder(std::vector<HotSyncUser> users, const Move& move);
     void FinishMove();

@@ -1,23 +1,20 @@
 #include "hotsync/TableTransfer.h"
 
-#include "core/CodePage.h"
 #include "core/Failure.h"
 #include "core/Paths.h"
 #include "core/SafeFile.h"
-#include "core/TextCompare.h"
+#include "hotsync/FetchedTable.h"
 #include "store/TableCatalogue.h"
 #include "store/TableRewrite.h"
 #include "store/TableScan.h"
 
 #include <algorithm>
 #include <array>
-#include <optional>
 
 namespace {
 
 constexpr std::string_view WorkMark = "~";
 constexpr std::string_view InstallWork = "ZUK_install~";
-constexpr std::string_view SignedTable = "ZUKORHDR";
 /// Some handhelds lock up when a record near the limit is asked for in one piece.
 constexpr std::uint16_t LongestPiece = LongestRecord - 100;
 
@@ -47,14 +44,6 @@ HandheldLayout LayoutOf(const TableLayout& table) {
     return layout;
 }
 
-std::vector<FieldDef> FieldsOf(const HandheldLayout& layout) {
-    std::vector<FieldDef> fields;
-    for (const HandheldField& field : layout.Fields) {
-        fields.push_back({field.Name, field.Type, field.Length, field.Decimals});
-    }
-    return fields;
-}
-
 std::vector<FieldDef> FieldsOf(const TableEntry& table) {
     std::vector<FieldDef> fields;
     for (const TableField& field : table.Fields) {
@@ -63,60 +52,7 @@ std::vector<FieldDef> FieldsOf(const TableEntry& table) {
     return fields;
 }
 
-/// Where each of the handheld's fields goes in a table that has all of them, none shorter and none of
-/// another type; nothing when it has not.
-std::optional<std::vector<int>> PlacesIn(const TableLayout& table, const HandheldLayout& from) {
-    std::vector<int> places;
-    for (const HandheldField& field : from.Fields) {
-        int place = table.FieldCount();
-        while (place > 0 && !SameText(table.PlainName(place), field.Name)) --place;
-        if (place == 0 || table.FieldLength(place) < field.Length ||
-            table.FieldType(place) != std::string(1, field.Type)) {
-            return std::nullopt;
-        }
-        places.push_back(place);
-    }
-    return places;
-}
-
 } // namespace
-
-/// The table that is being built, and the places of the handheld's fields in it.
-struct TableTransfer::Columns {
-    TableRewrite Table;
-    std::vector<int> Places; ///< empty: the handheld's fields as they are
-
-    static Columns For(std::string_view path, const HandheldLayout& from) {
-        if (FileExists(path)) {
-            try {
-                TableRewrite table(path);
-                if (auto places = PlacesIn(table.Layout(), from)) return Columns(path, *places);
-            } catch (const RunTimeFailure& failure) {
-                // A file that is no table is replaced by one; one that may not be touched is not.
-                constexpr int notATable = 321;
-                if (failure.Number() != notATable) throw;
-            }
-        }
-        return Columns(path, from);
-    }
-
-    Columns(std::string_view path, std::vector<int> places) : Table(path), Places(std::move(places)) {}
-    Columns(std::string_view path, const HandheldLayout& from) : Table(path, FieldsOf(from)) {}
-
-    void Append(const HandheldLayout& from, std::string_view fields) {
-        const TableLayout& layout = Table.Layout();
-        std::string record(static_cast<std::size_t>(layout.RecordLength()) - 1, ' ');
-        std::size_t at = 0;
-        for (std::size_t k = 0; k < from.Fields.size(); ++k) {
-            const std::size_t length = from.Fields[k].Length;
-            const int to = Places.empty() ? static_cast<int>(k) + 1 : Places[k];
-            record.replace(static_cast<std::size_t>(layout.FieldStart(to)) - 1, length,
-                           fields.substr(at, length));
-            at += length;
-        }
-        Table.AppendRaw(TableLayout::Live, record);
-    }
-};
 
 TableTransfer::TableTransfer(HandheldLine& line, const Limits& limits, Step step, Awaited awaited)
     : line_(line),
@@ -180,66 +116,16 @@ TableTransfer::Result TableTransfer::Fetch(std::string_view path, const std::str
     const HandheldLayout layout =
         ReadLayout(ReadBlock(line_.Need(PackReadAppBlock(handle), "read the fields of " + name)));
     const std::uint16_t count = CountRecords(handle, name);
-    // The last record of a packed table may have but one row.
-    const std::uint64_t rows =
-        layout.IsPacked() && count > 0 ? (count - std::uint64_t{1}) * layout.RowsInRecord + 1 : count;
-    std::uint64_t bytes = rows * layout.RecordBytes();
-    const auto refuseSize = [&] {
-        throw TransferFailure(name + ": " + std::to_string(rows) + " records are more than " +
-                              std::to_string(limits_.LargestTable >> 20) + " MB");
-    };
-    if (bytes > limits_.LargestTable) refuseSize();
-
-    Columns columns = Columns::For(path, layout);
-    Result result;
-    std::vector<Signature> signatures;
-    std::int32_t homeless = 0; // signatures of orders whose code is no name for a file
-    std::string firstHomeless;
-    const bool isSigned = TableOfDatabase(name) == SignedTable;
-    const std::size_t orderCode = layout.Find("H_ORDCODE");
-    const auto keep = [&](HandheldRecord& record) {
-        columns.Append(layout, record.Fields);
-        ++result.Records;
-        if (!record.IsSigned()) return;
-        std::string code;
-        if (isSigned && orderCode < layout.Fields.size()) code = layout.Get(orderCode, record.Fields);
-        code.erase(code.find_last_not_of(' ') + 1);
-        if (!IsNameForNewFile(NameToPath(code))) {
-            if (homeless++ == 0) firstHomeless = CodePageToUtf8(code);
-            return;
-        }
-        bytes += record.Signature.Rows.size();
-        if (bytes > limits_.LargestTable) refuseSize();
-        const std::string images = AddBackslash(std::string(FolderOf(path)) + "Images");
-        signatures.push_back({images + NameToPath(code), std::move(record.Signature)});
-    };
-    RowReader reader(layout);
+    FetchedTable table(path, {name, layout, count, limits_.LargestTable});
     for (std::uint16_t index = 0; index < count; ++index) {
         step_(index, count);
-        const DatabaseRecord whole = ReadWhole(handle, index);
-        if ((whole.Flags & DeletedRecord) != 0) { // its bytes may be gone already
-            ++result.LeftBehind;
-            continue;
-        }
-        for (HandheldRecord& record : reader.Read(whole.Data)) keep(record);
+        table.Take(ReadWhole(handle, index));
     }
     step_(count, count);
     if (CountRecords(handle, name) != count) throw TransferFailure(name + " changed while it was read");
     Close(handle);
     CheckAwaited();
-
-    // A drawing whose order is not there yet harms nobody; an order without its drawing would.
-    for (const Signature& signature : signatures) {
-        MakePath(FolderOf(signature.Path));
-        WriteWholeFile(signature.Path, InkBitmap(signature.Drawing));
-    }
-    columns.Table.Commit();
-    result.Signatures = static_cast<std::int32_t>(signatures.size());
-    if (homeless != 0) {
-        result.Odd = "a signature of order \"" + firstHomeless + "\" has no place to lie";
-        if (homeless > 1) result.Odd += ", and " + std::to_string(homeless - 1) + " more";
-    }
-    return result;
+    return table.Put();
 }
 
 TableTransfer::Result TableTransfer::FetchNone(std::string_view path, const std::string& name) {

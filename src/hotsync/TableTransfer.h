@@ -71,14 +71,6 @@ public:
     bool NeedsReset() const { return needsReset_; }
 
 private:
-    /// A record's way from the handheld's fields into the table's.
-    struct Columns;
-    /// A signature on its way to the disk.
-    struct Signature {
-        std::string Path;
-        Ink Drawing;
-    };
-
     template <class Deed>
     auto Guarded(const std::string& work, Deed deed);
     Result Fetch(std::string_view path, const std::string& name);

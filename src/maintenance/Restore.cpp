@@ -6,11 +6,11 @@
 #include "core/Paths.h"
 #include "core/TextCompare.h"
 #include "core/TextFile.h"
+#include "maintenance/SafetyCopies.h"
 #include "maintenance/UnfinishedJobs.h"
 #include "maintenance/VersionUpdate.h"
 #include "store/TableLock.h"
 #include "store/TableScan.h"
-#include "sync/SafetyCopies.h"
 
 #include <algorithm>
 #include <exception>

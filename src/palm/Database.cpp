@@ -42,10 +42,14 @@ void CheckBlock(std::string_view block) {
     }
 }
 
-} // namespace
+/// Where the blocks of a file begin. 0 is none.
+struct Places {
+    std::uint32_t AppInfo = 0, SortInfo = 0;
+    std::vector<std::uint32_t> Entries; ///< one a record or resource, never 0
+};
 
-Database ReadDatabase(std::string_view file) {
-    ByteReader header(file, What);
+/// All that the header says; of the entries, `places` has the number.
+Database ReadHeader(ByteReader& header, Places& places) {
     Database database;
     const std::string_view name = header.Take(NameSize);
     if (name.find('\0') == std::string_view::npos) header.Fail("a name without its end");
@@ -57,21 +61,19 @@ Database ReadDatabase(std::string_view file) {
     database.Modified = header.U32();
     database.BackedUp = header.U32();
     database.ModificationNumber = header.U32();
-    const std::uint32_t appInfo = header.U32();
-    const std::uint32_t sortInfo = header.U32();
+    places.AppInfo = header.U32();
+    places.SortInfo = header.U32();
     database.Type = header.U32();
     database.Creator = header.U32();
     database.IdSeed = header.U32() & LastRecordId;
     if (header.U32() != 0) header.Fail("a second list of records");
-    const std::size_t count = header.U16();
+    places.Entries.resize(header.U16());
+    return database;
+}
 
-    const std::size_t entry = database.IsResource() ? ResourceEntryBytes : RecordEntryBytes;
-    ByteReader list(header.Take(count * entry), What);
-    Blocks blocks(file, DatabaseHeaderBytes + count * entry);
-    blocks.Add(appInfo);
-    blocks.Add(sortInfo);
-    std::vector<std::uint32_t> offsets(count);
-    for (std::uint32_t& offset : offsets) {
+/// An entry for each record or resource: all but its block.
+void ReadList(ByteReader list, Database& database, Places& places) {
+    for (std::uint32_t& offset : places.Entries) {
         if (database.IsResource()) {
             DatabaseResource& resource = database.Resources.emplace_back();
             resource.Type = list.U32();
@@ -86,22 +88,45 @@ Database ReadDatabase(std::string_view file) {
             record.Id = rest & LastRecordId;
         }
         if (offset == 0) list.Fail("an entry without a block");
-        blocks.Add(offset);
     }
+}
+
+/// The bytes of each block, those of the whole database first.
+void ReadBlocks(Blocks blocks, const Places& places, Database& database) {
+    blocks.Add(places.AppInfo);
+    blocks.Add(places.SortInfo);
+    for (const std::uint32_t offset : places.Entries) blocks.Add(offset);
+    blocks.Sort();
     // Of several that begin at one place the last in the list has the bytes, and the others have none.
     std::unordered_map<std::uint32_t, std::size_t> holders;
-    for (std::size_t at = 0; at < count; ++at) holders[offsets[at]] = at;
-    blocks.Sort();
+    for (std::size_t at = 0; at < places.Entries.size(); ++at) holders[places.Entries[at]] = at;
     const auto holdsRecord = [&](std::uint32_t offset) { return holders.contains(offset); };
-    database.AppInfo = blocks.At(appInfo, appInfo == sortInfo || holdsRecord(appInfo));
-    database.SortInfo = blocks.At(sortInfo, holdsRecord(sortInfo));
-    for (std::size_t at = 0; at < count; ++at) {
-        std::string data = blocks.At(offsets[at], holders[offsets[at]] != at);
+    database.AppInfo =
+        blocks.At(places.AppInfo, places.AppInfo == places.SortInfo || holdsRecord(places.AppInfo));
+    database.SortInfo = blocks.At(places.SortInfo, holdsRecord(places.SortInfo));
+    for (std::size_t at = 0; at < places.Entries.size(); ++at) {
+        const std::uint32_t offset = places.Entries[at];
+        std::string data = blocks.At(offset, holders[offset] != at);
         CheckBlock(data);
         (database.IsResource() ? database.Resources[at].Data : database.Records[at].Data) = std::move(data);
     }
     CheckBlock(database.AppInfo);
     CheckBlock(database.SortInfo);
+}
+
+std::size_t EntryBytes(const Database& database) {
+    return database.IsResource() ? ResourceEntryBytes : RecordEntryBytes;
+}
+
+} // namespace
+
+Database ReadDatabase(std::string_view file) {
+    ByteReader header(file, What);
+    Places places;
+    Database database = ReadHeader(header, places);
+    const std::size_t listBytes = places.Entries.size() * EntryBytes(database);
+    ReadList(ByteReader(header.Take(listBytes), What), database, places);
+    ReadBlocks(Blocks(file, DatabaseHeaderBytes + listBytes), places, database);
     return database;
 }
 
@@ -118,8 +143,7 @@ std::string WriteDatabase(const Database& database) {
     CheckBlock(database.AppInfo);
     CheckBlock(database.SortInfo);
 
-    const std::size_t entry = database.IsResource() ? ResourceEntryBytes : RecordEntryBytes;
-    std::size_t at = DatabaseHeaderBytes + count * entry + ListGapBytes;
+    std::size_t at = DatabaseHeaderBytes + count * EntryBytes(database) + ListGapBytes;
     const auto place = [&](std::string_view block) {
         const std::size_t offset = at;
         at += block.size();

@@ -98,61 +98,61 @@ FlexGridPrint::Laid FlexGridPrint::LayOut(const PrintGrid::Row& row, const Print
 }
 
 void FlexGridPrint::Begin(Printer& printer) {
-    const int sum = std::accumulate(grid_.Widths.begin(), grid_.Widths.end(), 0);
-    widths_ = grid_.Widths;
-    if (sum > printer.PageWidth()) {
-        for (int& width : widths_) width = static_cast<int>(std::int64_t{width} * printer.PageWidth() / sum);
-    }
     printer.SetFont(TitleFont);
     const int titleHeight = printer.TextHeight();
     printer.SetFont(CellFont);
     lineHeight_ = printer.TextHeight();
+    FitWidths(printer.PageWidth());
     rows_.clear();
     for (const PrintGrid::Row& row : grid_.Rows)
         rows_.push_back(LayOut(row, rows_.empty() ? HeadingFont : CellFont, printer));
 
     // The moment stands below the company, which stands half a line below its place.
     const int firstTop = titleHeight / 2 + 700 + titleHeight + lineHeight_ + BelowTitle;
-    const int bottom = PrintableHeight(printer);
-    const auto linesIn = [&](int height) { return (height - 2 * CellMargin) / lineHeight_; };
-    pages_.assign(1, {});
-    int top = firstTop;
-    const auto startPage = [&](int at) {
-        top = at;
-        if (rows_.empty()) return;
-        pages_.back().push_back({0, 0, rows_[0].Lines, top, rows_[0].Height});
-        top += rows_[0].Height;
-    };
-    startPage(firstTop);
-    for (std::size_t row = 1; row < rows_.size(); ++row) {
-        const Laid& laid = rows_[row];
-        for (int line = 0; line < laid.Lines;) {
-            const bool isWhole = line == 0 && top + laid.Height <= bottom;
-            if (isWhole) {
-                pages_.back().push_back({row, 0, laid.Lines, top, laid.Height});
-                top += laid.Height;
-                break;
-            }
-            const bool isEmptyPage = pages_.back().size() == 1;
-            const bool fitsEmptyPage = TopOfPage + rows_[0].Height + laid.Height <= bottom;
-            const bool goesOn = line > 0;
-            if (!goesOn && (!isEmptyPage || (pages_.size() == 1 && fitsEmptyPage))) {
-                pages_.emplace_back();
-                startPage(TopOfPage);
-                continue;
-            }
-            // Higher than a page: as many of its lines as there is room for, whatever the room is.
-            const int lines = std::clamp(linesIn(bottom - top), 1, laid.Lines - line);
-            const int height = lines * lineHeight_ + 2 * CellMargin;
-            pages_.back().push_back({row, line, lines, top, height});
-            top += height;
-            line += lines;
-            if (line < laid.Lines) {
-                pages_.emplace_back();
-                startPage(TopOfPage);
-            }
-        }
+    BreakIntoPages(firstTop, PrintableHeight(printer));
+}
+
+void FlexGridPrint::FitWidths(int pageWidth) {
+    const int sum = std::accumulate(grid_.Widths.begin(), grid_.Widths.end(), 0);
+    widths_ = grid_.Widths;
+    if (sum <= pageWidth) return;
+    for (int& width : widths_) width = static_cast<int>(std::int64_t{width} * pageWidth / sum);
+}
+
+void FlexGridPrint::BreakIntoPages(int top, int bottom) {
+    pages_.clear();
+    top = StartPage(top);
+    for (std::size_t row = 1; row < rows_.size(); ++row) top = PlaceRow(row, top, bottom);
+}
+
+int FlexGridPrint::StartPage(int top) {
+    pages_.emplace_back();
+    if (rows_.empty()) return top;
+    pages_.back().push_back({0, 0, rows_[0].Lines, top, rows_[0].Height});
+    return top + rows_[0].Height;
+}
+
+int FlexGridPrint::PlaceRow(std::size_t row, int top, int bottom) {
+    const Laid& laid = rows_[row];
+    const auto isWhole = [&] { return top + laid.Height <= bottom; };
+    const bool isEmptyPage = pages_.back().size() == 1;
+    const bool fitsEmptyPage = TopOfPage + rows_[0].Height + laid.Height <= bottom;
+    if (!isWhole() && (!isEmptyPage || (pages_.size() == 1 && fitsEmptyPage))) top = StartPage(TopOfPage);
+    if (isWhole()) {
+        pages_.back().push_back({row, 0, laid.Lines, top, laid.Height});
+        return top + laid.Height;
     }
+    // Higher than a page: as many of its lines as there is room for, whatever the room is.
+    for (int line = 0; line < laid.Lines;) {
+        if (line > 0) top = StartPage(TopOfPage);
+        const int room = (bottom - top - 2 * CellMargin) / lineHeight_;
+        const int lines = std::clamp(room, 1, laid.Lines - line);
+        const int height = lines * lineHeight_ + 2 * CellMargin;
+        pages_.back().push_back({row, line, lines, top, height});
+        top += height;
+        line += lines;
+    }
+    return top;
 }
 
 void FlexGridPrint::PrintTitle(Printer& printer) const {

@@ -49,7 +49,12 @@ private:
         int Top, Height;
     };
 
+    void FitWidths(int pageWidth);
     Laid LayOut(const PrintGrid::Row& row, const PrintFont& font, Printer& printer) const;
+    void BreakIntoPages(int top, int bottom);
+    // Both return where the next row begins.
+    int StartPage(int top);
+    int PlaceRow(std::size_t row, int top, int bottom);
     void PrintTitle(Printer& printer) const;
     void PrintPiece(const Piece& piece, Printer& printer) const;
 

@@ -35,10 +35,32 @@ std::string TablePath(std::string_view file) {
 
 using Records = std::vector<std::int32_t>;
 
+/// How a test finds the records that it tells of, in a table and in the hands of an editor.
+class Collector {
+public:
+    using InTable = Records (*)(const ScratchGrid& grid, int field);
+    using InCell = bool (*)(std::string_view cell);
+
+    /// `alone`: what is wrong with a record whatever the others are; nullptr for nothing.
+    constexpr Collector(InTable all, InCell alone) : all_(all), alone_(alone) {}
+
+    Records All(const ScratchGrid& grid, int field) const { return all_(grid, field); }
+    bool FailsAlone(std::string_view cell) const { return alone_ && alone_(cell); }
+    bool operator==(const Collector&) const = default;
+
+private:
+    InTable all_;
+    InCell alone_;
+};
+
+bool IsBlank(std::string_view cell) {
+    return cell.empty();
+}
+
 /// Rows from the top while the cell is empty: in a grid that is sorted on the field these are all.
 Records BlankRecords(const ScratchGrid& grid, int field) {
     Records records;
-    for (std::int32_t row = 1; row <= grid.RowCount() && grid.Cell(row, field).empty(); ++row)
+    for (std::int32_t row = 1; row <= grid.RowCount() && IsBlank(grid.Cell(row, field)); ++row)
         records.push_back(grid.Record(row));
     return records;
 }
@@ -84,14 +106,26 @@ Records NoPriceRecords(const ScratchGrid& grid, int field) {
     return RecordsWhere(grid, field, IsNoPrice);
 }
 
+bool IsZeroPrice(std::string_view cell) {
+    return ToNumber(cell) == 0;
+}
+
 /// Rows from the top while the price is 0. A text sort may put another price ahead of the zeros,
 /// and then this stops there; that is accepted.
 Records ZeroPriceRecords(const ScratchGrid& grid, int field) {
     Records records;
-    for (std::int32_t row = 1; row <= grid.RowCount() && ToNumber(grid.Cell(row, field)) == 0; ++row)
+    for (std::int32_t row = 1; row <= grid.RowCount() && IsZeroPrice(grid.Cell(row, field)); ++row)
         records.push_back(grid.Record(row));
     return records;
 }
+
+constexpr Collector Blanks(BlankRecords, IsBlank);
+constexpr Collector Duplicates(DuplicateRecords, nullptr);
+constexpr Collector Invalids(InvalidRecords, IsInvalid);
+constexpr Collector NoPrices(NoPriceRecords, IsNoPrice);
+constexpr Collector ZeroPrices(ZeroPriceRecords, IsZeroPrice);
+/// Of a test that has a walk of its own, over more than one field.
+constexpr Collector OwnWalk(nullptr, nullptr);
 
 // ---- rows ----
 
@@ -106,7 +140,7 @@ std::string ListOf(const Records& records) {
 
 /// A test of one field of a table.
 struct FieldTest {
-    Records (*Collect)(const ScratchGrid& grid, int field);
+    Collector Collect;
     int Field;
     int SortedOn; ///< the field in whose order the rows are put before; 0: as they stand
     ::Severity Severity;
@@ -160,7 +194,7 @@ void RunTests(const Subject& subject, std::span<const FieldTest> tests, ScratchG
               ProblemList& problems) {
     for (const FieldTest& test : tests) {
         if (test.SortedOn) grid.SortOn(test.SortedOn);
-        subject.Report(problems, test, test.Collect(grid, test.Field));
+        subject.Report(problems, test, test.Collect.All(grid, test.Field));
     }
 }
 
@@ -170,19 +204,19 @@ constexpr Severity Warn = Severity::Warn;
 // ---- customers ----
 
 constexpr std::array CustomerTests{
-    FieldTest{BlankRecords, C_SEARCH, C_SEARCH, Fatal, msg::ProblemBlank, msg::CustSearchBlank,
+    FieldTest{Blanks, C_SEARCH, C_SEARCH, Fatal, msg::ProblemBlank, msg::CustSearchBlank,
               msg::CustSearchUnique, "C_SEARCH"},
-    FieldTest{BlankRecords, C_CODE, C_CODE, Fatal, msg::ProblemBlank, msg::CustCodeBlank, msg::CustCodeUnique,
+    FieldTest{Blanks, C_CODE, C_CODE, Fatal, msg::ProblemBlank, msg::CustCodeBlank, msg::CustCodeUnique,
               "C_CODE"},
-    FieldTest{DuplicateRecords, C_CODE, C_CODE, Fatal, msg::ProblemDuplicate, msg::CustCodeDuplicate,
+    FieldTest{Duplicates, C_CODE, C_CODE, Fatal, msg::ProblemDuplicate, msg::CustCodeDuplicate,
               msg::CustCodeUnique, "C_CODE"},
-    FieldTest{InvalidRecords, C_SEARCH, 0, Fatal, msg::ProblemInvalid, msg::CustSearchInvalid,
-              msg::CustSearchPlain, "C_SEARCH"},
-    FieldTest{InvalidRecords, C_CODE, 0, Fatal, msg::ProblemInvalid, msg::CustCodeInvalid, msg::CustCodePlain,
+    FieldTest{Invalids, C_SEARCH, 0, Fatal, msg::ProblemInvalid, msg::CustSearchInvalid, msg::CustSearchPlain,
+              "C_SEARCH"},
+    FieldTest{Invalids, C_CODE, 0, Fatal, msg::ProblemInvalid, msg::CustCodeInvalid, msg::CustCodePlain,
               "C_CODE"},
 };
 constexpr FieldTest TaxCodeTest{
-    nullptr,   C_STCODE, 0, Fatal, msg::ProblemSecondary, msg::CustTaxUnknown, msg::CustTaxCorrection,
+    OwnWalk,   C_STCODE, 0, Fatal, msg::ProblemSecondary, msg::CustTaxUnknown, msg::CustTaxCorrection,
     "C_STCODE"};
 
 /// Customers whose tax code the tax table lacks, up to the first whose code it has: behind that one
@@ -204,28 +238,28 @@ Records UnknownTaxCodes(const ScratchGrid& FGIndex, const ScratchGrid& FGIndex2)
 // ---- items ----
 
 constexpr std::array ItemTests{
-    FieldTest{BlankRecords, I_SEARCH, I_SEARCH, Fatal, msg::ProblemBlank, msg::ItemSearchBlank,
+    FieldTest{Blanks, I_SEARCH, I_SEARCH, Fatal, msg::ProblemBlank, msg::ItemSearchBlank,
               msg::ItemSearchUnique, "I_SEARCH"},
-    FieldTest{BlankRecords, I_ITEMCODE, I_ITEMCODE, Fatal, msg::ProblemBlank, msg::ItemCodeBlank,
+    FieldTest{Blanks, I_ITEMCODE, I_ITEMCODE, Fatal, msg::ProblemBlank, msg::ItemCodeBlank,
               msg::ItemCodeUnique, "I_ITEMCODE"},
-    FieldTest{DuplicateRecords, I_SEARCH, I_SEARCH, Warn, msg::ProblemDuplicate, msg::ItemSearchDuplicate,
+    FieldTest{Duplicates, I_SEARCH, I_SEARCH, Warn, msg::ProblemDuplicate, msg::ItemSearchDuplicate,
               msg::ItemSearchUnique, "I_SEARCH", msg::ItemSearchRemark},
-    FieldTest{DuplicateRecords, I_ITEMCODE, I_ITEMCODE, Fatal, msg::ProblemDuplicate, msg::ItemCodeDuplicate,
+    FieldTest{Duplicates, I_ITEMCODE, I_ITEMCODE, Fatal, msg::ProblemDuplicate, msg::ItemCodeDuplicate,
               msg::ItemCodeUnique, "I_ITEMCODE"},
-    FieldTest{InvalidRecords, I_ITEMCODE, 0, Warn, msg::ProblemInvalid, msg::ItemCodeInvalid,
-              msg::ItemCodePlain, "I_ITEMCODE"},
-    FieldTest{NoPriceRecords, I_PRICE, 0, Fatal, msg::ProblemInvalid, msg::ItemPriceInvalid,
-              msg::ItemPriceNumber, "I_PRICE"},
-    FieldTest{ZeroPriceRecords, I_PRICE, I_PRICE, Warn, msg::ProblemBlank, msg::ItemPriceBlank,
-              msg::ItemPriceEnter, "I_PRICE"},
+    FieldTest{Invalids, I_ITEMCODE, 0, Warn, msg::ProblemInvalid, msg::ItemCodeInvalid, msg::ItemCodePlain,
+              "I_ITEMCODE"},
+    FieldTest{NoPrices, I_PRICE, 0, Fatal, msg::ProblemInvalid, msg::ItemPriceInvalid, msg::ItemPriceNumber,
+              "I_PRICE"},
+    FieldTest{ZeroPrices, I_PRICE, I_PRICE, Warn, msg::ProblemBlank, msg::ItemPriceBlank, msg::ItemPriceEnter,
+              "I_PRICE"},
 };
 
 constexpr std::array BarcodeTests{
-    FieldTest{BlankRecords, I_BARCODE, 0, Warn, msg::ProblemBlank, msg::BarcodeBlank, msg::BarcodeNotFound,
+    FieldTest{Blanks, I_BARCODE, 0, Warn, msg::ProblemBlank, msg::BarcodeBlank, msg::BarcodeNotFound,
               "I_BARCODE"},
-    FieldTest{InvalidRecords, I_BARCODE, 0, Warn, msg::ProblemInvalid, msg::BarcodeInvalid, msg::BarcodePlain,
+    FieldTest{Invalids, I_BARCODE, 0, Warn, msg::ProblemInvalid, msg::BarcodeInvalid, msg::BarcodePlain,
               "I_BARCODE"},
-    FieldTest{DuplicateRecords, I_BARCODE, I_BARCODE, Warn, msg::ProblemDuplicate, msg::BarcodeDuplicate,
+    FieldTest{Duplicates, I_BARCODE, I_BARCODE, Warn, msg::ProblemDuplicate, msg::BarcodeDuplicate,
               msg::BarcodeUnique, "I_BARCODE"},
 };
 
@@ -242,20 +276,20 @@ ScratchGrid SortedItems(Progress& progress) {
 // ---- sales tax, payments, links ----
 
 constexpr std::array TaxTests{
-    FieldTest{BlankRecords, ST_CODE, ST_CODE, Fatal, msg::ProblemBlank, msg::TaxCodeBlank, msg::TaxCodeUnique,
+    FieldTest{Blanks, ST_CODE, ST_CODE, Fatal, msg::ProblemBlank, msg::TaxCodeBlank, msg::TaxCodeUnique,
               "ST_CODE"},
-    FieldTest{DuplicateRecords, ST_CODE, ST_CODE, Fatal, msg::ProblemDuplicate, msg::TaxCodeDuplicate,
+    FieldTest{Duplicates, ST_CODE, ST_CODE, Fatal, msg::ProblemDuplicate, msg::TaxCodeDuplicate,
               msg::TaxCodeUnique, "ST_CODE"},
-    FieldTest{InvalidRecords, ST_CODE, ST_CODE, Fatal, msg::ProblemInvalid, msg::TaxCodeInvalid,
-              msg::TaxCodePlain, "ST_CODE"},
+    FieldTest{Invalids, ST_CODE, ST_CODE, Fatal, msg::ProblemInvalid, msg::TaxCodeInvalid, msg::TaxCodePlain,
+              "ST_CODE"},
 };
 
 constexpr FieldTest PayTest{
-    nullptr,   PAY_CODE, 0, Fatal, msg::ProblemInvalid, msg::PayCodeInvalid, msg::PayCodeCorrection,
+    OwnWalk,   PAY_CODE, 0, Fatal, msg::ProblemInvalid, msg::PayCodeInvalid, msg::PayCodeCorrection,
     "PAY_CODE"};
 
 constexpr FieldTest LinkTest{
-    nullptr,     LK_HOTSYNC, 0, Warn, msg::ProblemHotsyncID, msg::LinksUnknown, msg::LinksUnknownCorrection,
+    OwnWalk,     LK_HOTSYNC, 0, Warn, msg::ProblemHotsyncID, msg::LinksUnknown, msg::LinksUnknownCorrection,
     "LK_HOTSYNC"};
 
 // ---- one record ----
@@ -277,20 +311,12 @@ std::vector<FieldTest> TestsOfOne(std::string_view file) {
     return all;
 }
 
-bool FailsAlone(const FieldTest& test, std::string_view cell) {
-    if (test.Collect == BlankRecords) return cell.empty();
-    if (test.Collect == InvalidRecords) return IsInvalid(cell);
-    if (test.Collect == NoPriceRecords) return IsNoPrice(cell);
-    if (test.Collect == ZeroPriceRecords) return ToNumber(cell) == 0;
-    return false;
-}
-
 } // namespace
 
 std::vector<int> FieldsWithoutRepeats(std::string_view file) {
     std::vector<int> fields;
     for (const FieldTest& test : TestsOfOne(file)) {
-        if (test.Collect == DuplicateRecords) fields.push_back(test.Field);
+        if (test.Collect == Duplicates) fields.push_back(test.Field);
     }
     return fields;
 }
@@ -299,8 +325,8 @@ Text FirstObjection(std::string_view file, const std::function<std::string(int)>
                     const std::function<std::int32_t(int, std::string_view)>& otherWith) {
     for (const FieldTest& test : TestsOfOne(file)) {
         const std::string text = cell(test.Field);
-        if (FailsAlone(test, text)) return test.Issue;
-        if (test.Collect != DuplicateRecords || text.empty()) continue;
+        if (test.Collect.FailsAlone(text)) return test.Issue;
+        if (test.Collect != Duplicates || text.empty()) continue;
         if (const std::int32_t other = otherWith(test.Field, text))
             return Words(test.Issue, msg::LabelRecords, Text::Value(std::int64_t{other}));
     }

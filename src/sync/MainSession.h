@@ -1,10 +1,10 @@
 #pragma once
 
+#include "core/UploadRun.h"
 #include "sync/Arrivals.h"
 #include "sync/Receipt.h"
 #include "sync/SFrmAX40.h"
 #include "sync/SessionScreen.h"
-#include "sync/UploadRun.h"
 
 #include <cstdint>
 #include <span>

@@ -1,29 +1,17 @@
 #pragma once
 
 #include "core/Text.h"
+#include "sync/ReceiptSheet.h"
 #include "sync/SFrmAX40.h"
-#include "sync/UploadRun.h"
 
 #include <cstddef>
-#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 /// The receipt of a session: a text file in the handheld's directory under HHTotalsPath that sets what the
 /// handheld says it had against what arrived and what the PC holds now, and says whether they balance.
-
-/// Which kind of session a receipt is for.
-enum class SessionKind { Unattended, Upload, Download, Clear };
-
-/// The transfer of one table, and how it ended.
-struct ReceiptTransfer {
-    bool Upload = false;
-    std::string Path;
-    enum class End { Well, Failed, CutOff } How = End::CutOff;
-};
 
 /// The newest receipts of a handheld are kept, so many.
 inline constexpr std::size_t ReceiptsKept = 50;
@@ -65,9 +53,8 @@ public:
     bool HasTaken() const;
 
 private:
-    struct Notes;
     SessionKind kind_;
-    std::unique_ptr<Notes> notes_; ///< of the session that has begun and has no receipt yet
+    std::unique_ptr<ReceiptNotes> notes_; ///< of the session that has begun and has no receipt yet
 };
 
 /// The text of a handheld's last receipt, in UTF-8; nothing when it has none or it cannot be read.

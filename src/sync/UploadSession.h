@@ -1,9 +1,9 @@
 #pragma once
 
+#include "core/UploadRun.h"
 #include "sync/Arrivals.h"
 #include "sync/Receipt.h"
 #include "sync/SFrmAX40.h"
-#include "sync/UploadRun.h"
 
 #include <cstdint>
 #include <functional>

@@ -5,7 +5,6 @@
 #include "core/Numbers.h"
 #include "core/Paths.h"
 #include "core/TextCompare.h"
-#include "quality/TableChecks.h"
 #include "store/TableLock.h"
 #include "store/TableScan.h"
 
@@ -34,8 +33,11 @@ Text NumberWarning(const TableField& field, std::string_view text) {
 
 } // namespace
 
-MasterTable::MasterTable(const MasterKind& kind) : kind_(kind), entry_(*FindTable(kind.File)) {
-    for (const int place : FieldsWithoutRepeats(kind.File)) folded_[place];
+MasterTable::MasterTable(const MasterKind& kind, const RecordRules& rules)
+    : kind_(kind),
+      rules_(rules),
+      entry_(*FindTable(kind.File)) {
+    for (const int place : rules_.FieldsWithoutRepeats(kind.File)) folded_[place];
 }
 
 void MasterTable::Open(std::int32_t record) {
@@ -203,6 +205,6 @@ Text MasterTable::Warning(const Cells& cells) const {
         const Text warning = NumberWarning(entry_.Fields[static_cast<std::size_t>(place) - 1], Trim(text));
         if (!warning.IsEmpty()) return warning;
     }
-    return FirstObjection(kind_.File, cell,
-                          [this](int place, std::string_view text) { return OtherWith(place, text); });
+    return rules_.FirstObjection(kind_.File, cell,
+                                 [this](int place, std::string_view text) { return OtherWith(place, text); });
 }

@@ -7,6 +7,7 @@
 #include "store/TableRecords.h"
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -20,6 +21,14 @@ struct MasterKind {
     const char* Key; ///< the field without which no record is saved
     MessageId KeyEmpty;
     const char* Lookup[2]; ///< the fields by which a record is found
+};
+
+/// The rules that a record is held against while it is edited; those of the Quality Check are in
+/// quality/TableChecks.h, with what is asked and answered.
+struct RecordRules {
+    std::vector<int> (*FieldsWithoutRepeats)(std::string_view file);
+    Text (*FirstObjection)(std::string_view file, const std::function<std::string(int place)>& cell,
+                           const std::function<std::int32_t(int place, std::string_view text)>& otherWith);
 };
 
 extern const MasterKind CustomerMaster;
@@ -37,7 +46,7 @@ public:
     /// Texts by the place of their field.
     using Cells = std::map<int, std::string>;
 
-    explicit MasterTable(const MasterKind& kind);
+    MasterTable(const MasterKind& kind, const RecordRules& rules);
 
     /// Opens it at a record, or at the nearest that there is.
     void Open(std::int32_t record);
@@ -71,7 +80,7 @@ public:
     /// for.
     bool Renew();
 
-    /// What the Quality Check would object to if the current record were saved with these texts, or what
+    /// What the rules would object to if the current record were saved with these texts, or what
     /// the table would make of them; empty for nothing, and for a record without a key.
     Text Warning(const Cells& cells) const;
 
@@ -87,6 +96,7 @@ private:
     std::int32_t OtherWith(int place, std::string_view text) const;
 
     const MasterKind& kind_;
+    RecordRules rules_;
     const TableEntry& entry_;
     TableRecords records_;
     std::unique_ptr<TableReader> file_; ///< as we have left it

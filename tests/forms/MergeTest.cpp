@@ -2,6 +2,7 @@
 #include "core/Paths.h"
 #include "core/SafeFile.h"
 #include "forms/FormTest.h"
+#include "maintenance/SafetyCopies.h"
 #include "maintenance/Totals.h"
 #include "maintenance/forms/frmTotalsMsg.h"
 #include "program/forms/frmMain1.h"
@@ -9,7 +10,6 @@
 #include "store/forms/frmAppend.h"
 #include "store/forms/frmAppendAudit.h"
 #include "store/forms/frmAppendIndex.h"
-#include "sync/SafetyCopies.h"
 #include "tools/forms/frmAbout.h"
 
 #include <QLabel>

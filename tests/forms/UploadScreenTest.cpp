@@ -1,12 +1,12 @@
 #include "core/SafeFile.h"
 #include "core/forms/frmProgress.h"
 #include "forms/TableScreensTest.h"
+#include "maintenance/SafetyCopies.h"
 #include "maintenance/forms/frmTotalsMsg.h"
 #include "platform/Convert.h"
 #include "platform/TitledWindow.h"
 #include "program/forms/frmMain1.h"
 #include "support/RefusingDisk.h"
-#include "sync/SafetyCopies.h"
 #include "sync/forms/frmMainSync.h"
 #include "sync/forms/frmUploadSelect.h"
 

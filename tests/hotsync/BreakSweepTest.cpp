@@ -7,6 +7,7 @@
 #include "hotsync/LoopHandheld.h"
 #include "hotsync/Session.h"
 #include "maintenance/Office.h"
+#include "maintenance/SafetyCopies.h"
 #include "maintenance/Totals.h"
 #include "store/OfficeTables.h"
 #include "store/TableCatalogue.h"
@@ -16,7 +17,6 @@
 #include "support/Tables.h"
 #include "support/UnflushedDisk.h"
 #include "sync/MainSession.h"
-#include "sync/SafetyCopies.h"
 #include "sync/SessionStatus.h"
 
 #include <algorithm>

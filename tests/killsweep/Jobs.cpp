@@ -14,10 +14,10 @@
 #include "installation/HandheldInstall.h"
 #include "maintenance/Backup.h"
 #include "maintenance/Office.h"
+#include "maintenance/SafetyCopies.h"
 #include "maintenance/Totals.h"
 #include "maintenance/UnfinishedJobs.h"
 #include "maintenance/VersionUpdate.h"
-#include "sync/SafetyCopies.h"
 #include "sync/Status.h"
 
 namespace {

@@ -6,13 +6,13 @@
 #include "maintenance/Backup.h"
 #include "maintenance/ClearTables.h"
 #include "maintenance/Restore.h"
+#include "maintenance/SafetyCopies.h"
 #include "maintenance/VersionUpdate.h"
 #include "store/TableCatalogue.h"
 #include "support/EngineTest.h"
 #include "support/Fails.h"
 #include "support/RefusingDisk.h"
 #include "support/Tables.h"
-#include "sync/SafetyCopies.h"
 
 #include <filesystem>
 #include <map>

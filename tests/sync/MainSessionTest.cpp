@@ -2,9 +2,9 @@
 
 #include "core/Failure.h"
 #include "core/SafeFile.h"
+#include "maintenance/SafetyCopies.h"
 #include "support/Fails.h"
 #include "support/RefusingDisk.h"
-#include "sync/SafetyCopies.h"
 #include "sync/SessionTest.h"
 
 #include <filesystem>

@@ -3,12 +3,12 @@
 #include "core/Globals.h"
 #include "core/Numbers.h"
 #include "core/Paths.h"
+#include "maintenance/SafetyCopies.h"
 #include "maintenance/Totals.h"
 #include "support/EngineTest.h"
 #include "support/FakeControl.h"
 #include "support/Tables.h"
 #include "sync/Receipt.h"
-#include "sync/SafetyCopies.h"
 #include "sync/Status.h"
 
 #include <map>

@@ -1,6 +1,7 @@
 #include "views/MasterTable.h"
 
 #include "core/Progress.h"
+#include "quality/TableChecks.h"
 #include "store/SortTables.h"
 #include "support/EngineTest.h"
 #include "support/Fails.h"
@@ -17,6 +18,8 @@ using Record = std::vector<std::pair<std::string, std::string>>;
 constexpr int C_SEARCH = 1, C_CODE = 2, C_NAME = 4;
 constexpr int I_SEARCH = 1, I_ITEMCODE = 2, I_BARCODE = 3, I_PRICE = 6;
 constexpr int ST_CODE = 1, ST_RATE = 4;
+
+constexpr RecordRules QualityRules{FieldsWithoutRepeats, FirstObjection};
 
 /// A disk from which so many files can be opened, and no more.
 class DiskThatTires final : public PassingDisk {
@@ -69,13 +72,13 @@ protected:
 
     /// The warning on a record of a table, with one field typed anew.
     std::string WarningOn(const MasterKind& kind, int record, int place, const std::string& typed) {
-        MasterTable table(kind);
+        MasterTable table(kind, QualityRules);
         table.Open(record);
         return table.Warning({{place, typed}}).CodePage();
     }
 
     std::string path_;
-    MasterTable Customers{CustomerMaster};
+    MasterTable Customers{CustomerMaster, QualityRules};
 };
 
 TEST_F(MasterTableTest, ListsEveryRecordByItsSearchValueAndName) {
@@ -304,7 +307,7 @@ TEST_F(MasterTableTest, WarnsOfWhatTheChecksOfItemsAndBarCodesWouldFindFatalFirs
     EXPECT_EQ(typed(I_PRICE, "12.5A"), "Non-numeric price in item table.");
     EXPECT_EQ(typed(I_PRICE, "-3"), "Non-numeric price in item table.");
     EXPECT_EQ(typed(I_PRICE, "0.00"), "Blank item price field (I_PRICE) in item table.");
-    MasterTable items(ItemMaster);
+    MasterTable items(ItemMaster, QualityRules);
     items.Open(2);
     EXPECT_EQ(items.Warning({{I_SEARCH, "A"}, {I_PRICE, "x"}}).CodePage(),
               "Non-numeric price in item table.");

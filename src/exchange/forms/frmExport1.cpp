@@ -22,6 +22,11 @@ constexpr std::int32_t PreviewRecords = 20;
 
 frmExport1::frmExport1() {
     setupUi(this);
+    templates_ = new SavedMappings(*this, Global.ExportTemplates,
+                                   {.CanSave = [this] { return CanSave(); },
+                                    .Write = [this](const std::string& path) { Write(path); },
+                                    .Remove = RemoveQuietly,
+                                    .Clear = [this] { cmdRemoveAll_Click(); }});
     PressOnEnter(*lstAvailable, *cmdAdd1);
     PressOnEnter(*txtVal, *cmdVal);
     PressOnDelete(*lstSelected, *cmdRemove1);
@@ -32,10 +37,7 @@ void frmExport1::Form_Load() {
     TraceEvent("frmExport1:Form_Load");
     lblProgress->hide();
     pgbProgress->hide();
-    for (const std::string& name : NamesWithExtension(Global.ExportTemplates, Extension)) {
-        cboSettings->addItem(PathToQt(name));
-    }
-    cboSettings->setCurrentIndex(-1);
+    templates_->List(Extension);
     try {
         book_ = OpenPCOrders(Global.DBFPath + "ZUKORHDR.DBF", Global.DBFPath + "ZUKORLIN.DBF");
         const std::vector<std::string> headers = AvailableFieldsOf(book_.HeaderFile);
@@ -62,25 +64,15 @@ void frmExport1::Form_Unload() {
 // ---- templates ----
 
 void frmExport1::ChooseTemplate(const std::string& file) {
-    const QString name = PathToQt(file).chopped(static_cast<qsizetype>(Extension.size()));
-    cboSettings->setCurrentIndex(cboSettings->findText(name, Qt::MatchFixedString));
+    templates_->Choose(file);
     cboSettings_Click();
     txtExpFile->setFocus();
 }
 
-/// In the file system's encoding.
-std::string frmExport1::TemplateName() const {
-    return PathFromQt(cboSettings->currentText().trimmed());
-}
-
-std::string frmExport1::TemplatePath() const {
-    return Global.ExportTemplates + TemplateName() + std::string(Extension);
-}
-
 void frmExport1::cboSettings_Click() {
     TraceEvent("frmExport1:cboSettings_Click");
-    if (TemplateName().empty()) return;
-    const ExportTemplate content = ReadExportTemplate(TemplatePath()).Template;
+    if (templates_->Name().empty()) return;
+    const ExportTemplate content = ReadExportTemplate(templates_->Path()).Template;
     cmdRemoveAll_Click();
     txtExpFile->setText(ToQt(std::string_view(content.FileName)));
     if (content.Delimiter) {
@@ -100,23 +92,14 @@ void frmExport1::cboSettings_Change() {
     CheckOK();
 }
 
-void frmExport1::cmdSaveSettings_Click() {
-    TraceEvent("frmExport1:cmdSaveSettings_Click");
-    SaveSettings();
+bool frmExport1::CanSave() {
+    if (!columns_.Rows().empty()) return true;
+    Tell(msg::NothingToExport, Icon::Warning);
+    lstAvailable->setFocus();
+    return false;
 }
 
-/// False when there is nothing to save or it could not be saved; the operator has been told.
-bool frmExport1::SaveSettings() {
-    if (TemplateName().empty()) {
-        Tell(msg::TypeTemplateName, Icon::Warning);
-        cboSettings->setFocus();
-        return false;
-    }
-    if (columns_.Rows().empty()) {
-        Tell(msg::NothingToExport, Icon::Warning);
-        lstAvailable->setFocus();
-        return false;
-    }
+void frmExport1::Write(const std::string& path) const {
     ExportTemplate content;
     content.FileName = FromQt(txtExpFile->text().trimmed());
     content.Delimiter = Delimiter();
@@ -125,22 +108,7 @@ bool frmExport1::SaveSettings() {
     content.QualityCheck = chkQC->isChecked();
     content.AddHeadings = chkHeader->isChecked();
     content.Columns = columns_.Rows();
-    try {
-        if (!IsPlainFileName(TemplateName())) throw RunTimeFailure(52, TemplateName());
-        WriteExportTemplate(TemplatePath(), content);
-    } catch (const RunTimeFailure& failure) {
-        Tell(Lines(msg::TemplateNotSaved, Text::Path(std::string_view(failure.what()))), Icon::Stop);
-        return false;
-    }
-    ListName(*cboSettings, PathToQt(TemplateName()));
-    return true;
-}
-
-void frmExport1::cmdDelSettings_Click() {
-    TraceEvent("frmExport1:cmdDelSettings_Click");
-    if (IsPlainFileName(TemplateName())) RemoveQuietly(TemplatePath());
-    UnlistName(*cboSettings, PathToQt(TemplateName()));
-    cmdRemoveAll_Click();
+    WriteExportTemplate(path, content);
 }
 
 // ---- the columns ----
@@ -195,7 +163,7 @@ void frmExport1::CheckOK() {
     cmdRemove1->setEnabled(row.has_value());
     cmdRemoveAll->setEnabled(!columns_.Rows().empty());
     cmdLiteral->setEnabled(!columns_.CalcPending());
-    cmdDelSettings->setEnabled(!TemplateName().empty());
+    cmdDelSettings->setEnabled(!templates_->Name().empty());
 }
 
 void frmExport1::txtExpFile_Change() {
@@ -343,7 +311,7 @@ void frmExport1::cmdRemoveAll_Click() {
 void frmExport1::cmdOK_Click() {
     TraceEvent("frmExport1:cmdOK_Click");
     const bool repairs = !repair_.empty();
-    if ((repairs || !TemplateName().empty()) && !SaveSettings()) return;
+    if ((repairs || !templates_->Name().empty()) && !templates_->Save()) return;
     if (repairs) return cmdCancel_Click();
     if (Global.TemplateEditMode && !AskYesNo(msg::ExportNow)) return cmdCancel_Click();
     cmdOK->setEnabled(false);

@@ -2,6 +2,7 @@
 
 #include "exchange/ExportColumns.h"
 #include "exchange/OrderCheck.h"
+#include "exchange/forms/SavedMappings.h"
 #include "platform/Form.h"
 #include "ui_frmExport1.h"
 
@@ -22,8 +23,6 @@ public:
 private slots:
     void cboSettings_Click();
     void cboSettings_Change();
-    void cmdSaveSettings_Click();
-    void cmdDelSettings_Click();
     void txtExpFile_Change();
     void optCSVQ_Click();
     void optCSV_Click();
@@ -53,9 +52,8 @@ protected:
 
 private:
     void ChooseTemplate(const std::string& file);
-    std::string TemplateName() const;
-    std::string TemplatePath() const;
-    bool SaveSettings();
+    bool CanSave();
+    void Write(const std::string& path) const;
 
     ::Delimiter Delimiter() const;
     ExportJob Job() const;
@@ -68,6 +66,7 @@ private:
     bool Export();
     void OfferBackup();
 
+    SavedMappings* templates_;
     std::string repair_; ///< the file name of the template that the report has named
     PCOrders book_;
     std::vector<std::string> available_; ///< the fields of the headers, then those of the lines

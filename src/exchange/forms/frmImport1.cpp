@@ -36,6 +36,15 @@ QString Caption(MessageId entry) {
 
 frmImport1::frmImport1() : columns_(new PreviewModel(this)) {
     setupUi(this);
+    templates_ = new SavedMappings(*this, Global.ImportTemplates,
+                                   {.CanSave = [this] { return CanSave(); },
+                                    .Write = [this](const std::string& path) { Write(path); },
+                                    .Remove =
+                                        [](const std::string& path) {
+                                            RemoveQuietly(path);
+                                            ForgetHeadLines(path);
+                                        },
+                                    .Clear = [this] { cmdRemoveAll_Click(); }});
     auto* startLine = UpDown1->findChild<QLineEdit*>();
     startLine->setObjectName(QStringLiteral("txtStartLine"));
     startLine->setAccessibleName(ToQt(Text(msg::lblStartLine)));
@@ -72,7 +81,7 @@ void frmImport1::LoadForImport(const std::string& importFile) {
     mode_ = Mode::Import;
     importFile_ = importFile;
     if (!LoadPreview()) return cmdCancel_Click();
-    ListTemplates(*kind_);
+    templates_->List(TemplateExtension(*kind_));
     ListAvailable(*kind_);
     if (!RecogniseFormat()) return cmdCancel_Click();
     ShowColumns();
@@ -85,23 +94,13 @@ void frmImport1::LoadForEditing() {
     mode_ = kind_ ? Mode::EditKind : Mode::EditTemplate;
     optCSV->setChecked(true);
     if (kind_) {
-        ListTemplates(*kind_);
+        templates_->List(TemplateExtension(*kind_));
         ListAvailable(*kind_);
     } else {
-        for (const TemplateKind kind : {TemplateKind::Cust, TemplateKind::Item}) ListTemplates(kind);
+        templates_->ListKinds({TemplateExtension(TemplateKind::Cust), TemplateExtension(TemplateKind::Item)});
     }
     ShowColumns();
     cboSettings->setFocus();
-}
-
-/// Adds the templates of a kind to the list: with their extensions where there are two kinds.
-void frmImport1::ListTemplates(TemplateKind kind) {
-    const std::string_view extension = TemplateExtension(kind);
-    const auto list = mode_ == Mode::EditTemplate ? FilesWithExtension : NamesWithExtension;
-    for (const std::string& name : list(Global.ImportTemplates, extension)) {
-        cboSettings->addItem(PathToQt(name));
-    }
-    cboSettings->setCurrentIndex(-1);
 }
 
 void frmImport1::ListAvailable(TemplateKind kind) {
@@ -145,23 +144,15 @@ bool frmImport1::RecogniseFormat() {
 
 // ---- templates ----
 
-/// The template's name as it stands in the list, in the file system's encoding.
-std::string frmImport1::TemplateName() const {
-    return PathFromQt(cboSettings->currentText().trimmed());
-}
-
-/// The file name of a template; the name may hold its extension where templates of both kinds are listed.
-std::string frmImport1::TemplateFile(const std::string& name) const {
-    const bool hasExtension = mode_ == Mode::EditTemplate && (!kind_ || TemplateKindOf(name) == kind_);
-    return hasExtension ? name : name + std::string(TemplateExtension(*kind_));
-}
-
 void frmImport1::cboSettings_Click() {
     TraceEvent("frmImport1:cboSettings_Click");
-    const std::string name = TemplateName();
+    const std::string name = templates_->Name();
     if (name.empty()) return;
-    if (mode_ == Mode::EditTemplate) kind_ = TemplateKindOf(name);
-    const ImportTemplateRead read = ReadImportTemplate(Global.ImportTemplates + TemplateFile(name));
+    if (mode_ == Mode::EditTemplate) {
+        kind_ = TemplateKindOf(name);
+        templates_->Use(kind_ ? TemplateExtension(*kind_) : std::string_view());
+    }
+    const ImportTemplateRead read = ReadImportTemplate(templates_->Path());
     if (mode_ != Mode::Import) {
         importFile_ = Global.DataInPath + NameToPath(read.Template.DataFile);
         LoadPreview();
@@ -197,30 +188,16 @@ bool frmImport1::SaveAnew(const std::string& templateFile) {
              Icon::Warning);
         return false;
     }
-    const QString name =
-        PathToQt(templateFile).chopped(static_cast<qsizetype>(ExtensionOf(templateFile).size()));
-    cboSettings->setCurrentIndex(cboSettings->findText(name, Qt::MatchFixedString));
+    templates_->Choose(templateFile);
     cboSettings_Click();
-    return SaveSettings();
+    return templates_->Save();
 }
 
 void frmImport1::cboSettings_Change() {
     CheckSaveSettings();
 }
 
-void frmImport1::cmdSaveSettings_Click() {
-    TraceEvent("frmImport1:cmdSaveSettings_Click");
-    SaveSettings();
-}
-
-/// False when there is nothing to save or it could not be saved; the operator has been told.
-bool frmImport1::SaveSettings() {
-    const std::string name = TemplateName();
-    if (name.empty()) {
-        Tell(msg::TypeTemplateName, Icon::Warning);
-        cboSettings->setFocus();
-        return false;
-    }
+bool frmImport1::CanSave() {
     if (mapping_.IsEmpty()) {
         Tell(msg::NothingToSave, Icon::Warning);
         lstAvailable->setFocus();
@@ -232,51 +209,31 @@ bool frmImport1::SaveSettings() {
         cboSettings->setFocus();
         return false;
     }
-    ImportTemplate content;
-    content.DataFile = PathToName(dataFile);
-    if (NameToPath(content.DataFile) != dataFile) {
+    if (NameToPath(PathToName(dataFile)) != dataFile) {
         Tell(Words(msg::NameNotKept, Text::Path(dataFile)), Icon::Warning);
         return false;
     }
+    return true;
+}
+
+void frmImport1::Write(const std::string& path) const {
+    ImportTemplate content;
+    content.DataFile = PathToName(FileNameOf(importFile_));
     content.Delimiter = Delimiter();
     content.StartLine = FromQt(UpDown1->cleanText());
     content.Fields = mapping_.Selected();
     content.Literals = mapping_.Literals();
-    const std::string file = TemplateFile(name);
-    try {
-        if (!IsPlainFileName(name)) throw RunTimeFailure(52, name);
-        WriteImportTemplate(Global.ImportTemplates + file, content);
-    } catch (const RunTimeFailure& failure) {
-        Tell(Lines(msg::TemplateNotSaved, Text::Path(std::string_view(failure.what()))), Icon::Stop);
-        return false;
-    }
+    WriteImportTemplate(path, content);
     // A new template is compared from now on with the file that it was made for.
-    if (!RememberedHeadLines(Global.ImportTemplates + file)) RememberHead(file);
-    ListName(*cboSettings, PathToQt(mode_ == Mode::EditTemplate ? file : name));
-    return true;
+    if (!RememberedHeadLines(path)) RememberHead();
 }
 
-/// Keeps the lines above the data beside a template. A data file that has gone stops nothing.
-void frmImport1::RememberHead(const std::string& templateFile) const {
+/// Keeps the lines above the data beside the template. A data file that has gone stops nothing.
+void frmImport1::RememberHead() const {
     try {
-        RememberHeadLines(Global.ImportTemplates + templateFile,
-                          ReadHeadLines(importFile_, UpDown1->value()));
+        RememberHeadLines(templates_->Path(), ReadHeadLines(importFile_, UpDown1->value()));
     } catch (const RunTimeFailure&) { // the next import has nothing to compare with
     }
-}
-
-void frmImport1::cmdDelSettings_Click() {
-    TraceEvent("frmImport1:cmdDelSettings_Click");
-    std::string name = TemplateName();
-    // In the list of both kinds any template can be named, also one that is not loaded.
-    const bool named = mode_ == Mode::EditTemplate && (TemplateKindOf(name) || !kind_);
-    if (!named) name = TemplateFile(name);
-    if (IsPlainFileName(name)) {
-        RemoveQuietly(Global.ImportTemplates + name);
-        ForgetHeadLines(Global.ImportTemplates + name);
-    }
-    UnlistName(*cboSettings, PathToQt(mode_ == Mode::EditTemplate ? name : TemplateName()));
-    cmdRemoveAll_Click();
 }
 
 // ---- the mapping ----
@@ -491,7 +448,7 @@ void frmImport1::cmdRemoveAll_Click() {
 
 void frmImport1::cmdOK_Click() {
     TraceEvent("frmImport1:cmdOK_Click");
-    if (!TemplateName().empty() && !SaveSettings()) return;
+    if (!templates_->Name().empty() && !templates_->Save()) return;
     if (mode_ != Mode::Import && !AskYesNo(msg::ImportNow)) return cmdCancel_Click();
     if (!ColumnsStand()) return;
     cmdOK->setEnabled(false);
@@ -512,10 +469,10 @@ void frmImport1::cmdOK_Click() {
 /// Asks when the lines above the data are not those of the last time; false when the operator will
 /// not import them.
 bool frmImport1::ColumnsStand() const {
-    if (TemplateName().empty()) return true;
+    if (templates_->Name().empty()) return true;
     std::optional<ChangedLine> change;
     try {
-        change = FirstChange(RememberedHeadLines(Global.ImportTemplates + TemplateFile(TemplateName())),
+        change = FirstChange(RememberedHeadLines(templates_->Path()),
                              ReadHeadLines(importFile_, UpDown1->value()));
     } catch (const RunTimeFailure&) { // the import itself tells that the file cannot be read
     }
@@ -558,7 +515,7 @@ void frmImport1::Import() {
 }
 
 void frmImport1::TellResult(const ImportJob& job, const ImportResult& result) {
-    if (!TemplateName().empty()) RememberHead(TemplateFile(TemplateName()));
+    if (!templates_->Name().empty()) RememberHead();
     if (auto* main = IfMainScreen()) main->RefreshRecordCounts();
     Text count = Words(Text::Value(result.LinesRead - result.LinesFailed), msg::Of,
                        Text::Value(result.LinesRead), msg::LinesImported);

@@ -4,6 +4,7 @@
 #include "exchange/ImportPreview.h"
 #include "exchange/ImportTemplate.h"
 #include "exchange/forms/PreviewModel.h"
+#include "exchange/forms/SavedMappings.h"
 #include "platform/Form.h"
 #include "ui_frmImport1.h"
 
@@ -33,8 +34,6 @@ public:
 private slots:
     void cboSettings_Click();
     void cboSettings_Change();
-    void cmdSaveSettings_Click();
-    void cmdDelSettings_Click();
     void optCSVQ_Click();
     void optCSV_Click();
     void optTAB_Click();
@@ -62,15 +61,13 @@ private:
 
     void LoadForImport(const std::string& importFile);
     void LoadForEditing();
-    void ListTemplates(TemplateKind kind);
     void ListAvailable(TemplateKind kind);
     bool LoadPreview();
     bool RecogniseFormat();
 
-    std::string TemplateName() const;
-    std::string TemplateFile(const std::string& name) const;
-    bool SaveSettings();
-    void RememberHead(const std::string& templateFile) const;
+    bool CanSave();
+    void Write(const std::string& path) const;
+    void RememberHead() const;
 
     ::Delimiter Delimiter() const;
     void SetDelimiter(::Delimiter delimiter);
@@ -88,6 +85,7 @@ private:
     void Import();
     void TellResult(const ImportJob& job, const ImportResult& result);
 
+    SavedMappings* templates_;
     Mode mode_ = Mode::Import;
     std::string importFile_; ///< full path of the data file
     std::string tableFile_;  ///< full path of the table

@@ -36,6 +36,24 @@ bool HasDrifted(const ImportJob& job, const std::string& templateName) {
     return FirstChange(remembered, lines).has_value();
 }
 
+/// The import that a template asks for. RunTimeFailure for a template that cannot be run, and as CountLines.
+ImportJob JobOf(const ImportTemplateRead& read, std::optional<TemplateKind> kind) {
+    const ImportTemplate& content = read.Template;
+    // Run all the same, a template that maps nothing would leave a table of blank records.
+    const bool mapsNothing = content.Fields.empty() && content.Literals.empty();
+    if (!kind || read.BadDataFile || mapsNothing) throw RunTimeFailure(52, content.DataFile);
+    ImportJob job;
+    job.ImportFile = Global.DataInPath + NameToPath(content.DataFile);
+    job.LineCount = CountLines(job.ImportFile);
+    job.TableFile = Global.DBFPath + std::string(TableFileOf(*kind));
+    job.Delimiter = content.Delimiter.value_or(Delimiter::Csv);
+    job.StartLine = StartLineNumber(content.StartLine);
+    job.SelectedFields = content.Fields;
+    job.Literals = content.Literals;
+    job.ErrorFile = LostLinesFile(Global.DataInPath, content.DataFile);
+    return job;
+}
+
 } // namespace
 
 QuickButtonForm::RowResult frmQBImport::RunRow(std::size_t row, const std::string& templateName) {
@@ -43,29 +61,17 @@ QuickButtonForm::RowResult frmQBImport::RunRow(std::size_t row, const std::strin
     const ImportTemplateRead read = ReadImportTemplate(Global.ImportTemplates + NameToPath(templateName));
     if (!read.Complete) return TellCannotOpen(name);
     const auto kind = TemplateKindOf(templateName);
-    // Run all the same, a template that maps nothing would leave a table of blank records.
-    const bool mapsNothing = read.Template.Fields.empty() && read.Template.Literals.empty();
     ImportJob job;
     try {
         EnsureDataDirectory(Global.DataInPath, "DataIn", msg::DataInUnavailable);
-        if (!kind || read.BadDataFile || mapsNothing) throw RunTimeFailure(52, read.Template.DataFile);
-        job.ImportFile = Global.DataInPath + NameToPath(read.Template.DataFile);
-        job.LineCount = CountLines(job.ImportFile);
+        job = JobOf(read, kind);
     } catch (const RunTimeFailure&) {
         Tell(Words(msg::ImportFileError, name) + msg::AndOldTemplate, Icon::Warning);
         return {};
     }
     const bool customers = *kind == TemplateKind::Cust;
-    const Text table = customers ? msg::lblSysCust : msg::lblSysItems;
-    lblSS[row]->setText(ToQt(table));
+    lblSS[row]->setText(ToQt(Text(customers ? msg::lblSysCust : msg::lblSysItems)));
     lblSS[row]->setToolTip(PlainTip(ToQt(name)));
-
-    job.TableFile = Global.DBFPath + std::string(TableFileOf(*kind));
-    job.Delimiter = read.Template.Delimiter.value_or(Delimiter::Csv);
-    job.StartLine = StartLineNumber(read.Template.StartLine);
-    job.SelectedFields = read.Template.Fields;
-    job.Literals = read.Template.Literals;
-    job.ErrorFile = LostLinesFile(Global.DataInPath, read.Template.DataFile);
     try {
         BarProgress progress(lblProgress, *pgbProgress);
         progress.Begin(Words(customers ? msg::ImportingCustomers : msg::ImportingItems,
@@ -73,23 +79,28 @@ QuickButtonForm::RowResult frmQBImport::RunRow(std::size_t row, const std::strin
                        100);
         PauseFor(0.2);
         if (IsOver()) return {};
-        job.AvailableFields = AvailableFieldsOf(job.TableFile);
-        const bool drifted = HasDrifted(job, templateName);
-        const ImportResult result = ImportDataFile(job, progress);
-        const std::int32_t good = result.FieldCountMismatch ? 0 : result.LinesRead - result.LinesFailed;
-        if (result.FieldCountMismatch) Tell(msg::FieldsDoNotMatch, Icon::Warning);
-        Text note;
-        if (drifted) note = msg::HeadChangedMark;
-        if (result.ErrorsListed) {
-            const Text list = Words(msg::LostLinesListed, Text::Path(std::string_view(job.ErrorFile)));
-            note = drifted ? Lines(note, list) : list;
-        }
-        return {!result.FieldCountMismatch, Words(Text::Value(good), msg::Of, Text::Value(job.LineCount)),
-                note, drifted};
+        return Import(job, templateName, progress);
     } catch (const RunTimeFailure& failure) {
         Tell(Lines(msg::ImportStopped, Text::Path(std::string_view(failure.what()))), Icon::Stop);
         return {false, Words(Text::Value(0), msg::Of, Text::Value(job.LineCount))};
     }
+}
+
+QuickButtonForm::RowResult frmQBImport::Import(ImportJob& job, const std::string& templateName,
+                                               Progress& progress) {
+    job.AvailableFields = AvailableFieldsOf(job.TableFile);
+    const bool drifted = HasDrifted(job, templateName);
+    const ImportResult result = ImportDataFile(job, progress);
+    const std::int32_t good = result.FieldCountMismatch ? 0 : result.LinesRead - result.LinesFailed;
+    if (result.FieldCountMismatch) Tell(msg::FieldsDoNotMatch, Icon::Warning);
+    Text note;
+    if (drifted) note = msg::HeadChangedMark;
+    if (result.ErrorsListed) {
+        const Text list = Words(msg::LostLinesListed, Text::Path(std::string_view(job.ErrorFile)));
+        note = drifted ? Lines(note, list) : list;
+    }
+    return {!result.FieldCountMismatch, Words(Text::Value(good), msg::Of, Text::Value(job.LineCount)), note,
+            drifted};
 }
 
 void frmQBImport::FinishRun(bool anyWorked) {

@@ -11,6 +11,7 @@
 #include "installation/HandheldInstall.h"
 #include "maintenance/Backup.h"
 #include "maintenance/Office.h"
+#include "maintenance/SafetyCopies.h"
 #include "maintenance/Totals.h"
 #include "maintenance/UnfinishedJobs.h"
 #include "platform/Convert.h"
@@ -26,7 +27,6 @@
 #include "store/TableScan.h"
 #include "store/forms/frmCopyDBF.h"
 #include "sync/Images.h"
-#include "sync/SafetyCopies.h"
 #include "sync/Status.h"
 #include "sync/StatusDetails.h"
 #include "sync/UnattendedSettings.h"
@@ -46,8 +46,6 @@
 #include <QCloseEvent>
 #include <QHeaderView>
 #include <QScreen>
-#include <QStyleOptionToolButton>
-#include <QStylePainter>
 #include <QTimer>
 
 #include <algorithm>
@@ -56,7 +54,6 @@ namespace {
 
 constexpr int TwipsPerPixel = 15; // 1440 to the inch, 96 pixels
 constexpr const char* ProgressWindow = "Hotsync Progress";
-constexpr int BricksInRow = 5;
 constexpr int LookEvery = 500;    // milliseconds
 constexpr QSize IconSize(36, 28); // wider than the picture, which keeps the text off it
 
@@ -71,34 +68,6 @@ std::string CountOf(const std::string& table) {
     return FileExists(path) ? std::to_string(TableScan(path).RecordCount()) : std::string();
 }
 
-/// A handheld's button. It tells a state, and is drawn in full colour whether it can be pressed or
-/// not. Five in a row are narrow: the picture stands above the id, and an id that is still wider than
-/// the brick ends in an ellipsis.
-class Brick final : public QToolButton {
-public:
-    using QToolButton::QToolButton;
-
-protected:
-    void paintEvent(QPaintEvent*) override {
-        QStyleOptionToolButton option;
-        initStyleOption(&option);
-        option.palette.setColor(QPalette::Disabled, QPalette::ButtonText,
-                                palette().color(QPalette::Active, QPalette::ButtonText));
-        constexpr int Margins = 4;
-        option.text =
-            fontMetrics().elidedText(option.text, Qt::ElideRight, width() - Margins, Qt::TextShowMnemonic);
-        QStylePainter(this).drawComplexControl(QStyle::CC_ToolButton, option);
-    }
-};
-
-/// An icon that looks the same on a button that cannot be pressed.
-QIcon StateIcon(std::string_view name) {
-    const QIcon plain = Picture(name);
-    QIcon icon;
-    for (const auto mode : {QIcon::Normal, QIcon::Disabled}) icon.addPixmap(plain.pixmap(16, 16), mode);
-    return icon;
-}
-
 /// Whether a row of the Links table has had its manual download.
 bool IsMarked(std::size_t row) {
     return row < Global.HHStatusStd.size() && Global.HHStatusStd[row] == "S";
@@ -108,8 +77,8 @@ bool IsMarked(std::size_t row) {
 
 frmMain1::frmMain1() {
     setupUi(this);
-    waiting_.SetLabel(*aniHSWait);
-    session_.SetLabel(*aniHSStatus);
+    bricks_ = std::make_unique<HHBricks>(*this, *grdBricks);
+    unattended_ = std::make_unique<UnattendedView>(*this, static_cast<const Ui::frmMain1&>(*this));
     for (const auto& [timer, name] : {std::pair{&Timer2, "Timer2"}, {&Timer3, "Timer3"}}) {
         *timer = new QTimer(this);
         (*timer)->setObjectName(QLatin1String(name));
@@ -388,49 +357,16 @@ void frmMain1::WriteSettings() {
 
 // ---- handheld status ----
 
-void frmMain1::DrawBricks(const QString& family, const std::function<Face(std::size_t)>& faceOf) {
-    while (QLayoutItem* item = grdBricks->takeAt(0)) {
-        // Not deleted here: it may be the brick whose click has brought this about.
-        item->widget()->setParent(nullptr);
-        item->widget()->deleteLater();
-        delete item;
-    }
-    brickIDs_ = LinkIDs();
-    std::size_t row = 0;
-    int tallest = 0;
-    std::vector<Brick*> bricks;
-    for (const std::string& id : brickIDs_) {
-        const int place = static_cast<int>(row);
-        const Face face = faceOf(++row);
-        auto* brick = new Brick(picHHStatus);
-        brick->setObjectName(family + QLatin1Char('_') + QString::number(row));
-        brick->setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
-        brick->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
-        brick->setIconSize({16, 16});
-        // An ampersand in an id is no mark of a mnemonic.
-        brick->setText(ToQt(std::string_view(id)).replace(QLatin1Char('&'), QLatin1String("&&")));
-        brick->setIcon(face.Picture);
-        const QString tip = ToQt(std::string_view(id)) + QStringLiteral(": ") + ToQt(face.State);
-        brick->setToolTip(PlainTip(tip));
-        brick->setAccessibleName(tip);
-        brick->setEnabled(face.Live);
-        WireControl(*brick);
-        grdBricks->addWidget(brick, place / BricksInRow, place % BricksInRow);
-        tallest = std::max(tallest, brick->sizeHint().height());
-        bricks.push_back(brick);
-    }
-    // One without a picture stands beside those that have one.
-    for (Brick* brick : bricks) brick->setFixedHeight(tallest);
-    for (int column = 0; column < BricksInRow; ++column) grdBricks->setColumnStretch(column, 1);
-    grdBricks->setRowStretch(static_cast<int>(row) / BricksInRow + 1, 1);
-    lblNoHandhelds->setVisible(row == 0);
-    scrHHStatus->setVisible(row != 0);
+void frmMain1::DrawBricks(const QString& family, const std::function<HHBricks::Face(std::size_t)>& faceOf) {
+    bricks_->Draw(family, faceOf);
+    lblNoHandhelds->setVisible(bricks_->IsEmpty());
+    scrHHStatus->setVisible(!bricks_->IsEmpty());
 }
 
 void frmMain1::GetHHBricks() {
     TraceEvent("frmMain1:GetHHBricks");
     if (!WithStatusFile(GetHHStatus)) return;
-    DrawBricks(QStringLiteral("cmdHHHSID"), [](std::size_t row) -> Face {
+    DrawBricks(QStringLiteral("cmdHHHSID"), [](std::size_t row) -> HHBricks::Face {
         const std::string letter = row < Global.HHStatus.size() ? Global.HHStatus[row] : std::string();
         if (letter == "G") return {StateIcon("brick-syncok"), msg::lblSyncOK, true};
         if (letter == "B") return {StateIcon("brick-badsync"), msg::lblBadSync, true};
@@ -441,7 +377,7 @@ void frmMain1::GetHHBricks() {
 void frmMain1::GetHHBricksStd() {
     TraceEvent("frmMain1:GetHHBricksStd");
     if (!WithStatusFile(GetHHStatus)) return;
-    DrawBricks(QStringLiteral("cmdHHHSIDStd"), [](std::size_t row) -> Face {
+    DrawBricks(QStringLiteral("cmdHHHSIDStd"), [](std::size_t row) -> HHBricks::Face {
         if (IsMarked(row)) return {StateIcon("Hotsync16-256.ico"), msg::lblSyncOK, false};
         return {{}, msg::lblNotSynced, true};
     });
@@ -451,7 +387,7 @@ void frmMain1::GetHHBricksInst() {
     TraceEvent("frmMain1:GetHHBricksInst");
     Registry registry;
     GetHHStatusInst(registry);
-    DrawBricks(QStringLiteral("cmdHHHSIDInst"), [](std::size_t row) -> Face {
+    DrawBricks(QStringLiteral("cmdHHHSIDInst"), [](std::size_t row) -> HHBricks::Face {
         if (row < Global.HHStatusInst.size() && !Global.HHStatusInst[row].empty())
             return {StateIcon("Hotsync16-256.ico"), msg::lblSyncOK, false};
         return {{}, msg::lblNotSynced, false};
@@ -460,8 +396,8 @@ void frmMain1::GetHHBricksInst() {
 
 void frmMain1::cmdHHHSID_Click(int index) {
     TraceEvent("frmMain1:cmdHHHSID_Click");
-    if (inSession_) return;
-    const std::string id = brickIDs_.at(static_cast<std::size_t>(index) - 1);
+    if (unattended_->InSession()) return;
+    const std::string id = bricks_->ID(index);
     std::optional<StatusDetails> details;
     try {
         details = ReadStatusDetails(id);
@@ -476,19 +412,15 @@ void frmMain1::cmdHHHSID_Click(int index) {
 
 void frmMain1::cmdHHHSIDStd_Click(int index) {
     TraceEvent("frmMain1:cmdHHHSIDStd_Click");
-    const auto row = static_cast<std::size_t>(index);
-    if (IsMarked(row)) return;
-    const std::string id = brickIDs_.at(row - 1);
+    if (IsMarked(static_cast<std::size_t>(index))) return;
+    const std::string id = bricks_->ID(index);
     UnloadForms();
     ClearViewFlags();
     Global.View[ViewLink] = true;
-    Global.LinkRecordToShow = index;
     // An editor that has just been closed may have put the table in another order.
-    if (row > brickIDs_.size() || brickIDs_[row - 1] != id) {
-        const auto moved = std::find(brickIDs_.begin(), brickIDs_.end(), id);
-        if (moved == brickIDs_.end()) return;
-        Global.LinkRecordToShow = static_cast<std::int32_t>(moved - brickIDs_.begin()) + 1;
-    }
+    const int place = bricks_->IndexOf(id, index);
+    Global.LinkRecordToShow = place != 0 ? place : index;
+    if (place == 0) return;
     The<frmChgLink>().Show();
 }
 
@@ -657,107 +589,39 @@ void frmMain1::cmdStopRemoteSync_Click() {
 
 void frmMain1::LoadActiveRemoteSync() {
     TraceEvent("frmMain1:LoadActiveRemoteSync");
-    Disable();
-    ShowActivities();
-    picRemoteSync->setCurrentWidget(pagRemote);
-    lblRemoteSync->setText(ToQt(Text(msg::lblUA)));
-    imgTools->setPixmap(Picture("tool-unattended").pixmap(20, 20));
-    ShowNotice({});
-    cmdStopRemoteSync->setEnabled(true);
-    cmdStopRemoteSync->show();
-    stkQB->setCurrentWidget(pagSession);
-    ShowWaiting();
+    unattended_->ShowArmed();
     GetHHBricks();
 }
 
 void frmMain1::LoadInactiveRemoteSync() {
     TraceEvent("frmMain1:LoadInactiveRemoteSync");
     stopAfterSession_ = false;
-    cmdStopRemoteSync->hide();
-    imgQB->show();
-    ShowWaiting();
-    waiting_.Stop();
-    lblAnim->hide();
-    ShowActivities();
+    unattended_->ShowIdle();
     ShowPage(PageTools);
-    stkQB->setCurrentWidget(picQB);
-    lblMatrix->setText(ToQt(Text(msg::lblMatrix)));
-    for (QObject* each : std::exchange(disabled_, {})) each->setProperty("enabled", true);
     if (operating_) lblUA->setFocus();
 }
 
-void frmMain1::ShowActivities() {
-    lblRemote->setText(ToQt(std::string_view(Global.RemoteSyncSettings)));
-    ShowUnattendedActivities(*this, SelectionsInForce());
-}
-
-/// No other process is to run beside a session. What is disabled already is not to come alive by this.
-void frmMain1::Disable() {
-    QList<QObject*> all{mnuFile,     mnuEdit,  mnuMainView, mnuTools, mnuHelp,
-                        cmdPCTotals, cmdReset, lblPrev,     lblNext};
-    for (QAction* entry : findChildren<QAction*>()) {
-        if (!entry->menu() && !entry->isSeparator()) all << entry;
-    }
-    for (QWidget* page : {static_cast<QWidget*>(picQB), static_cast<QWidget*>(picRemoteSync)}) {
-        for (QToolButton* button : page->findChildren<QToolButton*>()) all << button;
-    }
-    for (QObject* each : all) {
-        if (!each->property("enabled").toBool()) continue;
-        each->setProperty("enabled", false);
-        disabled_ << each;
-    }
-}
-
-void frmMain1::ShowNotice(const Text& message) {
-    lblStopping->setText(ToQt(message));
-    lblStopping->setVisible(!message.IsEmpty());
-}
-
 void frmMain1::ShowSession(const std::string& user) {
-    inSession_ = true;
-    for (QLabel* image : {imgClear, imgDownload, imgUpload}) image->hide();
-    lblMatrix->setText(ToQt(Text(msg::HotsyncActive)));
-    lblHSID->setText(ToQt(std::string_view(user)));
-    waiting_.Stop();
-    lblAnim->hide();
-    session_.Play("synczukwhite");
-    for (QLabel* label : {lblSyncMsg, lblHSID}) label->show();
+    unattended_->ShowSession(user);
 }
 
 void frmMain1::ShowPhase(SyncPhaseImage phase, PhaseLook look) {
-    QLabel* const image = phase == SyncPhaseImage::Upload  ? imgUpload
-                          : phase == SyncPhaseImage::Clear ? imgClear
-                                                           : imgDownload;
-    const auto [picture, state] = look == PhaseLook::Idle      ? std::pair{"phase-idle", msg::PhaseIdle}
-                                  : look == PhaseLook::Running ? std::pair{"phase-running", msg::PhaseRunning}
-                                                               : std::pair{"pending", msg::PhaseQueued};
-    image->setPixmap(Picture(picture).pixmap(16, 16));
-    image->setToolTip(ToQt(Text(state)));
-    image->setAccessibleName(image->toolTip());
-    if (look != PhaseLook::Running) image->show();
+    unattended_->ShowPhase(phase, look);
 }
 
 void frmMain1::ShowWaiting() {
-    inSession_ = false;
-    for (const auto phase : {SyncPhaseImage::Upload, SyncPhaseImage::Clear, SyncPhaseImage::Download})
-        ShowPhase(phase, PhaseLook::Idle);
-    lblMatrix->setText(ToQt(Text(msg::NoCurrentHotsync)));
-    session_.Stop();
-    waiting_.Play("WaitingforHotsync");
-    lblAnim->show();
-    for (QLabel* label : {lblSyncMsg, lblHSID}) label->hide();
+    unattended_->ShowWaiting();
 }
 
 void frmMain1::ShowUnattendedOff() {
-    ShowNotice(msg::UnattendedIsOff);
-    waiting_.Stop();
-    lblAnim->hide();
+    unattended_->ShowNotice(msg::UnattendedIsOff);
+    unattended_->StopWaiting();
     if (auto* remote = IfLoaded<frmRemoteSync>()) remote->ShowMessage(msg::UnattendedIsOff);
 }
 
 void frmMain1::StopAfterSession(const Text& message) {
     stopAfterSession_ = true;
-    ShowNotice(message);
+    unattended_->ShowNotice(message);
     cmdStopRemoteSync->setEnabled(false);
     if (auto* remote = IfLoaded<frmRemoteSync>()) remote->ShowStopping(message);
 }

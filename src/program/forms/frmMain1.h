@@ -3,14 +3,14 @@
 #include "core/Globals.h"
 #include "core/Text.h"
 #include "maintenance/Totals.h"
-#include "platform/Animation.h"
 #include "platform/MainScreen.h"
+#include "program/forms/HHBricks.h"
+#include "program/forms/UnattendedView.h"
 #include "sync/SessionScreen.h"
 #include "ui_frmMain1.h"
 
-#include <QIcon>
-
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -141,35 +141,23 @@ private:
     void UpdateUsers();
     void ChooseUnattended();
     void CloseInSession();
-    void ShowActivities();
-    void Disable();
-    void ShowNotice(const Text& message);
     void ShowPage(int page);
     void View(const char* handler, ViewFlag flag, ShowMode mode = ShowMode::Modeless);
     void Edit(const char* handler, ViewFlag flag);
     static void LoadSetup();
 
-    /// What a brick shows.
-    struct Face {
-        QIcon Picture;
-        Text State;
-        bool Live = false; ///< a click does something
-    };
-    void DrawBricks(const QString& family, const std::function<Face(std::size_t row)>& faceOf);
+    void DrawBricks(const QString& family, const std::function<HHBricks::Face(std::size_t index)>& faceOf);
     void RestoreWindow();
     void TakeWindowPosition();
     void WriteSettings();
 
-    QTimer* Timer2 = nullptr;           ///< looks whether the HotSync Manager's progress window comes
-    QTimer* Timer3 = nullptr;           ///< looks whether it goes
-    std::vector<std::string> brickIDs_; ///< of the bricks that are drawn
+    QTimer* Timer2 = nullptr; ///< looks whether the HotSync Manager's progress window comes
+    QTimer* Timer3 = nullptr; ///< looks whether it goes
+    std::unique_ptr<HHBricks> bricks_;
+    std::unique_ptr<UnattendedView> unattended_;
     std::optional<UploadRow> newestUpload_;
     QRect restored_;         ///< the place that was set from the settings, in pixels
     bool operating_ = false; ///< start-up has come to its end
-
-    Animation waiting_, session_; ///< play in aniHSWait and in aniHSStatus
-    QList<QObject*> disabled_;    ///< by the armed mode: buttons and menu entries that were live
-    bool inSession_ = false;      ///< a session is shown
     bool stopAfterSession_ = false;
     bool closeAfterSession_ = false;
 };

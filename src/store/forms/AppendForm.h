@@ -1,8 +1,8 @@
 #pragma once
 
+#include "core/UploadRun.h"
+#include "maintenance/SafetyCopies.h"
 #include "platform/Form.h"
-#include "sync/SafetyCopies.h"
-#include "sync/UploadRun.h"
 
 #include <initializer_list>
 #include <vector>

@@ -8,6 +8,7 @@
 #include "platform/Look.h"
 #include "platform/LookupBox.h"
 #include "platform/MainScreen.h"
+#include "quality/TableChecks.h"
 #include "store/forms/RecordMoves.h"
 #include "views/TableViews.h"
 #include "views/forms/frmViewGrid.h"
@@ -55,7 +56,11 @@ void ShowText(QWidget& control, const std::string& text) {
     }
 }
 
+constexpr RecordRules QualityRules{FieldsWithoutRepeats, FirstObjection};
+
 } // namespace
+
+MasterEditor::MasterEditor(const MasterKind& kind) : kind_(kind), table_(kind, QualityRules) {}
 
 void MasterEditor::Bind(const std::vector<Help>& help, MessageId lookup) {
     const auto bind = [this](auto*& control, const char* name) {

@@ -38,7 +38,7 @@ private slots:
     void txtField_Change(int place);
 
 protected:
-    explicit MasterEditor(const MasterKind& kind) : kind_(kind), table_(kind) {}
+    explicit MasterEditor(const MasterKind& kind);
 
     /// What the help line says of a control.
     using Help = std::pair<QWidget*, MessageId>;

@@ -1,4 +1,4 @@
-#include "sync/SafetyCopies.h"
+#include "maintenance/SafetyCopies.h"
 
 #include "core/Failure.h"
 #include "core/Globals.h"
