@@ -104,8 +104,8 @@ bool ReadIncomplete(std::string_view text) {
 HotSyncUser ReadUser(std::string_view line) {
     const auto columns = ColumnsOf(line);
     if (columns.size() != 4) Refuse("not the four columns of a user, parted by tabs", line);
-    const HotSyncUser user{ReadId(columns[0]), ReadName(columns[1]), ReadLastSync(columns[2]),
-                           ReadIncomplete(columns[3])};
+    HotSyncUser user{ReadId(columns[0]), ReadName(columns[1]), ReadLastSync(columns[2]),
+                     ReadIncomplete(columns[3])};
     if (const auto fault = FaultOf(user.Name); fault != NameFault::None) Refuse(Words(fault), user.Name);
     return user;
 }
@@ -122,7 +122,7 @@ bool IsFolder(const std::string& path) {
 
 } // namespace
 
-HotSyncUsers::HotSyncUsers(std::string folder) : folder_(AddBackslash(folder)) {}
+HotSyncUsers::HotSyncUsers(std::string_view folder) : folder_(AddBackslash(folder)) {}
 
 // ---- the file ----
 

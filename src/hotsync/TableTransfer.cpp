@@ -49,6 +49,7 @@ HandheldLayout LayoutOf(const TableLayout& table) {
 
 std::vector<FieldDef> FieldsOf(const HandheldLayout& layout) {
     std::vector<FieldDef> fields;
+    fields.reserve(layout.Fields.size());
     for (const HandheldField& field : layout.Fields) {
         fields.push_back({field.Name, field.Type, field.Length, field.Decimals});
     }
@@ -89,7 +90,7 @@ struct TableTransfer::Columns {
     static Columns For(std::string_view path, const HandheldLayout& from) {
         if (FileExists(path)) {
             try {
-                TableRewrite table(path);
+                const TableRewrite table(path);
                 if (auto places = PlacesIn(table.Layout(), from)) return Columns(path, *places);
             } catch (const RunTimeFailure& failure) {
                 // A file that is no table is replaced by one; one that may not be touched is not.
@@ -159,7 +160,7 @@ auto TableTransfer::Guarded(const std::string& work, Deed deed) {
 TableTransfer::Result TableTransfer::Upload(std::string_view path) {
     const std::string name = Guarded({}, [&] { return HandheldDatabaseName(path); });
     notFetched_.insert(name);
-    const Result result = Guarded({}, [&] {
+    Result result = Guarded({}, [&] {
         line_.KeepAlive();
         return Fetch(path, name);
     });
@@ -286,7 +287,7 @@ std::uint16_t TableTransfer::CountRecords(std::uint8_t handle, const std::string
 TableTransfer::Result TableTransfer::Download(std::string_view path) {
     const std::string name = Guarded({}, [&] { return HandheldDatabaseName(path); });
     const std::string work = WorkName(name);
-    const Result result = Guarded(work, [&] {
+    Result result = Guarded(work, [&] {
         if (notFetched_.contains(name) && !IsKeptByOffice(TableOfDatabase(name)))
             throw TransferFailure("it could not be fetched in this session");
         line_.KeepAlive();

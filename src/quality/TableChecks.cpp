@@ -159,7 +159,7 @@ constexpr Subject Links{msg::GroupLinks, "ZUKLINK.DBF"};
 void RunTests(const Subject& subject, std::span<const FieldTest> tests, ScratchGrid& grid,
               ProblemList& problems) {
     for (const FieldTest& test : tests) {
-        if (test.SortedOn) grid.SortOn(test.SortedOn);
+        if (test.SortedOn != 0) grid.SortOn(test.SortedOn);
         subject.Report(problems, test, test.Collect(grid, test.Field));
     }
 }
