@@ -126,7 +126,7 @@ std::string CatalogueText(MessageId entry) {
 
 std::string CatalogueCaption(MessageId entry) {
     const auto [text, mnemonic] = InForce(entry);
-    const std::size_t place = mnemonic ? text.find(mnemonic) : std::string::npos;
+    const std::size_t place = mnemonic != 0 ? text.find(mnemonic) : std::string::npos;
     std::string caption;
     for (std::size_t i = 0; i < text.size(); ++i) {
         if (i == place || text[i] == '&') caption += '&';

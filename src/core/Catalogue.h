@@ -26,6 +26,7 @@ std::string CatalogueText(MessageId entry);
 /// The text as a caption, with "&" before its mnemonic letter and any "&" of its own doubled.
 std::string CatalogueCaption(MessageId entry);
 
+/// Whether there is an entry of this number, so that the two above do not fail.
 bool CatalogueHas(MessageId entry);
 
 /// Reads replacements from a file of rows as in resources/messages.tsv, in UTF-8; columns two and

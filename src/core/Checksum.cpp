@@ -18,7 +18,7 @@ constexpr Tables MakeTables() {
     Tables tables{};
     for (std::uint64_t byte = 0; byte < 256; ++byte) {
         std::uint64_t value = byte;
-        for (int bit = 0; bit < 8; ++bit) value = value & 1 ? value >> 1 ^ Reflected : value >> 1;
+        for (int bit = 0; bit < 8; ++bit) value = (value & 1) != 0 ? value >> 1 ^ Reflected : value >> 1;
         tables[0][byte] = value;
     }
     for (std::size_t k = 1; k < Slices; ++k) {

@@ -42,7 +42,7 @@ Sequence FirstSequence(std::string_view text) {
     if (lead == 0xF0) low = 0x90;
     if (lead == 0xF4) high = 0x8F;
 
-    char32_t code = lead & (0x7Fu >> length);
+    char32_t code = lead & (0x7FU >> length);
     for (std::size_t i = 1; i < length; ++i) {
         if (i == text.size()) return {0, i, false};
         const unsigned byte = Byte(text[i]);
@@ -58,7 +58,7 @@ char FromCode(char32_t code) {
     if (code < 0x80 || (code >= 0xA0 && code <= 0xFF)) return Char(static_cast<unsigned>(code));
     const auto found = std::find(kUpperControls.begin(), kUpperControls.end(), code);
     if (found == kUpperControls.end()) return '?';
-    return Char(0x80u + static_cast<unsigned>(found - kUpperControls.begin()));
+    return Char(0x80U + static_cast<unsigned>(found - kUpperControls.begin()));
 }
 
 /// The number of bytes below 128 at the start.

@@ -20,11 +20,13 @@ public:
     virtual ~DiskFile() = default;
 
     /// Reads up to `size` bytes at `offset`; the number read, less than `size` only at the end.
+    /// RunTimeFailure 57.
     virtual std::size_t ReadAt(std::uint64_t offset, void* to, std::size_t size) = 0;
 
     /// Writes all of `bytes`. RunTimeFailure 61 on a full disk, 57 on any other error.
     virtual void WriteAt(std::uint64_t offset, std::string_view bytes) = 0;
 
+    /// Bytes, as it is now. RunTimeFailure 57.
     virtual std::uint64_t Size() = 0;
 
     /// A number that is another one when the file has been written since, or when another file stands
@@ -62,6 +64,7 @@ public:
     /// Removes an empty folder. False when it is not empty, not there or not ours to remove.
     virtual bool RemoveFolder(const std::string& path) = 0;
 
+    /// What a link leads to counts. False also for what cannot be looked at; neither fails.
     virtual bool IsFile(const std::string& path) = 0;
     virtual bool IsFolder(const std::string& path) = 0;
 

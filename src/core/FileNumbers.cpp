@@ -6,13 +6,15 @@
 #include <limits>
 
 FileNumbers::Claim FileNumbers::Open(Disk& disk, const std::string& path, Access access) {
-    auto file = disk.Open(path, access);
-    const auto free = std::find_if(entries_.begin(), entries_.end(), [](const Entry& e) { return !e.File; });
+    const auto free =
+        std::find_if(entries_.begin() + lowest_, entries_.end(), [](const Entry& e) { return !e.File; });
     const auto index = static_cast<std::size_t>(free - entries_.begin());
     if (index >= static_cast<std::size_t>(std::numeric_limits<std::int16_t>::max()))
         throw RunTimeFailure(52, path);
+    auto file = disk.Open(path, access);
     if (free == entries_.end()) entries_.emplace_back();
     entries_[index] = {std::move(file), ++tickets_};
+    lowest_ = static_cast<std::ptrdiff_t>(index) + 1;
     return {static_cast<std::int16_t>(index + 1), tickets_};
 }
 
@@ -30,6 +32,7 @@ DiskFile& FileNumbers::Use(const Claim& claim) {
 void FileNumbers::Close(std::int16_t number) {
     if (number < 1 || static_cast<std::size_t>(number) > entries_.size()) return;
     entries_[static_cast<std::size_t>(number) - 1].File.reset();
+    lowest_ = std::min<std::ptrdiff_t>(lowest_, number - 1);
 }
 
 int FileNumbers::Count() const {

@@ -2,6 +2,7 @@
 
 #include "core/Disk.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -17,11 +18,13 @@ public:
         std::uint64_t Ticket = 0;
     };
 
-    /// Opens under the lowest free number. Failures are those of Disk::Open.
+    /// Opens under the lowest free number, at most 32767. Failures are those of Disk::Open; RunTimeFailure 52
+    /// when all numbers are taken; the disk is not asked then.
     Claim Open(Disk& disk, const std::string& path, Access access);
 
     /// The open file of a claim. RunTimeFailure 52 when its number has been closed since.
     DiskFile& Use(const Claim& claim);
+    /// False for the claim of nothing too.
     bool IsOpen(const Claim& claim) const;
 
     /// Closes a number, whoever owns it. A number that is not open is no failure.
@@ -39,5 +42,6 @@ private:
         std::uint64_t Ticket = 0;
     };
     std::vector<Entry> entries_;
+    std::ptrdiff_t lowest_ = 0; ///< all entries before it are open
     std::uint64_t tickets_ = 0;
 };

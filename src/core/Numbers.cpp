@@ -202,7 +202,7 @@ Decimal ToDecimal(double value, int significant) {
 
 /// At 15 significant digits, or at more where that many do not reach the last of `decimals`.
 Decimal ToDecimalFor(double value, int decimals) {
-    Decimal decimal = ToDecimal(value, kSignificant);
+    const Decimal decimal = ToDecimal(value, kSignificant);
     const int needed = std::min(decimal.Exponent + decimals, kMostSignificant);
     return needed > kSignificant ? ToDecimal(value, needed) : decimal;
 }

@@ -38,7 +38,8 @@ public:
     /// A message box. With Buttons::YesNo the answer is Yes or No, and closing the box is No.
     virtual Answer MsgBox(const Text& message, Icon icon, Buttons buttons) = 0;
 
-    /// Asks for a line of text, in code page 1252. Nothing when the operator gives up.
+    /// Asks for a line of text, in code page 1252; at most 32767 characters, blanks
+    /// kept. Nothing when the operator gives up.
     virtual std::optional<std::string> InputBox(const Text& prompt, const std::string& preset) = 0;
 
     /// Asks for a file that is there: its full path, of any folder. Nothing when the operator gives up.

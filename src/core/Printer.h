@@ -34,15 +34,21 @@ public:
     /// How many lines of the font fit a page at its own size.
     virtual int LinesPerPage() = 0;
 
+    /// Of what the margins leave.
     virtual int PageWidth() const = 0;
     virtual int PageHeight() const = 0;
 
+    /// Of a text on one line, in the font in force.
     virtual int TextWidth(const Text& text) = 0;
     virtual int TextHeight() = 0; ///< of one line
+    /// A text on one line, by its upper left corner. What reaches beyond the page is lost.
     virtual void PrintAt(int left, int top, const Text& text) = 0;
+    /// An outline; what stands inside stays.
     virtual void PrintBox(int left, int top, int width, int height) = 0;
 
+    /// Ends a page, also an empty one, and begins the next.
     virtual void NewPage() = 0;
+    /// Ends the last page and sends the document on its way. Nothing may be printed behind it.
     virtual void EndDoc() = 0;
 
     /// The pages that the operator wants of the document, from 1.
@@ -50,5 +56,6 @@ public:
         std::int32_t First = 1;
         std::int32_t Last = std::numeric_limits<std::int32_t>::max();
     };
+    /// All, where nothing else was asked for.
     virtual Range Pages() const { return {}; }
 };

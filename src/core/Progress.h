@@ -10,7 +10,8 @@ class Progress {
 public:
     virtual ~Progress() = default;
 
-    /// What is being done, and at which value the bar is full.
+    /// What is being done, and at which value the bar is full; below 1 is 1. Called again at each further
+    /// step: the bar begins at 0 then.
     virtual void Begin(const Text& label, std::int64_t maximum) = 0;
 
     /// 0 to the maximum; more is shown as the maximum.

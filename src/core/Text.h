@@ -20,6 +20,7 @@ public:
 
     /// A value out of a table, a template or a line, in code page 1252.
     static Text Value(std::string_view codePage);
+    /// Decimal digits, with a minus below 0.
     static Text Value(std::int64_t number);
     template <std::size_t N>
     static Text Value(const char (&)[N]) = delete;

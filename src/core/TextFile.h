@@ -39,6 +39,7 @@ public:
     /// The next line; RunTimeFailure 62 at the end of the file.
     std::string RequireLine();
 
+    /// Whether no line is left. RunTimeFailure 52 and 57 as ReadLine.
     bool AtEnd();
 
     /// Lines read so far.

@@ -11,10 +11,12 @@ class TraceRing {
 public:
     /// 0 is the newest. `index` below TraceEntries.
     const std::string& Entry(std::size_t index) const;
+    /// Puts a text on top, each line end in it a blank; the oldest entry goes.
     void Push(std::string_view text);
+    /// All entries are empty.
     void Clear();
 
-    /// Sets entry `index` as read from a file.
+    /// Sets entry `index`, below TraceEntries, as read from a file: a line without its end.
     void Set(std::size_t index, std::string_view text);
 
 private:

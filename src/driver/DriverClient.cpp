@@ -90,8 +90,11 @@ QJsonObject DriverClient::Wait(const QString& deed, QJsonObject arguments, Milli
     return Request(deed, std::move(arguments), within + line_->Patience);
 }
 
-QJsonObject DriverClient::To(const QString& form, const QString& control) const {
-    return {{QStringLiteral("form"), form}, {QStringLiteral("control"), control}};
+QJsonObject DriverClient::To(const QString& form, const QString& control,
+                             std::initializer_list<std::pair<const char*, QJsonValue>> more) const {
+    QJsonObject arguments{{QStringLiteral("form"), form}, {QStringLiteral("control"), control}};
+    for (const auto& [name, value] : more) arguments.insert(QLatin1String(name), value);
+    return arguments;
 }
 
 // ---- boxes ----
@@ -157,49 +160,32 @@ void DriverClient::Click(const QString& form, const QString& control) {
 }
 
 void DriverClient::Choose(const QString& form, const QString& control, const QString& entry) {
-    QJsonObject arguments = To(form, control);
-    arguments.insert(QStringLiteral("text"), entry);
-    Request(QStringLiteral("choose"), arguments);
+    Request(QStringLiteral("choose"), To(form, control, {{"text", entry}}));
 }
 
 void DriverClient::ChooseTwice(const QString& form, const QString& control, const QString& entry) {
-    QJsonObject arguments = To(form, control);
-    arguments.insert(QStringLiteral("text"), entry);
-    arguments.insert(QStringLiteral("twice"), true);
-    Request(QStringLiteral("choose"), arguments);
+    Request(QStringLiteral("choose"), To(form, control, {{"text", entry}, {"twice", true}}));
 }
 
 void DriverClient::ChooseAlso(const QString& form, const QString& control, const QString& entry) {
-    QJsonObject arguments = To(form, control);
-    arguments.insert(QStringLiteral("text"), entry);
-    arguments.insert(QStringLiteral("add"), true);
-    Request(QStringLiteral("choose"), arguments);
+    Request(QStringLiteral("choose"), To(form, control, {{"text", entry}, {"add", true}}));
 }
 
 void DriverClient::ChooseRow(const QString& form, const QString& control, int row, int column, bool twice) {
-    QJsonObject arguments = To(form, control);
-    arguments.insert(QStringLiteral("row"), row);
-    arguments.insert(QStringLiteral("column"), column);
-    arguments.insert(QStringLiteral("twice"), twice);
-    Request(QStringLiteral("choose"), arguments);
+    Request(QStringLiteral("choose"),
+            To(form, control, {{"row", row}, {"column", column}, {"twice", twice}}));
 }
 
 void DriverClient::ClickHeading(const QString& form, const QString& control, const QString& heading) {
-    QJsonObject arguments = To(form, control);
-    arguments.insert(QStringLiteral("text"), heading);
-    Request(QStringLiteral("clickHeading"), arguments);
+    Request(QStringLiteral("clickHeading"), To(form, control, {{"text", heading}}));
 }
 
 void DriverClient::Set(const QString& form, const QString& control, const QString& text) {
-    QJsonObject arguments = To(form, control);
-    arguments.insert(QStringLiteral("value"), text);
-    Request(QStringLiteral("set"), arguments);
+    Request(QStringLiteral("set"), To(form, control, {{"value", text}}));
 }
 
 void DriverClient::Set(const QString& form, const QString& control, bool tick) {
-    QJsonObject arguments = To(form, control);
-    arguments.insert(QStringLiteral("value"), tick);
-    Request(QStringLiteral("set"), arguments);
+    Request(QStringLiteral("set"), To(form, control, {{"value", tick}}));
 }
 
 void DriverClient::Focus(const QString& form, const QString& control) {
@@ -250,9 +236,8 @@ QString DriverClient::BoxText(const QString& form) {
 }
 
 QJsonValue DriverClient::Property(const QString& form, const QString& control, const QString& name) {
-    QJsonObject arguments = To(form, control);
-    arguments.insert(QStringLiteral("name"), name);
-    return Request(QStringLiteral("property"), arguments).value(QLatin1String("value"));
+    return Request(QStringLiteral("property"), To(form, control, {{"name", name}}))
+        .value(QLatin1String("value"));
 }
 
 bool DriverClient::IsEnabled(const QString& form, const QString& control) {
@@ -329,23 +314,17 @@ void DriverClient::WaitEnabled(const QString& form, const QString& control, Mill
 }
 
 void DriverClient::WaitDisabled(const QString& form, const QString& control, Milliseconds within) {
-    QJsonObject arguments = To(form, control);
-    arguments.insert(QStringLiteral("enabled"), false);
-    Wait(QStringLiteral("waitEnabled"), arguments, within);
+    Wait(QStringLiteral("waitEnabled"), To(form, control, {{"enabled", false}}), within);
 }
 
 QString DriverClient::WaitText(const QString& form, const QString& control, const QString& text,
                                Milliseconds within) {
-    QJsonObject arguments = To(form, control);
-    arguments.insert(QStringLiteral("text"), text);
-    return TextOf(Wait(QStringLiteral("waitText"), arguments, within), "text");
+    return TextOf(Wait(QStringLiteral("waitText"), To(form, control, {{"text", text}}), within), "text");
 }
 
 QString DriverClient::WaitTextContaining(const QString& form, const QString& control, const QString& piece,
                                          Milliseconds within) {
-    QJsonObject arguments = To(form, control);
-    arguments.insert(QStringLiteral("contains"), piece);
-    return TextOf(Wait(QStringLiteral("waitText"), arguments, within), "text");
+    return TextOf(Wait(QStringLiteral("waitText"), To(form, control, {{"contains", piece}}), within), "text");
 }
 
 // ---- the end ----

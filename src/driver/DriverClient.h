@@ -9,8 +9,10 @@
 #include <QStringList>
 
 #include <chrono>
+#include <initializer_list>
 #include <memory>
 #include <stdexcept>
+#include <utility>
 
 /// What a driven program did not do, in words: the form, the control, what was expected and what
 /// was found, and the end of what the program wrote to its standard error.
@@ -215,7 +217,8 @@ public:
 
 private:
     QJsonObject Wait(const QString& deed, QJsonObject arguments, Milliseconds within);
-    QJsonObject To(const QString& form, const QString& control) const;
+    QJsonObject To(const QString& form, const QString& control,
+                   std::initializer_list<std::pair<const char*, QJsonValue>> more = {}) const;
     void Register(QJsonObject expectation);
 
     std::unique_ptr<DriverLine> line_;

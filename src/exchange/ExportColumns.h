@@ -46,7 +46,10 @@ public:
     /// nothing is changed, for a text that is no number.
     bool AddNumber(std::string_view number, std::optional<std::size_t> row);
 
+    /// Takes a row out, and with it an operator at its end that awaits an operand. std::out_of_range for a
+    /// row that is not there.
     void Remove(std::size_t row);
+    /// As a new object: nothing is awaited either.
     void RemoveAll();
 
 private:

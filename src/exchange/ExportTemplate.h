@@ -19,6 +19,7 @@ struct ExportTemplate {
     std::vector<std::string> Columns; ///< rows as ExportJob::Columns
 };
 
+/// A template that was read, and how far. Not Opened: it is as a new template.
 struct ExportTemplateRead {
     ExportTemplate Template; ///< what was read, as far as the reading got
     bool Opened = false;

@@ -57,6 +57,7 @@ void ImportMapping::RemoveSelected(std::size_t row) {
 }
 
 void ImportMapping::RemoveLiteral(std::size_t row) {
+    static_cast<void>(literals_.at(row)); // refuses a row that is not there
     literals_.erase(literals_.begin() + static_cast<std::ptrdiff_t>(row));
 }
 

@@ -45,8 +45,12 @@ public:
     /// False, and nothing is changed, for a field in use or an empty value.
     bool AddLiteral(std::string_view field, std::string_view value);
 
+    /// Takes a row out, and with it an "and" that is pending at its end. std::out_of_range for a row that is
+    /// not there.
     void RemoveSelected(std::size_t row);
+    /// The same of the literals.
     void RemoveLiteral(std::size_t row);
+    /// As a new object: nothing is pending either.
     void RemoveAll();
 
     /// The fields that a row names: one, or several that are joined.

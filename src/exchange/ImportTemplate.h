@@ -29,6 +29,7 @@ struct ImportTemplate {
     std::vector<std::string> Literals;    ///< rows `field = value`
 };
 
+/// A template that was read, and how far. Not Opened: it is as a new template.
 struct ImportTemplateRead {
     ImportTemplate Template; ///< what was read, as far as the reading got
     bool Opened = false;

@@ -28,6 +28,7 @@ public:
 
     /// Replaces the record of its id or adds it at the end; id 0 gets one. The record's id.
     std::uint32_t PutRecord(DatabaseRecord record);
+    /// `index` is below Count(), as FindRecord tells it; of a resource likewise.
     void RemoveRecord(std::size_t index);
     /// Removes the records that `condition` holds for.
     template <typename Condition>
@@ -35,7 +36,7 @@ public:
         std::erase_if(data_.Records, condition);
         Recount();
     }
-    /// For each record, to change its flags or category.
+    /// For each record, to change its flags or category: ids and data stay as they are.
     template <typename Change>
     void ForEachRecord(Change&& change) {
         for (DatabaseRecord& record : data_.Records) change(record);
@@ -47,6 +48,7 @@ public:
     void RemoveResource(std::size_t index);
     void RemoveAllResources();
 
+    /// At most 65535 bytes each; an empty block is none.
     void SetAppInfo(std::string block);
     void SetSortInfo(std::string block);
     /// What it is called and marked with.

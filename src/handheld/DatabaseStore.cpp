@@ -30,7 +30,7 @@ DatabaseHeader HeaderOf(std::string bytes) {
     bytes.resize(std::min(bytes.size(), DatabaseHeaderBytes));
     // Where the blocks and the list would be does not matter here.
     if (bytes.size() == DatabaseHeaderBytes) bytes.replace(52, 8, 8, '\0').replace(68, 10, 10, '\0');
-    return ReadDatabase(bytes);
+    return static_cast<const DatabaseHeader&>(ReadDatabase(bytes));
 }
 
 } // namespace
@@ -158,7 +158,8 @@ void DatabaseStore::CheckRoom(std::uint64_t used) const {
 void DatabaseStore::Write(const Database& database) {
     const auto found = std::find_if(entries_.begin(), entries_.end(),
                                     [&](const Entry& entry) { return entry.Header.Name == database.Name; });
-    Entry entry{database, found == entries_.end() ? NewFileName(database) : found->File, BytesOf(database)};
+    Entry entry{static_cast<const DatabaseHeader&>(database),
+                found == entries_.end() ? NewFileName(database) : found->File, BytesOf(database)};
     entry.Header.Flags = static_cast<std::uint16_t>(entry.Header.Flags & ~OpenDatabase);
     WriteWholeFile(folder_ + entry.File, WriteDatabase(database), false);
     used_ += entry.Bytes;

@@ -41,10 +41,12 @@ public:
     void SaveAll(std::span<const Database* const> databases);
     /// Refusal when SaveAll would be refused for want of memory.
     void CheckRoomFor(std::span<const Database* const> databases) const;
-    /// Saves a database under the name that it has now, in the place of the one of its old name.
+    /// Saves a database under the name that it has now, in the place of the one of its old name, which goes
+    /// when the new one is there: a kill between leaves both. Failures as Save and Remove.
     void SaveAs(std::string_view oldName, const Database& database);
-    /// Nothing happens when it is not there.
+    /// Nothing happens when it is not there. RunTimeFailure 75 when its file cannot go.
     void Remove(std::string_view name);
+    /// The last one first. A failure as Remove leaves the others.
     void RemoveAll();
 
     std::uint64_t Memory() const { return memory_; }

@@ -304,7 +304,7 @@ DlpResponse DlpServer::SetDBInfo(const DlpRequest& request) {
         const DlpDate date = ReadDate(from.Take(8));
         return date.Seconds() == 0 ? kept : date.Seconds();
     };
-    DatabaseHeader header = database.Get();
+    auto header = static_cast<const DatabaseHeader&>(database.Get());
     header.Created = seconds(header.Created);
     header.Modified = seconds(header.Modified);
     header.BackedUp = seconds(header.BackedUp);

@@ -21,11 +21,13 @@ public:
 
     /// The moment by the handheld's own clock; always one that the wire can tell.
     DateTime Clock() const;
+    /// Changes Settings; SaveSettings keeps it.
     void SetClock(const DateTime& moment);
 
+    /// Failures as SafeFile.
     void SaveSettings() const;
 
-    /// The log of a HotSync, in code page 1252 here and UTF-8 in the file.
+    /// The log of a HotSync, in code page 1252 here and UTF-8 in the file. Failures as SafeFile.
     void WriteLog(std::string_view text) const;
     /// The log of the last HotSync, UTF-8; empty when there was none.
     std::string Log() const;

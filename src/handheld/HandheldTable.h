@@ -11,7 +11,8 @@
 #include <vector>
 
 /// A table of the handheld in memory. Rows count from 0, as the barcode index counts them; records that are
-/// marked as deleted are none. Texts are in code page 1252, and come without their padding. A packed table
+/// marked as deleted are none. Texts are in code page 1252, and come without their padding. A row is below
+/// Count(), a field below that of the layout's fields. A packed table
 /// is for looking things up: what would change it is a Refusal.
 class HandheldTable {
 public:
@@ -29,6 +30,7 @@ public:
     const std::string& Name() const { return name_; } ///< of the table, in capitals
     const HandheldLayout& Layout() const { return layout_; }
     const Database& Data() const { return data_; }
+    /// Since it was read, or since MarkSaved.
     bool IsChanged() const { return changed_; }
 
     /// Refusal when the table is packed.
@@ -41,6 +43,7 @@ public:
     std::string_view Get(std::size_t row, std::size_t field) const;
     /// Empty when the table has no such field.
     std::string_view Get(std::size_t row, std::string_view field) const;
+    /// Whether there is ink; SignatureOf is 0 by 0 without.
     bool IsSigned(std::size_t row) const;
     Ink SignatureOf(std::size_t row) const;
 
@@ -57,7 +60,9 @@ public:
     std::size_t Append(const std::string& fields);
     /// Gives a row another value in one field.
     void Set(std::size_t row, std::string_view field, std::string_view value);
+    /// PalmFailure for ink beyond its limits.
     void Sign(std::size_t row, const Ink& ink);
+    /// A flag for each row: those that go.
     void RemoveRows(const std::vector<bool>& gone);
     void Clear() { RemoveRows(std::vector<bool>(Count(), true)); }
 

@@ -249,6 +249,7 @@ std::string OrderBook::NewCode() {
 
 OrderBook::Sums OrderBook::AddUp(const OrderEntry& entry) const {
     std::vector<PricedLine> priced;
+    priced.reserve(entry.Lines.size());
     for (const OrderEntry::Line& line : entry.Lines) priced.push_back(Priced(line));
     const Tax tax = entry.Customer.empty() ? Tax{} : TaxOf(FindCustomer(entry.Customer));
     const Amounts amounts = Add(entry, priced, tax);
@@ -359,7 +360,7 @@ void OrderBook::Save(std::string_view event, const DateTime& at) {
                                        hasDeleted_ ? &headers_ : &lines_,
                                        hasDeleted_ ? &lines_ : &headers_,
                                        &totals};
-    std::erase_if(tables, [](const HandheldTable* table) { return !table || !table->IsChanged(); });
+    std::erase_if(tables, [](const HandheldTable* table) { return table == nullptr || !table->IsChanged(); });
     std::vector<const Database*> changed;
     changed.reserve(tables.size());
     for (HandheldTable* const table : tables) changed.push_back(&table->Changed(now));

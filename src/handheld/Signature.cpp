@@ -25,7 +25,8 @@ public:
 
     void Dot(Point at) {
         if (at.X < 0 || at.X >= Width || at.Y < 0 || at.Y >= Height) return;
-        char& byte = ink_.Rows[static_cast<std::size_t>(at.Y * RowBytes + at.X / 8)];
+        char& byte =
+            ink_.Rows[static_cast<std::size_t>(at.Y) * RowBytes + static_cast<std::size_t>(at.X / 8)];
         byte = static_cast<char>(static_cast<unsigned char>(byte) | 0x80U >> at.X % 8);
     }
 

@@ -15,7 +15,7 @@ constexpr std::size_t NameWidth = 12;
 
 /// A table by its name, with or without the letters that all tables begin with.
 std::string TableName(const DatabaseStore& store, const std::string& operand) {
-    const std::string name = Utf8ToCodePage(operand);
+    std::string name = Utf8ToCodePage(operand);
     if (HandheldTable::Has(store, name) || !HandheldTable::Has(store, "ZUK" + name)) return name;
     return "ZUK" + name;
 }

@@ -18,6 +18,7 @@ struct RowRange {
 
     bool IsEmpty() const { return First == End; }
 };
+/// Blanks around the key do not count.
 RowRange FindKey(const HandheldTable& table, std::string_view key);
 
 /// The first row whose key comes before that of the row before it.

@@ -56,8 +56,7 @@ HandheldTotals RewriteTotals(Handheld& handheld, std::string_view event) {
     };
     const std::optional<HandheldTable> headers = openIfAny("ZUKORHDR"), lines = openIfAny("ZUKORLIN");
     const OrderNumbers numbers(handheld);
-    const HandheldTotals counted =
-        CountTotals(headers ? &*headers : nullptr, lines ? &*lines : nullptr, numbers);
+    HandheldTotals counted = CountTotals(headers ? &*headers : nullptr, lines ? &*lines : nullptr, numbers);
     if (!headers && !lines && !HandheldTable::Has(handheld.Store, "ZUKAUDHH")) return counted;
     const DateTime at = handheld.Clock();
     const std::uint32_t now = ToDlpDate(at).Seconds();

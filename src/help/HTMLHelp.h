@@ -107,20 +107,24 @@ public:
 
     /// Takes a help file, a full path. False when it cannot be read; the help says so when it is opened.
     bool HHSetHelpFile(const std::string& path);
+    /// Whether it is there now.
     bool EnsureFileExists() const;
 
-    void HHDisplayTopicURL();
-    void HHDisplayTopicID();
+    // Each opens the window where it is not open. Behind a keyword or a link without a topic stands
+    // HHDefaultURL, else HHMsgTitle and HHMsgText.
+    void HHDisplayTopicURL(); ///< HHTopicURL
+    void HHDisplayTopicID();  ///< HHTopicID
     void HHDisplayContents();
     void HHDisplayIndex();
     void HHDisplaySearch();
-    void HHDisplayKeyword();
-    void HHDisplayALink();
-    void HHClose();
+    void HHDisplayKeyword(); ///< HHKeyword
+    void HHDisplayALink();   ///< HHALink
+    void HHClose();          ///< a window that is not open is no failure
 
     /// What HHDisplayPopup shows.
     PopupDefinition Popup() const;
     void HHDisplayPopup(std::optional<ScreenPlace> place = std::nullopt);
+    /// See HelpViewer::BeginWhatsThis.
     void HHInvokeWhatsThisHelp();
 
     /// The desktop's number of the help's window; 0 when it is not open.

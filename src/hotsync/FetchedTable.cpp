@@ -15,6 +15,7 @@ constexpr std::string_view SignedTable = "ZUKORHDR";
 
 std::vector<FieldDef> FieldsOf(const HandheldLayout& layout) {
     std::vector<FieldDef> fields;
+    fields.reserve(layout.Fields.size());
     for (const HandheldField& field : layout.Fields) {
         fields.push_back({field.Name, field.Type, field.Length, field.Decimals});
     }

@@ -70,6 +70,7 @@ public:
         std::chrono::seconds Answer{60}, Session{30 * 60};
     };
 
+    /// `stream` outlives the line. The limits of greeting and session run from here.
     HandheldLine(ByteStream& stream, const Limits& limits);
 
     /// Takes the handheld's greeting and ends the handshake. `address` is this computer's, IPv4, for what

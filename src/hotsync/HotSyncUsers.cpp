@@ -20,7 +20,7 @@ bool IsFolder(const std::string& path) {
 
 } // namespace
 
-HotSyncUsers::HotSyncUsers(std::string folder) : folder_(AddBackslash(folder)) {}
+HotSyncUsers::HotSyncUsers(std::string_view folder) : folder_(AddBackslash(folder)) {}
 
 // ---- the file ----
 

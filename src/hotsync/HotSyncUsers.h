@@ -27,7 +27,7 @@ public:
     static constexpr std::size_t MostUsers = 5000;
 
     /// `folder` is the manager's, in the file system's encoding.
-    explicit HotSyncUsers(std::string folder);
+    explicit HotSyncUsers(std::string_view folder);
 
     /// Reads the file; without one there are no users. Puts away what a killed run has left, and brings a
     /// renaming to its end that was cut off.

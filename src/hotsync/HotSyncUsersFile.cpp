@@ -80,7 +80,7 @@ bool ReadIncomplete(std::string_view text) {
 HotSyncUser ReadUser(std::string_view line) {
     const auto columns = ColumnsOf(line);
     if (columns.size() != 4) Refuse("not the four columns of a user, parted by tabs", line);
-    const HotSyncUser user{ReadId(columns[0]), ReadName(columns[1]), ReadLastSync(columns[2]),
+    HotSyncUser user{ReadId(columns[0]), ReadName(columns[1]), ReadLastSync(columns[2]),
                            ReadIncomplete(columns[3])};
     if (const auto fault = FaultOfUserName(user.Name); fault != UserNameFault::None)
         Refuse(WordsOf(fault), user.Name);

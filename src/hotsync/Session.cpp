@@ -190,7 +190,7 @@ HotSyncUser Session::PickUser() {
     }
     const HotSyncUser* const found = around_.Users.FindId(picked);
     if (!found) throw Turned("the user was deleted meanwhile");
-    const HotSyncUser user = *found; // the users can change while the handheld answers
+    HotSyncUser user = *found; // the users can change while the handheld answers
     UserChange change;
     change.Flags = UserChange::SetUserId | UserChange::SetName;
     change.UserId = user.Id;

@@ -39,7 +39,7 @@ std::string Dated(std::string_view line) {
 
 } // namespace
 
-SessionLog::SessionLog(std::string folder) : folder_(AddBackslash(folder)) {}
+SessionLog::SessionLog(std::string_view folder) : folder_(AddBackslash(folder)) {}
 
 void SessionLog::Write(std::string_view line) {
     TellLeftOut();

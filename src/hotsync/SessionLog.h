@@ -19,7 +19,7 @@ public:
     static constexpr std::size_t LongestLine = 1000;
 
     /// `folder` is the manager's, in the file system's encoding.
-    explicit SessionLog(std::string folder);
+    explicit SessionLog(std::string_view folder);
 
     /// Adds a line with the date and time before it. Control characters become '?', so that nothing that a
     /// handheld says can look like a line of its own. A disk that does not take it is no failure: such lines

@@ -95,7 +95,7 @@ auto TableTransfer::Guarded(const std::string& work, Deed deed) {
 TableTransfer::Result TableTransfer::Upload(std::string_view path) {
     const std::string name = Guarded({}, [&] { return HandheldDatabaseName(path); });
     notFetched_.insert(name);
-    const Result result = Guarded({}, [&] {
+    Result result = Guarded({}, [&] {
         line_.KeepAlive();
         return Fetch(path, name);
     });
@@ -172,7 +172,7 @@ std::uint16_t TableTransfer::CountRecords(std::uint8_t handle, const std::string
 TableTransfer::Result TableTransfer::Download(std::string_view path) {
     const std::string name = Guarded({}, [&] { return HandheldDatabaseName(path); });
     const std::string work = WorkName(name);
-    const Result result = Guarded(work, [&] {
+    Result result = Guarded(work, [&] {
         if (notFetched_.contains(name) && !IsKeptByOffice(TableOfDatabase(name)))
             throw TransferFailure("it could not be fetched in this session");
         line_.KeepAlive();

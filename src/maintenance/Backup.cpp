@@ -55,6 +55,7 @@ void CopyTables(std::string_view event, const std::vector<std::string>& tables) 
     MakePath(folder);
     RemoveQuietly(folder + "Backup.txt"); // of a backup in the same second, whose tables go
     std::vector<SavedTable> saved;
+    saved.reserve(tables.size());
     for (const std::string& table : tables)
         saved.push_back(CopyTable(Global.DBFPath + table, folder + table));
 

@@ -34,6 +34,7 @@ struct SavedTable {
     FileSum Content;
     std::int32_t Records = 0;
 
+    /// As it stands there, without a line end.
     std::string Line() const;
     /// Nothing for a line that was not written so.
     static std::optional<SavedTable> FromLine(std::string_view line);

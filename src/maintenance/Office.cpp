@@ -111,13 +111,13 @@ std::string UsersOffice(std::string_view userDataFolder) {
 }
 
 std::string ApplicationDirectory(std::string_view programFolder, std::string_view userDataFolder) {
-    const std::string own = AddBackslash(programFolder);
+    std::string own = AddBackslash(programFolder);
     if (!IsInstalledForEverybody(own) && CanBeWritten(own)) {
         // Unpacked beside its installed set, it lays itself out where it lies.
         if (HoldsSet(own)) LayOutOffice(own, own);
         return own;
     }
-    const std::string app = UsersOffice(userDataFolder);
+    std::string app = UsersOffice(userDataFolder);
     LayOutOffice(InstalledSet(own), app);
     return app;
 }

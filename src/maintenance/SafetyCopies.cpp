@@ -101,7 +101,7 @@ void DeleteSafetyCopies(SafetyCopies which) {
         if (!IsNeededStill(CopyOf(table))) RemoveQuietly(InTables(CopyOf(table)));
     }
     Global.FailedMerges.clear();
-    if (failure) throw *failure;
+    if (failure) throw RunTimeFailure(*failure);
 }
 
 template <typename Step>
@@ -143,7 +143,7 @@ std::vector<RecoveredTable> RecoverSafetyCopies() {
             RemoveQuietly(copy);
         });
     }
-    if (failure) throw *failure;
+    if (failure) throw RunTimeFailure(*failure);
     Global.FailedMerges.clear();
     DeleteSafetyCopies(SafetyCopies::OfSession);
     return recovered;

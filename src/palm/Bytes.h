@@ -21,6 +21,7 @@ public:
     std::uint8_t U8() { return static_cast<std::uint8_t>(Number(1)); }
     std::uint16_t U16() { return static_cast<std::uint16_t>(Number(2)); }
     std::uint32_t U32() { return Number(4); }
+    /// A piece of the bytes, and valid as long as they are; Rest likewise.
     std::string_view Take(std::size_t size);
     void Skip(std::size_t size) { Take(size); }
     /// Up to a NUL, which is taken too. PalmFailure when none comes.
@@ -29,6 +30,7 @@ public:
 
     std::size_t Left() const { return bytes_.size(); }
 
+    /// PalmFailure with `what` and the problem.
     [[noreturn]] void Fail(const std::string& problem) const;
 
 private:
@@ -41,6 +43,7 @@ private:
 /// Puts big-endian numbers and pieces behind each other.
 class ByteWriter {
 public:
+    /// The low 8 bits of the value, and the low 16.
     ByteWriter& U8(unsigned value);
     ByteWriter& U16(unsigned value);
     ByteWriter& U32(std::uint32_t value);

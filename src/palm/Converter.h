@@ -40,7 +40,8 @@ struct HandheldLayout {
     std::size_t RecordBytes() const;
     /// A field's place from 0 by its whole name, capitals or not; Fields.size() when there is none.
     std::size_t Find(std::string_view name) const;
-    /// A field's bytes out of a row of at least RecordBytes() bytes, padding kept.
+    /// A field's bytes out of a row of at least RecordBytes() bytes, padding kept. `field` is below
+    /// Fields.size(), here and in Put.
     std::string_view Get(std::size_t field, std::string_view record) const;
     /// Puts a value into a row: left-aligned, blanks behind it, cut at the field's length.
     void Put(std::size_t field, std::string_view value, std::string& record) const;

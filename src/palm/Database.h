@@ -16,6 +16,7 @@ enum DatabaseFlag : std::uint16_t {
     OpenDatabase = 0x8000, ///< never written
 };
 
+/// What a record is marked with.
 enum RecordFlag : std::uint8_t {
     DeletedRecord = 0x80,
     DirtyRecord = 0x40,
@@ -36,19 +37,21 @@ inline constexpr unsigned LastCategory = 15;
 inline constexpr std::size_t DatabaseHeaderBytes = 78, RecordEntryBytes = 8, ResourceEntryBytes = 10,
                              ListGapBytes = 2;
 
+/// A record of a database.
 struct DatabaseRecord {
     std::uint8_t Flags = 0;    ///< RecordFlag
     std::uint8_t Category = 0; ///< 0 to LastCategory
     std::uint32_t Id = 0;      ///< up to LastRecordId
-    std::string Data;
+    std::string Data;          ///< at most LongestRecord bytes
 
     friend bool operator==(const DatabaseRecord&, const DatabaseRecord&) = default;
 };
 
+/// A resource of a database, known by its type and id.
 struct DatabaseResource {
-    std::uint32_t Type = 0;
+    std::uint32_t Type = 0; ///< as FourCharacters
     std::uint16_t Id = 0;
-    std::string Data;
+    std::string Data; ///< at most LongestRecord bytes
 
     friend bool operator==(const DatabaseResource&, const DatabaseResource&) = default;
 };

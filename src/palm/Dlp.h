@@ -9,7 +9,8 @@
 
 /// The Desktop Link Protocol, version 1.2: what a desktop asks a handheld over any line, and what the
 /// handheld answers. Bytes in, bytes out. Each pair of Pack... and Read... serves one side each; whatever
-/// is read is checked, and fails with a PalmFailure.
+/// is read is checked: a missing argument, one that is too short, or one that says what cannot be, is a
+/// PalmFailure. What is packed is the caller's to keep within the limits told here, but for what is cut.
 
 enum class DlpFunction : std::uint8_t {
     ReadUserInfo = 0x10,
@@ -87,6 +88,7 @@ enum class EndCode : std::uint16_t {
     Incompatible = 4
 };
 
+/// A piece of a message.
 struct DlpArgument {
     std::uint8_t Id = 0x20; ///< 0x20 the first, then 0x21, 0x22
     std::string Data;       ///< at most 65535 bytes
@@ -94,6 +96,7 @@ struct DlpArgument {
     friend bool operator==(const DlpArgument&, const DlpArgument&) = default;
 };
 
+/// What is asked. Arguments stand in the order of their ids, at most 255.
 struct DlpRequest {
     DlpFunction Function{};
     std::vector<DlpArgument> Arguments;
@@ -112,6 +115,7 @@ struct DlpRequest {
     friend bool operator==(const DlpRequest&, const DlpRequest&) = default;
 };
 
+/// What is answered, arguments as there.
 struct DlpResponse {
     DlpFunction Function{};
     DlpError Error = DlpError::None;
@@ -125,6 +129,7 @@ struct DlpResponse {
         : Function(function),
           Arguments{{0x20, std::move(argument)}} {}
 
+    /// Both as in DlpRequest.
     const DlpArgument* Find(std::uint8_t id) const;
     std::string_view Argument(std::uint8_t id = 0x20) const;
 
@@ -162,16 +167,19 @@ struct DlpDate {
 
     /// Seconds since 1904-01-01 00:00; 0 for none and for what is no date.
     std::uint32_t Seconds() const;
+    /// Years 1904 to 2040; 0 is none.
     static DlpDate FromSeconds(std::uint32_t seconds);
 
     friend bool operator==(const DlpDate&, const DlpDate&) = default;
 };
+/// Eight bytes.
 std::string PackDate(const DlpDate& date);
 DlpDate ReadDate(std::string_view bytes);
 
+/// What a handheld tells of itself.
 struct SysInfo {
     std::uint32_t RomVersion = 0, Localization = 0;
-    std::string ProductId;
+    std::string ProductId;                    ///< at most 255 bytes
     std::uint16_t DlpMajor = 1, DlpMinor = 0; ///< 1.0 when the handheld tells none
     std::uint16_t CompatMajor = 0, CompatMinor = 0;
     std::uint32_t LongestRecord = 0; ///< bytes; 0 when the handheld tells none
@@ -184,11 +192,12 @@ SysInfo ReadSysInfo(const DlpResponse& response);
 /// Bytes of a user's name, without its NUL.
 inline constexpr std::size_t LongestUserName = 40;
 
+/// Whose handheld it is.
 struct UserInfo {
     std::uint32_t UserId = 0; ///< 0: the handheld has no user
     std::uint32_t ViewerId = 0, LastSyncPC = 0;
     DlpDate LastGoodSync, LastSync;
-    std::string Name; ///< in the handheld's characters, without NUL
+    std::string Name; ///< in the handheld's characters, without NUL; cut at LongestUserName
 
     friend bool operator==(const UserInfo&, const UserInfo&) = default;
 };
@@ -202,7 +211,7 @@ struct UserChange {
     std::uint8_t Flags = 0;
     std::uint32_t UserId = 0, ViewerId = 0, LastSyncPC = 0;
     DlpDate SyncDate;
-    std::string Name; ///< up to LongestUserName
+    std::string Name; ///< cut at LongestUserName
 };
 DlpRequest PackUserChange(const UserChange& change);
 UserChange ReadUserChange(const DlpRequest& request);
@@ -219,8 +228,9 @@ struct DatabaseInfo : DatabaseHeader {
 struct DatabaseList {
     std::uint16_t LastIndex = 0;
     bool More = false;
-    std::vector<DatabaseInfo> Databases;
+    std::vector<DatabaseInfo> Databases; ///< at most 255, else PalmFailure
 };
+/// Asks for several at once, from an index on. `several`: whether the request does.
 DlpRequest PackListRequest(std::uint16_t first);
 std::uint16_t ReadListRequest(const DlpRequest& request, bool& several);
 DlpResponse PackDatabaseList(const DatabaseList& list);
@@ -229,19 +239,24 @@ DatabaseList ReadDatabaseList(const DlpResponse& response);
 /// FindDB by name, and its answer with the attributes.
 DlpRequest PackFindByName(std::string_view name);
 DatabaseInfo ReadFound(const DlpResponse& response);
+/// A database as lists and answers hold it. Its name is cut at LongestDatabaseName.
 std::string PackDatabaseInfo(const DatabaseInfo& info);
 
+/// Names in these requests are at most LongestDatabaseName bytes, without NUL.
 DlpRequest PackOpenDB(std::string_view name, bool forWriting);
 DlpRequest PackCreateDB(const DatabaseHeader& header);
+/// What OpenDB and CreateDB answer: the number by which the open database goes from here on.
 std::uint8_t ReadHandle(const DlpResponse& response);
 DlpRequest PackCloseDB(std::uint8_t handle);
 DlpRequest PackDeleteDB(std::string_view name);
 DlpRequest PackReadOpenDBInfo(std::uint8_t handle);
+/// Records, or resources, of the open database, as ReadOpenDBInfo answers.
 std::uint16_t ReadRecordCount(const DlpResponse& response);
 
 /// Gives an open database another version and name; with KeepVersion or an empty name those stay.
 DlpRequest PackSetDBInfo(std::uint8_t handle, std::uint16_t version, std::string_view name);
 
+/// The application block and the sort block, at most 65531 bytes. ReadBlock is for what is answered.
 DlpRequest PackReadAppBlock(std::uint8_t handle);
 std::string ReadBlock(const DlpResponse& response);
 DlpRequest PackWriteAppBlock(std::uint8_t handle, std::string_view block);
@@ -253,6 +268,7 @@ struct RecordAnswer {
     std::uint16_t Index = 0;
     std::uint16_t Size = 0; ///< of the whole record
 };
+/// Reading by index from 0; `offset` and `count` are bytes of the record. Writing: id 0 is a new record.
 DlpRequest PackReadRecord(std::uint8_t handle, std::uint16_t index, std::uint16_t offset = 0,
                           std::uint16_t count = ToTheEnd);
 DlpResponse PackRecord(DlpFunction function, const RecordAnswer& answer);
@@ -261,4 +277,5 @@ DlpRequest PackWriteRecord(std::uint8_t handle, const DatabaseRecord& record);
 DlpRequest PackWriteResource(std::uint8_t handle, const DatabaseResource& resource);
 
 DlpRequest PackEndOfSync(EndCode code);
+/// Adds to the log on the handheld: at most 65534 bytes, without NUL.
 DlpRequest PackSyncLog(std::string_view text);

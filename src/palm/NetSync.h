@@ -14,12 +14,13 @@
 inline constexpr std::uint16_t NetSyncPort = 14238;       ///< TCP
 inline constexpr std::uint16_t NetSyncLookupPort = 14237; ///< UDP
 
+/// One packet.
 struct NetPacket {
     enum Kind : std::uint8_t { Data = 1, Tickle = 2 };
 
     Kind Type = Data;
-    std::uint8_t Transaction = 0;
-    std::string Payload; ///< one whole handshake or DLP message; empty for a tickle
+    std::uint8_t Transaction = 0; ///< 255 in the handshake, then 1 to 254; an answer has its request's
+    std::string Payload;          ///< one whole handshake or DLP message; empty for a tickle
 
     friend bool operator==(const NetPacket&, const NetPacket&) = default;
 };
@@ -82,7 +83,7 @@ struct NetLookup {
     bool IsAnswer = false;
     std::uint8_t Unknown = 0; ///< an answer repeats the question's
     std::uint32_t Address = 0, Mask = 0;
-    std::string Name; ///< of the desktop that is looked for
+    std::string Name; ///< of the desktop that is looked for, without NUL
 
     friend bool operator==(const NetLookup&, const NetLookup&) = default;
 };

@@ -95,7 +95,7 @@ void FormRegistry::Release(FormBehaviour& form) {
     if (own == leaving_.end()) return;
     // Not here: the caller of the handler that has just returned may still look at the form.
     form.Window().deleteLater();
-    own->release();
+    static_cast<void>(own->release()); // its window takes it along
     leaving_.erase(own);
 }
 

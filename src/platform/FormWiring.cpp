@@ -200,7 +200,7 @@ bool OpensHelp(const QObject& control) {
 /// The topic of a control, or of what it is a part of, where these have one that is not their form's.
 QVariant TopicAt(const QObject* control) {
     for (; control; control = control->parent()) {
-        const QVariant topic = control->property(HelpTopicProperty);
+        QVariant topic = control->property(HelpTopicProperty);
         if (topic.isValid()) return topic;
     }
     return {};

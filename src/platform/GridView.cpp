@@ -235,7 +235,7 @@ void GridView::SelectRecords(const std::vector<std::int32_t>& records, int colum
     if (rows.empty()) return;
     std::sort(rows.begin(), rows.end());
     QItemSelection selection;
-    for (std::size_t from = 0, to; from < rows.size() && selection.size() < MostStretches; from = to) {
+    for (std::size_t from = 0, to = 0; from < rows.size() && selection.size() < MostStretches; from = to) {
         for (to = from + 1; to < rows.size() && rows[to] - rows[to - 1] <= 1;) ++to;
         selection.append(QItemSelectionRange(model_->index(rows[from], 0),
                                              model_->index(rows[to - 1], model_->columnCount() - 1)));

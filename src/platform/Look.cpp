@@ -76,9 +76,9 @@ const Tones Dark{QColor(0x22272e), QColor(0x1a1e24), QColor(0x262c34), QColor(0x
 
 } // namespace
 
-void ApplyLook(QApplication& application, bool dark) {
-    application.setStyle(new Style);
-    application.setPalette(MakePalette(dark ? Dark : Light));
+void ApplyLook(QApplication&, bool dark) {
+    QApplication::setStyle(new Style);
+    QApplication::setPalette(MakePalette(dark ? Dark : Light));
 }
 
 bool IsDarkLook() {

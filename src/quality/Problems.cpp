@@ -4,6 +4,7 @@
 #include "core/Messages.h"
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 Text SeverityText(Severity severity) {
@@ -16,10 +17,8 @@ std::string_view SeverityName(Severity severity) {
 
 bool IsTemplateTarget(std::string_view target) {
     using namespace TemplateTarget;
-    for (const std::string_view word : {Download, Upload, Import, Export, QuickButtons, Unattended}) {
-        if (target == word) return true;
-    }
-    return false;
+    constexpr std::array words{Download, Upload, Import, Export, QuickButtons, Unattended};
+    return std::find(words.begin(), words.end(), target) != words.end();
 }
 
 void ProblemList::Add(ProblemRow row) {

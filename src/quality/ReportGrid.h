@@ -11,6 +11,7 @@
 /// templates have changed since is grey and says so.
 class ReportGrid final : public GridData {
 public:
+    /// In the order of the report.
     explicit ReportGrid(std::vector<ProblemRow> rows);
 
     /// `record` from 1, as GridData counts.

@@ -18,7 +18,7 @@
 namespace {
 
 void Mix(std::uint64_t& sum, std::uint64_t part) {
-    sum ^= part + 0x9E3779B97F4A7C15u + (sum << 6) + (sum >> 2);
+    sum ^= part + 0x9E3779B97F4A7C15U + (sum << 6) + (sum >> 2);
 }
 
 std::uint64_t HashOf(std::string_view bytes) {

@@ -193,7 +193,7 @@ constexpr Subject Links{msg::GroupLinks, "ZUKLINK.DBF"};
 void RunTests(const Subject& subject, std::span<const FieldTest> tests, ScratchGrid& grid,
               ProblemList& problems) {
     for (const FieldTest& test : tests) {
-        if (test.SortedOn) grid.SortOn(test.SortedOn);
+        if (test.SortedOn != 0) grid.SortOn(test.SortedOn);
         subject.Report(problems, test, test.Collect.All(grid, test.Field));
     }
 }

@@ -13,7 +13,8 @@
 /// runs all its tests in their order, and adds a row for each test that has found something.
 ///
 /// Tables are never changed but by the sorts, which leave every key as it is. RunTimeFailure of the
-/// sorts and as LoadTable; the rows that were added before stay.
+/// sorts and as LoadTable; the rows that were added before stay. The two that sort no long table show no
+/// progress.
 
 void QCCust(ProblemList& problems, Progress& progress);
 /// Rebuilds the barcode index too, as the check of the bar codes does.

@@ -33,7 +33,7 @@ public:
     /// a record or a field that is not there.
     void Put(std::int32_t record, int field, std::string_view text);
 
-    /// Room for so many records at once.
+    /// Makes room for so many records at once, at least 0; more can still be added.
     void Reserve(std::int32_t records);
 
     /// A field's text, trimmed. RunTimeFailure 9 for a record or a field that is not there. Valid

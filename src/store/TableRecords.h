@@ -31,6 +31,7 @@ public:
     /// Opens a table at a record, or at the nearest that there is. RunTimeFailure 321 when it has no field
     /// of the name `key`.
     void Open(std::string_view path, const char* key, std::int32_t record);
+    /// Also of a table that is not open. What the routines changed is in the file already.
     void Close();
     bool IsOpen() const { return open_; }
 
@@ -41,6 +42,7 @@ public:
     /// A field of the current record, as long as the field is; blank in an empty table. Empty when the
     /// table has no such field.
     std::string Padded(const char* field) const { return table_.GetData(field); }
+    /// The same without blanks around.
     std::string Trimmed(const char* field) const;
 
     /// A record's number or a target of DBFEdit.

@@ -53,6 +53,7 @@ public:
     /// Changes a field of the record that was begun last, as DBFEdit::WriteData does.
     /// RunTimeFailure 63 before the first record; 9 and 6 as TableLayout::Find.
     void Write(const FieldKey& key, std::string_view value);
+    /// The same by a field's number, from 1; 0 changes nothing. RunTimeFailure 9 outside 0 to FieldCount().
     void Write(int field, std::string_view value);
 
     /// Makes all of the record that was begun last blank again.
@@ -61,7 +62,7 @@ public:
     /// The byte behind the last record: a blank unless told otherwise.
     void SetTrailing(char byte) { trailing_ = byte; }
 
-    /// Puts the new content in place. `flush` as SafeFile::Commit.
+    /// Puts the new content in place; no call may follow. `flush` and failures as SafeFile::Commit.
     void Commit(bool flush = true);
 
 private:

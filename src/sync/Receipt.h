@@ -50,6 +50,7 @@ public:
     void Write(const SFrmAX40& control, const UploadRun& merged);
 
     bool HasBegun() const { return notes_ != nullptr; }
+    /// Whether TakeArrived was called for that session.
     bool HasTaken() const;
 
 private:

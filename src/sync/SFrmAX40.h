@@ -28,12 +28,14 @@ public:
     SFrmAX40& operator=(const SFrmAX40&) = delete;
     virtual ~SFrmAX40() = default;
 
-    /// Whether sessions reach this control. Off at first. A manager that starts later finds it enabled.
+    /// Whether sessions reach this control. Off at first. A manager that starts later finds it enabled:
+    /// to enable it fails in no case.
     virtual bool Enabled() const = 0;
     virtual void SetEnabled(bool enabled) = 0;
 
     /// The HotSync user of the handheld that is in session, or was last.
     virtual std::string UserName() const = 0;
+    /// Its number, 32 bits: negative from 2^31 on. 0 before the first session.
     virtual std::int32_t UserID() const = 0;
 
     /// The application in session: four characters as one number, the first the highest byte; 0 before

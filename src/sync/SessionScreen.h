@@ -17,10 +17,11 @@ public:
 
     /// The boxes of a session.
     virtual void TellUnknownHandheld() = 0; ///< the Links table has no row for it; the mode is off
-    virtual void TellBackupFailed() = 0;
+    virtual void TellBackupFailed() = 0;    ///< so nothing was queued
 
     /// A session begins: no phase has a picture, the user is shown, the session's animation plays.
     virtual void ShowBegun(const std::string& user) = 0;
+    /// The picture of one phase; the other two stay.
     virtual void ShowPhase(SyncPhaseImage phase, PhaseLook look) = 0;
     /// The session is over: all three pictures idle, the waiting animation plays, no user is shown.
     virtual void ShowEnded() = 0;
@@ -38,6 +39,7 @@ public:
     };
     virtual std::optional<Upload> NewestUpload() const = 0;
 
+    /// Counts the records of the tables again, and shows them.
     virtual void RefreshRecordCounts() = 0;
     /// Writes the status list and draws the bricks of the unattended family.
     virtual void ShowHHStatus() = 0;

@@ -15,6 +15,7 @@ struct StatusEntry {
 class StatusStore {
 public:
     virtual ~StatusStore() = default;
+    /// Nothing when there is no such value, or when it cannot be read.
     virtual std::optional<std::string> Read(std::string_view section, std::string_view key) const = 0;
 
     /// Makes these all that the store holds, in one step: a failure or a kill leaves what it held.

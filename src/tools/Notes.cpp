@@ -219,6 +219,7 @@ std::unique_ptr<GridData> NotesGrid(const std::vector<Note>& notes) {
                                       {msg::ColumnDateResolved, SortKind::Date},
                                       {msg::ColumnResolution, SortKind::Text, 180}};
     std::vector<std::vector<Text>> rows;
+    rows.reserve(notes.size());
     for (const Note& note : notes) {
         rows.push_back({NumberOf(note), NoteMoment(note),
                         ShownKey(OnOneLine(note.Process).CodePage(), NoteProcesses()), OnOneLine(note.Issue),
@@ -231,7 +232,7 @@ std::vector<Text> PrintedNote(const Note& note, const MachineFacts& facts) {
     constexpr std::string_view indent = "    ";
     std::vector<Text> lines = FieldLines(note);
     lines.emplace_back();
-    lines.push_back(msg::lblSysInfo);
+    lines.emplace_back(msg::lblSysInfo);
     for (const Text& line : SystemInformation(facts)) lines.push_back(Text::Value(indent) + line);
     return lines;
 }

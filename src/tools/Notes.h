@@ -68,4 +68,5 @@ std::unique_ptr<GridData> NotesGrid(const std::vector<Note>& notes);
 /// A note as it is printed, below its title, and as it goes into a message: its fields with their labels,
 /// then the system information. RunTimeFailure as SystemInformation.
 std::vector<Text> PrintedNote(const Note& note, const MachineFacts& facts);
+/// The message's body, ready for SendMail.
 std::string NoteMail(const Note& note, const MachineFacts& facts);

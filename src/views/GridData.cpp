@@ -68,7 +68,7 @@ Text GridData::Cell(std::int32_t row, int column) {
 }
 
 std::int32_t GridData::RecordOf(std::int32_t row) const {
-    return order_.empty() ? row + 1 : order_[static_cast<std::size_t>(row)];
+    return order_.empty() ? row + 1 : order_.at(static_cast<std::size_t>(row));
 }
 
 std::optional<std::int32_t> GridData::RowOf(std::int32_t record) const {

@@ -51,6 +51,7 @@ public:
     GridData& operator=(const GridData&) = delete;
     virtual ~GridData() = default;
 
+    /// These three change by Reload alone.
     virtual int ColumnCount() const = 0;
     virtual const GridHeading& Heading(int column) const = 0;
     virtual std::int32_t RowCount() const = 0;
@@ -59,11 +60,12 @@ public:
     /// two rows of their own above the first one.
     virtual const std::vector<GridGroup>& Groups() const;
 
-    /// As it is shown.
+    /// As it is shown. RunTimeFailure when it cannot be read.
     virtual Text Cell(std::int32_t row, int column);
 
     virtual CellMark MarkOf(std::int32_t /*row*/, int /*column*/) const { return CellMark::None; }
 
+    /// The number of the record that stands in a row.
     std::int32_t RecordOf(std::int32_t row) const;
     /// Nothing for a record that the grid does not hold. Linear while the rows are sorted.
     std::optional<std::int32_t> RowOf(std::int32_t record) const;

@@ -35,7 +35,7 @@ std::vector<std::string> WrapColumns(std::string_view line, std::size_t columns)
             cut = columns;
         const std::string part = rest.substr(0, cut);
         lines.emplace_back(TrimRight(part));
-        rest = indent + std::string(TrimLeft(std::string_view(rest).substr(cut)));
+        rest.replace(0, rest.size() - TrimLeft(std::string_view(rest).substr(cut)).size(), indent);
     }
     lines.push_back(rest);
     return lines;

@@ -9,6 +9,7 @@
 #include "store/TableScan.h"
 
 #include <algorithm>
+#include <stdexcept>
 
 const MasterKind CustomerMaster{
     ViewCust, "ZUKCUST.DBF", "C_CODE", msg::CustCodeEmpty, {"C_SEARCH", "C_NAME"}};
@@ -80,6 +81,8 @@ std::string MasterTable::Entry(std::string_view first, std::string_view second) 
 }
 
 const char* MasterTable::FieldName(int place) const {
+    if (place < 1 || place > static_cast<int>(entry_.Fields.size()))
+        throw std::out_of_range("no field " + std::to_string(place));
     return entry_.Fields[static_cast<std::size_t>(place) - 1].Name;
 }
 
@@ -202,7 +205,7 @@ Text MasterTable::Warning(const Cells& cells) const {
     const int key = PlaceOf(entry_.Fields, kind_.Key);
     if (RecordNumber() == 0 || cell(key).empty()) return {};
     for (const auto& [place, text] : cells) {
-        const Text warning = NumberWarning(entry_.Fields[static_cast<std::size_t>(place) - 1], Trim(text));
+        Text warning = NumberWarning(entry_.Fields[static_cast<std::size_t>(place) - 1], Trim(text));
         if (!warning.IsEmpty()) return warning;
     }
     return rules_.FirstObjection(kind_.File, cell,

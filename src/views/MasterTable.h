@@ -56,9 +56,12 @@ public:
     std::int32_t RecordCount() const { return records_.RecordCount(); }
     std::int32_t RecordNumber() const { return records_.RecordNumber(); } ///< 0 in an empty table
 
+    /// A field's name as installed. `place` is that of a field, here and below: std::out_of_range else.
     const char* FieldName(int place) const;
-    int FieldLength(int place) const; ///< 0: the table has no such field
+    int FieldLength(int place) const; ///< in bytes; 0: the table has no such field
+    /// A field of the current record without blanks around; empty when the table lacks it.
     std::string Trimmed(int place) const;
+    /// Whether it is the field without which no record is saved.
     bool IsKey(int place) const;
 
     /// An entry for each record in their order: the two fields of the kind, trimmed, with " : " between.
@@ -70,6 +73,7 @@ public:
     /// The three below are false, nothing changed, when the current record is no longer in the table; the one
     /// that has its number by now is current then.
 
+    /// Changes these fields of the current record and no others; the texts are trimmed.
     bool Write(const Cells& cells);
     /// Adds a blank record behind the last one, and goes to it.
     bool Append();

@@ -40,6 +40,7 @@ public:
 /// two steps, and nothing is printed then.
 class ReportRun {
 public:
+    /// Begins the report; both outlive the run. Failures as Report::Begin.
     ReportRun(Report& report, Printer& printer);
 
     /// Prints the next pages of those that the operator wants. After the last one, and only when the content
@@ -50,6 +51,7 @@ public:
     /// The content changed on the way: it is over, and nothing was printed.
     bool WasOutdated() const { return outdated_; }
 
+    /// The page that the next step begins with, and the last one that is wanted.
     std::int32_t NextPage() const { return next_; }
     std::int32_t LastPage() const { return last_; }
 

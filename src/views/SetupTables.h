@@ -18,18 +18,21 @@ enum class SetupControl {
     NumberEntry ///< one of a list, by its numeric value
 };
 
+/// A field of such a table and its control.
 struct SetupField {
     const char* Name;
     SetupControl Control = SetupControl::Text;
-    std::span<const char* const> Entries = {};
+    std::span<const char* const> Entries = {}; ///< of the list, in its order; none without one
     std::size_t Kept = std::string_view::npos; ///< as many characters of an entry are stored
 };
 
+/// A table of one record, and its fields in the order of the controls: at least one.
 struct SetupTable {
     const char* File; ///< in the tables directory
     std::span<const SetupField> Fields;
 
-    std::string Path() const;
+    std::string Path() const; ///< full
+    /// The field without which the file is not this table.
     const char* Key() const { return Fields.front().Name; }
 };
 
@@ -72,6 +75,7 @@ struct DriverOptions {
     bool Logo = false;
     bool FormatCodes = false; ///< the codes for compressed print and for its end
 };
+/// Those of an entry of the list of printers, letter by letter; none for another text.
 DriverOptions OptionsOf(std::string_view printer);
 
 /// Whether the page's length and the line feeds at its end count: unless forms are continuous.
@@ -82,6 +86,7 @@ struct DatecsRules {
     bool ChangeFormat = false; ///< the print format has to be for continuous forms
     bool AskForForm = false;   ///< continuous form printing is recommended
 };
+/// `printer`: what PrinterTable's editor holds. Nothing for other printers.
 DatecsRules RulesOf(const SetupTexts& printer);
 
 /// Entries of the lists of print format and continuous form printing.

@@ -12,6 +12,7 @@ std::string SignTablePath();
 
 /// Makes it from the order headers, whole or not at all. RunTimeFailure as TableScan and TableRewrite.
 void MakeSignTable();
+/// Nothing happens when it is not there or cannot go.
 void RemoveSignTable() noexcept;
 
 /// Where the bitmap of an order lies, its name in whatever case. Empty when there is none, and for a code

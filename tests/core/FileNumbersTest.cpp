@@ -2,6 +2,7 @@
 
 #include "support/EngineTest.h"
 #include "support/Fails.h"
+#include "support/RefusingDisk.h"
 
 namespace {
 
@@ -17,6 +18,17 @@ protected:
         return bytes;
     }
     FileNumbers numbers_;
+};
+
+/// A disk whose files cost the system nothing.
+class LightDisk final : public PassingDisk {
+public:
+    std::unique_ptr<DiskFile> Open(const std::string&, Access) override {
+        ++Opened;
+        return std::make_unique<PassingFile>(nullptr);
+    }
+
+    int Opened = 0;
 };
 
 TEST_F(FileNumbersTest, NumbersCountFromOneUpward) {
@@ -81,6 +93,20 @@ TEST_F(FileNumbersTest, AnOpeningThatFailsTakesNoNumber) {
 TEST_F(FileNumbersTest, NoClaimIsNeverOpen) {
     EXPECT_FALSE(numbers_.IsOpen({}));
     EXPECT_EQ(FailureOf([&] { numbers_.Use({}); }).Number, 52);
+}
+
+TEST_F(FileNumbersTest, WhenNumbersRunOutTheDiskIsNotAskedAndTheNextFreeOneServesAgain) {
+    constexpr int Most = 32767;
+    LightDisk disk;
+    FileNumbers::Claim last;
+    for (int k = 0; k < Most; ++k) last = numbers_.Open(disk, "a", Access::Read);
+    EXPECT_EQ(last.Number, Most);
+
+    EXPECT_EQ(FailureOf([&] { numbers_.Open(disk, "kept.txt", Access::Create); }).Number, 52);
+
+    EXPECT_EQ(disk.Opened, Most);
+    numbers_.Close(std::int16_t{7});
+    EXPECT_EQ(numbers_.Open(disk, "a", Access::Read).Number, 7);
 }
 
 } // namespace

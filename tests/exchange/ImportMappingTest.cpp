@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <stdexcept>
+
 namespace {
 
 using Rows = std::vector<std::string>;
@@ -93,6 +95,17 @@ TEST(ImportMapping, AnEmptyLiteralIsNone) {
     EXPECT_TRUE(mapping.AddLiteral("C_NAME", "a = b"));
 
     EXPECT_EQ(mapping.Literals(), Rows{"C_NAME = a = b"});
+}
+
+TEST(ImportMapping, ARowThatIsNotThereIsRefusedInBothLists) {
+    ImportMapping mapping({"C_CODE"}, {"C_NAME = a"});
+
+    EXPECT_THROW(mapping.RemoveSelected(1), std::out_of_range);
+    EXPECT_THROW(mapping.RemoveLiteral(1), std::out_of_range);
+    EXPECT_EQ(mapping.Selected().size(), 1U);
+    mapping.RemoveLiteral(0);
+
+    EXPECT_EQ(mapping.Literals(), Rows{});
 }
 
 TEST(ImportMapping, ARowNamesOneFieldOrSeveral) {

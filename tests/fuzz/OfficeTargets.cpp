@@ -2,11 +2,10 @@
 
 #include "core/Catalogue.h"
 #include "core/Dates.h"
-#include "core/Failure.h"
 #include "core/Globals.h"
 #include "core/Progress.h"
 #include "core/Settings.h"
-#include "fuzz/MemoryDisk.h"
+#include "fuzz/Outside.h"
 #include "handheld/Refusal.h"
 #include "handheld/Settings.h"
 #include "hotsync/SessionLog.h"
@@ -23,49 +22,21 @@
 
 #include <algorithm>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 namespace {
 
-const std::string Folder = "/fuzz/";
-
-/// A fresh program over a disk in memory, with one file that came from outside. All its folders are one.
-class Outside {
+/// The same as an office whose folders are all one.
+class Office : public Outside {
 public:
-    Outside(std::string_view file, std::string_view content) {
-        Global = Globals{};
-        Global.TheDisk = &Disk;
+    Office(std::string_view file, std::string_view content) : Outside(content, file) {
         for (std::string* path :
              {&Global.AppPath, &Global.DBFPath, &Global.InstallPath, &Global.DBFEmptyPath})
             *path = Folder;
         Global.BackupPath = Folder + "Backup/";
-        Disk.Put(Folder + std::string(file), std::string(content));
     }
-    Outside(const Outside&) = delete;
-    Outside& operator=(const Outside&) = delete;
-    ~Outside() { Global = Globals{}; }
-
-    std::string Content(std::string_view file) const { return Disk.Content(Folder + std::string(file)); }
-    bool Has(std::string_view file) { return Disk.IsFile(Folder + std::string(file)); }
-
-    MemoryDisk Disk;
 };
-
-void Require(bool holds, const char* rule) {
-    if (!holds) throw std::logic_error(rule);
-}
-
-/// Does something that may end in a failure that the caller is told; no file may stay open after it.
-template <typename Deed>
-void Attempt(Deed&& deed) {
-    try {
-        deed();
-    } catch (const RunTimeFailure&) { // being told is all that is asked
-    }
-    Require(Global.Files.Count() == 0, "a file was left open");
-}
 
 bool IsPlain(std::string_view text) {
     return std::none_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < ' '; });
@@ -74,7 +45,7 @@ bool IsPlain(std::string_view text) {
 } // namespace
 
 void FuzzSettings(std::string_view bytes) {
-    const Outside outside("ZUKTramble.ini", bytes);
+    const Office outside("ZUKTramble.ini", bytes);
     Global.IniFile = Folder + "ZUKTramble.ini";
     Attempt([&] {
         GetIniFile();
@@ -88,7 +59,7 @@ void FuzzSettings(std::string_view bytes) {
 }
 
 void FuzzStatus(std::string_view bytes) {
-    const Outside outside("HSStatus.dat", bytes);
+    const Office outside("HSStatus.dat", bytes);
     Attempt([&] {
         GetHHStatus();
         Require(Global.HHSyncID.size() == static_cast<std::size_t>(Global.HHCount) + 1 &&
@@ -108,7 +79,7 @@ void FuzzStatus(std::string_view bytes) {
 }
 
 void FuzzNotes(std::string_view bytes) {
-    const Outside outside("Notes.dat", bytes);
+    const Office outside("Notes.dat", bytes);
     Attempt([&] {
         const NotesFile before = ReadNotes();
         Require(before.Notes.size() == (bytes.size() + NoteLength - 1) / NoteLength, "the file is all notes");
@@ -131,7 +102,7 @@ void FuzzNotes(std::string_view bytes) {
 }
 
 void FuzzMessages(std::string_view bytes) {
-    const Outside outside("Messages.tsv", bytes);
+    const Office outside("Messages.tsv", bytes);
     const std::string faults = LoadMessages(Folder + "Messages.tsv");
     Require(faults.empty() || faults.find("Messages.tsv, ") != std::string::npos,
             "a row that cannot be read is named");
@@ -145,7 +116,7 @@ void FuzzMessages(std::string_view bytes) {
 }
 
 void FuzzSupportDesk(std::string_view bytes) {
-    const Outside outside("Support.ini", bytes);
+    const Office outside("Support.ini", bytes);
     Attempt([] {
         const SupportDesk desk = ReadSupportDesk();
         Require(IsPlain(desk.Address) && desk.Address.find_first_of("?& ") == std::string::npos,
@@ -158,7 +129,7 @@ void FuzzSupportDesk(std::string_view bytes) {
 }
 
 void FuzzBackups(std::string_view bytes) {
-    Outside outside("Backup/61115023607/Backup.txt", bytes);
+    Office outside("Backup/61115023607/Backup.txt", bytes);
     outside.Disk.Put(Folder + "Backup/61115023607/ZUKOrHdr.dbf", "no table");
     outside.Disk.Put(Folder + "Backup/not a number/Backup.txt", std::string(bytes));
     Attempt([&] {
@@ -177,7 +148,7 @@ void FuzzBackups(std::string_view bytes) {
 
 void FuzzUnfinishedJobs(std::string_view bytes) {
     const std::string file = "UnfinishedJobs.txt";
-    Outside outside(file, bytes);
+    Office outside(file, bytes);
     const std::vector<FieldDef> fields = {{"PAY_CODE", 'C', 4, 0}};
     for (const char* table : {"ZUKPAY.DBF", "ZUKOrHdr.dbf"}) CreateTable(Folder + table, fields);
     const UnfinishedJobs found = FindUnfinishedJobs();
@@ -198,7 +169,7 @@ void FuzzUnfinishedJobs(std::string_view bytes) {
 }
 
 void FuzzInstallMark(std::string_view bytes) {
-    Outside outside("InstallBegun.txt", bytes);
+    Office outside("InstallBegun.txt", bytes);
     for (const char* file :
          {"HotSync/ANNA/Install/x.prc", "HotSync/Users.txt", "ZUKOrHdr.dbf", "HotSync/Install/y"})
         outside.Disk.Put(Folder + file, "there");
@@ -229,7 +200,7 @@ void ReadAndWrite(const char* name) {
 } // namespace
 
 void FuzzSelections(std::string_view bytes) {
-    const Outside outside("outside.txt", bytes);
+    const Office outside("outside.txt", bytes);
     ReadAndWrite<UploadChoice>("again.ust");
     ReadAndWrite<DownloadChoice>("again.dst");
     ReadAndWrite<ClearChoice>("again.dct");
@@ -237,7 +208,7 @@ void FuzzSelections(std::string_view bytes) {
 }
 
 void FuzzHotSyncLog(std::string_view bytes) {
-    const Outside outside("HotSync.log", bytes);
+    const Office outside("HotSync.log", bytes);
     Global.Clock = [] { return DateTime{2026, 11, 15, 9, 30, 0}; };
     SessionLog log(Folder);
     const std::vector<std::string> before = log.Last(50);
@@ -254,7 +225,7 @@ void FuzzHotSyncLog(std::string_view bytes) {
 }
 
 void FuzzHandheldFile(std::string_view bytes) {
-    const Outside outside("Handheld.txt", bytes);
+    const Office outside("Handheld.txt", bytes);
     std::optional<HandheldSettings> read;
     try {
         read = ReadSettings(bytes, "Handheld.txt");
@@ -276,7 +247,7 @@ void FuzzUpdateText(std::string_view bytes) {
 }
 
 void FuzzFileVersion(std::string_view bytes) {
-    const Outside outside("program.exe", bytes);
+    const Office outside("program.exe", bytes);
     const std::string version = FileVersion(Folder + "program.exe");
     constexpr std::size_t FourNumbers = 23;
     Require(version.size() <= FourNumbers && version.find_first_not_of("0123456789.") == std::string::npos,

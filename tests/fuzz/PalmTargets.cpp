@@ -1,7 +1,7 @@
 #include "fuzz/PalmTargets.h"
 
 #include "core/Globals.h"
-#include "fuzz/MemoryDisk.h"
+#include "fuzz/Outside.h"
 #include "handheld/DlpServer.h"
 #include "handheld/Handheld.h"
 #include "palm/Converter.h"
@@ -11,16 +11,11 @@
 
 #include <algorithm>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
 
 namespace {
-
-void Require(bool holds, const char* rule) {
-    if (!holds) throw std::logic_error(rule);
-}
 
 /// What a reader makes of bytes; nothing when it refuses them. What is done with it afterwards may not
 /// be refused any more.
@@ -39,21 +34,6 @@ std::uint8_t FirstByte(std::string_view& bytes) {
     bytes.remove_prefix(1);
     return first;
 }
-
-/// A fresh program over a disk in memory.
-class Outside {
-public:
-    Outside() {
-        Global = Globals{};
-        Global.TheDisk = &disk_;
-    }
-    Outside(const Outside&) = delete;
-    Outside& operator=(const Outside&) = delete;
-    ~Outside() { Global = Globals{}; }
-
-private:
-    MemoryDisk disk_;
-};
 
 // ---- packets ----
 

@@ -1,7 +1,6 @@
 #include "fuzz/Targets.h"
 
 #include "core/CodePage.h"
-#include "core/Failure.h"
 #include "core/Globals.h"
 #include "core/Paths.h"
 #include "core/Progress.h"
@@ -16,8 +15,8 @@
 #include "exchange/ImportText.h"
 #include "exchange/LineSplitter.h"
 #include "exchange/OrderTables.h"
-#include "fuzz/MemoryDisk.h"
 #include "fuzz/OfficeTargets.h"
+#include "fuzz/Outside.h"
 #include "fuzz/PalmTargets.h"
 #include "hotsync/HotSyncUsers.h"
 #include "hotsync/ListeningAddress.h"
@@ -41,43 +40,11 @@
 #include <algorithm>
 #include <array>
 #include <initializer_list>
-#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
 
 namespace {
-
-/// A fresh program over a disk in memory, with one file that came from outside.
-class Outside {
-public:
-    explicit Outside(std::string_view content, std::string file = "/fuzz/outside.dat")
-        : File(std::move(file)) {
-        Global = Globals{};
-        Global.TheDisk = &Disk;
-        Disk.Put(File, std::string(content));
-    }
-    Outside(const Outside&) = delete;
-    Outside& operator=(const Outside&) = delete;
-    ~Outside() { Global = Globals{}; }
-
-    MemoryDisk Disk;
-    const std::string File;
-};
-
-void Require(bool holds, const char* rule) {
-    if (!holds) throw std::logic_error(rule);
-}
-
-/// Does something that may end in a RunTimeFailure; no file may stay open after it.
-template <typename Deed>
-void Attempt(Deed&& deed) {
-    try {
-        deed();
-    } catch (const RunTimeFailure&) { // the caller is told: that is all that is asked
-    }
-    Require(Global.Files.Count() == 0, "a file was left open");
-}
 
 /// The next byte as a choice of the input's; 0 behind its end.
 unsigned Choice(std::string_view& bytes) {
@@ -522,8 +489,7 @@ void Unattended(std::string_view bytes) {
 // ---- the HotSync Manager ----
 
 void HotSyncUsersFile(std::string_view bytes) {
-    Outside outside({});
-    outside.Disk.Put("/fuzz/Users.txt", std::string(bytes));
+    const Outside outside(bytes, "Users.txt");
     Attempt([&] {
         HotSyncUsers users("/fuzz");
         users.Load();
@@ -546,8 +512,7 @@ void HotSyncUsersFile(std::string_view bytes) {
 }
 
 void HotSyncSettingsFile(std::string_view bytes) {
-    Outside outside({});
-    outside.Disk.Put("/fuzz/HotSync.ini", std::string(bytes));
+    const Outside outside(bytes, "HotSync.ini");
     Attempt([&] {
         ManagerSettings settings = ReadManagerSettings("/fuzz");
         Require(IsListeningAddress(settings.Address) && settings.PCId != 0, "what is read can be used");
@@ -632,7 +597,7 @@ void ManagerMessages(std::string_view bytes) {
 }
 
 void ConduitsFile(std::string_view bytes) {
-    const Outside outside(bytes, "/fuzz/Conduits.txt");
+    const Outside outside(bytes, "Conduits.txt");
     Attempt([&] {
         const std::vector<Conduit> conduits = ReadConduits("/fuzz");
         RegisterConduit("/fuzz", {"fuzz", "fuzz.dll", "Fuzz"});

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <stdexcept>
+
 namespace {
 
 using Cells = std::vector<std::string>;
@@ -139,6 +141,14 @@ TEST(GridData, AnEmptyGridHasNothingToFindAndSortsToNothing) {
 
     EXPECT_EQ(grid.RowCount(), 0);
     EXPECT_EQ(grid.Find(0, "a", -1), std::nullopt);
+}
+
+TEST(GridData, ARowBehindTheLastOneIsRefusedInASortedGrid) {
+    ListGrid grid = Column(SortKind::Text, {"b", "a"});
+    grid.Sort(0, false);
+
+    EXPECT_EQ(grid.RecordOf(1), 1);
+    EXPECT_THROW(grid.RecordOf(2), std::out_of_range);
 }
 
 } // namespace

@@ -9,6 +9,7 @@
 #include "support/Tables.h"
 
 #include <filesystem>
+#include <stdexcept>
 
 namespace {
 
@@ -88,6 +89,17 @@ TEST_F(MasterTableTest, ListsEveryRecordByItsSearchValueAndName) {
     EXPECT_EQ(Customers.RecordNumber(), 3);
     EXPECT_EQ(Customers.Lookup(), (Values{"s1 : Acme", " : ", " : Cole"}));
     EXPECT_EQ(Customers.FieldLength(C_CODE), 20);
+}
+
+TEST_F(MasterTableTest, APlaceThatIsNoFieldsIsRefused) {
+    GivenThree();
+    Customers.Open(1);
+
+    EXPECT_EQ(Customers.FieldName(1), std::string("C_SEARCH"));
+    EXPECT_THROW(Customers.FieldName(0), std::out_of_range);
+    EXPECT_THROW(Customers.Trimmed(1000), std::out_of_range);
+    EXPECT_THROW(Customers.Write({{1000, "x"}}), std::out_of_range);
+    EXPECT_EQ(NamesOnDisk(), (Values{"Acme", "Bolt", "Cole"}));
 }
 
 TEST_F(MasterTableTest, ASaveChangesTheFieldsThatWereGivenAndItsOwnEntry) {

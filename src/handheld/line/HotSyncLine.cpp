@@ -24,9 +24,9 @@ std::string Named(const SyncActivity& activity) {
 
 } // namespace
 
-HotSyncLine::HotSyncLine(Handheld& handheld, const HotSyncJob& job)
+HotSyncLine::HotSyncLine(Handheld& handheld, HotSyncJob job)
     : handheld_(handheld),
-      job_(job),
+      job_(std::move(job)),
       server_(handheld) {
     patience_.setSingleShot(true);
     lookupTimer_.setInterval(LookupWait);

@@ -26,7 +26,7 @@
 class HotSyncLine : public QObject {
 public:
     /// `handheld` outlives the line.
-    HotSyncLine(Handheld& handheld, const HotSyncJob& job);
+    HotSyncLine(Handheld& handheld, HotSyncJob job);
     ~HotSyncLine() override;
 
     /// Begins; the event loop does the rest.

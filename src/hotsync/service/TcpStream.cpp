@@ -8,9 +8,9 @@
 namespace {
 
 /// More than a whole packet waits in no buffer: what a handheld sends unasked stays on its side.
-constexpr qint64 Buffered = 256 * 1024;
+constexpr qint64 Buffered = qint64{256} * 1024;
 /// A handheld answers what it has read: so much cannot be on its way to one.
-constexpr qint64 MostUnread = 256 * 1024;
+constexpr qint64 MostUnread = Buffered;
 
 } // namespace
 

@@ -32,7 +32,7 @@ Text PathText(std::string_view path) {
 /// What a table is called, with the number of its records where it can be read.
 Text NameOf(std::string_view table, bool counted) {
     const TableEntry* entry = FindTable(table);
-    const Text name = entry ? Text(MessageId{entry->FirstLabel}) : Text::Value(table);
+    Text name = entry ? Text(MessageId{entry->FirstLabel}) : Text::Value(table);
     if (!counted) return name;
     try {
         return Counted(name, TableScan(Global.DBFPath + std::string(table) + ".DBF").RecordCount());

@@ -83,7 +83,7 @@ void RunCommand(const std::string& folder) {
 /// somebody else: a program is going to be run there.
 std::string CopyOfInstall() {
     constexpr auto Mine = QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner;
-    const std::string folder = TemporaryDirectory();
+    std::string folder = TemporaryDirectory();
     const QString place = PathToQt(folder.substr(0, folder.size() - 1));
     if (QFileInfo(place).isSymLink()) throw RunTimeFailure(70, folder);
     MakePath(folder);
