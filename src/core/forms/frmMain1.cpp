@@ -72,11 +72,19 @@ std::string CountOf(const std::string& table) {
 }
 
 /// A handheld's button. It tells a state, and is drawn in full colour whether it can be pressed or
-/// not. Five in a row are narrow: the picture stands above the id, and an id that is still wider than
-/// the brick ends in an ellipsis.
+/// not. Five in a row are narrow: the picture stands above the id, an id of several words in two lines. One
+/// that is still very long ends in an ellipsis.
 class Brick final : public QToolButton {
 public:
     using QToolButton::QToolButton;
+
+    QSize sizeHint() const override { return RoomFor(Lines()); }
+
+    /// Without the rest of an id of more than sixteen letters.
+    QSize minimumSizeHint() const override {
+        const QSize room = sizeHint();
+        return {std::min(room.width(), MostLetters * fontMetrics().averageCharWidth()), room.height()};
+    }
 
 protected:
     void paintEvent(QPaintEvent*) override {
@@ -84,10 +92,34 @@ protected:
         initStyleOption(&option);
         option.palette.setColor(QPalette::Disabled, QPalette::ButtonText,
                                 palette().color(QPalette::Active, QPalette::ButtonText));
-        constexpr int Margins = 4;
-        option.text =
-            fontMetrics().elidedText(option.text, Qt::ElideRight, width() - Margins, Qt::TextShowMnemonic);
+        QStringList lines = Lines();
+        for (QString& line : lines)
+            line = fontMetrics().elidedText(line, Qt::ElideRight, width() - Margins, Qt::TextShowMnemonic);
+        option.text = lines.join(QLatin1Char('\n'));
         QStylePainter(this).drawComplexControl(QStyle::CC_ToolButton, option);
+    }
+
+private:
+    static constexpr int MostLetters = 16;
+    static constexpr int ShortId = 10; // letters; it stands in one line
+    static constexpr int Margins = 4;
+
+    /// The id, parted at the blank nearest to its middle.
+    QStringList Lines() const {
+        const QString id = text();
+        qsizetype at = -1;
+        for (qsizetype blank = id.indexOf(QLatin1Char(' ')); blank >= 0;
+             blank = id.indexOf(QLatin1Char(' '), blank + 1)) {
+            if (at < 0 || std::abs(2 * blank - id.size()) < std::abs(2 * at - id.size())) at = blank;
+        }
+        if (at < 0 || id.size() <= ShortId) return {id};
+        return {id.left(at), id.mid(at + 1)};
+    }
+
+    QSize RoomFor(const QStringList& lines) const {
+        const QSize words = fontMetrics().size(Qt::TextShowMnemonic, lines.join(QLatin1Char('\n')));
+        return {std::max(words.width(), iconSize().width()) + 2 * Margins,
+                iconSize().height() + words.height() + 3 * Margins};
     }
 };
 
@@ -405,7 +437,7 @@ void frmMain1::DrawBricks(const QString& family, const std::function<Face(std::s
         auto* brick = new Brick(picHHStatus);
         brick->setObjectName(family + QLatin1Char('_') + QString::number(row));
         brick->setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
-        brick->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+        brick->setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Fixed);
         brick->setIconSize({16, 16});
         // An ampersand in an id is no mark of a mnemonic.
         brick->setText(ToQt(std::string_view(id)).replace(QLatin1Char('&'), QLatin1String("&&")));
@@ -420,7 +452,14 @@ void frmMain1::DrawBricks(const QString& family, const std::function<Face(std::s
         bricks.push_back(brick);
     }
     // One without a picture stands beside those that have one.
-    for (Brick* brick : bricks) brick->setFixedHeight(tallest);
+    QWidget* before = nullptr;
+    for (Brick* brick : bricks) {
+        brick->setFixedHeight(tallest);
+        if (before) setTabOrder(before, brick);
+        before = brick;
+    }
+    if (before) setTabOrder(before, cmdPCTotals);
+    if (before) setTabOrder(cmdPCTotals, cmdReset);
     for (int column = 0; column < BricksInRow; ++column) grdBricks->setColumnStretch(column, 1);
     grdBricks->setRowStretch(static_cast<int>(row) / BricksInRow + 1, 1);
     lblNoHandhelds->setVisible(row == 0);
