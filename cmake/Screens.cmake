@@ -81,9 +81,14 @@ target_link_libraries(screensbykeys PUBLIC driverclient officeforday engine)
 add_executable(keys ${CMAKE_SOURCE_DIR}/tools/keys.cpp)
 target_link_libraries(keys PRIVATE screensbykeys)
 
+# What is wrong with a window as it stands.
+add_library(layoutcheck STATIC ${CMAKE_SOURCE_DIR}/tools/LayoutCheck.cpp ${CMAKE_SOURCE_DIR}/tools/LayoutCheck.h)
+target_include_directories(layoutcheck PUBLIC ${CMAKE_SOURCE_DIR}/tools)
+target_link_libraries(layoutcheck PUBLIC screens)
+
 add_executable(pictures_of_screens ${CMAKE_SOURCE_DIR}/tools/pictures.cpp ${CMAKE_SOURCE_DIR}/tools/FilledTables.cpp
     ${CMAKE_SOURCE_DIR}/tools/PagePictures.cpp ${CMAKE_SOURCE_DIR}/tools/PagePictures.h)
-target_link_libraries(pictures_of_screens PRIVATE screens pictures officeforday)
+target_link_libraries(pictures_of_screens PRIVATE screens pictures officeforday layoutcheck)
 target_compile_definitions(pictures_of_screens PRIVATE TRAMBLE_VERSION="${PROJECT_VERSION}")
 
 # For packaging/test: an installed program's first morning.
@@ -103,5 +108,5 @@ set_target_properties(day daybench keys pictures_of_screens tryinstalled startup
 
 # What drives programs from outside is test code too: the sanitizers look at the programs.
 set_target_properties(trambledriver driverclient officeforday mappingbykeys runningoffice day
-    daybench screensbykeys keys pictures_of_screens
+    daybench screensbykeys keys pictures_of_screens layoutcheck
     tryinstalled startup wirerig wire wirebench PROPERTIES TEST_CODE ON)

@@ -2,15 +2,20 @@
 //
 //   pictures_of_screens BUILD FOLDER [TEXTS]
 //   pictures_of_screens BUILD --pages
+//   pictures_of_screens BUILD --look [TEXTS]
 //
 // The first writes FOLDER/<form>-light.png and FOLDER/<form>-dark.png, with the demonstration day's files in
 // the office that the screens show; and more of a form that has several faces. FOLDER/Report-*.pdf are the
-// reports as a printer would have them. TEXTS is a translation, a file of rows as in Messages.tsv. At
-// another scale: set QT_SCALE_FACTOR before. The second, in the folder of the sources, makes anew the
-// pictures that the help and README.md refer to, in the light look.
+// reports as a printer would have them. TEXTS is a translation, a file of rows as in Messages.tsv, or the
+// word "stretched" for the built-in texts, each a third longer. At another scale: set QT_SCALE_FACTOR before,
+// or QT_FONT_DPI for larger letters alone. The second, in the folder of the sources, makes anew the pictures
+// that the help and README.md refer to, in the light look. The third takes no pictures: it looks for what is
+// cut, lies upon another, cannot be reached or read (LayoutCheck.h), says so, and fails when there is
+// something. The dark look is gone through with the built-in texts only.
 
 #include "AllForms.h"
 #include "FilledTables.h"
+#include "LayoutCheck.h"
 #include "OfficeForDay.h"
 #include "PagePictures.h"
 #include "core/Failure.h"
@@ -48,6 +53,7 @@
 #include <QPainter>
 #include <QPainterPath>
 #include <QProcess>
+#include <QScreen>
 #include <QTabWidget>
 #include <QTemporaryDir>
 #include <QThread>
@@ -239,10 +245,29 @@ void Settle() {
 /// Set when only the pictures for pages are wanted.
 PagePictures* OnlyForPages = nullptr;
 
+/// Looks at the screens in place of a person, instead of taking pictures of them.
+struct Looker {
+    bool MayScroll = false; ///< with large letters
+    int Looks = 0, Problems = 0;
+
+    void Look(QWidget& window, const QString& name) {
+        ++Looks;
+        QStringList problems = ContrastProblems(window);
+        if (!IsDarkLook()) problems << LayoutProblems(window) << KeyProblems(window);
+        if (Scrolls(window) && !MayScroll) problems << QStringLiteral("the window scrolls");
+        problems.removeDuplicates();
+        for (const QString& problem : problems)
+            std::printf("%s%s: %s\n", qPrintable(name), IsDarkLook() ? " (dark)" : "", qPrintable(problem));
+        Problems += static_cast<int>(problems.size());
+    }
+};
+Looker* OnlyLook = nullptr;
+
 void Save(QWidget& window, const QString& folder, const QString& name) {
     window.show();
     Settle();
     if (OnlyForPages != nullptr) return OnlyForPages->Take(window, name);
+    if (OnlyLook != nullptr) return OnlyLook->Look(window, name);
     const QString path = folder + QLatin1Char('/') + name + (IsDarkLook() ? "-dark.png" : "-light.png");
     if (!window.grab().save(path)) throw OfficeFailure("cannot write " + path.toStdString());
     std::printf("%s\n", path.toLocal8Bit().constData());
@@ -729,30 +754,38 @@ int main(int argc, char** argv) {
     const QStringList arguments = QCoreApplication::arguments();
     if (arguments.size() != 3 && arguments.size() != 4) {
         std::fputs("pictures_of_screens BUILD FOLDER [TEXTS]\n"
-                   "pictures_of_screens BUILD --pages\n",
+                   "pictures_of_screens BUILD --pages\n"
+                   "pictures_of_screens BUILD --look [TEXTS]\n",
                    stderr);
         return 2;
     }
     Nobody nobody;
     try {
         const bool forPages = arguments[2] == QLatin1String("--pages");
+        const bool looks = arguments[2] == QLatin1String("--look");
+        const QString texts = arguments.value(3);
+        // With letters or a scale for which a small screen has too little room.
+        const QScreen& screen = *QGuiApplication::primaryScreen();
+        Looker looker{.MayScroll = screen.logicalDotsPerInch() > 96 || screen.devicePixelRatio() > 1};
+        if (looks) OnlyLook = &looker;
         PagePictures pages(QDir::currentPath());
         if (forPages) OnlyForPages = &pages;
-        const QString folder = forPages ? QString() : QDir(arguments[2]).absolutePath();
-        if (!forPages) QDir().mkpath(folder);
+        const QString folder = forPages || looks ? QString() : QDir(arguments[2]).absolutePath();
+        if (!folder.isEmpty()) QDir().mkpath(folder);
         const OfficeForDay office(arguments[1], work.filePath(QStringLiteral("office")),
                                   QStringLiteral("samples/day"));
         FillOffice(arguments[1], office);
         FillSettings(arguments[1], office);
-        if (arguments.size() == 4 &&
-            !QFile::copy(arguments[3], office.Path(QStringLiteral("Messages.tsv")))) {
-            throw OfficeFailure("cannot copy " + arguments[3].toStdString());
-        }
+        const QString own = office.Path(QStringLiteral("Messages.tsv"));
+        if (texts == QLatin1String("stretched"))
+            WriteStretchedTexts(PathFromQt(own));
+        else if (!texts.isEmpty() && !QFile::copy(texts, own))
+            throw OfficeFailure("cannot copy " + texts.toStdString());
         SomeManager manager(PathFromQt(work.path()));
         manager.Fill();
         const std::string standIn = MakeStandIn(arguments[1], work.filePath(QStringLiteral("handheld")));
         for (const bool dark : {false, true}) {
-            if (dark && forPages) break;
+            if (dark && (forPages || (looks && !texts.isEmpty()))) break;
             Global = Globals{};
             Global.Clock = [] { return DateTime{2026, 11, 21, 17, 50, 0}; };
             Global.TheOperator = &nobody;
@@ -783,10 +816,14 @@ int main(int argc, char** argv) {
             RestoreFaces(folder);
             CheckFaces(arguments[1], office, folder);
             // They are black on white in either look.
-            if (dark) PrintReports(nobody, folder);
+            if (dark && !looks) PrintReports(nobody, folder);
             FormRegistry::Instance().Clear();
         }
         if (forPages) pages.Finish();
+        if (looks) {
+            std::printf("%d screens, %d problems\n", looker.Looks, looker.Problems);
+            return looker.Problems == 0 ? 0 : 1;
+        }
     } catch (const std::exception& failure) {
         std::fprintf(stderr, "%s\n", failure.what());
         return 1;

@@ -81,7 +81,7 @@ HotSyncUser ReadUser(std::string_view line) {
     const auto columns = ColumnsOf(line);
     if (columns.size() != 4) Refuse("not the four columns of a user, parted by tabs", line);
     HotSyncUser user{ReadId(columns[0]), ReadName(columns[1]), ReadLastSync(columns[2]),
-                           ReadIncomplete(columns[3])};
+                     ReadIncomplete(columns[3])};
     if (const auto fault = FaultOfUserName(user.Name); fault != UserNameFault::None)
         Refuse(WordsOf(fault), user.Name);
     return user;

@@ -26,6 +26,7 @@ FindBar::FindBar(QWidget* parent)
     row->addWidget(lblNotFound_);
     lblFind_->setTextFormat(Qt::PlainText);
     lblFind_->setBuddy(txtFind_);
+    setFocusProxy(txtFind_);
     lblNotFound_->setText(ToQt(::Text(msg::NotFound)));
     lblNotFound_->hide();
 

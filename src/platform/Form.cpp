@@ -6,6 +6,7 @@
 #include "core/Operator.h"
 #include "core/Trace.h"
 #include "platform/ControlHabits.h"
+#include "platform/ScreenFit.h"
 
 #include <QAbstractButton>
 #include <QAbstractEventDispatcher>
@@ -118,6 +119,7 @@ void FormBehaviour::LoadNow() {
         WireControls();
         FillCaptions(window);
         WireHelp(window);
+        new ScreenFit(window);
         Form_Load();
     } catch (...) {
         // The failure is the caller's, who asked for the form; half a form is no form.

@@ -401,6 +401,7 @@ void GridView::ShowFindBar() {
         if (!box) return;
         findBar_ = new FindBar(parentWidget());
         box->insertWidget(box->indexOf(this) + 1, findBar_);
+        setTabOrder(this, findBar_);
         connect(findBar_, &FindBar::Find, this, &GridView::FindNext);
         connect(findBar_, &FindBar::Closed, this, [this] {
             findBar_->hide();

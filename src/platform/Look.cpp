@@ -14,7 +14,7 @@
 namespace {
 
 struct Tones {
-    QColor Window, Base, Alternate, Text, Button, Disabled, Highlight, Link;
+    QColor Window, Base, Alternate, Text, Faint, Button, Disabled, Highlight, Link;
 };
 
 QPalette MakePalette(const Tones& tones) {
@@ -32,7 +32,7 @@ QPalette MakePalette(const Tones& tones) {
     palette.setColor(QPalette::Highlight, tones.Highlight);
     palette.setColor(QPalette::HighlightedText, Qt::white);
     palette.setColor(QPalette::Link, tones.Link);
-    palette.setColor(QPalette::PlaceholderText, tones.Disabled);
+    palette.setColor(QPalette::PlaceholderText, tones.Faint);
     palette.setColor(QPalette::Light, tones.Button.lighter(130));
     palette.setColor(QPalette::Midlight, tones.Button.lighter(112));
     palette.setColor(QPalette::Mid, tones.Button.darker(130));
@@ -69,9 +69,9 @@ public:
     }
 };
 
-const Tones Light{QColor(0xf1f3f5), QColor(0xffffff), QColor(0xf6f8fa), QColor(0x1c2430),
+const Tones Light{QColor(0xf1f3f5), QColor(0xffffff), QColor(0xf6f8fa), QColor(0x1c2430), QColor(0x626c78),
                   QColor(0xe6eaee), QColor(0x8a94a0), QColor(0x1f6fb2), QColor(0x1a5c94)};
-const Tones Dark{QColor(0x22272e), QColor(0x1a1e24), QColor(0x262c34), QColor(0xe4e8ec),
+const Tones Dark{QColor(0x22272e), QColor(0x1a1e24), QColor(0x262c34), QColor(0xe4e8ec), QColor(0x96a1ae),
                  QColor(0x323a44), QColor(0x7c8794), QColor(0x2f7fc4), QColor(0x7db8ea)};
 
 } // namespace

@@ -37,7 +37,7 @@ public:
         const bool selected = option.state.testFlag(QStyle::State_Selected);
         painter->save();
         painter->setPen(selected ? option.palette.color(QPalette::HighlightedText)
-                                 : option.palette.color(QPalette::Disabled, QPalette::Text));
+                                 : option.palette.color(QPalette::PlaceholderText));
         painter->drawText(room, Qt::AlignRight | Qt::AlignVCenter,
                           option.fontMetrics.elidedText(label, Qt::ElideRight, room.width()));
         painter->restore();

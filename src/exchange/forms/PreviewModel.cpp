@@ -87,7 +87,7 @@ QVariant PreviewModel::data(const QModelIndex& index, int role) const {
     if (role == Qt::ForegroundRole) {
         if (fate == Fate::Wrong && index.column() == GoesTo) return WarningTone();
         if (fate == Fate::Ignored || (fate == Fate::NotTaken && index.column() == GoesTo))
-            return palette.color(QPalette::Disabled, QPalette::Text);
+            return palette.color(QPalette::PlaceholderText);
     }
     if (role == Qt::FontRole) {
         QFont font;

@@ -260,7 +260,7 @@ std::optional<std::size_t> frmImport1::SelectedRow() const {
 void frmImport1::ShowMapping(std::optional<std::size_t> row) {
     FillList(*lstSelected, mapping_.Selected(), row);
     FillList(*lstLiteral, mapping_.Literals());
-    const QColor used = palette().color(QPalette::Disabled, QPalette::Text);
+    const QColor used = palette().color(QPalette::PlaceholderText);
     for (int k = 0; k < lstAvailable->count(); ++k) {
         const bool inUse = k > 0 && mapping_.IsInUse(available_[static_cast<std::size_t>(k)]);
         lstAvailable->item(k)->setForeground(inUse ? QBrush(used) : QBrush());

@@ -104,6 +104,8 @@ frmHelp::frmHelp() {
 
 void frmHelp::Form_Load() {
     TraceEvent("frmHelp:Form_Load");
+    // The names of all panes stand side by side.
+    tabHelp->setMinimumWidth(tabHelp->tabBar()->sizeHint().width());
     WireKeys();
     connect(rtbTopic, &QTextBrowser::backwardAvailable, cmdBack, &QWidget::setEnabled);
     connect(rtbTopic, &QTextBrowser::forwardAvailable, cmdForward, &QWidget::setEnabled);

@@ -11,19 +11,20 @@
 #include <QToolButton>
 
 #include <algorithm>
+#include <cstdlib>
 
 namespace {
 
 constexpr int BricksInRow = 5;
 
 /// A handheld's button. It tells a state, and is drawn in full colour whether it can be pressed or
-/// not. Five in a row are narrow: the picture stands above the id, and an id that is still wider than
-/// the brick ends in an ellipsis.
+/// not. Five in a row are narrow: the picture stands above the id, an id of several words in two lines. One
+/// that is still very long ends in an ellipsis.
 class Brick final : public QToolButton {
 public:
     Brick(const std::string& id, const HHBricks::Face& face, QWidget* parent) : QToolButton(parent) {
         setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
-        setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+        setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Fixed);
         setIconSize({16, 16});
         // An ampersand in an id is no mark of a mnemonic.
         setText(ToQt(std::string_view(id)).replace(QLatin1Char('&'), QLatin1String("&&")));
@@ -34,16 +35,48 @@ public:
         setEnabled(face.Live);
     }
 
+    QSize sizeHint() const override { return RoomFor(Lines()); }
+
+    /// Without the rest of an id of more than sixteen letters.
+    QSize minimumSizeHint() const override {
+        const QSize room = sizeHint();
+        return {std::min(room.width(), MostLetters * fontMetrics().averageCharWidth()), room.height()};
+    }
+
 protected:
     void paintEvent(QPaintEvent*) override {
         QStyleOptionToolButton option;
         initStyleOption(&option);
         option.palette.setColor(QPalette::Disabled, QPalette::ButtonText,
                                 palette().color(QPalette::Active, QPalette::ButtonText));
-        constexpr int Margins = 4;
-        option.text =
-            fontMetrics().elidedText(option.text, Qt::ElideRight, width() - Margins, Qt::TextShowMnemonic);
+        QStringList lines = Lines();
+        for (QString& line : lines)
+            line = fontMetrics().elidedText(line, Qt::ElideRight, width() - Margins, Qt::TextShowMnemonic);
+        option.text = lines.join(QLatin1Char('\n'));
         QStylePainter(this).drawComplexControl(QStyle::CC_ToolButton, option);
+    }
+
+private:
+    static constexpr int MostLetters = 16;
+    static constexpr int ShortId = 10; // letters; it stands in one line
+    static constexpr int Margins = 4;
+
+    /// The id, parted at the blank nearest to its middle.
+    QStringList Lines() const {
+        const QString id = text();
+        qsizetype at = -1;
+        for (qsizetype blank = id.indexOf(QLatin1Char(' ')); blank >= 0;
+             blank = id.indexOf(QLatin1Char(' '), blank + 1)) {
+            if (at < 0 || std::abs(2 * blank - id.size()) < std::abs(2 * at - id.size())) at = blank;
+        }
+        if (at < 0 || id.size() <= ShortId) return {id};
+        return {id.left(at), id.mid(at + 1)};
+    }
+
+    QSize RoomFor(const QStringList& lines) const {
+        const QSize words = fontMetrics().size(Qt::TextShowMnemonic, lines.join(QLatin1Char('\n')));
+        return {std::max(words.width(), iconSize().width()) + 2 * Margins,
+                iconSize().height() + words.height() + 3 * Margins};
     }
 };
 
@@ -58,7 +91,7 @@ void HHBricks::TakeAway() {
     }
 }
 
-void HHBricks::Draw(const QString& family, const std::function<Face(std::size_t)>& faceOf) {
+QWidget* HHBricks::Draw(const QString& family, const std::function<Face(std::size_t)>& faceOf) {
     TakeAway();
     ids_ = LinkIDs();
     std::vector<Brick*> bricks;
@@ -73,9 +106,15 @@ void HHBricks::Draw(const QString& family, const std::function<Face(std::size_t)
         bricks.push_back(brick);
     }
     // One without a picture stands beside those that have one.
-    for (Brick* brick : bricks) brick->setFixedHeight(tallest);
+    QWidget* last = nullptr;
+    for (Brick* brick : bricks) {
+        brick->setFixedHeight(tallest);
+        if (last) QWidget::setTabOrder(last, brick);
+        last = brick;
+    }
     for (int column = 0; column < BricksInRow; ++column) grid_.setColumnStretch(column, 1);
     grid_.setRowStretch(static_cast<int>(ids_.size()) / BricksInRow + 1, 1);
+    return last;
 }
 
 int HHBricks::IndexOf(const std::string& id, int index) const {

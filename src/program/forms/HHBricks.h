@@ -12,6 +12,7 @@
 
 class FormBehaviour;
 class QGridLayout;
+class QWidget;
 
 /// The bricks of the main screen: a button for each record of the Links table, in their order. Each has the
 /// name of its family and its number from 1, as "cmdHHHSIDStd_2", and its click is wired to the form.
@@ -26,8 +27,9 @@ public:
 
     HHBricks(FormBehaviour& form, QGridLayout& grid) : form_(form), grid_(grid) {}
 
-    /// Draws a family in the place of the one that stands there. RunTimeFailure as LinkIDs.
-    void Draw(const QString& family, const std::function<Face(std::size_t index)>& faceOf);
+    /// Draws a family in the place of the one that stands there. The last of its buttons, for the tab order;
+    /// nothing when there is none. RunTimeFailure as LinkIDs.
+    QWidget* Draw(const QString& family, const std::function<Face(std::size_t index)>& faceOf);
 
     bool IsEmpty() const { return ids_.empty(); }
 

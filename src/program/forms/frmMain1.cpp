@@ -358,7 +358,10 @@ void frmMain1::WriteSettings() {
 // ---- handheld status ----
 
 void frmMain1::DrawBricks(const QString& family, const std::function<HHBricks::Face(std::size_t)>& faceOf) {
-    bricks_->Draw(family, faceOf);
+    if (QWidget* last = bricks_->Draw(family, faceOf)) {
+        setTabOrder(last, cmdPCTotals);
+        setTabOrder(cmdPCTotals, cmdReset);
+    }
     lblNoHandhelds->setVisible(bricks_->IsEmpty());
     scrHHStatus->setVisible(!bricks_->IsEmpty());
 }

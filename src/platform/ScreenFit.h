@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QObject>
+#include <QSize>
+
+class QWidget;
+
+/// Keeps a window within the screen on which it stands. One that needs more room, as with large letters, is
+/// made to scroll: all of it stays within reach of mouse and keys. A window is made as high as its wrapped
+/// texts need.
+class ScreenFit final : public QObject {
+public:
+    /// The object belongs to the window.
+    explicit ScreenFit(QWidget& window);
+
+    /// The name of the scroll area in a window that scrolls.
+    static constexpr const char* AreaName = "scrWindow";
+
+protected:
+    bool eventFilter(QObject* object, QEvent* event) override;
+
+private:
+    void Fit();
+    QSize Needed() const;
+    QSize Room() const;
+    void MakeScroll(const QSize& needed);
+
+    QWidget& window_;
+    bool scrolls_ = false;
+};
