@@ -2,6 +2,7 @@
 
 #include "driver/DriverLine.h"
 
+#include <QDeadlineTimer>
 #include <QJsonArray>
 
 #include <functional>
