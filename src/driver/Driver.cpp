@@ -121,7 +121,7 @@ QString SetArgument(const QJsonObject& request) {
 
 } // namespace
 
-Driver::Driver(const QString& socketPath) : path_(socketPath) {
+Driver::Driver(QString socketPath) : path_(std::move(socketPath)) {
     poll_.setInterval(PollMilliseconds);
     connect(&poll_, &QTimer::timeout, this, [this] { CheckWaits(); });
     QMetaObject::invokeMethod(
@@ -627,7 +627,6 @@ void Driver::CheckAnsweredBoxes() {
             if (!box.HiddenUntil) box.HiddenUntil = QDeadlineTimer(KeptBoxMilliseconds);
             isOver = box.HiddenUntil->hasExpired();
         } else if (!isOver && box.Until.hasExpired() && !Desk::BlockedBy(*box.Box)) {
-            isOver = true;
             const QString words = QStringLiteral("%1 \"%2\" was answered and is still there")
                                       .arg(box.Box->objectName(), BoxText(*box.Box));
             answered_.removeAt(i);

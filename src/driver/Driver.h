@@ -26,7 +26,7 @@
 class Driver final : public QObject {
 public:
     /// Listens at `socketPath` as soon as the event loop runs.
-    explicit Driver(const QString& socketPath);
+    explicit Driver(QString socketPath);
     ~Driver() override;
 
 private:
