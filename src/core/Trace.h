@@ -13,7 +13,7 @@ public:
     const std::string& Entry(std::size_t index) const;
     /// Puts a text on top, each line end in it a blank; the oldest entry goes.
     void Push(std::string_view text);
-    /// All entries are empty.
+    /// Empties all entries.
     void Clear();
 
     /// Sets entry `index`, below TraceEntries, as read from a file: a line without its end.

@@ -152,7 +152,7 @@ void Desk::Shown(QWidget& window) {
     if (WindowShown) WindowShown(window);
 }
 
-void Desk::Settle(QPointer<QWidget> window, int turns) {
+void Desk::Settle(const QPointer<QWidget>& window, int turns) {
     if (!window) return;
     if (turns > 0) {
         QTimer::singleShot(1, this, [this, window, turns] { Settle(window, turns - 1); });

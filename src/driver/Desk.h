@@ -63,7 +63,7 @@ private:
 
     Entry* EntryOf(const QWidget* window);
     void Shown(QWidget& window);
-    void Settle(QPointer<QWidget> window, int turns);
+    void Settle(const QPointer<QWidget>& window, int turns);
 
     QList<Entry> entries_; ///< every window that was shown, the last activated last
     bool managesWindows_ = false;

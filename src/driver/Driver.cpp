@@ -31,8 +31,8 @@ constexpr int PressedMilliseconds = 1000;
 
 } // namespace
 
-Driver::Driver(const QString& socketPath)
-    : path_(socketPath),
+Driver::Driver(QString socketPath)
+    : path_(std::move(socketPath)),
       boxes_({.Answered =
                   [this](const QJsonObject& event) {
                       Send(event);

@@ -28,7 +28,7 @@ class Request;
 class Driver final : public QObject {
 public:
     /// Listens at `socketPath` as soon as the event loop runs.
-    explicit Driver(const QString& socketPath);
+    explicit Driver(QString socketPath);
     ~Driver() override;
 
 private:

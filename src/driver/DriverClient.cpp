@@ -5,6 +5,7 @@
 #include <QDeadlineTimer>
 #include <QJsonArray>
 
+#include <algorithm>
 #include <functional>
 #include <optional>
 #include <utility>
@@ -15,7 +16,7 @@ using Milliseconds = DriverClient::Milliseconds;
 
 QStringList TextsOf(const QJsonObject& object, const char* key) {
     QStringList texts;
-    for (const QJsonValue& value : object.value(QLatin1String(key)).toArray()) texts << value.toString();
+    for (const QJsonValue value : object.value(QLatin1String(key)).toArray()) texts << value.toString();
     return texts;
 }
 
@@ -100,7 +101,7 @@ QJsonObject DriverClient::To(const QString& form, const QString& control,
 
 // ---- boxes ----
 
-void DriverClient::Register(QJsonObject expectation) {
+void DriverClient::Register(const QJsonObject& expectation) {
     line_->Expected << Described(QStringLiteral("box"), expectation);
     if (!line_->HasStarted())
         line_->Early << expectation;
@@ -141,7 +142,7 @@ QStringList DriverClient::Expectations() {
 }
 
 QStringList DriverClient::Failures() {
-    const QStringList failures = TextsOf(Request(QStringLiteral("failures")), "failures");
+    QStringList failures = TextsOf(Request(QStringLiteral("failures")), "failures");
     line_->Failure.clear();
     return failures;
 }
@@ -208,7 +209,7 @@ void DriverClient::Close(const QString& form) {
 
 QList<DrivenForm> DriverClient::Forms() {
     QList<DrivenForm> forms;
-    for (const QJsonValue& value : Request(QStringLiteral("forms")).value(QLatin1String("forms")).toArray()) {
+    for (const QJsonValue value : Request(QStringLiteral("forms")).value(QLatin1String("forms")).toArray()) {
         const QJsonObject form = value.toObject();
         forms << DrivenForm{
             TextOf(form, "name"), TextOf(form, "title"), form.value(QLatin1String("modal")).toBool(),
@@ -218,10 +219,9 @@ QList<DrivenForm> DriverClient::Forms() {
 }
 
 bool DriverClient::IsShown(const QString& form) {
-    for (const DrivenForm& shown : Forms()) {
-        if (shown.Name == form) return true;
-    }
-    return false;
+    const QList<DrivenForm> forms = Forms();
+    return std::any_of(forms.begin(), forms.end(),
+                       [&](const DrivenForm& shown) { return shown.Name == form; });
 }
 
 QString DriverClient::Text(const QString& form, const QString& control) {
@@ -265,7 +265,7 @@ QStringList DriverClient::ChosenItems(const QString& form, const QString& contro
     const QJsonObject answer = Request(QStringLiteral("items"), To(form, control));
     const QStringList items = TextsOf(answer, "items");
     QStringList chosen;
-    for (const QJsonValue& row : answer.value(QLatin1String("chosen")).toArray())
+    for (const QJsonValue row : answer.value(QLatin1String("chosen")).toArray())
         chosen << items.value(row.toInt());
     return chosen;
 }
@@ -273,7 +273,7 @@ QStringList DriverClient::ChosenItems(const QString& form, const QString& contro
 QList<DrivenControl> DriverClient::Controls(const QString& form) {
     const QJsonObject answer = Request(QStringLiteral("controls"), {{QStringLiteral("form"), form}});
     QList<DrivenControl> controls;
-    for (const QJsonValue& control : answer.value(QLatin1String("controls")).toArray()) {
+    for (const QJsonValue control : answer.value(QLatin1String("controls")).toArray()) {
         controls << DrivenControl{
             control[QLatin1String("name")].toString(), control[QLatin1String("class")].toString(),
             control[QLatin1String("enabled")].toBool(), control[QLatin1String("visible")].toBool()};
@@ -284,12 +284,12 @@ QList<DrivenControl> DriverClient::Controls(const QString& form) {
 DrivenTable DriverClient::Rows(const QString& form, const QString& control) {
     const QJsonObject answer = Request(QStringLiteral("rows"), To(form, control));
     DrivenTable table{TextsOf(answer, "headings"), {}, {}};
-    for (const QJsonValue& row : answer.value(QLatin1String("rows")).toArray()) {
+    for (const QJsonValue row : answer.value(QLatin1String("rows")).toArray()) {
         QStringList cells;
-        for (const QJsonValue& cell : row.toArray()) cells << cell.toString();
+        for (const QJsonValue cell : row.toArray()) cells << cell.toString();
         table.Rows << cells;
     }
-    for (const QJsonValue& ground : answer.value(QLatin1String("grounds")).toArray()) {
+    for (const QJsonValue ground : answer.value(QLatin1String("grounds")).toArray()) {
         table.Grounds.insert({ground[QLatin1String("row")].toInt(), ground[QLatin1String("column")].toInt()},
                              ground[QLatin1String("color")].toString());
     }

@@ -219,7 +219,7 @@ private:
     QJsonObject Wait(const QString& deed, QJsonObject arguments, Milliseconds within);
     QJsonObject To(const QString& form, const QString& control,
                    std::initializer_list<std::pair<const char*, QJsonValue>> more = {}) const;
-    void Register(QJsonObject expectation);
+    void Register(const QJsonObject& expectation);
 
     std::unique_ptr<DriverLine> line_;
 };

@@ -60,7 +60,7 @@ void RefuseUnusable(const QWidget& control) {
 /// make a double one.
 int mouseClock = 0;
 
-void SendMouse(QPointer<QWindow> window, QPointF local, QPointF global, QEvent::Type type,
+void SendMouse(const QPointer<QWindow>& window, QPointF local, QPointF global, QEvent::Type type,
                Qt::KeyboardModifiers modifiers) {
     if (!window) return;
     const bool down = type != QEvent::MouseButtonRelease;

@@ -124,7 +124,7 @@ QJsonValue PropertyOf(const QObject& object, const QString& name) {
     }
     const QVariant value = object.property(name.toUtf8().constData());
     if (!value.isValid()) throw Refused(QStringLiteral("%1 has no property %2").arg(Described(object), name));
-    const QJsonValue json = QJsonValue::fromVariant(value);
+    QJsonValue json = QJsonValue::fromVariant(value);
     if (json.isNull())
         throw Refused(QStringLiteral("%1: property %2 is no plain value").arg(Described(object), name));
     return json;

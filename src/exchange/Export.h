@@ -24,7 +24,7 @@ struct ExportJob {
     std::vector<std::string> Columns;
 };
 
-/// What came of it.
+/// What came of an export; one that met no orders leaves a file without any.
 struct ExportResult {
     std::int32_t Exported = 0;    ///< records written
     std::int32_t Walked = 0;      ///< records of the table that was walked

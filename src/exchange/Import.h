@@ -37,7 +37,7 @@ struct ImportJob {
     std::string ErrorFile;
 };
 
-/// What came of it.
+/// What came of an import that did not fail.
 struct ImportResult {
     std::int32_t LinesRead = 0;   ///< non-empty lines taken in
     std::int16_t LinesFailed = 0; ///< of these, lines that left an empty record; 32767 also stands for more

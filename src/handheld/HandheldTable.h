@@ -11,9 +11,9 @@
 #include <vector>
 
 /// A table of the handheld in memory. Rows count from 0, as the barcode index counts them; records that are
-/// marked as deleted are none. Texts are in code page 1252, and come without their padding. A row is below
-/// Count(), a field below that of the layout's fields. A packed table
-/// is for looking things up: what would change it is a Refusal.
+/// marked as deleted are none. A row is below Count(), a field below the number of the layout's. Texts are in
+/// code page 1252, and come without their padding. A packed table is for looking things up: what would change
+/// it is a Refusal.
 class HandheldTable {
 public:
     /// Reads a table, by its name as in "ZUKCUST". Refusal when the handheld has none of that name, and for

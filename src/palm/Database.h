@@ -37,7 +37,6 @@ inline constexpr unsigned LastCategory = 15;
 inline constexpr std::size_t DatabaseHeaderBytes = 78, RecordEntryBytes = 8, ResourceEntryBytes = 10,
                              ListGapBytes = 2;
 
-/// A record of a database.
 struct DatabaseRecord {
     std::uint8_t Flags = 0;    ///< RecordFlag
     std::uint8_t Category = 0; ///< 0 to LastCategory

@@ -14,7 +14,6 @@
 inline constexpr std::uint16_t NetSyncPort = 14238;       ///< TCP
 inline constexpr std::uint16_t NetSyncLookupPort = 14237; ///< UDP
 
-/// One packet.
 struct NetPacket {
     enum Kind : std::uint8_t { Data = 1, Tickle = 2 };
 

@@ -47,7 +47,7 @@ const QString& FixedFamily() {
     static const QString found = [] {
         for (const char* name :
              {"Courier New", "Liberation Mono", "Cousine", "Nimbus Mono PS", "DejaVu Sans Mono"}) {
-            const QString family = QString::fromLatin1(name);
+            QString family = QString::fromLatin1(name);
             if (QFontDatabase::hasFamily(family) && QFontInfo(QFont(family)).fixedPitch()) return family;
         }
         return QFontDatabase::systemFont(QFontDatabase::FixedFont).family();
@@ -64,7 +64,7 @@ public:
     bool isSequential() const override { return true; }
 
     void Check() const {
-        if (failure_) throw *failure_;
+        if (failure_) throw RunTimeFailure(*failure_);
     }
     void Commit() {
         Check();

@@ -85,10 +85,10 @@ std::optional<QString> NextLine(QLocalSocket& socket) {
 
 // ---- the window that is to be found ----
 
-TitledWindow::TitledWindow(QWidget& window, const QString& managerFolder)
+TitledWindow::TitledWindow(QWidget& window, QString managerFolder)
     : QObject(&window),
       window_(window),
-      folder_(managerFolder) {
+      folder_(std::move(managerFolder)) {
     window.installEventFilter(this);
     if (window.isVisible()) Announce();
 }

@@ -24,7 +24,7 @@ inline constexpr const char* DialogClass = "#32770";
 class TitledWindow final : public QObject {
 public:
     /// `managerFolder` is the HotSync Manager's folder. The object belongs to the window.
-    TitledWindow(QWidget& window, const QString& managerFolder);
+    TitledWindow(QWidget& window, QString managerFolder);
     ~TitledWindow() override;
 
     /// Whether a program has found the window since it was shown last.

@@ -104,6 +104,7 @@ void frmStandIn::ShowOverview() {
 
 void frmStandIn::ShowOrders() {
     std::vector<std::vector<Text>> rows;
+    rows.reserve(overview_.Orders.size());
     for (const HandheldOverview::Order& order : overview_.Orders)
         rows.push_back({ValueOf(order.Code), ValueOf(order.Customer), ValueOf(order.Taken),
                         ValueOf(order.Lines), ValueOf(order.Total),
@@ -120,6 +121,7 @@ void frmStandIn::ShowOrders() {
 
 void frmStandIn::ShowDatabases() {
     std::vector<std::vector<Text>> rows;
+    rows.reserve(overview_.Databases.size());
     for (const HandheldOverview::Entry& entry : overview_.Databases)
         rows.push_back({ValueOf(entry.Name), WhatItIs(entry), Number(entry.Records)});
     std::vector<GridHeading> headings{

@@ -104,7 +104,7 @@ QString HelpFile::TitleOf(const QUrl& page) const {
 
 QList<QHelpLink> HelpFile::TopicsOfKeyword(const QString& keyword) {
     if (!engine_) return {};
-    const QList<QHelpLink> exact = engine_->documentsForKeyword(keyword);
+    QList<QHelpLink> exact = engine_->documentsForKeyword(keyword);
     if (!exact.isEmpty()) return exact;
     WaitWithoutInput([this] { return !keywordsRead_; });
     for (const QString& known : Keywords()->stringList()) {

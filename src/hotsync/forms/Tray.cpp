@@ -5,7 +5,7 @@
 #include "platform/Convert.h"
 #include "platform/Look.h"
 
-Tray::Tray(std::function<void()> open, std::function<void()> exit) {
+Tray::Tray(const std::function<void()>& open, const std::function<void()>& exit) {
     const auto entry = [this](MessageId caption, const std::function<void()>& deed) {
         connect(menu_.addAction(QString::fromStdString(CatalogueCaption(caption))), &QAction::triggered, this,
                 deed);

@@ -10,7 +10,7 @@
 /// A click opens the window, and so does the menu's "Open".
 class Tray : public QObject {
 public:
-    Tray(std::function<void()> open, std::function<void()> exit);
+    Tray(const std::function<void()>& open, const std::function<void()>& exit);
 
     /// Whether a window that is hidden can be had back from here.
     virtual bool IsThere() const;

@@ -74,6 +74,7 @@ void BackupList::Show(QProgressBar& bar) {
     std::vector<std::vector<Text>> rows;
     for (const BackupPoint& point : backups_) {
         std::vector<Text> cells;
+        cells.reserve(point.Values.size());
         for (const std::string& value : point.Values) cells.push_back(Text::Value(std::string_view(value)));
         if (IsNumeric(point.Values[DollarsColumn]))
             cells[DollarsColumn] =

@@ -28,7 +28,7 @@ void frmPrinting::Finish(ReportRun& run) {
     ShowPlace();
     findChild<QTimer*>(QStringLiteral("TimerPages"))->start(0);
     Show(ShowMode::Modal); // the form may be no more when this returns
-    if (failure) throw *failure;
+    if (failure) throw RunTimeFailure(*failure);
 }
 
 void frmPrinting::ShowPlace() {
