@@ -22,14 +22,13 @@
 #include "platform/Translation.h"
 #include "quality/forms/QCRun.h"
 #include "store/OfficeTables.h"
-#include "store/TableCatalogue.h"
 #include "store/TableScan.h"
 #include "store/forms/frmCopyDBF.h"
 #include "sync/Images.h"
-#include "sync/SafetyCopies.h"
 #include "sync/Status.h"
 #include "sync/StatusDetails.h"
 #include "sync/UnattendedSettings.h"
+#include "sync/forms/CopiesBack.h"
 #include "sync/forms/StatusFile.h"
 #include "sync/forms/UnattendedMode.h"
 #include "sync/forms/frmChgLink.h"
@@ -195,15 +194,7 @@ void frmMain1::TellUnfinishedJobs() {
 
 void frmMain1::PutBackSafetyCopies() {
     try {
-        const std::vector<RecoveredTable> tables = RecoverSafetyCopies();
-        if (tables.empty()) return;
-        Text told = msg::SessionRecovered;
-        for (const RecoveredTable& table : tables) {
-            const Text name = MessageId{FindTable(table.Table)->FirstLabel};
-            told = Lines(told, Words(name + Text::Path(std::string_view(":")), Text::Value(table.Records),
-                                     msg::RecoveredRecords));
-        }
-        Tell(told, Icon::Information);
+        TellRecovered(RecoverSafetyCopies());
     } catch (const RunTimeFailure& failure) {
         Tell(Lines(msg::SessionNotRecovered, Text::Path(std::string_view(failure.what()))), Icon::Warning);
     }

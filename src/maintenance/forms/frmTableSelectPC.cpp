@@ -12,9 +12,9 @@
 #include "platform/Convert.h"
 #include "platform/HelpLine.h"
 #include "store/OfficeTables.h"
-#include "sync/SafetyCopies.h"
 #include "sync/Status.h"
 #include "sync/TableTemplates.h"
+#include "sync/forms/CopiesBack.h"
 #include "sync/forms/StatusFile.h"
 
 frmTableSelectPC::frmTableSelectPC() : TableSelectForm({&Global.ClearPCTemplates, ".pct"}) {
@@ -100,7 +100,7 @@ void frmTableSelectPC::Perform() {
 /// it cannot be put back: the operator has been told.
 bool frmTableSelectPC::CopiesAreIn(const ClearPlan& plan) {
     try {
-        RecoverBeforeReplacing(TablesOf(plan));
+        TellRecovered(RecoverBeforeReplacing(TablesOf(plan)));
         return true;
     } catch (const RunTimeFailure& failure) {
         Tell(
