@@ -51,6 +51,11 @@ public:
     /// Puts `from` in the place of `to` in one step; `to` may exist. RunTimeFailure 75.
     virtual void Rename(const std::string& from, const std::string& to) = 0;
 
+    /// As Rename, as quickly as the system can, for a file that nobody flushes: a kill leaves the old
+    /// content or the new one, a power cut may leave none. Killed in between, `from` may stay and hold what
+    /// stood in `to`. RunTimeFailure 75.
+    virtual void RenameQuickly(const std::string& from, const std::string& to) { Rename(from, to); }
+
     /// Makes the last renames and removals in a folder lasting. Failures are passed over: not
     /// every file system can do it.
     virtual void FlushFolder(const std::string& folder) = 0;

@@ -95,19 +95,31 @@ void SafeFile::Overwrite(std::uint64_t offset, std::string_view bytes) {
     Put(offset, bytes);
 }
 
-void SafeFile::Commit(bool flush) {
+/// Closes the work file; false when there is none, the file itself being what was written.
+bool SafeFile::Finish(bool flush) {
     Drain();
     if (same_ && same_->Size() == written_) {
         same_.reset();
         done_ = true;
-        return;
+        return false;
     }
     if (same_) BeginWorkFile();
     if (flush) Global.Files.Use(file_).Flush();
     Global.Files.Close(file_);
+    return true;
+}
+
+void SafeFile::Commit(bool flush) {
+    if (!Finish(flush)) return;
     Global.TheDisk->Rename(work_, path_);
     done_ = true;
     if (flush) Global.TheDisk->FlushFolder(std::string(FolderOf(path_)));
+}
+
+void SafeFile::CommitQuickly() {
+    if (!Finish(false)) return;
+    Global.TheDisk->RenameQuickly(work_, path_);
+    done_ = true;
 }
 
 void WriteWholeFile(std::string_view path, std::string_view content, bool flush) {

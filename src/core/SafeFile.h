@@ -43,11 +43,16 @@ public:
     std::uint64_t Size() const { return written_ + pending_.size(); }
 
     /// Puts the new content in place. `flush` off leaves the moment of writing to the system: only for
-    /// what is made again at each start, and for the trace. RunTimeFailure as Write, 75 from the rename.
+    /// what is made again at each start. RunTimeFailure as Write, 75 from the rename.
     void Commit(bool flush = true);
+
+    /// Commit for what is replaced hundreds of times a second, as the trace is: nothing is flushed, and
+    /// after a power cut the file may be empty. Failures as Commit.
+    void CommitQuickly();
 
 private:
     void Drain();
+    bool Finish(bool flush);
     void Put(std::uint64_t offset, std::string_view bytes);
     bool StandsThere(std::uint64_t offset, std::string_view bytes);
     void BeginWorkFile();

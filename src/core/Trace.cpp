@@ -30,7 +30,9 @@ void TraceEvent(std::string_view text) noexcept {
         if (Global.AppPath.empty()) return;
         std::string content;
         for (std::size_t k = 0; k < TraceEntries; ++k) content.append(Global.Events.Entry(k)).append("\r\n");
-        WriteWholeFile(Global.AppPath + "Events.log", content, false);
+        SafeFile log(Global.AppPath + "Events.log");
+        log.Write(content);
+        log.CommitQuickly();
     } catch (const std::exception&) { // a trace that cannot be written must not stop what it traces
     }
 }

@@ -1,19 +1,30 @@
 #include "maintenance/Office.h"
 
+#include "core/Checksum.h"
 #include "core/Directories.h"
 #include "core/Failure.h"
 #include "core/Globals.h"
 #include "core/Paths.h"
 #include "core/SafeFile.h"
+#include "core/TextCompare.h"
+#include "core/TextFile.h"
+#include "maintenance/VersionUpdate.h"
 #include "store/OfficeTables.h"
 #include "store/TableCatalogue.h"
 #include "store/TableRewrite.h"
 #include "store/TableScan.h"
+#include "store/TextBridge.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <map>
+#include <optional>
 
 namespace {
 
-/// Stands in `Install` once a layout is complete.
+/// Stands in `Install` once a layout is complete, with what the installed set held there.
 constexpr std::string_view Mark = "Office.txt";
+constexpr std::uint64_t LongestMark = std::uint64_t{1} << 20;
 
 /// Not the name of the user's office, also where names ignore case: both may lie in one `share`.
 constexpr std::string_view EverybodysSet = "share/zuk-tramble";
@@ -70,6 +81,85 @@ void CopyTables(const std::string& install, const std::string& tables) {
     }
 }
 
+/// Checksums by the path below `Install`.
+using SetSums = std::map<std::string, std::uint64_t>;
+
+/// Of an installed set's `Install`.
+SetSums SumsOf(const std::string& install) {
+    SetSums sums;
+    for (const char* folder : {"", "Graphics/"}) {
+        for (const std::string& name : FilesWithExtension(install + folder, ""))
+            sums[folder + name] = SumOfFile(install + folder + name).Sum;
+    }
+    sums.erase(std::string(Mark)); // where the set lies in the office itself
+    return sums;
+}
+
+void WriteMark(const std::string& install, const SetSums& sums) {
+    SafeFile mark(install + std::string(Mark));
+    mark.WriteLine(
+        "This office has been laid out, from files with the checksums below. Nothing is laid out again "
+        "while this file is here.");
+    for (const auto& [name, sum] : sums) mark.WriteLine(SumText(sum) + " " + name);
+    mark.Commit();
+}
+
+/// What is no line of a checksum says nothing: the file that it was of counts as the operator's.
+SetSums ReadMark(const std::string& install) {
+    SetSums sums;
+    TextReader mark(install + std::string(Mark), LongestMark);
+    for (std::string line; mark.ReadLine(line);) {
+        const std::size_t blank = std::min(line.find(' '), line.size());
+        const auto sum = SumFromText(std::string_view(line).substr(0, blank));
+        if (sum && blank < line.size()) sums[line.substr(blank + 1)] = *sum;
+    }
+    return sums;
+}
+
+/// False also when one cannot be read.
+bool AreAlike(const std::string& table, const std::string& other) {
+    try {
+        return HaveSameFields(StructureOf(table), StructureOf(other));
+    } catch (const RunTimeFailure&) {
+        return false;
+    }
+}
+
+/// One file of a newer set; `old` is its checksum in the set before, nothing where that did not have it.
+void Renew(const std::string& set, const std::string& app, const std::string& name,
+           const std::optional<std::uint64_t>& old) {
+    const std::string shipped = set + "Install/" + name;
+    const std::string own = app + "Install/" + name;
+    const bool stands = FileExists(own);
+    if (stands && (!old || SumOfFile(own).Sum != *old)) return; // the operator's, or renewed already
+    if (SameText(ExtensionOf(name), ".dbf")) {
+        // The operator's records go into the new structure as with any update, in this start.
+        const std::string data = app + "DBFFiles/" + name;
+        if (!old && !FileExists(data)) CopyOver(shipped, data);
+        if (stands && !AreAlike(own, shipped) && AreAlike(own, data)) {
+            MakePath(app + "DBFNew");
+            CopyOver(shipped, app + "DBFNew/" + name);
+        }
+    }
+    CopyOver(shipped, own);
+}
+
+/// A newer release has brought another installed set: what the operator has not changed in `Install` becomes
+/// the new one's.
+void RenewInstall(const std::string& set, const std::string& app) {
+    const SetSums now = SumsOf(set + "Install/");
+    const SetSums before = ReadMark(app + "Install/");
+    if (now == before) return;
+    for (const auto& [name, sum] : now) {
+        const auto old = before.find(name);
+        if (old == before.end())
+            Renew(set, app, name, std::nullopt);
+        else if (old->second != sum)
+            Renew(set, app, name, old->second);
+    }
+    WriteMark(app + "Install/", now);
+}
+
 bool CanBeWritten(const std::string& folder) {
     try {
         const std::string probe = folder + "probe" + std::string(SafeFile::WorkExtension);
@@ -94,8 +184,7 @@ void LayOutOffice(std::string_view installedSet, std::string_view office) {
     CopyTables(install, AddBackslash(app + "DBFFiles"));
     CopyMissing(install + "Notes.dat", app + "DBFFiles/Notes.dat");
     CopyMissingFiles(AddBackslash(set + "Templates"), AddBackslash(app + "Templates"));
-    WriteWholeFile(install + std::string(Mark),
-                   "This office has been laid out. Nothing is laid out again while this file is here.\r\n");
+    WriteMark(install, SumsOf(AddBackslash(set + "Install")));
 }
 
 bool IsInstalledForEverybody(std::string_view programFolder) {
@@ -118,7 +207,9 @@ std::string ApplicationDirectory(std::string_view programFolder, std::string_vie
         return own;
     }
     std::string app = UsersOffice(userDataFolder);
-    LayOutOffice(InstalledSet(own), app);
+    const std::string set = InstalledSet(own);
+    LayOutOffice(set, app);
+    RenewInstall(set, app);
     return app;
 }
 

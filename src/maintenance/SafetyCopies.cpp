@@ -51,10 +51,6 @@ bool IsNeededStill(std::string_view copy) {
                        [&](const std::string& each) { return SameText(each, copy); });
 }
 
-bool WasReplacedAndNotMerged(const std::string& table, const std::string& copy) {
-    return !HoldTheSame(table, copy) && !HoldsBridged(table, copy);
-}
-
 /// Takes a step, and keeps the first failure for the end.
 template <typename Step>
 void NoteFailure(std::optional<RunTimeFailure>& first, const Step& step) {
@@ -65,7 +61,8 @@ void NoteFailure(std::optional<RunTimeFailure>& first, const Step& step) {
     }
 }
 
-/// Whether one of the tables has a copy that a recovery merges.
+} // namespace
+
 bool HaveKeptCopy(std::span<const std::string> tables) {
     if (!FileExists(Mark())) return false;
     return std::any_of(tables.begin(), tables.end(), [](const std::string& table) {
@@ -74,15 +71,6 @@ bool HaveKeptCopy(std::span<const std::string> tables) {
         });
     });
 }
-
-void Merge(const MergedTable& table) {
-    NoProgress silent;
-    BridgeFields fields;
-    DBFtoText(InTables(table.Source), fields, InTables(table.Text));
-    TextToDBF(InTables(table.Target), fields, InTables(table.Text), silent);
-}
-
-} // namespace
 
 void MakeSafetyCopies(SafetyCopies which) {
     RecoverSafetyCopies();
@@ -133,10 +121,9 @@ std::vector<RecoveredTable> RecoverSafetyCopies() {
         const std::string copy = InTables(table.Source);
         if (!FileExists(copy)) continue;
         NoteFailure(failure, [&] {
-            if (WasReplacedAndNotMerged(InTables(table.Target), copy)) {
-                Merge(table);
-                recovered.push_back({table.Target, TableScan(copy).RecordCount()});
-            }
+            const std::string target = InTables(table.Target);
+            const std::int32_t records = HoldTheSame(target, copy) ? 0 : AppendMissing(target, copy);
+            if (records > 0) recovered.push_back({table.Target, records});
             RemoveQuietly(InTables(table.Text));
             // At once: when another table fails, the operator goes on with this one, and what it holds by the
             // next call says nothing of this session any more.
@@ -149,11 +136,12 @@ std::vector<RecoveredTable> RecoverSafetyCopies() {
     return recovered;
 }
 
-void RecoverBeforeReplacing(std::span<const std::string> tables) {
-    if (!HaveKeptCopy(tables)) return;
+std::vector<RecoveredTable> RecoverBeforeReplacing(std::span<const std::string> tables) {
+    if (!HaveKeptCopy(tables)) return {};
     try {
-        RecoverSafetyCopies();
+        return RecoverSafetyCopies();
     } catch (const RunTimeFailure&) {
         if (HaveKeptCopy(tables)) throw;
+        return {};
     }
 }

@@ -75,17 +75,21 @@ struct RecoveredTable {
     bool operator==(const RecoveredTable&) const = default;
 };
 
-/// Where the mark is found: merges each copy of orders, audits and handheld totals whose table was replaced
-/// by an upload and not merged yet, then deletes all copies of a session, and the mark. A table that is as it
-/// was, or that holds the copy's records as a merge writes them, in whatever order, stays as it is: nothing
-/// is lost then, and a merge would double them. So does the barcode index, which no handheld sends. To be
-/// called when no session can run: at the start, with a trace line. Returns the tables whose old records were
-/// put back. RunTimeFailure as the merge, also for a table that cannot be read: the others are done, and the
+/// Where the mark is found: puts each copy of orders, audits and handheld totals back whose table was
+/// replaced by an upload and not merged yet, then deletes all copies of a session, and the mark. A table that
+/// is as it was, or that holds the copy's records as a merge writes them, in whatever order, stays as it is:
+/// nothing is lost then, and a merge would double them. Where it holds some of them, as a table from which
+/// the operator has deleted since, the others alone come back: one too many can be deleted once more, and one
+/// that is lost cannot be had again. The barcode index, which no handheld sends, stays as it is. To be called
+/// when no session can run: at the start, with a trace line. Returns the tables whose old records were put
+/// back. RunTimeFailure as AppendMissing, also for a table that cannot be read: the others are done, and the
 /// copies of those that failed stay for the next call, with the mark.
 std::vector<RecoveredTable> RecoverSafetyCopies();
 
-/// To be called before any of these tables, by path or file name, is replaced: where one has a copy that
-/// RecoverSafetyCopies would merge, it is merged now, since later it would come behind what replaced the
-/// table. RunTimeFailure as RecoverSafetyCopies when one of these tables still has its copy: it must not be
-/// replaced.
-void RecoverBeforeReplacing(std::span<const std::string> tables);
+/// Whether one of these tables, by path or file name, has a copy that RecoverSafetyCopies would put back. It
+/// must not be replaced then: the copy would come behind what replaced it.
+bool HaveKeptCopy(std::span<const std::string> tables);
+
+/// To be called before any of these tables is replaced: where HaveKeptCopy, RecoverSafetyCopies, and what it
+/// returns. RunTimeFailure as there when one of these tables still has its copy.
+std::vector<RecoveredTable> RecoverBeforeReplacing(std::span<const std::string> tables);

@@ -14,11 +14,13 @@
 
 namespace {
 
-/// The toolkit's texts in the language whose own name this is; in English where it does not know it.
+/// The toolkit's texts in the language whose own name this is; in English for an empty one, and where it does
+/// not know it.
 void TranslateToolkit(const QString& language) {
     static QTranslator* translator = nullptr; // the application's
     delete translator;
     translator = nullptr;
+    if (language.isEmpty()) return;
     const QList<QLocale> all =
         QLocale::matchingLocales(QLocale::AnyLanguage, QLocale::AnyScript, QLocale::AnyCountry);
     const auto locale = std::find_if(all.begin(), all.end(), [&](const QLocale& each) {
@@ -39,6 +41,6 @@ std::vector<std::string> LanguageFolders(std::string_view appPath) {
 
 std::string LoadTextsOfOffice(std::string_view appPath) {
     const std::string language = Registry::Language(appPath);
-    if (!language.empty()) TranslateToolkit(PathToQt(language));
+    TranslateToolkit(PathToQt(language));
     return LoadTexts(language, LanguageFolders(appPath), appPath);
 }

@@ -85,6 +85,33 @@ std::string Bridged(const TableScan& scan, const TableLayout& layout, const std:
     return fields;
 }
 
+/// How often each record, by its fields.
+using RecordCounts = std::unordered_map<std::string, std::int32_t>;
+
+bool TakeOne(RecordCounts& records, const std::string& fields) {
+    const auto record = records.find(fields);
+    if (record == records.end()) return false;
+    if (--record->second == 0) records.erase(record);
+    return true;
+}
+
+/// The records of a table, as the bridge appends them to another, that this one does not hold.
+RecordCounts MissingIn(std::string_view target, std::string_view source) {
+    TableScan old(source);
+    TableScan table(target);
+    const TableLayout& layout = table.Layout();
+    RecordCounts missing;
+    const std::vector<int> places = PlacesIn(layout, FieldsOf(old.Layout()));
+    while (old.Next()) ++missing[Bridged(old, layout, places)];
+    std::vector<int> own(static_cast<std::size_t>(layout.FieldCount()));
+    std::iota(own.begin(), own.end(), 1);
+    while (!missing.empty() && table.Next()) {
+        // One that was never replaced still has its values as they were, with blanks before them.
+        if (!TakeOne(missing, std::string(table.Fields()))) TakeOne(missing, Bridged(table, layout, own));
+    }
+    return missing;
+}
+
 std::int64_t CountLines(std::string_view text) {
     TextReader reader(text);
     std::string line;
@@ -175,28 +202,29 @@ bool HaveSameFields(const TableLayout& a, const TableLayout& b) {
 }
 
 bool HoldsBridged(std::string_view target, std::string_view source) {
-    TableScan old(source);
-    TableScan table(target);
-    if (old.RecordCount() == 0) return true;
-    if (table.RecordCount() < old.RecordCount()) return false;
+    return MissingIn(target, source).empty();
+}
 
-    const TableLayout& layout = table.Layout();
-    std::unordered_map<std::string, std::int32_t> missing;
-    const std::vector<int> places = PlacesIn(layout, FieldsOf(old.Layout()));
-    while (old.Next()) ++missing[Bridged(old, layout, places)];
-    const auto found = [&](const std::string& fields) {
-        const auto record = missing.find(fields);
-        if (record == missing.end()) return false;
-        if (--record->second == 0) missing.erase(record);
-        return true;
-    };
-    std::vector<int> own(static_cast<std::size_t>(layout.FieldCount()));
-    std::iota(own.begin(), own.end(), 1);
-    while (!missing.empty() && table.Next()) {
-        // One that was never replaced still has its values as they were, with blanks before them.
-        if (!found(std::string(table.Fields()))) found(Bridged(table, layout, own));
+std::int32_t AppendMissing(std::string_view target, std::string_view source) {
+    RecordCounts missing = MissingIn(target, source);
+    if (missing.empty()) return 0;
+    TableScan scan(target);
+    TableRewrite table(target);
+    while (scan.Next()) table.AppendRaw(scan.Flag(), scan.Record());
+    const std::int32_t before = table.RecordCount();
+    TableScan old(source);
+    const std::vector<int> places = PlacesIn(table.Layout(), FieldsOf(old.Layout()));
+    while (old.Next()) {
+        std::string fields = Bridged(old, table.Layout(), places);
+        if (!TakeOne(missing, fields)) continue;
+        fields.resize(static_cast<std::size_t>(table.Layout().RecordLength()) - 1, ' ');
+        table.AppendRaw(TableLayout::Live, fields);
     }
-    return missing.empty();
+    const std::int32_t appended = table.RecordCount() - before;
+    scan.Close();
+    old.Close();
+    table.Commit();
+    return appended;
 }
 
 bool HoldTheSame(std::string_view table, std::string_view other) {

@@ -3,6 +3,7 @@
 #include "core/Progress.h"
 #include "store/TableLayout.h"
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -51,6 +52,12 @@ bool HaveSameFields(const TableLayout& a, const TableLayout& b);
 /// would add nothing new. Marks of deletion make no difference. Always so when the source has no record. The
 /// source's records are in memory meanwhile. RunTimeFailure as TableScan and TableLayout::Find.
 bool HoldsBridged(std::string_view target, std::string_view source);
+
+/// Appends the records of another table that a table does not hold yet, in their order and as the bridge
+/// appends them; how many. A record that is there more often than in the table is appended as often as it is
+/// missing; none when HoldsBridged. The table is then as it was, and replaced whole otherwise. RunTimeFailure
+/// as HoldsBridged and TableRewrite.
+std::int32_t AppendMissing(std::string_view target, std::string_view source);
 
 /// Whether two tables have the same fields and the same records, marks of deletion included. RunTimeFailure
 /// as TableScan.

@@ -29,6 +29,49 @@ TEST_F(SafeFileTest, TheNewContentStandsOnlyAfterCommit) {
     EXPECT_EQ(Global.Files.Count(), 0);
 }
 
+/// As the trace replaces its file.
+void ReplaceQuickly(const std::string& path, std::string_view content) {
+    SafeFile file(path);
+    file.Write(content);
+    file.CommitQuickly();
+}
+
+TEST_F(SafeFileTest, WhatIsReplacedQuicklyStandsAlone) {
+    for (const char* content : {"new", "newer", ""}) {
+        ReplaceQuickly(path_, content);
+
+        EXPECT_EQ(Bytes(path_), content);
+        EXPECT_FALSE(Exists(path_ + ".zuk~"));
+    }
+    ReplaceQuickly(Folder() + "fresh.txt", "first");
+    EXPECT_EQ(Bytes(Folder() + "fresh.txt"), "first");
+    EXPECT_FALSE(Exists(Folder() + "fresh.txt.zuk~"));
+    EXPECT_EQ(Global.Files.Count(), 0);
+}
+
+TEST_F(SafeFileTest, TheOldContentThatAKillLeftAsAWorkFileIsInNobodysWay) {
+    GivenFile("file.txt.zuk~", "what stood there before, and longer than what comes");
+
+    ReplaceQuickly(path_, "new");
+
+    EXPECT_EQ(Bytes(path_), "new");
+    EXPECT_FALSE(Exists(path_ + ".zuk~"));
+}
+
+TEST_F(SafeFileTest, AFaultAtAnyCallOfAQuickReplacementLeavesTheOldContent) {
+    int n = 1;
+    for (bool failed = true; failed; ++n) {
+        FaultyDisk disk(n);
+        Global.TheDisk = &disk;
+        failed = FailureNumber([&] { ReplaceQuickly(path_, "new"); }) == 61;
+        Global.TheDisk = &NativeDisk();
+
+        EXPECT_EQ(Bytes(path_), failed ? "old" : "new") << n;
+        EXPECT_FALSE(Exists(path_ + ".zuk~")) << n;
+    }
+    EXPECT_EQ(n, 5); // open, write, rename, and the run without a fault
+}
+
 TEST_F(SafeFileTest, AnObjectThatEndsWithoutCommitLeavesNoTrace) {
     {
         SafeFile file(path_);

@@ -10,13 +10,18 @@
 #include "platform/Convert.h"
 #include "platform/Registry.h"
 #include "platform/SingleInstance.h"
+#include "platform/Translation.h"
 #include "program/forms/frmMain1.h"
 #include "sync/forms/frmHHStatus.h"
 #include "tools/forms/frmAbout.h"
 
 #include <QAction>
 #include <QDialog>
+#include <QDialogButtonBox>
+#include <QFile>
 #include <QLabel>
+#include <QLibraryInfo>
+#include <QPushButton>
 #include <QRegularExpression>
 #include <QScopeGuard>
 #include <QTableView>
@@ -560,6 +565,26 @@ TEST_F(MainScreen, StartsInTheLanguageOfTheOffice) {
     auto& form = Start();
 
     EXPECT_EQ(TextOf(form, "lblImportBtn"), QStringLiteral("Einlesen"));
+}
+
+/// What Qt writes on the Cancel of its own boxes.
+QString ToolkitsCancel() {
+    const QDialogButtonBox box(QDialogButtonBox::Cancel);
+    return box.button(QDialogButtonBox::Cancel)->text().remove('&');
+}
+
+TEST_F(MainScreen, TheToolkitsButtonsAreInTheLanguageOfTheOfficeWhereItsTextsAreInstalledAndInEnglishElse) {
+    const bool installed =
+        QFile::exists(QLibraryInfo::path(QLibraryInfo::TranslationsPath) + QStringLiteral("/qtbase_de.qm"));
+    GivenFile("app/Languages/Deutsch.tsv", "");
+    Registry::SetLanguage("Deutsch");
+
+    LoadTextsOfOffice(Global.AppPath);
+    EXPECT_EQ(ToolkitsCancel(), installed ? QStringLiteral("Abbrechen") : QStringLiteral("Cancel"));
+
+    Registry::SetLanguage("");
+    LoadTextsOfOffice(Global.AppPath);
+    EXPECT_EQ(ToolkitsCancel(), QStringLiteral("Cancel"));
 }
 
 TEST_F(MainScreen, ALanguageThatHasGoneIsToldAndTheProgramStartsInEnglish) {

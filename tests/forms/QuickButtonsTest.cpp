@@ -1,4 +1,5 @@
 #include "core/Messages.h"
+#include "core/Paths.h"
 #include "core/SafeFile.h"
 #include "core/TextFile.h"
 #include "exchange/Activity.h"
@@ -432,6 +433,46 @@ TEST_F(QuickButtons, AYesInTheSecondOfAnotherYesLeavesTheFirstOnesBackupInItsPla
     EXPECT_EQ(TextOf(form, "lblSST_2"), QStringLiteral("0 of 0"));
     EXPECT_EQ(EngineTest::Lines(Global.BackupPath + "61115023607/Backup.txt").at(2), "2");
     EXPECT_EQ(EngineTest::Lines(Global.BackupPath + "61115023608/Backup.txt").at(2), "0");
+}
+
+/// As an upload leaves its copies when the program ends before the merge.
+void GivenUnmergedUpload() {
+    for (const char* table : {"ZUKOrHdr", "ZUKOrLin"})
+        CopyOver(Global.DBFPath + table + ".dbf", Global.DBFPath + table + ".dap");
+    WriteWholeFile(Global.DBFPath + "SafetyCopies.txt", "");
+}
+
+TEST_F(QuickButtons, WhatAnUploadLeftToBePutBackIsToldAndExportedAndGoesWithTheOthers) {
+    GivenOrders();
+    GivenUnmergedUpload();
+    GivenRows("ZUKOrHdr", {"H_ORDCODE", "H1"});
+    GivenExportTemplate("Orders.xor", "out.txt", {"H_ORDCODE"});
+    GivenActivity("Evening.xpm", "Orders.xor");
+    auto& form = Run<frmQBExport>("Evening");
+    Operator_.ExpectBeginning(Text(msg::SessionRecovered)).With(Icon::Information);
+    Operator_.Expect(::Lines(msg::DeleteExported, msg::DeleteExportedNote)).Answer(Answer::Yes);
+
+    Click(form, "cmdOK");
+
+    EXPECT_EQ(TextOf(form, "lblSST_1"), QStringLiteral("3 of 3"));
+    EXPECT_EQ(RecordCount("ZUKOrHdr"), 0);
+    EXPECT_FALSE(Exists(Global.DBFPath + "SafetyCopies.txt"));
+}
+
+TEST_F(QuickButtons, TablesWhoseCopiesCannotBePutBackAreExportedAndNotEmptied) {
+    GivenOrders();
+    GivenUnmergedUpload();
+    WriteWholeFile(Global.DBFPath + "ZUKOrHdr.dap", "no table");
+    GivenExportTemplate("Orders.xor", "out.txt", {"H_ORDCODE"});
+    GivenActivity("Evening.xpm", "Orders.xor");
+    auto& form = Run<frmQBExport>("Evening");
+    Operator_.Expect(::Lines(msg::FileError, msg::CopiesNotPutBack)).With(Icon::Stop);
+
+    Click(form, "cmdOK");
+
+    EXPECT_EQ(TextOf(form, "lblSST_1"), QStringLiteral("2 of 2"));
+    EXPECT_EQ(RecordCount("ZUKOrHdr"), 2);
+    EXPECT_TRUE(Exists(Global.DBFPath + "ZUKOrHdr.dap"));
 }
 
 TEST_F(QuickButtons, AFailedBackupIsToldAndTheOrdersStay) {

@@ -204,7 +204,7 @@ std::vector<SweepJob> SyncJobs() {
     merge.insert(merge.end(), copies.begin(), copies.end());
 
     // A table after the other, and its copy as soon as it is settled.
-    std::vector<std::string> recovery = {headerText, headers, headerText};
+    std::vector<std::string> recovery = {headers};
     for (const char* name : {"OrHdr", "OrLin", "AudtH", "AudtL", "AudHH"}) recovery.push_back(copyOf(name));
     recovery.insert(recovery.end(), {mark, copyOf("BarIn")});
 

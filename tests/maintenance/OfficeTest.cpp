@@ -1,5 +1,7 @@
 #include "maintenance/Office.h"
 
+#include "core/Globals.h"
+#include "maintenance/VersionUpdate.h"
 #include "store/TableCatalogue.h"
 #include "support/EngineTest.h"
 #include "support/Fails.h"
@@ -249,6 +251,182 @@ TEST_F(OfficeTest, AUserWhoInstallsForHimselfHasSetAndOfficeBesideEachOther) {
 TEST_F(OfficeTest, AProgramWithNoSetAnywhereHasItsOwnFolder) {
     EXPECT_FALSE(IsInstalledForEverybody(Folder() + "bin"));
     EXPECT_EQ(InstalledSet(Folder() + "bin"), Folder() + "bin/");
+}
+
+// ---- a newer release ----
+
+/// A user's office, laid out from an installed set that a newer release then replaces.
+class UpgradeTest : public OfficeTest {
+protected:
+    UpgradeTest() : prefix_(GivenPrefix()) {
+        GivenShipped("Tramble.prc", "stand-in, release 1");
+        GivenShipped("Old.prc", "of release 1 alone");
+        Start();
+    }
+
+    std::string Set() const { return prefix_ + "share/zuk-tramble/"; }
+    std::string App() const { return Folder() + "user/ZUKTramble/"; }
+    void GivenShipped(const std::string& name, const std::string& content) {
+        GivenFile("prefix/share/zuk-tramble/Install/" + name, content);
+    }
+    /// ZUKPAY with a field that the release before did not have.
+    void GivenNewPay() {
+        const TableMaker pay({{"P_CODE", 'C', 3}, {"P_DESC", 'C', 10}, {"P_DAYS", 'C', 3}});
+        GivenShipped("ZUKPAY.dbf", pay.Bytes());
+    }
+    void GivenOldPay() {
+        const TableMaker pay({{"P_CODE", 'C', 3}, {"P_DESC", 'C', 10}});
+        GivenShipped("ZUKPAY.dbf", pay.Bytes());
+        GivenFile("user/ZUKTramble/Install/ZUKPAY.dbf", pay.Bytes());
+        GivenFile("user/ZUKTramble/DBFFiles/ZUKPAY.dbf", TableMaker(pay).Row({"N30", "Net 30"}).Bytes());
+        fs::remove(App() + "Install/Office.txt");
+        Start();
+    }
+    void Start() const { ApplicationDirectory(prefix_ + "bin", Folder() + "user"); }
+    std::string Own(const std::string& name) const { return Bytes(App() + "Install/" + name); }
+
+    /// What a start goes on with.
+    void Update() const {
+        Global.AppPath = App();
+        NoProgress silent;
+        ASSERT_TRUE(PrepareOffice([] {}, [&] { UpdateTables(silent); }));
+    }
+    std::vector<std::string> Pay() const { return TableAt(App() + "DBFFiles/ZUKPAY.dbf").Trimmed(1); }
+
+private:
+    std::string prefix_;
+};
+
+TEST_F(UpgradeTest, WhatTheOperatorHasNotChangedBecomesTheNewerOne) {
+    GivenShipped("Tramble.prc", "stand-in, release 2");
+    GivenShipped("Graphics/zuk1.svg", "<svg>2</svg>");
+    GivenShipped("Graphics/new.svg", "<svg/>");
+    GivenShipped("New.prc", "of release 2");
+
+    Start();
+
+    EXPECT_EQ(Own("Tramble.prc"), "stand-in, release 2");
+    EXPECT_EQ(Own("Graphics/zuk1.svg"), "<svg>2</svg>");
+    EXPECT_EQ(Own("Graphics/new.svg"), "<svg/>");
+    EXPECT_EQ(Own("New.prc"), "of release 2");
+}
+
+TEST_F(UpgradeTest, WhatTheOperatorHasPutThereStaysAlsoAtTheReleaseBehindTheNext) {
+    GivenFile("user/ZUKTramble/Install/Tramble.prc", "the real program");
+    GivenFile("user/ZUKTramble/Install/New.prc", "mine");
+    for (const char* release : {"2", "3"}) {
+        GivenShipped("Tramble.prc", std::string("stand-in, release ") + release);
+        GivenShipped("New.prc", std::string("of release ") + release);
+
+        Start();
+
+        EXPECT_EQ(Own("Tramble.prc"), "the real program") << release;
+        EXPECT_EQ(Own("New.prc"), "mine") << release;
+    }
+}
+
+TEST_F(UpgradeTest, EachReleaseRenewsWhatTheOneBeforeBrought) {
+    for (const char* release : {"2", "3", "4"}) {
+        GivenShipped("Tramble.prc", release);
+
+        Start();
+
+        EXPECT_EQ(Own("Tramble.prc"), release);
+    }
+}
+
+TEST_F(UpgradeTest, TheSameReleaseChangesNothingSoThatWhatWasRemovedStaysSo) {
+    fs::remove(App() + "Install/Tramble.prc");
+    const auto before = FilesBelow(App());
+
+    Start();
+
+    EXPECT_EQ(FilesBelow(App()), before);
+}
+
+TEST_F(UpgradeTest, WhatANewerReleaseLacksAndEveryFileOutsideInstallStays) {
+    fs::remove(Set() + "Install/Old.prc");
+    GivenFile("prefix/share/zuk-tramble/Templates/Demo.cst", "release 2");
+    GivenFile("user/ZUKTramble/Install/HSStatus.dat", "status");
+    const auto before = FilesBelow(App());
+
+    Start();
+
+    auto after = FilesBelow(App());
+    EXPECT_NE(after["Install/Office.txt"], before.at("Install/Office.txt"));
+    after["Install/Office.txt"] = before.at("Install/Office.txt");
+    EXPECT_EQ(after, before);
+}
+
+TEST_F(UpgradeTest, AnOfficeThatKeptNoChecksumsGetsWhatItLacksAndKeepsTheRest) {
+    GivenFile("user/ZUKTramble/Install/Office.txt", "This office has been laid out.\r\n12 no checksum\r\n");
+    GivenShipped("Tramble.prc", "stand-in, release 2");
+    GivenShipped("New.prc", "of release 2");
+
+    Start();
+
+    EXPECT_EQ(Own("Tramble.prc"), "stand-in, release 1");
+    EXPECT_EQ(Own("New.prc"), "of release 2");
+}
+
+TEST_F(UpgradeTest, ATableWithANewFieldTakesTheOperatorsRecordsOver) {
+    GivenOldPay();
+    GivenNewPay();
+
+    Start();
+    Update();
+
+    EXPECT_EQ(Pay(), (std::vector<std::string>{"N30", "Net 30", ""}));
+    EXPECT_EQ(TableAt(App() + "Install/ZUKPAY.dbf").Names.size(), 3u);
+    EXPECT_EQ(TableAt(App() + "DBFEmpty/ZUKPAY.dbf").Names.size(), 3u);
+    EXPECT_TRUE(fs::is_empty(App() + "DBFNew"));
+}
+
+TEST_F(UpgradeTest, ATableThatTheOperatorHasGivenOtherFieldsKeepsThem) {
+    GivenOldPay();
+    const TableMaker mine = TableMaker({{"P_CODE", 'C', 3}, {"MINE", 'C', 4}}).Row({"N30", "own"});
+    GivenFile("user/ZUKTramble/DBFFiles/ZUKPAY.dbf", mine.Bytes());
+    GivenNewPay();
+
+    Start();
+    Update();
+
+    EXPECT_EQ(Pay(), (std::vector<std::string>{"N30", "own"}));
+}
+
+TEST_F(UpgradeTest, ATableThatIsNewInAReleaseStandsAmongTheTables) {
+    const std::string fresh = TableMaker({{"X_CODE", 'C', 3}}).Bytes();
+    GivenShipped("ZUKNEXT.dbf", fresh);
+
+    Start();
+
+    EXPECT_EQ(Own("ZUKNEXT.dbf"), fresh);
+    EXPECT_EQ(Bytes(App() + "DBFFiles/ZUKNEXT.dbf"), fresh);
+}
+
+TEST_F(UpgradeTest, AnUpgradeThatIsCutOffAnywhereIsCompletedByTheNextStart) {
+    GivenOldPay();
+    const fs::path old = Folder() + "old";
+    fs::copy(App(), old, fs::copy_options::recursive);
+    GivenNewPay();
+    GivenShipped("Tramble.prc", "stand-in, release 2");
+    Start();
+    const auto whole = FilesBelow(App());
+    int failAt = 1;
+    for (bool failed = true; failed; ++failAt) {
+        fs::remove_all(App());
+        fs::copy(old, App(), fs::copy_options::recursive);
+        FaultyDisk disk(failAt);
+        Global.TheDisk = &disk;
+        failed = FailureNumber([&] { Start(); }) == 61;
+        FaultyDisk repaired;
+        Global.TheDisk = &repaired;
+        Start();
+        Global.TheDisk = &NativeDisk();
+
+        ASSERT_EQ(FilesBelow(App()), whole) << failAt;
+    }
+    EXPECT_GT(failAt, 10);
 }
 
 } // namespace

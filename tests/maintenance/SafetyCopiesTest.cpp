@@ -343,6 +343,68 @@ TEST_F(SafetyCopiesTest, ATableThatCannotBeReadIsToldByNameAndNothingThatIsNeede
     EXPECT_EQ(Orders(), (Strings{"H1", "P1", "P2"}));
 }
 
+TEST_F(SafetyCopiesTest, OrdersDeletedFromATableThatCouldNotBeReadAtTheStartComeBackAndNoneIsThereTwice) {
+    MakeSafetyCopies(SafetyCopies::OfSession);
+    RefusingDisk disk(Path("ZUKOrHdr.dbf"), Access::Read);
+    Global.TheDisk = &disk;
+    EXPECT_EQ(FailureNumber([] { RecoverSafetyCopies(); }), 70);
+    Global.TheDisk = &NativeDisk();
+    GivenOrders({"P2"});
+
+    EXPECT_EQ(RecoverSafetyCopies(), (std::vector<RecoveredTable>{{"ZUKORHDR.DBF", 1}}));
+
+    EXPECT_EQ(Orders(), (Strings{"P2", "P1"}));
+    ExpectNothingLeft();
+}
+
+TEST_F(SafetyCopiesTest, OrdersDeletedFromAMergedTableThatCouldNotBeReadAtTheStartBringNoOtherOrderTwice) {
+    MakeSafetyCopies(SafetyCopies::OfSession);
+    GivenOrders({"H1"});
+    Merge(MergedOrderHeaders);
+    RefusingDisk disk(Path("ZUKOrHdr.dbf"), Access::Read);
+    Global.TheDisk = &disk;
+    EXPECT_EQ(FailureNumber([] { RecoverSafetyCopies(); }), 70);
+    Global.TheDisk = &NativeDisk();
+    GivenOrders({"P2"}); // H1 and P1 deleted
+
+    RecoverSafetyCopies();
+
+    EXPECT_EQ(Orders(), (Strings{"P2", "P1"}));
+}
+
+TEST_F(SafetyCopiesTest, ARepeatThatWasRemovedFromATableThatCouldNotBeReadAtTheStartIsPutBackAlone) {
+    GivenOrders({"P1", "P1", "P2"});
+    MakeSafetyCopies(SafetyCopies::OfSession);
+    GivenOrders({"P1", "P2"});
+
+    EXPECT_EQ(RecoverSafetyCopies(), (std::vector<RecoveredTable>{{"ZUKORHDR.DBF", 1}}));
+
+    EXPECT_EQ(Orders(), (Strings{"P1", "P2", "P1"}));
+}
+
+TEST_F(SafetyCopiesTest, AnOrderThatTheHandheldHasSentOnceMoreAmongOthersIsThereOnce) {
+    MakeSafetyCopies(SafetyCopies::OfSession);
+    GivenOrders({"H1", "P2"});
+
+    EXPECT_EQ(RecoverSafetyCopies(), (std::vector<RecoveredTable>{{"ZUKORHDR.DBF", 1}}));
+
+    EXPECT_EQ(Orders(), (Strings{"H1", "P2", "P1"}));
+}
+
+TEST_F(SafetyCopiesTest, ATableWhoseCopyIsKeptIsKnownUntilItIsPutBackAndWhatThatBringsIsReturned) {
+    const Strings orders = {"ZUKOrHdr.dbf", "ZUKOrLin.dbf"};
+    EXPECT_FALSE(HaveKeptCopy(orders));
+    EXPECT_TRUE(RecoverBeforeReplacing(orders).empty());
+    MakeSafetyCopies(SafetyCopies::OfSession);
+    GivenOrders({"H1"});
+    EXPECT_TRUE(HaveKeptCopy(orders));
+    EXPECT_FALSE(HaveKeptCopy(Strings{"ZUKCust.dbf"}));
+
+    EXPECT_EQ(RecoverBeforeReplacing(orders), (std::vector<RecoveredTable>{{"ZUKORHDR.DBF", 2}}));
+
+    EXPECT_FALSE(HaveKeptCopy(orders));
+}
+
 TEST_F(SafetyCopiesTest, OrdersThatWereExportedBetweenTwoTriesOfARecoveryAreNotPutBackAgain) {
     MakeSafetyCopies(SafetyCopies::OfSession);
     GivenOrders({"H1"});

@@ -15,7 +15,7 @@ TEST_F(RealHotSync, TheProgramStartsTheManagerWhichServesHandheldsAndOutlivesIt)
     ASSERT_EQ(Handheld({"new", "--user", "ANNA", "--id", "7"}), 0) << said_.toStdString();
     EXPECT_EQ(Handheld({"hotsync", Address()}), 0) << said_.toStdString();
 
-    EXPECT_TRUE(Bytes(office_.Path("HotSync/HotSync.log")).contains("ANNA: session ended well"));
+    EXPECT_TRUE(ManagerLogs("ANNA: session ended well")) << ManagerLog().toStdString();
 }
 
 TEST_F(RealHotSync, AHandheldThatLooksForTheComputerFindsItAndIsServed) {
@@ -31,7 +31,7 @@ TEST_F(RealHotSync, AHandheldThatLooksForTheComputerFindsItAndIsServed) {
               0)
         << said_.toStdString();
 
-    EXPECT_TRUE(Bytes(office_.Path("HotSync/HotSync.log")).contains("ANNA: session ended well"));
+    EXPECT_TRUE(ManagerLogs("ANNA: session ended well")) << ManagerLog().toStdString();
     EXPECT_EQ(program.Quit(), 0);
 }
 
@@ -49,7 +49,7 @@ TEST_F(RealHotSync, UpdatingTheUsersEndsTheManagerRegistersAndStartsItAgain) {
 
     ASSERT_TRUE(QTest::qWaitFor([&] { return ManagerAnswers(); }, Patience));
     EXPECT_EQ(Bytes(office_.Path("HotSync/Conduits.txt")), "ZUK2\tSFrmCn40.dll\tTramble\r\n");
-    const QByteArray log = Bytes(office_.Path("HotSync/HotSync.log"));
+    const QByteArray log = ManagerLog();
     EXPECT_EQ(log.count("awaits handhelds"), 2) << log.toStdString();
     EXPECT_TRUE(log.contains(" ends")) << log.toStdString();
     EXPECT_EQ(program.Quit(), 0);
@@ -82,6 +82,7 @@ TEST_F(RealHotSync, TheProgressWindowStandsInTheMainScreenWhileAHandheldIsInSess
 
     ASSERT_TRUE(QTest::qWaitFor([&] { return program.IsVisible(Main, "picMatrix"); }, Patience));
     EXPECT_FALSE(FindWindow("Hotsync Progress").has_value());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !ends.isEmpty(); }, Patience));
     EXPECT_EQ(ends, QStringList{"DONE"});
     EXPECT_TRUE(QFile::exists(office_.Path("DBFFiles/Images/A1000001.bmp")));
     EXPECT_FALSE(QFile::exists(office_.Path("DBFFiles/Images/A1000001")));

@@ -70,9 +70,15 @@ protected:
         return line.Open(ManagerFolder()) && line.AwaitUsers();
     }
 
+    QByteArray ManagerLog() const { return Bytes(office_.Path("HotSync/HotSync.log")); }
+    /// A handheld goes when it has been told goodbye, and the manager writes its line behind that.
+    bool ManagerLogs(const char* piece) const {
+        return QTest::qWaitFor([&] { return ManagerLog().contains(piece); }, Patience);
+    }
+
     /// A port out of the last line of the manager's log that says this.
     QString PortBehind(const QString& words) const {
-        const QString log = QString::fromUtf8(Bytes(office_.Path("HotSync/HotSync.log")));
+        const QString log = QString::fromUtf8(ManagerLog());
         return log.mid(log.lastIndexOf(words)).section(" port ", 1, 1).section('\n', 0, 0).trimmed();
     }
     QString Address() const { return "127.0.0.1:" + PortBehind("awaits handhelds"); }

@@ -74,7 +74,7 @@ TEST_F(StandIn, InItsWindowTheDemoCompanyArrivesByHotSyncAndAnOrderIsTaken) {
     EXPECT_EQ(orders.Cell(12, "Order Code"), "H4000001");
     window.Click(Window, "cmdCancel");
     EXPECT_EQ(window.WaitForEnd(), 0);
-    EXPECT_TRUE(Bytes(office_.Path("HotSync/HotSync.log")).contains("ANNA: session ended well"));
+    EXPECT_TRUE(ManagerLogs("ANNA: session ended well")) << ManagerLog().toStdString();
 }
 
 TEST_F(StandIn, AUserWhomTheManagerDoesNotKnowIsToldSoInTheWindow) {

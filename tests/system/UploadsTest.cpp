@@ -196,8 +196,6 @@ protected:
         AwaitEndOfSession(program, user);
     }
 
-    QByteArray ManagerLog() const { return Bytes(office_.Path("HotSync/HotSync.log")); }
-
     /// Presses HotSync on a slow line and kills the handheld when the Links table and the order headers have
     /// gone over, and the lines have not.
     void KillBetweenHeadersAndLines(const QString& user) {
@@ -208,7 +206,7 @@ protected:
         ASSERT_TRUE(QTest::qWaitFor([&] { return moved() >= before + 2; }, Patience));
         handheld.kill();
         ASSERT_TRUE(handheld.waitForFinished(Patience));
-        ASSERT_TRUE(QTest::qWaitFor([&] { return ManagerLog().contains("session ended early"); }, Patience));
+        ASSERT_TRUE(ManagerLogs("session ended early"));
         ASSERT_EQ(moved(), before + 2) << "the lines have gone over";
     }
 
@@ -248,7 +246,7 @@ TEST_F(Uploads, UnattendedTheyComeFromOneHandheldAfterTheOtherUntilOneIsUnknownA
     const Files office = OfficeFiles();
     GivenHandheld("ZOE", "99", "Z1");
     EXPECT_NE(Hand("ZOE", {"hotsync", Address()}), 0);
-    EXPECT_TRUE(ManagerLog().contains("no user of this manager is called \"ZOE\""));
+    EXPECT_TRUE(ManagerLogs("no user of this manager is called \"ZOE\""));
     EXPECT_EQ(program.Text(Remote, "lblHotSyncID"), "CARL");
     EXPECT_EQ(OfficeFiles(), office);
 

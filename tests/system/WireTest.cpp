@@ -115,6 +115,11 @@ QString WireTest::NewLog() {
 }
 
 void WireTest::ExpectLogged(const QString& piece) {
-    const QString added = rig_.LogFile().mid(logged_);
-    EXPECT_TRUE(added.contains(piece)) << piece.toStdString() << " is not in\n" << added.toStdString();
+    // The manager writes of a session behind its goodbye, and the handheld may have gone by then.
+    QString added;
+    const bool isThere = rig_.Until([&] {
+        added = rig_.LogFile().mid(logged_);
+        return added.contains(piece);
+    });
+    EXPECT_TRUE(isThere) << piece.toStdString() << " is not in\n" << added.toStdString();
 }

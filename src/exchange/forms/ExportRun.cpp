@@ -9,6 +9,7 @@
 #include "exchange/forms/DataDirectory.h"
 #include "maintenance/Backup.h"
 #include "maintenance/forms/BackupRun.h"
+#include "maintenance/forms/CopiesBack.h"
 #include "platform/BarProgress.h"
 #include "platform/MainScreen.h"
 
@@ -46,6 +47,19 @@ std::optional<ExportResult> RunExport(const ExportJob& job, PCOrders& book, Form
 void TellOrphanLines(const ExportResult& result) {
     if (result.OrphanLines == 0) return;
     Tell(Words(Text::Value(result.OrphanLines), msg::LinesWithoutHeader), Icon::Information);
+}
+
+std::span<const std::string> ExportedTables() {
+    static const std::string tables[] = {"ZUKOrHdr.dbf", "ZUKOrLin.dbf"};
+    return tables;
+}
+
+void PutBackOrders() {
+    try {
+        TellRecovered(RecoverBeforeReplacing(ExportedTables()));
+    } catch (const RunTimeFailure& failure) {
+        TraceEvent(std::string("ExportRun:PutBackOrders ") + failure.what());
+    }
 }
 
 bool AgreedToDelete(FormBehaviour& form) {

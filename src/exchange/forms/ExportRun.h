@@ -4,6 +4,8 @@
 #include "platform/Form.h"
 
 #include <optional>
+#include <span>
+#include <string>
 
 class QLabel;
 class QProgressBar;
@@ -23,6 +25,14 @@ std::optional<ExportResult> RunExport(const ExportJob& job, PCOrders& book, Form
 
 /// Tells of order lines that were left out of an export; nothing when there is none.
 void TellOrphanLines(const ExportResult& result);
+
+/// The order tables that are exported, by file name.
+std::span<const std::string> ExportedTables();
+
+/// Before orders are read for an export: what an upload has left to be put back is put back, so that it is
+/// exported with the others, and the operator is told. Where that fails, the tables stay as they are and may
+/// not be emptied.
+void PutBackOrders();
 
 /// Asks whether the exported tables are to go. After a Yes the tables are backed up and the event is
 /// recorded: true when that was done, and they may go.

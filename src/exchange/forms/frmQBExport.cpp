@@ -8,6 +8,7 @@
 #include "exchange/Activity.h"
 #include "exchange/ExportTemplate.h"
 #include "exchange/forms/ExportRun.h"
+#include "maintenance/SafetyCopies.h"
 #include "platform/Convert.h"
 
 frmQBExport::frmQBExport() : QuickButtonForm(ExportActivities) {
@@ -39,6 +40,7 @@ QuickButtonForm::RowResult frmQBExport::RunRow(std::size_t row, const std::strin
     std::optional<ExportResult> result;
     try {
         job.ExportFile = ExportPath(read.Template.FileName, job.Delimiter);
+        PutBackOrders();
         PCOrders book = OpenPCOrders(Global.DBFPath + "ZUKORHDR.DBF", Global.DBFPath + "ZUKORLIN.DBF");
         result = RunExport(job, book, *this, *lblProgress, *pgbProgress);
     } catch (const RunTimeFailure& failure) {
@@ -54,10 +56,14 @@ QuickButtonForm::RowResult frmQBExport::RunRow(std::size_t row, const std::strin
 
 void frmQBExport::OfferDeletion() {
     try {
-        if (!AgreedToDelete(*this)) return;
-        for (const char* table : {"ZUKOrHdr.dbf", "ZUKOrLin.dbf"}) {
-            CopyOver(Global.DBFEmptyPath + table, Global.DBFPath + table);
+        // What was not put back was not exported, and would come back behind the deletion with what was.
+        if (HaveKeptCopy(ExportedTables())) {
+            Tell(Lines(msg::FileError, msg::CopiesNotPutBack), Icon::Stop);
+            return;
         }
+        if (!AgreedToDelete(*this)) return;
+        for (const std::string& table : ExportedTables())
+            CopyOver(Global.DBFEmptyPath + table, Global.DBFPath + table);
     } catch (const RunTimeFailure&) {
         Tell(msg::DeletingError, Icon::Information);
     }

@@ -9,6 +9,7 @@
 #include "maintenance/Backup.h"
 #include "maintenance/SafetyCopies.h"
 #include "maintenance/forms/BackupRun.h"
+#include "maintenance/forms/CopiesBack.h"
 #include "platform/Convert.h"
 #include "platform/HelpLine.h"
 #include "platform/MainScreen.h"
@@ -100,7 +101,7 @@ void frmTableSelectPC::Perform() {
 /// it cannot be put back: the operator has been told.
 bool frmTableSelectPC::CopiesAreIn(const ClearPlan& plan) {
     try {
-        RecoverBeforeReplacing(TablesOf(plan));
+        TellRecovered(RecoverBeforeReplacing(TablesOf(plan)));
         return true;
     } catch (const RunTimeFailure& failure) {
         Tell(

@@ -14,6 +14,7 @@
 #include "maintenance/SafetyCopies.h"
 #include "maintenance/Totals.h"
 #include "maintenance/UnfinishedJobs.h"
+#include "maintenance/forms/CopiesBack.h"
 #include "platform/Convert.h"
 #include "platform/HotSyncManager.h"
 #include "platform/Look.h"
@@ -23,7 +24,6 @@
 #include "platform/Translation.h"
 #include "quality/forms/QCRun.h"
 #include "store/OfficeTables.h"
-#include "store/TableCatalogue.h"
 #include "store/TableScan.h"
 #include "store/forms/frmCopyDBF.h"
 #include "sync/Images.h"
@@ -164,15 +164,7 @@ void frmMain1::TellUnfinishedJobs() {
 
 void frmMain1::PutBackSafetyCopies() {
     try {
-        const std::vector<RecoveredTable> tables = RecoverSafetyCopies();
-        if (tables.empty()) return;
-        Text told = msg::SessionRecovered;
-        for (const RecoveredTable& table : tables) {
-            const Text name = MessageId{FindTable(table.Table)->FirstLabel};
-            told = Lines(told, Words(name + Text::Path(std::string_view(":")), Text::Value(table.Records),
-                                     msg::RecoveredRecords));
-        }
-        Tell(told, Icon::Information);
+        TellRecovered(RecoverSafetyCopies());
     } catch (const RunTimeFailure& failure) {
         Tell(Lines(msg::SessionNotRecovered, Text::Path(std::string_view(failure.what()))), Icon::Warning);
     }
