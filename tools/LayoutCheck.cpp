@@ -82,12 +82,12 @@ QRect PlaceIn(const QWidget& window, const QWidget& widget) {
 
 // ---- what is cut ----
 
-QString WidestWord(const QLabel& label) {
-    QString widest;
-    for (const QString& word : label.text().split(QRegularExpression(QStringLiteral("\\s")))) {
-        if (label.fontMetrics().horizontalAdvance(word) > label.fontMetrics().horizontalAdvance(widest))
-            widest = word;
-    }
+/// A wrapped text breaks at blanks and hyphens.
+int WidestWord(const QLabel& label) {
+    int widest = 0;
+    const auto flags = label.buddy() ? Qt::TextShowMnemonic : 0;
+    for (const QString& word : label.text().split(QRegularExpression(QStringLiteral("[\\s-]"))))
+        widest = std::max(widest, label.fontMetrics().size(flags, word).width());
     return widest;
 }
 
@@ -95,14 +95,18 @@ QString WidestWord(const QLabel& label) {
 QSize RoomFor(const QLabel& label) {
     if (!label.wordWrap()) return label.sizeHint();
     const int margins = label.width() - label.contentsRect().width() + 2 * label.margin();
-    return {label.fontMetrics().horizontalAdvance(WidestWord(label)) + margins,
-            label.heightForWidth(label.width())};
+    return {WidestWord(label) + margins, label.heightForWidth(label.width())};
 }
 
-/// The style gives a button more than its text needs.
+QSize TextSize(const QWidget& widget, const QString& text) {
+    return widget.fontMetrics().size(Qt::TextShowMnemonic, text);
+}
+
+/// The style makes a push button wider than its text needs.
 QSize RoomFor(const QAbstractButton& button) {
-    const int spare = qobject_cast<const QPushButton*>(&button) ? 20 : 0;
-    return button.minimumSizeHint() - QSize(spare, 0);
+    if (!qobject_cast<const QPushButton*>(&button)) return button.minimumSizeHint();
+    constexpr int Edges = 10; // pixels
+    return {TextSize(button, button.text()).width() + Edges, button.minimumSizeHint().height()};
 }
 
 QString CutTabs(const QTabBar& tabs) {
@@ -126,9 +130,12 @@ QString CutChoice(const QComboBox& box) {
     option.initFrom(&box);
     option.editable = box.isEditable();
     option.frame = box.hasFrame();
-    const QRect field = box.style()->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxEditField, &box);
+    const QRect field =
+        box.style()->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxEditField, &box);
     const QString text = box.currentText();
-    return box.fontMetrics().horizontalAdvance(text) > field.width() ? text : QString();
+    const int wants = box.fontMetrics().horizontalAdvance(text);
+    if (wants <= field.width()) return {};
+    return QStringLiteral("%1 (%2 of %3)").arg(text).arg(field.width()).arg(wants);
 }
 
 QString CutHeadings(const QHeaderView& headings) {
@@ -137,7 +144,8 @@ QString CutHeadings(const QHeaderView& headings) {
     for (int column = 0; column < columns; ++column) {
         if (headings.isSectionHidden(column)) continue;
         const QString text = headings.model()->headerData(column, Qt::Horizontal).toString();
-        if (headings.fontMetrics().boundingRect(QRect(), 0, text).width() > headings.sectionSize(column)) return text;
+        if (headings.fontMetrics().boundingRect(QRect(), 0, text).width() > headings.sectionSize(column))
+            return text;
     }
     return {};
 }
@@ -150,7 +158,9 @@ void FindCut(const QWidget& widget, QStringList& problems) {
     };
     const auto reportPart = [&](const QString& part) {
         if (!part.isEmpty())
-            problems << QStringLiteral("%1 cuts \"%2\" at %3 pixels").arg(NameOf(widget), part).arg(widget.width());
+            problems << QStringLiteral("%1 cuts \"%2\" at %3 pixels")
+                            .arg(NameOf(widget), part)
+                            .arg(widget.width());
     };
     if (const auto* label = qobject_cast<const QLabel*>(&widget)) {
         if (!label->text().isEmpty()) report(label->text(), RoomFor(*label));
@@ -188,6 +198,8 @@ void FindMisplaced(const QWidget& widget, QStringList& problems) {
         if (child == &widget) break; // each pair once
         const auto* other = qobject_cast<const QWidget*>(child);
         if (!other || other->isWindow() || !other->isVisible()) continue;
+        // The toolkit lets a strip of tabs reach over the frame of its pages.
+        if (qobject_cast<const QTabBar*>(other) || qobject_cast<const QTabBar*>(&widget)) continue;
         if (other->geometry().intersects(widget.geometry()))
             problems << QStringLiteral("%1 lies upon %2").arg(NameOf(widget), NameOf(*other));
     }
@@ -230,8 +242,8 @@ std::pair<const QWidget*, const QWidget*> Branches(const QWidget& a, const QWidg
     return {left, right};
 }
 
-/// The order that is meant, whatever stands further left: the way out comes first among the buttons of its row,
-/// the help last; and what takes from two lists is behind both.
+/// The order that is meant, whatever stands further left: the way out comes first among the buttons of its
+/// row, the help last; and what takes from two lists is behind both.
 bool IsMeant(const QWidget& later, const QWidget& earlier) {
     const QString name = later.objectName();
     const QString before = earlier.objectName();
@@ -271,16 +283,18 @@ void FindDefaults(const QWidget& window, QStringList& problems) {
         defaults << NameOf(*button);
         if (Destroys(*button)) problems << QStringLiteral("Enter presses %1").arg(NameOf(*button));
     }
-    if (defaults.size() > 1) problems << QStringLiteral("two default buttons: ") + defaults.join(QLatin1Char(' '));
+    if (defaults.size() > 1)
+        problems << QStringLiteral("two default buttons: ") + defaults.join(QLatin1Char(' '));
 }
 
 /// Whether Esc finds a button to press, or there is nothing to press at all.
 bool HasWayOut(const QWidget& window) {
     const auto buttons = window.findChildren<const QPushButton*>();
-    const bool hasAny = std::any_of(buttons.begin(), buttons.end(), [](const auto* b) { return b->isVisible(); });
+    const bool hasAny =
+        std::any_of(buttons.begin(), buttons.end(), [](const auto* b) { return b->isVisible(); });
     if (!qobject_cast<const QDialog*>(&window) || !hasAny) return true;
     // The shared question has an answer for it, and the manager's window is put away.
-    for (const char* name : {"cmdCancel", "cmdOK", "cmdNo", "cmdExit"}) {
+    for (const char* name : {"cmdCancel", "cmdOK", "cmdNo", "cmdHide"}) {
         const auto* button = window.findChild<const QAbstractButton*>(QString::fromLatin1(name));
         if (button && button->isVisible()) return true;
     }
@@ -349,8 +363,9 @@ void FindFaintCells(const QAbstractItemView& view, QStringList& problems) {
 
 /// A text that is a third longer, of words that wrap as others do.
 std::string Stretched(const std::string& line) {
-    static const std::string Filler = "nemo enim ipsam quia voluptas sit aspernatur aut odit fugit sed consequuntur "
-                                      "magni dolores eos qui ratione sequi nesciunt neque porro quisquam est dolorem ";
+    static const std::string Filler =
+        "nemo enim ipsam quia voluptas sit aspernatur aut odit fugit sed consequuntur "
+        "magni dolores eos qui ratione sequi nesciunt neque porro quisquam est dolorem ";
     const std::size_t end = line.find_last_not_of(" \t:.?!") + 1;
     if (end == 0) return line;
     std::string more = Filler;
@@ -365,8 +380,7 @@ std::string Stretched(const std::string& line) {
 
 QStringList LayoutProblems(const QWidget& window) {
     QStringList problems;
-    const QSize room = SmallScreen.boundedTo(window.screen()->availableGeometry().size());
-    if (window.width() > room.width() || window.height() > room.height())
+    if (window.isWindow() && window.size() != window.size().boundedTo(ScreenFit::RoomOn(*window.screen())))
         problems << QStringLiteral("the window is too large: ") + Say(window.size());
     for (const QWidget* widget : ShownIn(window)) {
         FindCut(*widget, problems);
@@ -392,11 +406,11 @@ QStringList ContrastProblems(QWidget& window) {
     QStringList problems;
     const QImage picture = window.grab().toImage();
     for (const QWidget* widget : ShownIn(window)) {
-        if (const auto* view = qobject_cast<const QAbstractItemView*>(widget)) FindFaintCells(*view, problems);
+        if (const auto* view = qobject_cast<const QAbstractItemView*>(widget))
+            FindFaintCells(*view, problems);
         if (!widget->isEnabled() || WordsOf(*widget).trimmed().isEmpty()) continue;
-        const QRect seen = widget->visibleRegion().boundingRect().translated(widget->mapTo(&window, QPoint()));
-        const QRect place = seen.intersected(picture.rect());
-        if (place.isEmpty()) continue; // scrolled away
+        if (widget->visibleRegion().boundingRect() != widget->rect()) continue; // in part scrolled away
+        const QRect place(widget->mapTo(&window, QPoint()), widget->size());
         const double contrast = ContrastIn(picture, place);
         if (contrast < LeastContrast)
             problems << QStringLiteral("%1 has a contrast of %2: \"%3\"")

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QSize>
 #include <QString>
 #include <QStringList>
 
@@ -11,15 +10,12 @@ class QWidget;
 /// What a person would find wrong with a window, as it stands on the screen: a line each, with the control's
 /// name. Nothing when all is well.
 
-/// What a screen of 1024 by 768 leaves of it below a title bar and beside a panel, in pixels.
-inline constexpr QSize SmallScreen{1016, 704};
-
-/// Texts that are cut, controls that lie upon each other or beyond what holds them, and a window that is larger
-/// than a small screen.
+/// Texts that are cut, controls that lie upon each other or beyond what holds them, and a window that is
+/// larger than its screen.
 QStringList LayoutProblems(const QWidget& window);
 
-/// Controls that a key reaches and that have no name to be read aloud; those that the tab key reaches far behind
-/// others that lie below them; and more than one default button, or one that destroys something.
+/// Controls that a key reaches and that have no name to be read aloud; those that the tab key reaches far
+/// behind others that lie below them; and more than one default button, or one that destroys something.
 QStringList KeyProblems(const QWidget& window);
 
 /// Texts that do not stand out from what is behind them: less than 4.5 to 1, as it is painted.
@@ -28,5 +24,6 @@ QStringList ContrastProblems(QWidget& window);
 /// Whether the window had to be made to scroll, since it is larger than the screen.
 bool Scrolls(const QWidget& window);
 
-/// Writes a catalogue whose texts are the built-in ones, each a third longer. RunTimeFailure as WriteWholeFile.
+/// Writes a catalogue whose texts are the built-in ones, each a third longer. RunTimeFailure as
+/// WriteWholeFile.
 void WriteStretchedTexts(const std::string& path);

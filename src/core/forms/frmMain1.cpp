@@ -452,14 +452,12 @@ void frmMain1::DrawBricks(const QString& family, const std::function<Face(std::s
         bricks.push_back(brick);
     }
     // One without a picture stands beside those that have one.
-    QWidget* before = nullptr;
+    QWidget* before = imgHHStatusHelp;
     for (Brick* brick : bricks) {
         brick->setFixedHeight(tallest);
-        if (before) setTabOrder(before, brick);
+        setTabOrder(before, brick);
         before = brick;
     }
-    if (before) setTabOrder(before, cmdPCTotals);
-    if (before) setTabOrder(cmdPCTotals, cmdReset);
     for (int column = 0; column < BricksInRow; ++column) grdBricks->setColumnStretch(column, 1);
     grdBricks->setRowStretch(static_cast<int>(row) / BricksInRow + 1, 1);
     lblNoHandhelds->setVisible(row == 0);

@@ -77,7 +77,8 @@ QuickButtonForm::RowResult frmQBImport::RunRow(std::size_t row, const std::strin
         const bool drifted = HasDrifted(job, templateName);
         const ImportResult result = ImportDataFile(job, progress);
         const std::int32_t good = result.FieldCountMismatch ? 0 : result.LinesRead - result.LinesFailed;
-        if (result.FieldCountMismatch) Tell(msg::FieldsDoNotMatch, Icon::Warning);
+        if (result.FieldCountMismatch)
+            Tell(Lines(msg::FieldsDoNotMatch, Text::Value(read.Template.DataFile)), Icon::Warning);
         Text note;
         if (drifted) note = msg::HeadChangedMark;
         if (result.ErrorsListed) {
