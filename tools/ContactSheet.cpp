@@ -19,7 +19,8 @@ constexpr int Gap = 8;
 
 QStringList ScreensOf(const QDir& set, const QString& look) {
     QStringList screens;
-    for (const QString& file : set.entryList({QLatin1Char('*') + look + QStringLiteral(".png")}, QDir::Files, QDir::Name))
+    for (const QString& file :
+         set.entryList({QLatin1Char('*') + look + QStringLiteral(".png")}, QDir::Files, QDir::Name))
         screens << file.chopped(look.size() + 4);
     return screens;
 }
@@ -32,12 +33,14 @@ QImage Read(const QString& path) {
 
 void MakeSheet(const QDir& set, const QString& look, const QStringList& screens, const QString& path) {
     const int rows = (static_cast<int>(screens.size()) + InRow - 1) / InRow;
-    QImage sheet((Cell.width() + Gap) * InRow + Gap, (Cell.height() + Gap) * rows + Gap, QImage::Format_RGB32);
+    QImage sheet((Cell.width() + Gap) * InRow + Gap, (Cell.height() + Gap) * rows + Gap,
+                 QImage::Format_RGB32);
     sheet.fill(QColor(0x80, 0x80, 0x80));
     QPainter painter(&sheet);
     painter.setPen(Qt::white);
     for (int at = 0; at < screens.size(); ++at) {
-        const QRect cell(QPoint(Gap + at % InRow * (Cell.width() + Gap), Gap + at / InRow * (Cell.height() + Gap)), Cell);
+        const QRect cell(
+            QPoint(Gap + at % InRow * (Cell.width() + Gap), Gap + at / InRow * (Cell.height() + Gap)), Cell);
         QImage picture = Read(set.filePath(screens[at] + look + QStringLiteral(".png")));
         picture.setDevicePixelRatio(1);
         const QSize room = Cell - QSize(0, NameHeight);
@@ -50,10 +53,12 @@ void MakeSheet(const QDir& set, const QString& look, const QStringList& screens,
     if (!sheet.save(path)) throw OfficeFailure("cannot write " + path.toStdString());
 }
 
-void WriteIndex(const QDir& folder, const QStringList& sets, const QStringList& looks, const QStringList& screens) {
-    QString page = QStringLiteral("<!DOCTYPE html>\n<meta charset=\"utf-8\">\n<title>Screens</title>\n"
-                                  "<style>body{font-family:sans-serif;background:#808080;color:#fff}"
-                                  "img{width:420px;height:auto}td{vertical-align:top}a{color:#fff}</style>\n<p>");
+void WriteIndex(const QDir& folder, const QStringList& sets, const QStringList& looks,
+                const QStringList& screens) {
+    QString page =
+        QStringLiteral("<!DOCTYPE html>\n<meta charset=\"utf-8\">\n<title>Screens</title>\n"
+                       "<style>body{font-family:sans-serif;background:#808080;color:#fff}"
+                       "img{width:420px;height:auto}td{vertical-align:top}a{color:#fff}</style>\n<p>");
     for (const QString& set : sets) {
         for (const QString& look : looks)
             page += QStringLiteral("<a href=\"%1%2.png\">%1%2</a> ").arg(set, look);
@@ -63,9 +68,10 @@ void WriteIndex(const QDir& folder, const QStringList& sets, const QStringList& 
         page += QStringLiteral("<tr id=\"%1\">").arg(screen);
         for (const QString& set : sets) {
             for (const QString& look : looks) {
-                page += QStringLiteral("<td><a href=\"%1/%2%3.png\"><img loading=\"lazy\" src=\"%1/%2%3.png\" "
-                                       "alt=\"\"></a><br>%2 %1%3</td>")
-                            .arg(set, screen, look);
+                page +=
+                    QStringLiteral("<td><a href=\"%1/%2%3.png\"><img loading=\"lazy\" src=\"%1/%2%3.png\" "
+                                   "alt=\"\"></a><br>%2 %1%3</td>")
+                        .arg(set, screen, look);
             }
         }
         page += QStringLiteral("</tr>\n");
@@ -88,7 +94,8 @@ int MakeContactSheets(const QString& folder) {
         for (const QString& look : looks) {
             const QStringList there = ScreensOf(one, look);
             if (screens.isEmpty()) screens = there;
-            if (there != screens) throw OfficeFailure("the screens of " + (set + look).toStdString() + " are others");
+            if (there != screens)
+                throw OfficeFailure("the screens of " + (set + look).toStdString() + " are others");
             MakeSheet(one, look, there, all.filePath(set + look + QStringLiteral(".png")));
         }
     }

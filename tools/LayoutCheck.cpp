@@ -36,6 +36,7 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -219,6 +220,12 @@ std::vector<const QWidget*> TabOrder(const QWidget& window) {
     for (const QWidget* at = window.nextInFocusChain(); at && at != &window; at = at->nextInFocusChain()) {
         if (IsReached(*at) && std::find(shown.begin(), shown.end(), at) != shown.end()) order.push_back(at);
     }
+    // The order is a ring: it is read from the control that stands highest.
+    const auto highest = [&](const QWidget* a, const QWidget* b) {
+        const QPoint one = PlaceIn(window, *a).topLeft(), other = PlaceIn(window, *b).topLeft();
+        return std::pair(one.y(), one.x()) < std::pair(other.y(), other.x());
+    };
+    std::rotate(order.begin(), std::min_element(order.begin(), order.end(), highest), order.end());
     return order;
 }
 
