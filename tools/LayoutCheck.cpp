@@ -213,6 +213,10 @@ bool IsReached(const QWidget& widget) {
            !widget.focusProxy();
 }
 
+bool SameRow(const QRect& a, const QRect& b) {
+    return a.top() <= b.center().y() && b.center().y() <= a.bottom();
+}
+
 /// Those that the tab key reaches, in its order.
 std::vector<const QWidget*> TabOrder(const QWidget& window) {
     const std::vector<const QWidget*> shown = ShownIn(window);
@@ -222,15 +226,11 @@ std::vector<const QWidget*> TabOrder(const QWidget& window) {
     }
     // The order is a ring: it is read from the control that stands highest.
     const auto highest = [&](const QWidget* a, const QWidget* b) {
-        const QPoint one = PlaceIn(window, *a).topLeft(), other = PlaceIn(window, *b).topLeft();
-        return std::pair(one.y(), one.x()) < std::pair(other.y(), other.x());
+        const QRect one = PlaceIn(window, *a), other = PlaceIn(window, *b);
+        return SameRow(one, other) ? one.left() < other.left() : one.top() < other.top();
     };
     std::rotate(order.begin(), std::min_element(order.begin(), order.end(), highest), order.end());
     return order;
-}
-
-bool SameRow(const QRect& a, const QRect& b) {
-    return a.top() <= b.center().y() && b.center().y() <= a.bottom();
 }
 
 /// Whether a person would look for `later` before `earlier`: above it and no further to the right, or left of
@@ -255,6 +255,8 @@ bool IsMeant(const QWidget& later, const QWidget& earlier) {
     const QString name = later.objectName();
     const QString before = earlier.objectName();
     if (name == QLatin1String("cmdHelp")) return true;
+    // Both are beside the work of their window; the first comes by a key of its own.
+    if (name == QLatin1String("txtFind") || name == QLatin1String("chkOnTop")) return true;
     if (before == QLatin1String("cmdOK") || before == QLatin1String("cmdCancel"))
         return SameRow(PlaceIn(*later.window(), later), PlaceIn(*earlier.window(), earlier));
     return before == QLatin1String("lstLiteral") && name.startsWith(QLatin1String("cmdRemove"));
