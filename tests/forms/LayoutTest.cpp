@@ -1,5 +1,6 @@
 #include "LayoutCheck.h"
 #include "core/Catalogue.h"
+#include "core/Messages.h"
 #include "core/SafeFile.h"
 #include "forms/FormTest.h"
 #include "platform/Registry.h"
