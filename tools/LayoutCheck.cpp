@@ -36,6 +36,7 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -82,12 +83,12 @@ QRect PlaceIn(const QWidget& window, const QWidget& widget) {
 
 // ---- what is cut ----
 
-QString WidestWord(const QLabel& label) {
-    QString widest;
-    for (const QString& word : label.text().split(QRegularExpression(QStringLiteral("\\s")))) {
-        if (label.fontMetrics().horizontalAdvance(word) > label.fontMetrics().horizontalAdvance(widest))
-            widest = word;
-    }
+/// A wrapped text breaks at blanks and hyphens.
+int WidestWord(const QLabel& label) {
+    int widest = 0;
+    const auto flags = label.buddy() ? Qt::TextShowMnemonic : 0;
+    for (const QString& word : label.text().split(QRegularExpression(QStringLiteral("[\\s-]"))))
+        widest = std::max(widest, label.fontMetrics().size(flags, word).width());
     return widest;
 }
 
@@ -95,14 +96,18 @@ QString WidestWord(const QLabel& label) {
 QSize RoomFor(const QLabel& label) {
     if (!label.wordWrap()) return label.sizeHint();
     const int margins = label.width() - label.contentsRect().width() + 2 * label.margin();
-    return {label.fontMetrics().horizontalAdvance(WidestWord(label)) + margins,
-            label.heightForWidth(label.width())};
+    return {WidestWord(label) + margins, label.heightForWidth(label.width())};
 }
 
-/// The style gives a button more than its text needs.
+QSize TextSize(const QWidget& widget, const QString& text) {
+    return widget.fontMetrics().size(Qt::TextShowMnemonic, text);
+}
+
+/// The style makes a push button wider than its text needs.
 QSize RoomFor(const QAbstractButton& button) {
-    const int spare = qobject_cast<const QPushButton*>(&button) ? 20 : 0;
-    return button.minimumSizeHint() - QSize(spare, 0);
+    if (!qobject_cast<const QPushButton*>(&button)) return button.minimumSizeHint();
+    constexpr int Edges = 10; // pixels
+    return {TextSize(button, button.text()).width() + Edges, button.minimumSizeHint().height()};
 }
 
 QString CutTabs(const QTabBar& tabs) {
@@ -129,7 +134,9 @@ QString CutChoice(const QComboBox& box) {
     const QRect field =
         box.style()->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxEditField, &box);
     const QString text = box.currentText();
-    return box.fontMetrics().horizontalAdvance(text) > field.width() ? text : QString();
+    const int wants = box.fontMetrics().horizontalAdvance(text);
+    if (wants <= field.width()) return {};
+    return QStringLiteral("%1 (%2 of %3)").arg(text).arg(field.width()).arg(wants);
 }
 
 QString CutHeadings(const QHeaderView& headings) {
@@ -192,6 +199,8 @@ void FindMisplaced(const QWidget& widget, QStringList& problems) {
         if (child == &widget) break; // each pair once
         const auto* other = qobject_cast<const QWidget*>(child);
         if (!other || other->isWindow() || !other->isVisible()) continue;
+        // The toolkit lets a strip of tabs reach over the frame of its pages.
+        if (qobject_cast<const QTabBar*>(other) || qobject_cast<const QTabBar*>(&widget)) continue;
         if (other->geometry().intersects(widget.geometry()))
             problems << QStringLiteral("%1 lies upon %2").arg(NameOf(widget), NameOf(*other));
     }
@@ -204,6 +213,10 @@ bool IsReached(const QWidget& widget) {
            !widget.focusProxy();
 }
 
+bool SameRow(const QRect& a, const QRect& b) {
+    return a.top() <= b.center().y() && b.center().y() <= a.bottom();
+}
+
 /// Those that the tab key reaches, in its order.
 std::vector<const QWidget*> TabOrder(const QWidget& window) {
     const std::vector<const QWidget*> shown = ShownIn(window);
@@ -211,11 +224,13 @@ std::vector<const QWidget*> TabOrder(const QWidget& window) {
     for (const QWidget* at = window.nextInFocusChain(); at && at != &window; at = at->nextInFocusChain()) {
         if (IsReached(*at) && std::find(shown.begin(), shown.end(), at) != shown.end()) order.push_back(at);
     }
+    // The order is a ring: it is read from the control that stands highest.
+    const auto highest = [&](const QWidget* a, const QWidget* b) {
+        const QRect one = PlaceIn(window, *a), other = PlaceIn(window, *b);
+        return SameRow(one, other) ? one.left() < other.left() : one.top() < other.top();
+    };
+    std::rotate(order.begin(), std::min_element(order.begin(), order.end(), highest), order.end());
     return order;
-}
-
-bool SameRow(const QRect& a, const QRect& b) {
-    return a.top() <= b.center().y() && b.center().y() <= a.bottom();
 }
 
 /// Whether a person would look for `later` before `earlier`: above it and no further to the right, or left of
@@ -240,6 +255,8 @@ bool IsMeant(const QWidget& later, const QWidget& earlier) {
     const QString name = later.objectName();
     const QString before = earlier.objectName();
     if (name == QLatin1String("cmdHelp")) return true;
+    // Both are beside the work of their window; the first comes by a key of its own.
+    if (name == QLatin1String("txtFind") || name == QLatin1String("chkOnTop")) return true;
     if (before == QLatin1String("cmdOK") || before == QLatin1String("cmdCancel"))
         return SameRow(PlaceIn(*later.window(), later), PlaceIn(*earlier.window(), earlier));
     return before == QLatin1String("lstLiteral") && name.startsWith(QLatin1String("cmdRemove"));
@@ -286,7 +303,7 @@ bool HasWayOut(const QWidget& window) {
         std::any_of(buttons.begin(), buttons.end(), [](const auto* b) { return b->isVisible(); });
     if (!qobject_cast<const QDialog*>(&window) || !hasAny) return true;
     // The shared question has an answer for it, and the manager's window is put away.
-    for (const char* name : {"cmdCancel", "cmdOK", "cmdNo", "cmdExit"}) {
+    for (const char* name : {"cmdCancel", "cmdOK", "cmdNo", "cmdHide"}) {
         const auto* button = window.findChild<const QAbstractButton*>(QString::fromLatin1(name));
         if (button && button->isVisible()) return true;
     }
@@ -372,8 +389,7 @@ std::string Stretched(const std::string& line) {
 
 QStringList LayoutProblems(const QWidget& window) {
     QStringList problems;
-    const QSize room = SmallScreen.boundedTo(window.screen()->availableGeometry().size());
-    if (window.width() > room.width() || window.height() > room.height())
+    if (window.isWindow() && window.size() != window.size().boundedTo(ScreenFit::RoomOn(*window.screen())))
         problems << QStringLiteral("the window is too large: ") + Say(window.size());
     for (const QWidget* widget : ShownIn(window)) {
         FindCut(*widget, problems);
@@ -402,10 +418,8 @@ QStringList ContrastProblems(QWidget& window) {
         if (const auto* view = qobject_cast<const QAbstractItemView*>(widget))
             FindFaintCells(*view, problems);
         if (!widget->isEnabled() || WordsOf(*widget).trimmed().isEmpty()) continue;
-        const QRect seen =
-            widget->visibleRegion().boundingRect().translated(widget->mapTo(&window, QPoint()));
-        const QRect place = seen.intersected(picture.rect());
-        if (place.isEmpty()) continue; // scrolled away
+        if (widget->visibleRegion().boundingRect() != widget->rect()) continue; // in part scrolled away
+        const QRect place(widget->mapTo(&window, QPoint()), widget->size());
         const double contrast = ContrastIn(picture, place);
         if (contrast < LeastContrast)
             problems << QStringLiteral("%1 has a contrast of %2: \"%3\"")

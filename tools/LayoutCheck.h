@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QSize>
 #include <QString>
 #include <QStringList>
 
@@ -11,11 +10,8 @@ class QWidget;
 /// What a person would find wrong with a window, as it stands on the screen: a line each, with the control's
 /// name. Nothing when all is well.
 
-/// What a screen of 1024 by 768 leaves of it below a title bar and beside a panel, in pixels.
-inline constexpr QSize SmallScreen{1016, 704};
-
 /// Texts that are cut, controls that lie upon each other or beyond what holds them, and a window that is
-/// larger than a small screen.
+/// larger than its screen.
 QStringList LayoutProblems(const QWidget& window);
 
 /// Controls that a key reaches and that have no name to be read aloud; those that the tab key reaches far

@@ -7,6 +7,7 @@
 #include "core/Trace.h"
 #include "platform/ControlHabits.h"
 #include "platform/ScreenFit.h"
+#include "platform/WindowPlace.h"
 
 #include <QAbstractButton>
 #include <QAbstractEventDispatcher>
@@ -149,6 +150,7 @@ void FormBehaviour::Show(ShowMode mode) {
     if (mode == ShowMode::Modeless) FormRegistry::BelongToModal(window);
     FormRegistry::Instance().Raise(*this);
     QueueGotFocus();
+    if (!window.isVisible()) RestorePlace(window);
     window.show();
     window.raise();
     window.activateWindow();
@@ -166,6 +168,7 @@ void FormBehaviour::Unload() {
     } catch (const std::exception& failure) {
         FailUnexpectedly(failure);
     }
+    KeepPlace(Window());
     Window().hide();
     FormRegistry::Instance().PassOn(Window().windowHandle());
     FormRegistry::Instance().Forget(*this);

@@ -282,10 +282,10 @@ QString GridView::ColumnTitle(int column) const {
 }
 
 int GridView::FittingWidth(int column) const {
-    if (const int width = model_->Content()->Heading(column).Width) return width;
     constexpr int Margins = 16;
     const int arrow = style()->pixelMetric(QStyle::PM_HeaderMarkSize);
     int width = fontMetrics().horizontalAdvance(ColumnTitle(column)) + arrow + Margins;
+    if (const int told = model_->Content()->Heading(column).Width) return std::max(told, width);
     const auto fit = [&](int row) {
         const QString text = model_->index(row, column).data().toString();
         width = std::max(width, std::min(fontMetrics().horizontalAdvance(text) + Margins, WidestColumn));

@@ -53,7 +53,9 @@ public:
     QSize sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& contents,
                            const QWidget* widget) const override {
         const QSize size = QProxyStyle::sizeFromContents(type, option, contents, widget);
-        return type == CT_PushButton ? size.expandedTo({contents.width() + 24, 0}) : size;
+        if (type == CT_PushButton) return size.expandedTo({contents.width() + 24, 0});
+        // With large letters Fusion gives a list a little less than the text in it needs.
+        return type == CT_ComboBox ? size + QSize(option->fontMetrics.averageCharWidth(), 0) : size;
     }
 
     /// The frame of a box or an option is drawn in a shade of the window, which the dark look hides.

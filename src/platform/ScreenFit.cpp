@@ -11,7 +11,8 @@
 
 namespace {
 
-/// The frame around a window that is not shown yet: what title bars and borders usually take, in pixels.
+/// The frame around a window, which is not known before it shows: what title bars and borders usually take,
+/// in pixels.
 constexpr QSize UsualFrame{8, 32};
 
 } // namespace
@@ -28,11 +29,8 @@ bool ScreenFit::eventFilter(QObject*, QEvent* event) {
     return false;
 }
 
-QSize ScreenFit::Room() const {
-    const QSize frame = window_.isVisible() && window_.frameGeometry() != window_.geometry()
-                            ? window_.frameGeometry().size() - window_.size()
-                            : UsualFrame;
-    return window_.screen()->availableGeometry().size() - frame;
+QSize ScreenFit::RoomOn(const QScreen& screen) {
+    return screen.availableGeometry().size() - UsualFrame;
 }
 
 /// The least size at which nothing is cut, at the width that the window has.
@@ -48,7 +46,7 @@ QSize ScreenFit::Needed() const {
 
 void ScreenFit::Fit() {
     if (!window_.layout()) return;
-    const QSize room = Room();
+    const QSize room = RoomOn(*window_.screen());
     const QSize needed = Needed();
     if (!scrolls_ && (needed.width() > room.width() || needed.height() > room.height())) MakeScroll(needed);
     const QSize size = (scrolls_ ? window_.size() : window_.size().expandedTo(needed)).boundedTo(room);
@@ -74,5 +72,5 @@ void ScreenFit::MakeScroll(const QSize& needed) {
         around->addWidget(area);
     }
     const int bar = area->verticalScrollBar()->sizeHint().width();
-    window_.resize(window_.size().expandedTo(needed + QSize(bar, bar)).boundedTo(Room()));
+    window_.resize(window_.size().expandedTo(needed + QSize(bar, bar)).boundedTo(RoomOn(*window_.screen())));
 }

@@ -3,6 +3,7 @@
 #include <QObject>
 #include <QSize>
 
+class QScreen;
 class QWidget;
 
 /// Keeps a window within the screen on which it stands. One that needs more room, as with large letters, is
@@ -13,6 +14,9 @@ public:
     /// The object belongs to the window.
     explicit ScreenFit(QWidget& window);
 
+    /// What a screen has for a window without its frame, in pixels.
+    static QSize RoomOn(const QScreen& screen);
+
     /// The name of the scroll area in a window that scrolls.
     static constexpr const char* AreaName = "scrWindow";
 
@@ -22,7 +26,6 @@ protected:
 private:
     void Fit();
     QSize Needed() const;
-    QSize Room() const;
     void MakeScroll(const QSize& needed);
 
     QWidget& window_;

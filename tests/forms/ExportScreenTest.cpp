@@ -301,7 +301,7 @@ TEST_F(ExportScreen, AFileThatCannotBeOpenedIsToldAndTheScreenStays) {
     auto& form = Open<frmExport1>();
     Add(form, {Q("H_ORDCODE")});
     Type(form, "txtExpFile", Q("out"));
-    Operator_.Expect(msg::ExportFileCannotBeOpened).With(Icon::Stop);
+    Operator_.ExpectBeginning(msg::ExportFileCannotBeOpened).With(Icon::Stop);
 
     Click(form, "cmdOK");
 

@@ -158,7 +158,7 @@ TEST_F(Mapping, AFileWithNoCommaOrTabCannotBeImported) {
     auto& convert = Open<frmConvert>();
     Select(convert, "filFiles", {QStringLiteral("c.txt")});
     Click(convert, "optCustomer");
-    Operator_.Expect(msg::InvalidFormat).With(Icon::Stop);
+    Operator_.Expect(::Lines(msg::InvalidFormat, T(Global.DataInPath + "c.txt"))).With(Icon::Stop);
 
     Click(convert, "cmdOK");
 
@@ -172,7 +172,7 @@ TEST_F(Mapping, AFileThatHasGoneMeanwhileClosesTheMapping) {
     Select(convert, "filFiles", {QStringLiteral("c.csv")});
     Click(convert, "optCustomer");
     std::filesystem::remove(Global.DataInPath + "c.csv");
-    Operator_.Expect(msg::ImportFileUnreadable).With(Icon::Warning);
+    Operator_.ExpectBeginning(msg::ImportFileUnreadable).With(Icon::Warning);
 
     Click(convert, "cmdOK");
 
@@ -553,7 +553,7 @@ TEST_F(Mapping, AfterAMismatchTheScreenStaysWithItsMapping) {
     GivenData("c.csv", "1,Acme\n");
     auto& form = OpenFor(QStringLiteral("c.csv"));
     Add(form, {QStringLiteral("C_CODE"), QStringLiteral("C_NAME"), QStringLiteral("C_CITY")});
-    Operator_.Expect(msg::FieldsDoNotMatch).With(Icon::Warning);
+    Operator_.ExpectBeginning(msg::FieldsDoNotMatch).With(Icon::Warning);
 
     Click(form, "cmdOK");
 
@@ -691,7 +691,7 @@ TEST_F(Mapping, ATemplateThatIsEditedBringsItsFileAndItsTable) {
 TEST_F(Mapping, ATemplateWhoseFileIsGoneIsToldAndStaysOpen) {
     GivenTemplate("A.itm", "gone.csv", {"I_ITEMCODE"});
     auto& form = OpenToEdit();
-    Operator_.Expect(msg::ImportFileUnreadable).With(Icon::Warning);
+    Operator_.ExpectBeginning(msg::ImportFileUnreadable).With(Icon::Warning);
 
     Choose(form, "cboSettings", QStringLiteral("A.itm"));
 
@@ -719,7 +719,7 @@ TEST_F(Mapping, ATemplateWhoseTableCannotBeReadDoesNotTakeTheMappingOfAnother) {
 TEST_F(Mapping, ATemplateWhoseFileIsGoneCanBeSaved) {
     GivenTemplate("A.itm", "gone.csv", {"I_ITEMCODE"}, "2");
     auto& form = OpenToEdit();
-    Operator_.Expect(msg::ImportFileUnreadable).With(Icon::Warning);
+    Operator_.ExpectBeginning(msg::ImportFileUnreadable).With(Icon::Warning);
     Choose(form, "cboSettings", QStringLiteral("A.itm"));
     Add(form, {QStringLiteral("I_DESC1")});
 

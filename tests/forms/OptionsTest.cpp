@@ -230,7 +230,7 @@ TEST_F(Options, ATemplateThatIsGoneIsNamedInItsEmptyDroplist) {
 TEST_F(Options, AnActivityThatCannotBeReadIsToldAndCanBeWrittenAnew) {
     WriteWholeFile(Global.QuickButtonTemplates + "Morning.ipm", "Saved Setting 1:    ..\\x.cst;\r\n");
     auto& form = Open<frmOptions>();
-    Operator_.Expect(msg::ActivityError).With(Icon::Warning);
+    Operator_.ExpectBeginning(msg::ActivityError).With(Icon::Warning);
     Choose(form, "cboImpAct", Q("Morning"));
     EXPECT_EQ(TextOf(form, "cboImpAct"), Q("Morning"));
     EXPECT_EQ(TextOf(form, "cboImpSS1"), Q(""));

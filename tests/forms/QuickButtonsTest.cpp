@@ -124,7 +124,7 @@ TEST_F(QuickButtons, AnActivityThatCannotBeOpenedIsTold) {
     GivenActivity("Morning.ipm", "Cust.cst");
     auto& form = Open<frmQBImport>();
     std::filesystem::remove(Global.QuickButtonTemplates + "Morning.ipm");
-    Operator_.Expect(msg::ActivityError).With(Icon::Warning);
+    Operator_.ExpectBeginning(msg::ActivityError).With(Icon::Warning);
 
     Choose(form, "cboMaster", QStringLiteral("Morning"));
 
@@ -255,7 +255,7 @@ TEST_F(QuickButtons, AMismatchFailsTheRowLeavesTheTableAndGoesOn) {
     GivenImportTemplate("Items.itm", "i.csv", {"I_ITEMCODE"});
     GivenActivity("Morning.ipm", "Cust.cst", "Items.itm");
     auto& form = Run<frmQBImport>("Morning");
-    Operator_.Expect(msg::FieldsDoNotMatch).With(Icon::Warning);
+    Operator_.ExpectBeginning(msg::FieldsDoNotMatch).With(Icon::Warning);
 
     Click(form, "cmdOK");
 
@@ -558,7 +558,7 @@ TEST_F(QuickButtons, AnExportFileThatCannotBeOpenedIsToldAndFailsTheRow) {
     GivenExportTemplate("Orders.xor", "out.txt", {"H_ORDCODE"});
     GivenActivity("Evening.xpm", "Orders.xor");
     auto& form = Run<frmQBExport>("Evening");
-    Operator_.Expect(msg::ExportFileCannotBeOpened).With(Icon::Stop);
+    Operator_.ExpectBeginning(msg::ExportFileCannotBeOpened).With(Icon::Stop);
 
     Click(form, "cmdOK");
 

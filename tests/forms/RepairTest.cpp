@@ -107,7 +107,7 @@ TEST_F(Repair, AFileThatIsNoDataFileIsToldAndAnotherCanBeChosen) {
     GivenFile("app/DataIn/letter.txt", "Dear Sirs\r\n");
     auto& form = OpenFor<frmConvert>("Items.itm");
     Select(form, "filFiles", {Q("letter.txt")});
-    Operator_.Expect(msg::InvalidFormat).With(Icon::Stop);
+    Operator_.ExpectBeginning(msg::InvalidFormat).With(Icon::Stop);
     Click(form, "cmdOK");
     EXPECT_FALSE(form.IsGone());
     EXPECT_EQ(ReadImportTemplate(path).Template.DataFile, "gone.csv");

@@ -40,7 +40,8 @@ std::optional<ExportResult> RunExport(const ExportJob& job, PCOrders& book, Form
     form.PauseFor(0.2);
     if (form.IsOver()) return std::nullopt;
     ExportResult result = ExportOrders(job, book.Tables, progress);
-    if (result.CouldNotOpen) Tell(msg::ExportFileCannotBeOpened, Icon::Stop);
+    if (result.CouldNotOpen)
+        Tell(Lines(msg::ExportFileCannotBeOpened, Text::Path(std::string_view(job.ExportFile))), Icon::Stop);
     return result;
 }
 

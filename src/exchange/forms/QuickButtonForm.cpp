@@ -62,8 +62,8 @@ void QuickButtonForm::ShowActivity() {
     try {
         activity =
             ReadActivity(Global.QuickButtonTemplates + PathFromQt(cboMaster->currentText()) + extension_);
-    } catch (const RunTimeFailure&) {
-        Tell(msg::ActivityError, Icon::Warning);
+    } catch (const RunTimeFailure& failure) {
+        Tell(Lines(msg::ActivityError, Text::Path(std::string_view(failure.what()))), Icon::Warning);
         cboMaster->setCurrentIndex(-1);
         return;
     }

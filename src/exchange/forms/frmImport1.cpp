@@ -119,8 +119,8 @@ bool frmImport1::LoadPreview() {
     lblPreview->clear();
     try {
         preview_ = ImportPreview(importFile_);
-    } catch (const RunTimeFailure&) {
-        Tell(msg::ImportFileUnreadable, Icon::Warning);
+    } catch (const RunTimeFailure& failure) {
+        Tell(Lines(msg::ImportFileUnreadable, Text::Path(std::string_view(failure.what()))), Icon::Warning);
         return false;
     }
     QStringList lines;
@@ -135,7 +135,7 @@ bool frmImport1::LoadPreview() {
 bool frmImport1::RecogniseFormat() {
     const auto delimiter = RecogniseDelimiter(importFile_);
     if (!delimiter) {
-        Tell(msg::InvalidFormat, Icon::Stop);
+        Tell(Lines(msg::InvalidFormat, Text::Path(std::string_view(importFile_))), Icon::Stop);
         return false;
     }
     SetDelimiter(*delimiter);
@@ -509,7 +509,8 @@ void frmImport1::Import() {
     PauseFor(0.2);
     if (IsOver()) return;
     const ImportResult result = ImportDataFile(job, progress);
-    if (result.FieldCountMismatch) return Tell(msg::FieldsDoNotMatch, Icon::Warning);
+    if (result.FieldCountMismatch)
+        return Tell(Lines(msg::FieldsDoNotMatch, Text::Path(std::string_view(importFile_))), Icon::Warning);
     TellResult(job, result);
     cmdCancel_Click();
 }

@@ -92,7 +92,8 @@ QuickButtonForm::RowResult frmQBImport::Import(ImportJob& job, const std::string
     const bool drifted = HasDrifted(job, templateName);
     const ImportResult result = ImportDataFile(job, progress);
     const std::int32_t good = result.FieldCountMismatch ? 0 : result.LinesRead - result.LinesFailed;
-    if (result.FieldCountMismatch) Tell(msg::FieldsDoNotMatch, Icon::Warning);
+    if (result.FieldCountMismatch)
+        Tell(Lines(msg::FieldsDoNotMatch, Text::Path(FileNameOf(job.ImportFile))), Icon::Warning);
     Text note;
     if (drifted) note = msg::HeadChangedMark;
     if (result.ErrorsListed) {

@@ -10,13 +10,12 @@
 #include "platform/Convert.h"
 #include "platform/Look.h"
 #include "platform/Registry.h"
+#include "platform/WindowPlace.h"
 #include "views/forms/PrintReport.h"
 
-#include <QGuiApplication>
 #include <QHelpContentModel>
 #include <QHelpIndexModel>
 #include <QHelpLink>
-#include <QScreen>
 #include <QShortcut>
 #include <QTabBar>
 #include <QTextBlock>
@@ -148,12 +147,9 @@ void frmHelp::RestorePlace() {
     const QList<int> kept = Registry::WindowPlace(objectName());
     if (kept.size() != KeptNumbers) return;
     const QRect place(kept[Left], kept[Top], kept[Width], kept[Height]);
-    for (const QScreen* screen : QGuiApplication::screens()) {
-        // A screen that the window stood on may have gone.
-        if (!screen->availableGeometry().contains(place.center())) continue;
-        setGeometry(place.intersected(screen->availableGeometry()));
+    if (const auto onScreen = PlaceOnScreen(place)) {
+        setGeometry(*onScreen);
         splHelp->setSizes({kept[Pane], place.width() - kept[Pane]});
-        break;
     }
     rtbTopic->Zoom(kept[Zoom]);
 }

@@ -91,7 +91,7 @@ void HHBricks::TakeAway() {
     }
 }
 
-QWidget* HHBricks::Draw(const QString& family, const std::function<Face(std::size_t)>& faceOf) {
+void HHBricks::Draw(const QString& family, QWidget& before, const std::function<Face(std::size_t)>& faceOf) {
     TakeAway();
     ids_ = LinkIDs();
     std::vector<Brick*> bricks;
@@ -106,15 +106,14 @@ QWidget* HHBricks::Draw(const QString& family, const std::function<Face(std::siz
         bricks.push_back(brick);
     }
     // One without a picture stands beside those that have one.
-    QWidget* last = nullptr;
+    QWidget* last = &before;
     for (Brick* brick : bricks) {
         brick->setFixedHeight(tallest);
-        if (last) QWidget::setTabOrder(last, brick);
+        QWidget::setTabOrder(last, brick);
         last = brick;
     }
     for (int column = 0; column < BricksInRow; ++column) grid_.setColumnStretch(column, 1);
     grid_.setRowStretch(static_cast<int>(ids_.size()) / BricksInRow + 1, 1);
-    return last;
 }
 
 int HHBricks::IndexOf(const std::string& id, int index) const {

@@ -27,9 +27,9 @@ public:
 
     HHBricks(FormBehaviour& form, QGridLayout& grid) : form_(form), grid_(grid) {}
 
-    /// Draws a family in the place of the one that stands there. The last of its buttons, for the tab order;
-    /// nothing when there is none. RunTimeFailure as LinkIDs.
-    QWidget* Draw(const QString& family, const std::function<Face(std::size_t index)>& faceOf);
+    /// Draws a family in the place of the one that stands there, behind `before` in the tab order.
+    /// RunTimeFailure as LinkIDs.
+    void Draw(const QString& family, QWidget& before, const std::function<Face(std::size_t index)>& faceOf);
 
     bool IsEmpty() const { return ids_.empty(); }
 

@@ -350,10 +350,7 @@ void frmMain1::WriteSettings() {
 // ---- handheld status ----
 
 void frmMain1::DrawBricks(const QString& family, const std::function<HHBricks::Face(std::size_t)>& faceOf) {
-    if (QWidget* last = bricks_->Draw(family, faceOf)) {
-        setTabOrder(last, cmdPCTotals);
-        setTabOrder(cmdPCTotals, cmdReset);
-    }
+    bricks_->Draw(family, *imgHHStatusHelp, faceOf);
     lblNoHandhelds->setVisible(bricks_->IsEmpty());
     scrHHStatus->setVisible(!bricks_->IsEmpty());
 }

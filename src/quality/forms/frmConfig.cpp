@@ -24,7 +24,7 @@
 
 namespace {
 
-constexpr int LettersOfName = 24;         ///< of a process, that stand in one line
+constexpr int LettersOfName = 17;         ///< of a process, that stand in one line
 constexpr std::int32_t LongestCount = 99; ///< of problems, that a line has room for
 
 Text ResultText(const std::optional<CheckResult>& result) {

@@ -9,6 +9,8 @@
 #include <QFontDatabase>
 #include <QHeaderView>
 
+#include <algorithm>
+
 namespace {
 
 std::vector<Text> Row(MessageId name, const OrderFigures& figures) {
@@ -40,6 +42,11 @@ void frmHHStatus::Fill(std::string_view id, const StatusDetails& details) {
         std::move(headings), std::vector<std::vector<Text>>{Row(msg::StatusHandheld, details.Handheld),
                                                             Row(msg::StatusPC, details.PC),
                                                             Row(msg::StatusDifference, difference)}));
+    int widest = 0;
+    QHeaderView& header = *FG1->horizontalHeader();
+    for (int column = 0; column < header.count(); ++column)
+        widest = std::max(widest, header.sectionSizeHint(column));
+    header.setMinimumSectionSize(widest); // no heading is cut when they share the width
     FG1->setFixedHeight(HeightOfRows());
     txtReceipt->setPlainText(QString::fromStdString(LastReceipt(id).value_or(std::string())));
 }

@@ -69,9 +69,9 @@ void ActivitiesPage::ShowActivity(Activities& kind) {
         for (std::size_t row = 0; row < activity.Rows.size(); ++row) {
             ChooseTemplate(*kind.Templates[row], PathToQt(NameToPath(activity.Rows[row].Template)));
         }
-    } catch (const RunTimeFailure&) {
+    } catch (const RunTimeFailure& failure) {
         // The name stays: with templates chosen anew, Ok writes the file that cannot be read.
-        Tell(msg::ActivityError, Icon::Warning);
+        Tell(Lines(msg::ActivityError, Text::Path(std::string_view(failure.what()))), Icon::Warning);
     }
 }
 
@@ -154,8 +154,8 @@ bool ActivitiesPage::SaveActivity(Activities& kind) {
     }
     try {
         WriteActivity(kind.Path(), activity);
-    } catch (const RunTimeFailure&) {
-        Tell(msg::ActivityNotSaved, Icon::Warning);
+    } catch (const RunTimeFailure& failure) {
+        Tell(Lines(msg::ActivityNotSaved, Text::Path(std::string_view(failure.what()))), Icon::Warning);
         kind.Box->setCurrentIndex(-1);
         kind.Box->clearEditText();
         GoTo(*kind.Box);

@@ -104,18 +104,6 @@ void frmViewData::LayOutFields() {
     delete scrFields->takeWidget();
     picFields = page;
     scrFields->setWidget(page);
-    // The tab key goes through them as they stand, and then to the buttons below.
-    QWidget* before = nullptr;
-    for (int field = 1; field <= table_->Layout().FieldCount(); ++field) {
-        auto* box = page->findChild<QWidget*>(Element("txtOrHdr", field));
-        if (before) setTabOrder(before, box);
-        before = box;
-    }
-    for (QPushButton* button :
-         {cmdFirst, cmdPrevious, cmdNext, cmdLast, cmdGridView, cmdEdit, cmdHelp, cmdOK}) {
-        if (before) setTabOrder(before, button);
-        before = button;
-    }
     DisplayFriendlyFieldNames();
 }
 
