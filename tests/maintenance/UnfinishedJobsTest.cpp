@@ -464,7 +464,7 @@ TEST_F(KeptCopies, WhereTheyCannotBePutBackNeitherBeginsAndSaysWhy) {
 
     Global.TheDisk = &NativeDisk();
     EXPECT_EQ(result.How, End::CopiesStay);
-    EXPECT_NE(result.Why.find("OLDHDR.TXT"), std::string::npos) << result.Why;
+    EXPECT_NE(result.Why.find("ZUKOrHdr.dbf"), std::string::npos) << result.Why;
     EXPECT_EQ(clearing, 70);
     EXPECT_TRUE(CopyIsThere());
     EXPECT_EQ(Codes("ZUKOrHdr.dbf"), Strings{"H1"});
