@@ -456,7 +456,7 @@ TEST_F(KeptCopies, WhereTheyCannotBePutBackNeitherBeginsAndSaysWhy) {
     clockTime = {2026, 11, 15, 9, 0, 0};
     ASSERT_TRUE(MakeBackup("CLEAR"));
     clockTime = {2026, 11, 15, 9, 30, 0};
-    RefusingDisk disk(Path("OLDHDR.TXT"), Access::Create);
+    RefusingDisk disk(Path("ZUKOrHdr.dbf.zuk~"), Access::Create);
     Global.TheDisk = &disk;
 
     const RestoreResult result = Restore(Global.BackupPath + "61115090000/");
@@ -464,7 +464,7 @@ TEST_F(KeptCopies, WhereTheyCannotBePutBackNeitherBeginsAndSaysWhy) {
 
     Global.TheDisk = &NativeDisk();
     EXPECT_EQ(result.How, End::CopiesStay);
-    EXPECT_NE(result.Why.find("OLDHDR.TXT"), std::string::npos) << result.Why;
+    EXPECT_NE(result.Why.find("ZUKOrHdr.dbf"), std::string::npos) << result.Why;
     EXPECT_EQ(clearing, 70);
     EXPECT_TRUE(CopyIsThere());
     EXPECT_EQ(Codes("ZUKOrHdr.dbf"), Strings{"H1"});
@@ -474,7 +474,7 @@ TEST_F(KeptCopies, WhereTheyCannotBePutBackNeitherBeginsAndSaysWhy) {
 TEST_F(KeptCopies, ACopyOfATableThatIsNotReplacedStopsNothing) {
     GivenTable(Global.DBFPath, "ZUKAudHH", {{"old"}});
     GivenFile("app/DBFFiles/ZUKAudHH.dap", Bytes(Path("ZUKAudHH.dbf")));
-    RefusingDisk disk(Path("OLDHDR.TXT"), Access::Create);
+    RefusingDisk disk(Path("ZUKOrHdr.dbf.zuk~"), Access::Create);
     Global.TheDisk = &disk;
 
     EXPECT_NO_THROW(RecoverBeforeReplacing(Strings{"ZUKAUDHH.DBF"}));
