@@ -443,7 +443,11 @@ void WriteStretchedTexts(const std::string& path) {
         for (std::size_t from = 0; from <= words.size(); from += line.size() + 1) {
             line = words.substr(from, words.find('\n', from) - from);
             if (from > 0) rows += "\\n";
-            for (const char c : Stretched(line)) rows += c == '\t' ? std::string("\\t") : std::string(1, c);
+            // The head of a report stands over its columns.
+            for (const char c : line.starts_with('|') ? line : Stretched(line)) {
+                if (c == '\t' || c == '\\') rows += '\\';
+                rows += c == '\t' ? 't' : c;
+            }
         }
         rows += "\"\n";
     }

@@ -68,8 +68,18 @@ void SendMouse(const QPointer<QWindow>& window, QPointF local, QPointF global, Q
                         modifiers, ++mouseClock);
 }
 
+/// Scrolls a control that lies in a scrolled page into sight, as a person would before clicking.
+void BringIntoSight(QWidget& control) {
+    for (QWidget* parent = control.parentWidget(); parent && !control.isWindow();
+         parent = parent->parentWidget()) {
+        if (auto* area = qobject_cast<QScrollArea*>(parent)) area->ensureWidgetVisible(&control);
+        if (parent->isWindow()) break;
+    }
+}
+
 void ClickAt(QWidget& widget, QPoint at, Qt::KeyboardModifiers modifiers = Qt::NoModifier,
              bool twice = false) {
+    BringIntoSight(widget);
     QWidget* window = widget.window();
     const QPoint local = widget.mapTo(window, at);
     if (!window->rect().contains(local)) {
@@ -105,15 +115,6 @@ QPoint MarkOf(const QWidget& control) {
         ->subElementRect(isCheck ? QStyle::SE_CheckBoxIndicator : QStyle::SE_RadioButtonIndicator, &option,
                          &control)
         .center();
-}
-
-/// Scrolls a control that lies in a scrolled page into sight, as a person would before clicking.
-void BringIntoSight(QWidget& control) {
-    for (QWidget* parent = control.parentWidget(); parent && !control.isWindow();
-         parent = parent->parentWidget()) {
-        if (auto* area = qobject_cast<QScrollArea*>(parent)) area->ensureWidgetVisible(&control);
-        if (parent->isWindow()) break;
-    }
 }
 
 // ---- the keyboard ----
@@ -260,7 +261,6 @@ void ClickControl(QWidget& control) {
     RefuseUnusable(control);
     const bool answers = qobject_cast<QAbstractButton*>(&control) || (control.focusPolicy() & Qt::ClickFocus);
     if (!answers) throw Refused(Where(control) + QStringLiteral(" does not answer to the mouse"));
-    BringIntoSight(control);
     ClickAt(control, MarkOf(control));
 }
 

@@ -3,6 +3,7 @@
 #include <QEvent>
 #include <QLayout>
 #include <QMainWindow>
+#include <QPointer>
 #include <QScreen>
 #include <QScrollArea>
 #include <QScrollBar>
@@ -55,6 +56,7 @@ void ScreenFit::Fit() {
 
 void ScreenFit::MakeScroll(const QSize& needed) {
     scrolls_ = true;
+    const QPointer<QWidget> focus = window_.focusWidget(); // it loses that with its parent
     auto* area = new QScrollArea(&window_);
     area->setObjectName(QLatin1String(AreaName));
     area->setFrameShape(QFrame::NoFrame);
@@ -71,6 +73,7 @@ void ScreenFit::MakeScroll(const QSize& needed) {
         around->setContentsMargins(0, 0, 0, 0);
         around->addWidget(area);
     }
+    if (focus) focus->setFocus();
     const int bar = area->verticalScrollBar()->sizeHint().width();
     window_.resize(window_.size().expandedTo(needed + QSize(bar, bar)).boundedTo(RoomOn(*window_.screen())));
 }

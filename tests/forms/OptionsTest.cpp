@@ -377,9 +377,9 @@ TEST_F(Options, AnActivityThatCannotBeWrittenIsToldAndTheEarlierOnesStaySaved) {
     Click(form, "chkDemoTemplates");
     const std::string before = Ini();
     Operator_
-        .Expect(
+        .ExpectBeginning(
             T("File error! Cannot save to specified Activity Template filename. Please change the name and "
-              "try again."))
+              "try again.\nPermission denied: "))
         .With(Icon::Warning);
     Global.TheDisk = &disk;
 
