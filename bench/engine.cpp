@@ -13,6 +13,7 @@
 #include "maintenance/VersionUpdate.h"
 #include "quality/Checks.h"
 #include "quality/SearchField.h"
+#include "quality/TableChecks.h"
 #include "store/CreateTable.h"
 #include "store/OfficeTables.h"
 #include "store/SortTables.h"
@@ -446,7 +447,7 @@ void OpenAMasterEditor(benchmark::State& state) {
     const BenchOffice office;
     office.GivenCustomers(state.range(0), Order::None);
     for (auto _ : state) {
-        MasterTable customers(CustomerMaster);
+        MasterTable customers(CustomerMaster, QualityRules);
         customers.Open(1);
         benchmark::DoNotOptimize(customers.Lookup().size());
     }
@@ -458,7 +459,7 @@ void SaveAndMoveInAMaster(benchmark::State& state) {
     const BenchOffice office;
     office.GivenCustomers(state.range(0), Order::None);
     constexpr int C_CITY = 8;
-    MasterTable customers(CustomerMaster);
+    MasterTable customers(CustomerMaster, QualityRules);
     customers.Open(1);
     int turn = 0;
     for (auto _ : state) {

@@ -72,7 +72,11 @@ void SendMouse(const QPointer<QWindow>& window, QPointF local, QPointF global, Q
 void BringIntoSight(QWidget& control) {
     for (QWidget* parent = control.parentWidget(); parent && !control.isWindow();
          parent = parent->parentWidget()) {
-        if (auto* area = qobject_cast<QScrollArea*>(parent)) area->ensureWidgetVisible(&control);
+        if (auto* area = qobject_cast<QScrollArea*>(parent)) {
+            area->ensureWidgetVisible(&control); // of a line, its cursor
+            const QPoint middle = control.mapTo(area->widget(), control.rect().center());
+            area->ensureVisible(middle.x(), middle.y());
+        }
         if (parent->isWindow()) break;
     }
 }

@@ -5,6 +5,7 @@
 #include "core/Progress.h"
 #include "core/SafeFile.h"
 #include "quality/SearchField.h"
+#include "quality/TableChecks.h"
 #include "store/DBFEdit.h"
 #include "store/OfficeTables.h"
 #include "store/SortTables.h"
@@ -71,7 +72,7 @@ std::string ChangeSearchField() {
 }
 
 std::string DeleteCustomer() {
-    MasterTable customers(CustomerMaster);
+    MasterTable customers(CustomerMaster, QualityRules);
     customers.Open(Customers / 2);
     return customers.Delete() ? "" : "the record is not there";
 }
