@@ -447,7 +447,7 @@ void OpenAMasterEditor(benchmark::State& state) {
     const BenchOffice office;
     office.GivenCustomers(state.range(0), Order::None);
     for (auto _ : state) {
-        MasterTable customers(CustomerMaster, QualityRules);
+        MasterTable customers(CustomerMaster, {FieldsWithoutRepeats, FirstObjection});
         customers.Open(1);
         benchmark::DoNotOptimize(customers.Lookup().size());
     }
@@ -459,7 +459,7 @@ void SaveAndMoveInAMaster(benchmark::State& state) {
     const BenchOffice office;
     office.GivenCustomers(state.range(0), Order::None);
     constexpr int C_CITY = 8;
-    MasterTable customers(CustomerMaster, QualityRules);
+    MasterTable customers(CustomerMaster, {FieldsWithoutRepeats, FirstObjection});
     customers.Open(1);
     int turn = 0;
     for (auto _ : state) {

@@ -72,7 +72,7 @@ std::string ChangeSearchField() {
 }
 
 std::string DeleteCustomer() {
-    MasterTable customers(CustomerMaster, QualityRules);
+    MasterTable customers(CustomerMaster, {FieldsWithoutRepeats, FirstObjection});
     customers.Open(Customers / 2);
     return customers.Delete() ? "" : "the record is not there";
 }
