@@ -13,7 +13,7 @@
 namespace {
 
 constexpr int InRow = 6;
-constexpr QSize Cell{300, 240}; // pixels, with the name below the picture
+constexpr QSize Cell{300, 240}; // pixels, with the name above the picture
 constexpr int NameHeight = 20;
 constexpr int Gap = 8;
 
@@ -47,8 +47,8 @@ void MakeSheet(const QDir& set, const QString& look, const QStringList& screens,
         const QSize room = Cell - QSize(0, NameHeight);
         if (picture.width() > room.width() || picture.height() > room.height())
             picture = picture.scaled(room, Qt::KeepAspectRatio, Qt::SmoothTransformation);
-        painter.drawImage(cell.topLeft(), picture);
-        painter.drawText(cell, Qt::AlignLeft | Qt::AlignBottom, screens[at]);
+        painter.drawText(cell, Qt::AlignLeft | Qt::AlignTop, screens[at]);
+        painter.drawImage(cell.topLeft() + QPoint(0, NameHeight), picture);
     }
     painter.end();
     if (!sheet.save(path)) throw OfficeFailure("cannot write " + path.toStdString());
