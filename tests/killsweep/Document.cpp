@@ -4,6 +4,7 @@
 #include <array>
 #include <filesystem>
 #include <fstream>
+#include <regex>
 #include <set>
 #include <sstream>
 #include <stdexcept>
@@ -75,12 +76,13 @@ std::string RowOf(const SweepJob& job, const SweepFindings& findings) {
 
 /// True for a source that puts a file in place, moves or removes one itself, or writes into one.
 bool WritesFiles(const std::string& source) {
+    static const std::regex SafeFileMade("SafeFile [a-z]+\\(");
     constexpr std::array Ways = {
-        "SafeFile file(",        "SafeFile text(",  "SafeFile bitmap(", "SafeFile about(", "SafeFile target(",
-        "make_unique<SafeFile>", "WriteWholeFile(", "CopyOver(",        "TableRewrite ",   "TableRewrite(",
-        "AppendLine(",           "RemoveQuietly(",  "CreateTable(",     "->Rename(",       "->Remove(",
-        "->RemoveFolder(",       "->WriteAt(",      ".WriteAt(",        "DBFEdit links",   "Access::Create",
+        "make_unique<SafeFile>", "WriteWholeFile(", "CopyOver(",    "TableRewrite ", "TableRewrite(",
+        "AppendLine(",           "RemoveQuietly(",  "CreateTable(", "->Rename(",     "->Remove(",
+        "->RemoveFolder(",       "->WriteAt(",      ".WriteAt(",    "DBFEdit links", "Access::Create",
         "Access::ReadWrite"};
+    if (std::regex_search(source, SafeFileMade)) return true;
     return std::any_of(Ways.begin(), Ways.end(),
                        [&](const char* way) { return source.find(way) != std::string::npos; });
 }
