@@ -193,7 +193,7 @@ TEST_F(AboutScreen, ADesktopThatDoesNotTakeTheMessageIsTold) {
     auto& form = Open<frmAbout>();
     Operator_.Expect(msg::SysInfoMailQuestion).Answer(Answer::Yes);
     Operator_.ExpectLink("mailto:", false);
-    Operator_.Expect(msg::MailFailed).With(Icon::Stop);
+    Operator_.Expect(::Lines(msg::MailFailed, msg::NoMailProgram)).With(Icon::Stop);
 
     Click(form, "cmdEMail");
 }
@@ -293,7 +293,7 @@ TEST_F(EventLogScreen, NoMakesNoMessageAndAFailureIsTold) {
     Click(form, "cmdEMail");
     Operator_.Expect(msg::EventLogMailQuestion).Answer(Answer::Yes);
     Operator_.ExpectLink("mailto:", false);
-    Operator_.Expect(msg::MailFailed);
+    Operator_.Expect(::Lines(msg::MailFailed, msg::NoMailProgram));
     Click(form, "cmdEMail");
 }
 
@@ -640,7 +640,7 @@ TEST_F(NotesScreen, NoMakesNoMessageAndAFailureIsTold) {
     Click(form, "cmdEMail");
     Operator_.Expect(msg::NoteMailQuestion).Answer(Answer::Yes);
     Operator_.ExpectLink("mailto:", false);
-    Operator_.Expect(msg::MailFailed);
+    Operator_.Expect(::Lines(msg::MailFailed, msg::NoMailProgram));
     Click(form, "cmdEMail");
 }
 

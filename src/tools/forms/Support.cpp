@@ -64,7 +64,7 @@ void OfferSupportMail(const SupportMail& mail) {
         if (SendMail(address, {}, {}, mail.Subject.CodePage(), mail.Body()))
             Tell(mail.WhenCreated, Icon::Information);
         else
-            Tell(msg::MailFailed, Icon::Stop);
+            Tell(Lines(msg::MailFailed, msg::NoMailProgram), Icon::Stop);
     } catch (const RunTimeFailure& failure) {
         Tell(Lines(msg::MailFailed, Reason(failure)), Icon::Stop);
     }
