@@ -18,8 +18,12 @@ void WaitUntil(const std::function<bool()>& condition) {
     QTimer look;
     QObject::connect(&look, &QTimer::timeout, &look, [] {});
     look.start(5);
-    WaitInLoop([&] { return !condition() && !until.hasExpired(); });
-    EXPECT_TRUE(condition()) << "waited in vain";
+    bool met = false; // once: what was there a moment ago may have gone again
+    WaitInLoop([&] {
+        met = met || condition();
+        return !met && !until.hasExpired();
+    });
+    EXPECT_TRUE(met) << "waited in vain";
 }
 
 /// Lives in the thread; its server and its sockets do too.
