@@ -50,6 +50,17 @@ std::string Pick(const Names& names, std::int64_t index) {
     return std::string(names[static_cast<std::size_t>(index) % names.size()]);
 }
 
+/// As an accounting system writes them: quotes round the texts, and a comma in one of them.
+std::string CustomerLine(std::int64_t i) {
+    const std::string n = std::to_string(i);
+    const std::string zip = std::to_string(10000 + i * 7 % 90000);
+    const std::string phone = std::to_string(1000 + i * 13 % 9000);
+    return Code('C', i) + R"(,")" + Pick(Companies, i) + " " + n + R"(, Ltd",")" + Pick(People, i) +
+           R"(",")" + n + R"( High Street",")" + Pick(Cities, i) + R"(","WA",)" + zip + R"(,"(206) 555-)" +
+           phone + R"(","Net 30",")" + Pick(Ways, i) + R"(",STD,"ALT)" + n + R"(","Floor )" +
+           std::to_string(i % 40) + R"(",0)";
+}
+
 } // namespace
 
 BenchOffice::BenchOffice()
@@ -86,18 +97,10 @@ BenchOffice::~BenchOffice() {
 }
 
 std::string BenchOffice::GivenCustomerFile(std::int64_t lines) const {
-    const std::string path = Global.DataInPath + "customers-" + std::to_string(lines) + ".csv";
+    std::string path = Global.DataInPath + "customers-" + std::to_string(lines) + ".csv";
     SafeFile file(path);
     file.WriteLine("Code,Name,Contact,Address,City,State,Zip,Phone,Terms,Via,Tax,Alt,Second,End");
-    for (std::int64_t i = 0; i < lines; ++i) {
-        const std::string n = std::to_string(i);
-        const std::string zip = std::to_string(10000 + i * 7 % 90000);
-        const std::string phone = std::to_string(1000 + i * 13 % 9000);
-        file.WriteLine(Code('C', i) + ",\"" + Pick(Companies, i) + " " + n + ", Ltd\",\"" + Pick(People, i) +
-                       "\",\"" + n + " High Street\",\"" + Pick(Cities, i) + "\",\"WA\"," + zip +
-                       ",\"(206) 555-" + phone + "\",\"Net 30\",\"" + Pick(Ways, i) + "\",STD,\"ALT" + n +
-                       "\",\"Floor " + std::to_string(i % 40) + "\",0");
-    }
+    for (std::int64_t i = 0; i < lines; ++i) file.WriteLine(CustomerLine(i));
     file.Commit(false);
     return path;
 }

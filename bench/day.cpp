@@ -285,7 +285,7 @@ private:
     Orders Taken() {
         Orders taken;
         for (int k = 0; k < Handhelds; ++k) taken.merge(OnHandheld(User(k)));
-        Require(taken.size() == static_cast<std::size_t>(Handhelds * orders_),
+        Require(taken.size() == static_cast<std::size_t>(Handhelds) * static_cast<std::size_t>(orders_),
                 QStringLiteral("the handhelds do not hold all orders"));
         for (const auto& [code, order] : taken)
             Require(order.Headers == 1 && order.Lines == LinesOfOrder,

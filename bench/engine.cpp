@@ -276,7 +276,7 @@ std::string BackupAt(int minute) {
     moment = {2026, 11, 1 + minute / 1440 % 28, minute / 60 % 24, minute % 60, 0};
     Global.Clock = [] { return moment; };
     if (!MakeBackup("CLEAR")) return {};
-    const std::string folder = Global.BackupPath + BackupName(moment) + "/";
+    std::string folder = Global.BackupPath + BackupName(moment) + "/";
     moment = {2026, 12, 1, 0, 0, minute % 60};
     return folder;
 }

@@ -27,7 +27,7 @@ std::string MakeTable(const std::string& folder, const char* name, int records) 
     for (const TableField& field : entry.Fields) {
         fields.push_back({field.Name, field.Type, field.Length, field.Decimals});
     }
-    const std::string path = folder + name + ".DBF";
+    std::string path = folder + name + ".DBF";
     TableRewrite table(path, fields);
     std::mt19937 random(1);
     for (int k = 0; k < records; ++k) {

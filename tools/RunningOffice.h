@@ -43,6 +43,10 @@ QString TotalsOf(const Orders& orders);
 /// are made of. Everything lies in the folder `office` and in `<office>-around`. What does not come about is
 /// a DayFailure, or one of those of its parts.
 class RunningOffice {
+public:
+    RunningOffice(const RunningOffice&) = delete;
+    RunningOffice& operator=(const RunningOffice&) = delete;
+
 protected:
     /// Of a user of the HotSync Manager, with a handheld and a row in the Links table.
     struct Salesperson {
@@ -59,9 +63,6 @@ protected:
                   const QStringList& options, std::function<void(const QString&)> say,
                   const std::function<void(const QString& folder)>& samples);
     ~RunningOffice();
-    RunningOffice(const RunningOffice&) = delete;
-    RunningOffice& operator=(const RunningOffice&) = delete;
-
     void StartProgram(const QString& box = {});
     /// The manager as this process's own; the program finds it there.
     void StartManager();

@@ -151,7 +151,6 @@ void BoxJudge::CheckAnswered() {
             if (!box.HiddenUntil) box.HiddenUntil = QDeadlineTimer(KeptBoxMilliseconds);
             isOver = box.HiddenUntil->hasExpired();
         } else if (!isOver && box.Until.hasExpired() && !Desk::BlockedBy(*box.Box)) {
-            isOver = true;
             const QString words = QStringLiteral("%1 \"%2\" was answered and is still there")
                                       .arg(box.Box->objectName(), BoxText(*box.Box));
             answered_.removeAt(i);

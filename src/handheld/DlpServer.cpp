@@ -83,21 +83,21 @@ DlpServer::Handler DlpServer::HandlerOf(DlpFunction function) {
 }
 
 std::string DlpServer::Answer(std::string_view request) {
-    const unsigned id = request.empty() ? 0 : static_cast<unsigned char>(request.front());
-    const auto function = static_cast<DlpFunction>(id & 0x7F);
-    DlpError error = DlpError::System;
+    const auto refusal = [request](DlpError error) {
+        const unsigned id = request.empty() ? 0 : static_cast<unsigned char>(request.front());
+        return PackResponse(DlpResponse(static_cast<DlpFunction>(id & 0x7F), error));
+    };
     try {
         return PackResponse(Dispatch(request));
     } catch (const DlpRefused& refused) {
-        error = refused.Error;
+        return refusal(refused.Error);
     } catch (const PalmFailure&) { // a handler has asked an argument for more than it holds
-        error = DlpError::ArgumentSize;
+        return refusal(DlpError::ArgumentSize);
     } catch (const Refusal&) {
-        error = DlpError::System;
+        return refusal(DlpError::System);
     } catch (const RunTimeFailure& failure) {
-        error = failure.Number() == DiskFull ? DlpError::NoSpace : DlpError::System;
+        return refusal(failure.Number() == DiskFull ? DlpError::NoSpace : DlpError::System);
     }
-    return PackResponse(DlpResponse(function, error));
 }
 
 DlpResponse DlpServer::Dispatch(std::string_view message) {

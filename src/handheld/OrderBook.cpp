@@ -280,7 +280,7 @@ std::string OrderBook::Take(const OrderEntry& entry) {
 
     const OrderNumbers before = numbers_;
     try {
-        const std::string code = NewCode();
+        std::string code = NewCode();
         headers_.Put(header, "H_ORDCODE", code);
         for (std::size_t k = 0; k < lines.size(); ++k) {
             lines_.Put(lines[k], "L_ORDCODE", code);

@@ -48,6 +48,7 @@ OrderEntry RandomOrder(Dice& dice, const std::vector<std::string>& customers,
 
 std::vector<std::string> CodesOf(const std::vector<OrderBook::Choice>& choices) {
     std::vector<std::string> codes;
+    codes.reserve(choices.size());
     for (const OrderBook::Choice& choice : choices) codes.push_back(choice.Code);
     return codes;
 }
