@@ -6,9 +6,19 @@
 #include "platform/Convert.h"
 #include "platform/Look.h"
 
+#include <algorithm>
+
+namespace {
+
+constexpr int LettersPerLine = 40; ///< or more: large letters are not to make a column of a question
+
+} // namespace
+
 void frmMessage::Form_Load() {
     TraceEvent("frmMessage:Form_Load");
     Global.MessageAnswer = false;
+    const int line = LettersPerLine * lblMessage->fontMetrics().averageCharWidth();
+    lblMessage->setMinimumWidth(std::max(lblMessage->minimumWidth(), line));
 }
 
 void frmMessage::Fill(const Question& question) {
