@@ -132,6 +132,7 @@ struct Globals {
     bool TotalsBusy = false;                   ///< they are being taken in by an unattended session
     DateTime BackupTime;     ///< the moment of the last MakeBackup; zero once a totals event has taken it
     std::string BackupEvent; ///< the event that it was made for
+    std::string BackupFault; ///< what stopped the last MakeBackup; empty when it was made
     /// What an upload moves, as its template or its screen says; backups take the latter two tables too.
     bool BackupOrders = false, BackupAudits = false, BackupHHTotals = false;
     bool BackupCustomers = false, BackupItems = false;

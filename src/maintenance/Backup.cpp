@@ -125,18 +125,23 @@ bool MakeBackup(std::string_view event, const std::vector<std::string>& further,
                 std::optional<DateTime> moment) {
     TraceEvent("basCommon:MakeBackup");
     const std::vector<std::string> tables = TablesOfABackup(further);
-    const bool locked = std::any_of(tables.begin(), tables.end(), [](const std::string& table) {
-        return TableIsLocked(Global.DBFPath + table);
-    });
-    if (locked) return false;
+    Global.BackupFault.clear();
+    for (const std::string& table : tables) {
+        if (!TableIsLocked(Global.DBFPath + table)) continue;
+        const std::string path = Global.DBFPath + table;
+        Global.BackupFault = FileExists(path) ? path : RunTimeFailure(53, path).what();
+        return false;
+    }
     Global.BackupTime = moment ? *moment : Now();
     Global.BackupEvent = event;
     try {
         CopyTables(event, tables);
         return true;
-    } catch (const std::exception&) {
+    } catch (const std::exception& failure) {
         Global.BackupTime = {};
         Global.BackupEvent.clear();
+        Global.BackupFault = failure.what();
+        TraceEvent("basCommon:MakeBackup " + Global.BackupFault);
         return false;
     }
 }

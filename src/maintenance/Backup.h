@@ -18,7 +18,7 @@
 /// that can be opened, and the order tables must hold the counts and the total that stand in the text.
 /// Events: "EXPORT", "QUALCHECK", "RESTORE", "UPLOAD-ADD", "CLEAR". False when a table is locked or
 /// missing, before anything was made, or for any failure after that, a copy that differs among them; a
-/// directory that was made then has no `Backup.txt`.
+/// directory that was made then has no `Backup.txt`. Global.BackupFault then says which file it was.
 /// `further` are the file names of other tables that the operation replaces, copied too. `moment` is the
 /// event's, the present when it is not given.
 bool MakeBackup(std::string_view event, const std::vector<std::string>& further = {},

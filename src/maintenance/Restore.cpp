@@ -182,7 +182,7 @@ RestoreResult RestoreTables(
     std::vector<std::string> replaced;
     std::copy_if(tables.begin(), tables.end(), std::back_inserter(replaced),
                  [](const std::string& table) { return FileExists(Global.DBFPath + table); });
-    if (!MakeBackup("RESTORE", replaced, moment)) return endedBy(End::NoSafetyCopy);
+    if (!MakeBackup("RESTORE", replaced, moment)) return endedBy(End::NoSafetyCopy, Global.BackupFault);
 
     try {
         TableJob job(JobKind::Restore, NameOfFolder(folder), tables);

@@ -249,7 +249,7 @@ TEST_F(ClearPC, ATableThatAnotherProgramLocksStopsItBeforeAnythingHasChanged) {
         const OtherProgram other(ResolvePath(audits), false);
         ASSERT_TRUE(other.Holds);
         ExpectWarning(Answer::Yes);
-        Operator_.Expect(Locked()).With(Icon::Stop);
+        Operator_.Expect(::Lines(Locked(), T(Global.DBFPath + "ZUKAudTL.dbf"))).With(Icon::Stop);
         Click(form, "cmdOK");
     }
 

@@ -432,7 +432,9 @@ TEST_F(ExportChecks, ABackupThatFailsIsToldAndTheRepeatsGoAllTheSame) {
     WriteWholeFile(Global.AppPath + "Backup", "a file where the folder should be");
     auto& form = Ready("chkQC");
     Operator_.Expect(msg::DuplicateOrders).Answer(Answer::Yes);
-    Operator_.Expect(::Lines(msg::FileError, msg::CannotBackUp)).With(Icon::Stop);
+    const Text why =
+        T("Path/File access error: " + Global.BackupPath.substr(0, Global.BackupPath.size() - 1));
+    Operator_.ExpectBeginning(::Lines(::Lines(msg::FileError, msg::CannotBackUp), why)).With(Icon::Stop);
     ExpectEnd("3 of 3");
 
     Click(form, "cmdOK");

@@ -482,7 +482,8 @@ TEST_F(QuickButtons, AFailedBackupIsToldAndTheOrdersStay) {
     WriteWholeFile(Global.DBFPath + ".~lock.ZUKAudTH.dbf#", "office");
     auto& form = Run<frmQBExport>("Evening");
     Operator_.Expect(::Lines(msg::DeleteExported, msg::DeleteExportedNote)).Answer(Answer::Yes);
-    Operator_.Expect(::Lines(msg::FileError, msg::CannotBackUp)).With(Icon::Stop);
+    Operator_.Expect(::Lines(::Lines(msg::FileError, msg::CannotBackUp), T(Global.DBFPath + "ZUKAudTH.dbf")))
+        .With(Icon::Stop);
 
     Click(form, "cmdOK");
 

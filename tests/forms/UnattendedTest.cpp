@@ -805,7 +805,9 @@ TEST_F(Unattended, ABackupThatFailsIsToldAndTheSessionEndsWithoutAnUpload) {
     auto& main = Arm(Start(), "Evening");
     std::filesystem::remove_all(Global.BackupPath);
     WriteWholeFile(Global.BackupPath.substr(0, Global.BackupPath.size() - 1), "in the way");
-    Operator_.Expect(::Lines(msg::FileError, msg::CannotBackUp)).With(Icon::Stop);
+    const Text why =
+        T("Path/File access error: " + Global.BackupPath.substr(0, Global.BackupPath.size() - 1));
+    Operator_.ExpectBeginning(::Lines(::Lines(msg::FileError, msg::CannotBackUp), why)).With(Icon::Stop);
 
     handhelds_.HotSync("Anna");
 

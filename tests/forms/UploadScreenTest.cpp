@@ -499,7 +499,9 @@ TEST_F(UploadScreen, WithoutItsBackupNothingIsTransferred) {
     auto& form = Open<frmUploadSelect>();
     Tick(form, "chkAudHH");
     Operator_.Expect(msg::UploadNow).Answer(Answer::Yes);
-    Operator_.Expect(::Lines(msg::FileError, msg::TransferAborted)).With(Icon::Stop);
+    const Text why =
+        T("Permission denied: " + Global.BackupPath);
+    Operator_.ExpectBeginning(::Lines(::Lines(msg::FileError, msg::TransferAborted), why)).With(Icon::Stop);
     Global.TheDisk = &disk;
 
     Click(form, "cmdOK");

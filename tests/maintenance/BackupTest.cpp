@@ -143,6 +143,7 @@ TEST_F(BackupTest, ACopyThatIsAnotherThanItsTableIsNo) {
         LyingDisk disk(table);
         Global.TheDisk = &disk;
         EXPECT_FALSE(MakeBackup("CLEAR")) << table;
+        EXPECT_NE(Global.BackupFault.find(Directory() + table), std::string::npos) << Global.BackupFault;
         Global.TheDisk = &NativeDisk();
         EXPECT_FALSE(Exists(Directory() + "Backup.txt")) << table;
     }
@@ -260,6 +261,7 @@ TEST_F(BackupTest, AMissingTableIsNoBeforeAnythingIsMade) {
     for (const std::string& table : OrderTables) {
         fs::rename(Global.DBFPath + table, Global.DBFPath + "away");
         EXPECT_FALSE(MakeBackup("CLEAR")) << table;
+        EXPECT_EQ(Global.BackupFault, RunTimeFailure(53, Global.DBFPath + table).what());
         fs::rename(Global.DBFPath + "away", Global.DBFPath + table);
     }
     EXPECT_TRUE(fs::is_empty(Global.BackupPath));
@@ -273,11 +275,13 @@ TEST_F(BackupTest, ATableThatAnotherProgramLocksIsNoBeforeAnythingIsMade) {
             const OtherProgram other(Global.DBFPath + table, wholeFile);
             ASSERT_TRUE(other.Holds);
             EXPECT_FALSE(MakeBackup("CLEAR")) << table << wholeFile;
+            EXPECT_EQ(Global.BackupFault, Global.DBFPath + table);
         }
     }
     EXPECT_TRUE(fs::is_empty(Global.BackupPath));
 
     EXPECT_TRUE(MakeBackup("CLEAR"));
+    EXPECT_EQ(Global.BackupFault, "");
 }
 #endif
 
@@ -304,6 +308,7 @@ TEST_F(BackupTest, AFaultAnywhereIsNoAndLeavesNoHalfFile) {
         FaultyDisk disk(n);
         Global.TheDisk = &disk;
         EXPECT_FALSE(MakeBackup("CLEAR")) << n;
+        EXPECT_NE(Global.BackupFault, "") << n;
         Global.TheDisk = &NativeDisk();
         EXPECT_TRUE(Global.BackupTime.IsZero()) << n;
         EXPECT_EQ(Global.Files.Count(), 0) << n;

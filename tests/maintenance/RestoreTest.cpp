@@ -363,8 +363,10 @@ TEST_F(RestoreTest, WithoutACopyOfThePresentTablesNothingIsTouched) {
     GivenOrders({"B1"});
     fs::remove(Global.DBFPath + "ZUKAudTL.dbf");
 
-    EXPECT_EQ(Restore(folder).How, End::NoSafetyCopy);
+    const RestoreResult result = Restore(folder);
 
+    EXPECT_EQ(result.How, End::NoSafetyCopy);
+    EXPECT_EQ(result.Why, RunTimeFailure(53, Global.DBFPath + "ZUKAudTL.dbf").what());
     EXPECT_EQ(Codes(), Strings{"B1"});
 }
 

@@ -17,8 +17,7 @@ namespace {
 
 RepeatQuestions OrderQuestions() {
     return {[] { return AskYesNo(msg::DuplicateOrders); }, [] { return MakeBackup("QUALCHECK"); },
-            [] { Tell(Lines(msg::FileError, msg::CannotBackUp), Icon::Stop); },
-            [] { RecordTotals(ProgressFlag::QualCheck); }};
+            [] { TellNoBackup(msg::CannotBackUp); }, [] { RecordTotals(ProgressFlag::QualCheck); }};
 }
 
 } // namespace
@@ -68,7 +67,7 @@ bool AgreedToDelete(FormBehaviour& form) {
     if (!AwaitOwnSecond(form)) return false;
     if (!MakeBackup("EXPORT")) {
         // Without a backup nothing is emptied: the orders would be gone.
-        Tell(Lines(msg::FileError, msg::CannotBackUp), Icon::Stop);
+        TellNoBackup(msg::CannotBackUp);
         return false;
     }
     RecordTotals(ProgressFlag::Export);

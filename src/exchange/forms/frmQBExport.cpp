@@ -64,8 +64,8 @@ void frmQBExport::OfferDeletion() {
         if (!AgreedToDelete(*this)) return;
         for (const std::string& table : ExportedTables())
             CopyOver(Global.DBFEmptyPath + table, Global.DBFPath + table);
-    } catch (const RunTimeFailure&) {
-        Tell(msg::DeletingError, Icon::Information);
+    } catch (const RunTimeFailure& failure) {
+        Tell(Lines(msg::DeletingError, Text::Path(std::string_view(failure.what()))), Icon::Information);
     }
 }
 

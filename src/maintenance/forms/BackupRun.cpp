@@ -1,5 +1,8 @@
 #include "maintenance/forms/BackupRun.h"
 
+#include "core/Globals.h"
+#include "core/Messages.h"
+#include "core/Operator.h"
 #include "maintenance/Backup.h"
 
 namespace {
@@ -11,4 +14,8 @@ constexpr double OneSecond = 1;
 bool AwaitOwnSecond(FormBehaviour& form) {
     if (HasBackupOfThisSecond()) form.PauseFor(OneSecond);
     return !form.IsOver();
+}
+
+void TellNoBackup(MessageId text) {
+    Tell(Lines(Lines(msg::FileError, text), Text::Path(std::string_view(Global.BackupFault))), Icon::Stop);
 }

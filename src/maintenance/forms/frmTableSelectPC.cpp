@@ -86,7 +86,7 @@ void frmTableSelectPC::Perform() {
     if (!TablesAreFree(TablesOf(plan))) return;
     if (!CopiesAreIn(plan)) return;
     if (plan.NeedsBackup() && !MakeBackup("CLEAR")) {
-        Tell(Lines(msg::FileError, msg::TransferAborted), Icon::Stop);
+        TellNoBackup(msg::TransferAborted);
         if (auto* main = IfMainScreen()) main->RefreshRecordCounts();
         return;
     }

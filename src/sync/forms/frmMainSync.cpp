@@ -6,6 +6,7 @@
 #include "core/Operator.h"
 #include "core/forms/frmProgress.h"
 #include "maintenance/Totals.h"
+#include "maintenance/forms/BackupRun.h"
 #include "platform/HotSyncControl.h"
 #include "platform/MainScreen.h"
 #include "store/forms/frmAppend.h"
@@ -78,7 +79,7 @@ void frmMainSync::TellUnknownHandheld() {
 }
 
 void frmMainSync::TellBackupFailed() {
-    Tell(Lines(msg::FileError, msg::CannotBackUp), Icon::Stop);
+    TellNoBackup(msg::CannotBackUp);
 }
 
 void frmMainSync::ShowBegun(const std::string& user) {

@@ -8,6 +8,7 @@
 #include "maintenance/Backup.h"
 #include "maintenance/SafetyCopies.h"
 #include "maintenance/Totals.h"
+#include "maintenance/forms/BackupRun.h"
 #include "maintenance/forms/frmTotalsMsg.h"
 #include "platform/HotSyncManager.h"
 #include "platform/MainScreen.h"
@@ -74,7 +75,7 @@ void frmUploadSelect::Perform() {
     UnloadMainSync();
     OrdersChosen = chkOrHdr->isChecked();
     if (!TablesAreFree(ChosenTables())) return;
-    if (!MakeBackupOfChosen()) return Tell(Lines(msg::FileError, msg::TransferAborted), Icon::Stop);
+    if (!MakeBackupOfChosen()) return TellNoBackup(msg::TransferAborted);
     AddData();
 }
 

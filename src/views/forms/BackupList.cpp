@@ -191,7 +191,7 @@ void TellOf(const RestoreResult& result, bool counted) {
     case RestoreResult::End::CopiesStay:
         return Tell(withWhy(msg::CopiesNotPutBack), Icon::Stop);
     case RestoreResult::End::NoSafetyCopy:
-        return Tell(Lines(msg::FileError, msg::CannotBackUp), Icon::Stop);
+        return Tell(withWhy(msg::CannotBackUp), Icon::Stop);
     case RestoreResult::End::Unusable:
         return Tell(withWhy(msg::RestoreNothing), Icon::Stop);
     case RestoreResult::End::Stopped:
