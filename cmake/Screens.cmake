@@ -86,9 +86,8 @@ add_library(layoutcheck STATIC ${CMAKE_SOURCE_DIR}/tools/LayoutCheck.cpp ${CMAKE
 target_include_directories(layoutcheck PUBLIC ${CMAKE_SOURCE_DIR}/tools)
 target_link_libraries(layoutcheck PUBLIC screens)
 
-add_executable(pictures_of_screens ${CMAKE_SOURCE_DIR}/tools/pictures.cpp ${CMAKE_SOURCE_DIR}/tools/FilledTables.cpp
-    ${CMAKE_SOURCE_DIR}/tools/PagePictures.cpp ${CMAKE_SOURCE_DIR}/tools/PagePictures.h
-    ${CMAKE_SOURCE_DIR}/tools/ContactSheet.cpp ${CMAKE_SOURCE_DIR}/tools/ContactSheet.h)
+file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tools/pictures/*.cpp ${CMAKE_SOURCE_DIR}/tools/pictures/*.h)
+add_executable(pictures_of_screens ${sources} ${CMAKE_SOURCE_DIR}/tools/FilledTables.cpp)
 target_link_libraries(pictures_of_screens PRIVATE screens pictures officeforday layoutcheck)
 target_compile_definitions(pictures_of_screens PRIVATE TRAMBLE_VERSION="${PROJECT_VERSION}")
 

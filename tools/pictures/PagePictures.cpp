@@ -91,7 +91,7 @@ void PagePictures::ReadNames(const QString& page, const QString& folder) {
     for (auto each = picture.globalMatch(text); each.hasNext();) wanted_ << folder + each.next().captured(1);
 }
 
-void PagePictures::Take(QWidget& window, const QString& name) {
+void PagePictures::TakeShown(QWidget& window, const QString& name) {
     QImage picture;
     for (const QString& folder : Folders) {
         const QString path = folder + name + QStringLiteral(".png");

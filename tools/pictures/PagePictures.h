@@ -1,26 +1,27 @@
 #pragma once
 
+#include "Camera.h"
+
 #include <QSet>
-#include <QString>
 
 class QImage;
-class QWidget;
 
 /// The pictures of screens that pages refer to: those of the help in `resources/help/pictures`, and those of
 /// README.md in `docs/pictures`. They are palette PNG files, at most 700 pixels wide. OfficeFailure when a
 /// page or a picture cannot be read or written.
-class PagePictures {
+class PagePictures final : public Camera {
 public:
     /// Reads which pictures the pages below `sources`, the folder of the program's sources, refer to.
     explicit PagePictures(const QString& sources);
 
-    /// Takes a picture of a window, or of a part of one, for each page that wants one of this name. A window
-    /// may be made narrower for it, and gets its title above it as a desktop would show it.
-    void Take(QWidget& window, const QString& name);
-
     /// Removes the files that no page refers to any more. OfficeFailure, with their names, when there are
     /// pictures that were never taken.
     void Finish() const;
+
+protected:
+    /// For each page that wants a picture of this name. A window may be made narrower for it, and gets its
+    /// title above it as a desktop would show it.
+    void TakeShown(QWidget& window, const QString& name) override;
 
 private:
     void ReadNames(const QString& page, const QString& folder);
