@@ -88,8 +88,10 @@ using SetSums = std::map<std::string, std::uint64_t>;
 SetSums SumsOf(const std::string& install) {
     SetSums sums;
     for (const char* folder : {"", "Graphics/"}) {
-        for (const std::string& name : FilesWithExtension(install + folder, ""))
-            sums[folder + name] = SumOfFile(install + folder + name).Sum;
+        for (const std::string& name : FilesWithExtension(install + folder, "")) {
+            const std::string path = folder + name;
+            sums[path] = SumOfFile(install + path).Sum;
+        }
     }
     sums.erase(std::string(Mark)); // where the set lies in the office itself
     return sums;

@@ -80,12 +80,12 @@ FormBehaviour* FormRegistry::Topmost() const {
 }
 
 void FormRegistry::FocusTopmost() {
-    FormBehaviour* top = Topmost();
-    if (!top) return;
-    QTimer::singleShot(0, &top->Window(), [this, top] {
+    if (!Topmost()) return;
+    FormBehaviour& top = *Topmost();
+    QTimer::singleShot(0, &top.Window(), [this, &top] {
         // A form that was opened meanwhile stands above this one, which is called when that has gone.
-        if (Topmost() != top || top->IsOver()) return;
-        top->Run([top] { top->Form_GotFocus(); });
+        if (Topmost() != &top || top.IsOver()) return;
+        top.Run([&top] { top.Form_GotFocus(); });
     });
 }
 

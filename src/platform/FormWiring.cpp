@@ -19,6 +19,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMenu>
 #include <QMetaMethod>
 #include <QPlainTextEdit>
 #include <QRadioButton>

@@ -115,7 +115,7 @@ void FlexGridPrint::Begin(Printer& printer) {
 void FlexGridPrint::FitWidths(int pageWidth) {
     const int sum = std::accumulate(grid_.Widths.begin(), grid_.Widths.end(), 0);
     widths_ = grid_.Widths;
-    if (sum <= pageWidth) return;
+    if (sum <= std::max(pageWidth, 0)) return;
     for (int& width : widths_) width = static_cast<int>(std::int64_t{width} * pageWidth / sum);
 }
 

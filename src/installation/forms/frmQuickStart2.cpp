@@ -3,6 +3,8 @@
 #include "core/Messages.h"
 #include "platform/Convert.h"
 
+#include <QAbstractButton>
+
 frmQuickStart2::frmQuickStart2() : QuickStartPage(Overview, msg::PageOverview) {
     AddText(msg::QuickOverviewText);
     AddStep("lblSetup", msg::PageSetupTables, "", msg::QuickStageSetup);
