@@ -179,54 +179,75 @@ void Driver::Dispatch(const Request& request) {
     Answer(id, Look(request));
 }
 
+Driver::Wait Driver::WaitForBoxes() const {
+    Wait wait;
+    wait.Holds = [this] { return boxes_.Expected().isEmpty(); };
+    wait.Lack = [this] {
+        return QStringLiteral("expected boxes never came: ") + boxes_.Expected().join(QLatin1String("; "));
+    };
+    return wait;
+}
+
+Driver::Wait Driver::WaitForForm(const Request& request, bool gone) const {
+    const QString name = request.Text("form");
+    Wait wait;
+    wait.Holds = [this, name, gone] {
+        const QWidget* form = desk_.Find(name);
+        return gone ? !form : form && desk_.IsSettled(*form);
+    };
+    wait.Lack = [this, name, gone] {
+        return (gone ? QStringLiteral("form %1 is still on the screen; there is %2")
+                     : QStringLiteral("form %1 did not come; there is %2"))
+            .arg(name, desk_.Names().join(QLatin1String(", ")));
+    };
+    return wait;
+}
+
+Driver::Wait Driver::WaitForEnabled(const Request& request) const {
+    const bool enabled = request.Flag("enabled", true);
+    request.Text("form");
+    request.Text("control");
+    const auto is = [this, request](const char* property) {
+        return PropertyOf(Control(request, false), QLatin1String(property)).toBool();
+    };
+    Wait wait;
+    wait.Holds = [enabled, is] { return is("visible") && is("enabled") == enabled; };
+    wait.Lack = [request, enabled] {
+        return QStringLiteral("%1.%2 is not %3")
+            .arg(request.Text("form"), request.Text("control"),
+                 enabled ? QStringLiteral("enabled") : QStringLiteral("disabled"));
+    };
+    return wait;
+}
+
+Driver::Wait Driver::WaitForText(const Request& request) const {
+    const Wanted wanted = request.TextWanted();
+    request.Text("form");
+    const auto text = [this, request] { return ShownText(Control(request, false)); };
+    Wait wait;
+    wait.Holds = [wanted, text] { return wanted.Matches(text()); };
+    wait.Lack = [request, wanted, text] {
+        return QStringLiteral("%1.%2 shows \"%3\" and not %4\"%5\"")
+            .arg(request.Text("form"), request.TextOrNone("control"), text(),
+                 wanted.Contains ? QStringLiteral("a text with ") : QString(), wanted.Text);
+    };
+    wait.Result = [text] { return QJsonObject{{QStringLiteral("text"), text()}}; };
+    return wait;
+}
+
 bool Driver::DispatchWait(const Request& request) {
     Wait wait;
-    wait.Id = request.Id();
-    if (request.Is("done")) {
-        wait.Holds = [this] { return boxes_.Expected().isEmpty(); };
-        wait.Lack = [this] {
-            return QStringLiteral("expected boxes never came: ") +
-                   boxes_.Expected().join(QLatin1String("; "));
-        };
-    } else if (request.Is("waitForm") || request.Is("waitGone")) {
-        const QString name = request.Text("form");
-        const bool gone = request.Is("waitGone");
-        wait.Holds = [this, name, gone] {
-            const QWidget* form = desk_.Find(name);
-            return gone ? !form : form && desk_.IsSettled(*form);
-        };
-        wait.Lack = [this, name, gone] {
-            return (gone ? QStringLiteral("form %1 is still on the screen; there is %2")
-                         : QStringLiteral("form %1 did not come; there is %2"))
-                .arg(name, desk_.Names().join(QLatin1String(", ")));
-        };
-    } else if (request.Is("waitEnabled")) {
-        const bool enabled = request.Flag("enabled", true);
-        request.Text("form");
-        request.Text("control");
-        const auto is = [this, request](const char* property) {
-            return PropertyOf(Control(request, false), QLatin1String(property)).toBool();
-        };
-        wait.Holds = [enabled, is] { return is("visible") && is("enabled") == enabled; };
-        wait.Lack = [request, enabled] {
-            return QStringLiteral("%1.%2 is not %3")
-                .arg(request.Text("form"), request.Text("control"),
-                     enabled ? QStringLiteral("enabled") : QStringLiteral("disabled"));
-        };
-    } else if (request.Is("waitText")) {
-        const Wanted wanted = request.TextWanted();
-        request.Text("form");
-        const auto text = [this, request] { return ShownText(Control(request, false)); };
-        wait.Holds = [wanted, text] { return wanted.Matches(text()); };
-        wait.Lack = [request, wanted, text] {
-            return QStringLiteral("%1.%2 shows \"%3\" and not %4\"%5\"")
-                .arg(request.Text("form"), request.TextOrNone("control"), text(),
-                     wanted.Contains ? QStringLiteral("a text with ") : QString(), wanted.Text);
-        };
-        wait.Result = [text] { return QJsonObject{{QStringLiteral("text"), text()}}; };
-    } else {
+    if (request.Is("done"))
+        wait = WaitForBoxes();
+    else if (request.Is("waitForm") || request.Is("waitGone"))
+        wait = WaitForForm(request, request.Is("waitGone"));
+    else if (request.Is("waitEnabled"))
+        wait = WaitForEnabled(request);
+    else if (request.Is("waitText"))
+        wait = WaitForText(request);
+    else
         return false;
-    }
+    wait.Id = request.Id();
     const int timeout = request.Number("timeout", request.Is("done") ? 0 : 10000, MaximumWaitMilliseconds);
     wait.Until = QDeadlineTimer(timeout);
     AddWait(std::move(wait));

@@ -51,6 +51,10 @@ private:
     void HandleNext();
     void Dispatch(const Request& request);
     bool DispatchWait(const Request& request);
+    Wait WaitForBoxes() const;
+    Wait WaitForForm(const Request& request, bool gone) const;
+    Wait WaitForEnabled(const Request& request) const;
+    Wait WaitForText(const Request& request) const;
     bool DispatchDeed(const Request& request);
     QJsonObject Look(const Request& request);
     void Perform(const QJsonValue& id, const std::function<void()>& deed);

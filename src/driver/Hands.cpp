@@ -192,10 +192,61 @@ void Retype(QWidget& control, QWidget& clickOn, const QString& text, Read now) {
     }
 }
 
+/// Replaces the text of a control that is typed into. False for any other.
+bool TypeInto(QWidget& control, const QString& value) {
+    const auto refuseReadOnly = [&](bool readOnly) {
+        if (readOnly) throw Refused(Where(control) + QStringLiteral(" cannot be changed, only read"));
+    };
+    if (auto* edit = qobject_cast<QLineEdit*>(&control)) {
+        refuseReadOnly(edit->isReadOnly());
+        if (value.contains(QLatin1Char('\n')))
+            throw Refused(Where(control) + QStringLiteral(" takes a single line"));
+        Retype(control, control, value, [edit] { return edit->text(); });
+    } else if (auto* box = qobject_cast<QComboBox*>(&control)) {
+        if (!box->lineEdit())
+            throw Refused(Where(control) + QStringLiteral(" is not typed into: choose an entry"));
+        Retype(control, *box->lineEdit(), value, [box] { return box->currentText(); });
+    } else if (auto* spin = qobject_cast<QAbstractSpinBox*>(&control)) {
+        refuseReadOnly(spin->isReadOnly());
+        auto* line = spin->findChild<QLineEdit*>();
+        if (!line) throw Refused(Where(control) + QStringLiteral(" is not typed into"));
+        Retype(control, *line, value, [spin] {
+            spin->interpretText();
+            return spin->text();
+        });
+    } else if (auto* plain = qobject_cast<QPlainTextEdit*>(&control)) {
+        refuseReadOnly(plain->isReadOnly());
+        Retype(control, *plain->viewport(), value, [plain] { return plain->toPlainText(); });
+    } else if (auto* text = qobject_cast<QTextEdit*>(&control)) {
+        refuseReadOnly(text->isReadOnly());
+        Retype(control, *text->viewport(), value, [text] { return text->toPlainText(); });
+    } else {
+        return false;
+    }
+    return true;
+}
+
 bool WantsTick(const QWidget& control, const QString& value) {
     if (value == QLatin1String("true")) return true;
     if (value == QLatin1String("false")) return false;
     throw Refused(QStringLiteral("%1 is set to true or false, not to \"%2\"").arg(Where(control), value));
+}
+
+void TickGroup(QGroupBox& group, bool tick) {
+    if (group.isChecked() == tick) return;
+    group.setFocus(Qt::TabFocusReason);
+    SendKey(Qt::Key_Space, Qt::NoModifier, TextOfKey(Qt::Key_Space));
+}
+
+void TickButton(QAbstractButton& button, bool tick) {
+    if (button.isChecked() == tick) return;
+    const QPointer<QAbstractButton> guard = &button;
+    const QString where = Where(button);
+    ClickAt(button, MarkOf(button));
+    if (guard && guard->isChecked() != tick) {
+        throw Refused(QStringLiteral("%1 is still %2")
+                          .arg(where, tick ? QStringLiteral("clear") : QStringLiteral("ticked")));
+    }
 }
 
 // ---- entries ----
@@ -344,53 +395,12 @@ void ClickHeading(QWidget& control, const QString& heading) {
 void SetControl(QWidget& control, const QString& value) {
     RefuseUnusable(control);
     BringIntoSight(control);
-    const auto refuseReadOnly = [&](bool readOnly) {
-        if (readOnly) throw Refused(Where(control) + QStringLiteral(" cannot be changed, only read"));
-    };
-    if (auto* edit = qobject_cast<QLineEdit*>(&control)) {
-        refuseReadOnly(edit->isReadOnly());
-        if (value.contains(QLatin1Char('\n')))
-            throw Refused(Where(control) + QStringLiteral(" takes a single line"));
-        return Retype(control, control, value, [edit] { return edit->text(); });
-    }
-    if (auto* box = qobject_cast<QComboBox*>(&control)) {
-        if (!box->lineEdit())
-            throw Refused(Where(control) + QStringLiteral(" is not typed into: choose an entry"));
-        return Retype(control, *box->lineEdit(), value, [box] { return box->currentText(); });
-    }
-    if (auto* spin = qobject_cast<QAbstractSpinBox*>(&control)) {
-        refuseReadOnly(spin->isReadOnly());
-        auto* edit = spin->findChild<QLineEdit*>();
-        if (!edit) throw Refused(Where(control) + QStringLiteral(" is not typed into"));
-        return Retype(control, *edit, value, [spin] {
-            spin->interpretText();
-            return spin->text();
-        });
-    }
-    if (auto* text = qobject_cast<QPlainTextEdit*>(&control)) {
-        refuseReadOnly(text->isReadOnly());
-        return Retype(control, *text->viewport(), value, [text] { return text->toPlainText(); });
-    }
-    if (auto* text = qobject_cast<QTextEdit*>(&control)) {
-        refuseReadOnly(text->isReadOnly());
-        return Retype(control, *text->viewport(), value, [text] { return text->toPlainText(); });
-    }
-    if (auto* group = qobject_cast<QGroupBox*>(&control); group && group->isCheckable()) {
-        if (group->isChecked() == WantsTick(control, value)) return;
-        group->setFocus(Qt::TabFocusReason);
-        return SendKey(Qt::Key_Space, Qt::NoModifier, TextOfKey(Qt::Key_Space));
-    }
+    if (TypeInto(control, value)) return;
+    auto* group = qobject_cast<QGroupBox*>(&control);
+    if (group && group->isCheckable()) return TickGroup(*group, WantsTick(control, value));
     auto* button = qobject_cast<QAbstractButton*>(&control);
     if (!button || !button->isCheckable()) throw Refused(Where(control) + QStringLiteral(" cannot be set"));
-    const bool tick = WantsTick(control, value);
-    if (button->isChecked() == tick) return;
-    const QPointer<QAbstractButton> guard = button;
-    const QString where = Where(control);
-    ClickAt(control, MarkOf(control));
-    if (guard && guard->isChecked() != tick) {
-        throw Refused(QStringLiteral("%1 is still %2")
-                          .arg(where, tick ? QStringLiteral("clear") : QStringLiteral("ticked")));
-    }
+    TickButton(*button, WantsTick(control, value));
 }
 
 void FocusControl(QWidget& control) {

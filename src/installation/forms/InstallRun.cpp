@@ -48,36 +48,8 @@ InstallRun::~InstallRun() = default;
 InstallRun::End InstallRun::Install(InstallKind kind, const std::string& user) {
     const MainSyncAway away;
     SFInstall = NewSFrmAX40();
-    // The manager's folder for a user bears the manager's own spelling.
-    const std::vector<std::string> known = KnownUsers(*SFInstall);
-    const auto found = std::find_if(known.begin(), known.end(),
-                                    [&](const std::string& each) { return SameText(each, user); });
-    if (found == known.end() && !known.empty()) {
-        Tell(msg::UnknownUser, Icon::Warning);
-        return End::NotBegun;
-    }
-    const std::string& spelled = found == known.end() ? user : *found;
-    try {
-        const std::optional<Text> atRisk = AskBeforeInstall(kind, user, Registry());
-        if (atRisk && (!AskYesNo(*atRisk, Icon::Warning) || form_.IsOver())) return End::NotBegun;
-        install_ = std::make_unique<HandheldInstall>(*SFInstall, HotSyncManagerFolder(), spelled,
-                                                     PathFromQt(QApplication::applicationVersion()));
-        install_->Begin(kind);
-    } catch (const RunTimeFailure& failure) {
-        install_.reset();
-        Tell(Lines(msg::NothingQueued, Text::Path(std::string_view(failure.what()))), Icon::Stop);
-        return End::NotBegun;
-    }
-
-    Global.HHInstallActive = true;
-    inSession_ = hotSynced_ = false;
-    begun_ = 0;
-    SFInstall->HotSyncStatus = [this](std::int32_t status) {
-        if (status == SessionBegun) ++begun_;
-        if (status == SessionBegun || status == SessionEnded) inSession_ = status == SessionBegun;
-        install_->SFInstall_HotSyncStatus(status);
-    };
-    SFInstall->SetEnabled(true);
+    if (!Queue(kind, user)) return End::NotBegun;
+    Arm();
     screen_.SetActive(msg::ReadyToInstall + Text::Value(std::string_view(user)) + msg::ReadyPressHotsync);
 
     awaits_ = true;
@@ -94,6 +66,42 @@ InstallRun::End InstallRun::Install(InstallKind kind, const std::string& user) {
     SFInstall.reset();
     install_.reset();
     return end;
+}
+
+bool InstallRun::Queue(InstallKind kind, const std::string& user) {
+    // The manager's folder for a user bears the manager's own spelling.
+    const std::vector<std::string> known = KnownUsers(*SFInstall);
+    const auto found = std::find_if(known.begin(), known.end(),
+                                    [&](const std::string& each) { return SameText(each, user); });
+    if (found == known.end() && !known.empty()) {
+        Tell(msg::UnknownUser, Icon::Warning);
+        return false;
+    }
+    const std::string& spelled = found == known.end() ? user : *found;
+    try {
+        const std::optional<Text> atRisk = AskBeforeInstall(kind, user, Registry());
+        if (atRisk && (!AskYesNo(*atRisk, Icon::Warning) || form_.IsOver())) return false;
+        install_ = std::make_unique<HandheldInstall>(*SFInstall, HotSyncManagerFolder(), spelled,
+                                                     PathFromQt(QApplication::applicationVersion()));
+        install_->Begin(kind);
+        return true;
+    } catch (const RunTimeFailure& failure) {
+        install_.reset();
+        Tell(Lines(msg::NothingQueued, Text::Path(std::string_view(failure.what()))), Icon::Stop);
+        return false;
+    }
+}
+
+void InstallRun::Arm() {
+    Global.HHInstallActive = true;
+    inSession_ = hotSynced_ = false;
+    begun_ = 0;
+    SFInstall->HotSyncStatus = [this](std::int32_t status) {
+        if (status == SessionBegun) ++begun_;
+        if (status == SessionBegun || status == SessionEnded) inSession_ = status == SessionBegun;
+        install_->SFInstall_HotSyncStatus(status);
+    };
+    SFInstall->SetEnabled(true);
 }
 
 InstallRun::End InstallRun::Await() {

@@ -57,6 +57,9 @@ public:
     const Text& Outcome() const { return outcome_; }
 
 private:
+    /// False when nothing is queued: the operator has been told why, or would not have orders put at risk.
+    bool Queue(InstallKind kind, const std::string& user);
+    void Arm();
     End Await();
     bool GoesOn() const;
     void TakeBack();
