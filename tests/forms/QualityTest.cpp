@@ -287,6 +287,24 @@ TEST_F(QualityCheck, FormsThatAreClosedWhileTheProgressPausesHurtNothing) {
     EXPECT_EQ(Report(), (QStringList{FatalRow, FatalRow}));
 }
 
+TEST_F(QualityCheck, ACheckButtonPressedWhileAFullRunPausesAddsNoReportOfItsOwn) {
+    GivenCleanOffice();
+    GivenFatal();
+    auto& config = Open<frmConfig>();
+    bool pressed = false;
+    QTimer::singleShot(0, qApp, [&] {
+        pressed = Global.QCCheckAll;
+        RunSingleCheck(Check::Customers);
+    });
+    Operator_.Expect(msg::FatalProblems);
+
+    Click(config, "cmdCheckAll");
+    Settle();
+
+    EXPECT_TRUE(pressed);
+    EXPECT_EQ(Report(), (QStringList{FatalRow, FatalRow}));
+}
+
 // ---- the gate ----
 
 class QualityGate : public QualityCheck {

@@ -65,33 +65,30 @@ void Stop(const RunTimeFailure& failure, Run& run) {
     EndWithoutReport();
 }
 
-/// What each check button does. Within a run of several the rows join those of the others, and
-/// nothing is shown.
+/// Its rows join those of the run.
 void Do(Check check, Run& run) {
-    if (!Global.QCCheckAll) BeginRun();
     const std::size_t before = run.FG1.ProblemRows();
+    RunCheck(check, {run.Bar, [] { return KnownUsers(*NewSFrmAX40()); }}, run.FG1);
+    run.Note(check, before);
+}
+
+} // namespace
+
+void RunSingleCheck(Check check) {
+    if (Global.QCCheckAll) return;
+    BeginRun();
+    Run run;
     try {
-        RunCheck(check, {run.Bar, [] { return KnownUsers(*NewSFrmAX40()); }}, run.FG1);
+        Do(check, run);
     } catch (const RunTimeFailure& failure) {
-        if (Global.QCCheckAll) throw;
         return Stop(failure, run);
     }
-    run.Note(check, before);
-    if (Global.QCCheckAll) return;
-
     run.Finish();
     Global.QCFatalFound = false; // nobody waits for a single check
     if (Global.Ending) return;
     if (run.FG1.ProblemFound()) return The<frmConfigMsg>().ShowProblems(std::move(run.FG1));
     Tell(msg::NoProblems, Icon::Information);
     EndWithoutReport();
-}
-
-} // namespace
-
-void RunSingleCheck(Check check) {
-    Run run;
-    Do(check, run);
 }
 
 void RunChecks(std::span<const Check> checks, bool forHotsync) {

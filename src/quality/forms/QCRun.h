@@ -11,8 +11,8 @@ class FormBehaviour;
 /// stands before what goes to a handheld. A table that cannot be read stops a run: the operator is
 /// told which, no report is shown, and a caller that waits goes no further.
 
-/// Runs one check. Within a run of several (`QCCheckAll`) its rows join those of the others; else the
-/// report is shown, or the operator told that there are no problems.
+/// Runs one check and shows its report, or tells the operator that there are no problems. Does nothing while
+/// several checks run as one (`QCCheckAll`): their report is on its way.
 void RunSingleCheck(Check check);
 
 /// Runs several checks as one, in their order. Shows the report when one of them is Fatal, also the
