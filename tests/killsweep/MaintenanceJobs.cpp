@@ -292,6 +292,54 @@ std::string JudgeLayout() {
     return {};
 }
 
+// ---- the renewal of Install ----
+
+std::string Programs() {
+    return Global.AppPath + "Prefix/bin/";
+}
+
+std::string Everybodys(const char* file) {
+    return Global.AppPath + "Prefix/share/zuk-tramble/Install/" + file;
+}
+
+/// The office of a user, laid out at the first call.
+std::string UsersOwn() {
+    return ApplicationDirectory(Programs(), Global.AppPath + "Data/");
+}
+
+constexpr const char* Renewed[] = {"Notes.dat", "Terms.txt", "ZUKPAY.dbf"};
+
+/// A newer release has other notes, a file more and a table with a field more.
+void PrepareRenewal() {
+    namespace fs = std::filesystem;
+    fs::create_directories(Programs());
+    fs::create_directories(Everybodys(""));
+    fs::copy(Global.InstallPath, Everybodys(""), fs::copy_options::recursive);
+    fs::remove(Everybodys("Office.txt"));
+    UsersOwn();
+    WriteWholeFile(Everybodys("Notes.dat"), ReadWholeFile(Everybodys("Notes.dat")) + std::string(1112, ' '));
+    WriteWholeFile(Everybodys("Terms.txt"), "Net 30");
+    PutInto(Everybodys(""), "ZUKPAY.dbf",
+            {{"PAY_CODE", 'C', 12}, {"PAY_NEW", 'C', 3}, {"PAY_CDESC", 'C', 40}});
+}
+
+std::string Renew() {
+    UsersOwn();
+    return {};
+}
+
+/// The next start has completed it, and the operator's payments wait for the version update.
+std::string JudgeRenewal() {
+    const std::string office = UsersOwn();
+    for (const char* file : Renewed) {
+        if (ReadWholeFile(office + "Install/" + file) != ReadWholeFile(Everybodys(file)))
+            return std::string(file) + " is not the newer one";
+    }
+    if (ReadWholeFile(office + "DBFNew/ZUKPAY.dbf") != ReadWholeFile(Everybodys("ZUKPAY.dbf")))
+        return "the newer table does not wait for the version update";
+    return {};
+}
+
 } // namespace
 
 std::vector<SweepJob> MaintenanceJobs() {
@@ -355,6 +403,13 @@ std::vector<SweepJob> MaintenanceJobs() {
          .Prepare = PrepareLayout,
          .Run = LayOut,
          .JudgeStarted = JudgeLayout},
+        {.Name = "renewal of Install",
+         .Steps = {"Data/ZUKTramble/Install/Notes.dat", "Data/ZUKTramble/Install/Terms.txt",
+                   "Data/ZUKTramble/DBFNew/", "Data/ZUKTramble/DBFNew/ZUKPAY.dbf",
+                   "Data/ZUKTramble/Install/ZUKPAY.dbf", "Data/ZUKTramble/Install/Office.txt"},
+         .Prepare = PrepareRenewal,
+         .Run = Renew,
+         .JudgeStarted = JudgeRenewal},
         {.Name = "version update",
          .Steps = StepsOfUpdate(),
          .Prepare = PrepareUpdate,
