@@ -30,6 +30,7 @@ struct CommandDef {
 
 inline constexpr std::string_view NewCommand = "new";
 
+/// In the order in which the help lists them.
 std::span<const CommandDef> AllCommands();
 
 /// The groups that AllCommands puts together.

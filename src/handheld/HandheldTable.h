@@ -25,6 +25,7 @@ public:
     static HandheldTable OpenOrMake(const DatabaseStore& store, std::string_view table, std::uint32_t idSeed,
                                     std::uint32_t now);
 
+    /// Whether the store has a database of the table, sound or not.
     static bool Has(const DatabaseStore& store, std::string_view table);
 
     const std::string& Name() const { return name_; } ///< of the table, in capitals
@@ -40,6 +41,7 @@ public:
     bool HasField(std::string_view name) const { return layout_.Find(name) < layout_.Fields.size(); }
     /// A field's place from 0. Refusal that names the table when it has none of that name.
     std::size_t Field(std::string_view name) const;
+    /// `row` is below Count(), `field` one of Field: neither is looked at again.
     std::string_view Get(std::size_t row, std::size_t field) const;
     /// Empty when the table has no such field.
     std::string_view Get(std::size_t row, std::string_view field) const;

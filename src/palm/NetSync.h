@@ -35,6 +35,7 @@ public:
     /// one is refused before anything is kept of it.
     static constexpr std::uint32_t LongestPayload = 128 * 1024;
 
+    /// Takes bytes as they came: a piece of a packet, or several.
     void Feed(std::string_view bytes);
 
     /// The next whole packet, or nothing yet. PalmFailure for another type than the two and for a
@@ -86,6 +87,7 @@ struct NetLookup {
 
     friend bool operator==(const NetLookup&, const NetLookup&) = default;
 };
+/// One datagram; the name is not cut.
 std::string PackLookup(const NetLookup& lookup);
 /// Nothing for a datagram that is none.
 std::optional<NetLookup> ReadLookup(std::string_view datagram);

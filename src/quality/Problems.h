@@ -43,6 +43,7 @@ inline constexpr std::string_view QuickButtons = "QuickButtons";
 inline constexpr std::string_view Unattended = "Unattended";
 } // namespace TemplateTarget
 
+/// Whether it is one of these, letter by letter.
 bool IsTemplateTarget(std::string_view target);
 
 /// What stands between the entries of a list.

@@ -4,7 +4,8 @@
 #include <string>
 #include <string_view>
 
-/// Whole numbers as a table's header holds them: two's complement, the lowest byte first.
+/// Whole numbers as a table's header holds them: two's complement, the lowest byte first. A number that is
+/// read lies within `bytes`: the caller has looked.
 
 inline std::int16_t Int16At(std::string_view bytes, std::size_t offset) {
     const auto low = static_cast<unsigned char>(bytes[offset]);

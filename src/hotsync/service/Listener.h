@@ -24,6 +24,7 @@ public:
     /// where the handheld calls from, for the log.
     using Serve = std::function<void(QTcpSocket& socket, const std::string& caller)>;
 
+    /// The log outlives it.
     Listener(SessionLog& log, Serve serve);
     ~Listener() override;
 

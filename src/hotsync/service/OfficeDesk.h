@@ -28,6 +28,7 @@ public:
         std::function<void()> StopPicking;
     };
 
+    /// The users and the log outlive it.
     OfficeDesk(HotSyncUsers& users, SessionLog& log, Services services);
     ~OfficeDesk() override;
 
@@ -53,6 +54,7 @@ public:
 
     bool IsArmed() const { return armed_ != nullptr; }
 
+    /// The users as they are by now, to every program.
     void SendUsers();
     /// The last words to everybody.
     void SayExiting();
