@@ -50,10 +50,10 @@ public:
 private:
     template <class Inside>
     void Fill(Tone tone, const Inside& inside) {
+        auto pixel = pixels_.begin();
         for (int row = 0; row < Height * Oversize; ++row) {
-            for (int column = 0; column < Width * Oversize; ++column) {
-                if (inside((column + 0.5) / Oversize, (row + 0.5) / Oversize))
-                    pixels_[static_cast<std::size_t>(row * Width * Oversize + column)] = tone;
+            for (int column = 0; column < Width * Oversize; ++column, ++pixel) {
+                if (inside((column + 0.5) / Oversize, (row + 0.5) / Oversize)) *pixel = tone;
             }
         }
     }

@@ -144,7 +144,7 @@ QString CutHeadings(const QHeaderView& headings) {
     const int columns = std::min(headings.count(), 40); // of a wide table the first
     for (int column = 0; column < columns; ++column) {
         if (headings.isSectionHidden(column)) continue;
-        const QString text = headings.model()->headerData(column, Qt::Horizontal).toString();
+        QString text = headings.model()->headerData(column, Qt::Horizontal).toString();
         if (headings.fontMetrics().boundingRect(QRect(), 0, text).width() > headings.sectionSize(column))
             return text;
     }

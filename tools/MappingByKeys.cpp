@@ -8,6 +8,8 @@
 #include <QFile>
 #include <QStringList>
 
+#include <utility>
+
 namespace {
 
 const QString Import = QStringLiteral("frmImport1");
@@ -24,7 +26,7 @@ QString Q(std::string_view text) {
 /// A person before the keyboard, and one of the two screens before that person.
 class Keyboard {
 public:
-    Keyboard(DriverClient& program, const QString& form) : program_(program), form_(form) {}
+    Keyboard(DriverClient& program, QString form) : program_(program), form_(std::move(form)) {}
 
     void Press(const char* key) { program_.Key(QString::fromLatin1(key)); }
 

@@ -15,9 +15,9 @@ void Copy(const QString& from, const QString& to) {
 
 } // namespace
 
-OfficeForDay::OfficeForDay(const QString& build, const QString& office, const QString& samples)
-    : build_(build),
-      office_(office) {
+OfficeForDay::OfficeForDay(QString build, QString office, const QString& samples)
+    : build_(std::move(build)),
+      office_(std::move(office)) {
     if (QDir(office_).exists() && !QDir(office_).isEmpty())
         throw OfficeFailure((office_ + " is not empty").toStdString());
     if (!QDir(samples).exists()) throw OfficeFailure((samples + " is no folder").toStdString());

@@ -17,7 +17,7 @@ class OfficeForDay {
 public:
     /// `office` is made; it must not exist, or be empty. `samples` holds text files for `DataIn` and
     /// <TABLE>.tsv files for the tables.
-    OfficeForDay(const QString& build, const QString& office, const QString& samples);
+    OfficeForDay(QString build, QString office, const QString& samples);
 
     /// Puts copies of the HotSync Manager's program and of the registration where an office has them. Nothing
     /// is registered: whoever starts them gives them a registry of their own.

@@ -26,10 +26,10 @@ void Require(bool holds, const QString& what) {
 /// A person before the keyboard, who wants to see every screen.
 class Keyboard {
 public:
-    Keyboard(DriverClient& program, std::int32_t records, const QString& pictures)
+    Keyboard(DriverClient& program, std::int32_t records, QString pictures)
         : program_(program),
           records_(records),
-          pictures_(pictures) {}
+          pictures_(std::move(pictures)) {}
 
     int Screens() const { return screens_; }
     DriverClient& Program() { return program_; }

@@ -14,6 +14,8 @@
 #include <QFile>
 #include <QTimer>
 
+#include <utility>
+
 #ifdef Q_OS_LINUX
 #include <csignal>
 #include <sys/prctl.h>
@@ -39,10 +41,10 @@ void EndWithParent([[maybe_unused]] QProcess& program) {
 
 } // namespace
 
-WireRig::WireRig(const QString& build, const QString& user) : WireRig(build, user, Setup()) {}
+WireRig::WireRig(QString build, const QString& user) : WireRig(std::move(build), user, Setup()) {}
 
-WireRig::WireRig(const QString& build, const QString& user, Setup setup)
-    : build_(build),
+WireRig::WireRig(QString build, const QString& user, Setup setup)
+    : build_(std::move(build)),
       setup_(std::move(setup)) {
     if (!folder_.isValid()) Fail(folder_.errorString());
     QDir().mkpath(ManagerFolder());
@@ -249,7 +251,7 @@ QString WireRig::Run(const QStringList& arguments) {
     handheld.setProcessChannelMode(QProcess::MergedChannels);
     handheld.start(build_ + QStringLiteral("/bin/handheld"), arguments);
     const bool ended = handheld.waitForFinished(Patience);
-    const QString said = QString::fromUtf8(handheld.readAll());
+    QString said = QString::fromUtf8(handheld.readAll());
     if (!ended || handheld.exitStatus() != QProcess::NormalExit || handheld.exitCode() != 0) {
         Fail(QStringLiteral("handheld ") + arguments.join(QLatin1Char(' ')) + QStringLiteral(": ") + said +
              handheld.errorString());

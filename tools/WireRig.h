@@ -34,8 +34,8 @@ public:
     };
 
     /// `build` is a build's folder; the manager's user and the handheld's is `user`.
-    WireRig(const QString& build, const QString& user, Setup setup);
-    WireRig(const QString& build, const QString& user);
+    WireRig(QString build, const QString& user, Setup setup);
+    WireRig(QString build, const QString& user);
     ~WireRig();
     WireRig(const WireRig&) = delete;
     WireRig& operator=(const WireRig&) = delete;
