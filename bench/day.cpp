@@ -8,7 +8,7 @@
 // The mode is armed once, behind the Quality Check, with upload, clearing and download. In the morning each
 // handheld presses HotSync and gets its tables, in the evening it brings its orders home and gets them anew.
 // Then the orders are checked and exported. The office's making and the taking of orders are no part of the
-// day and told apart. Ends in 0 when each order is there once and the limits below hold.
+// day and told apart. Ends in 0 when each order is there once and the limits of DayLimits.h hold.
 
 #include "DayLimits.h"
 #include "RunningOffice.h"

@@ -14,8 +14,9 @@ class QWidget;
 /// larger than its screen.
 QStringList LayoutProblems(const QWidget& window);
 
-/// Controls that a key reaches and that have no name to be read aloud; those that the tab key reaches far
-/// behind others that lie below them; and more than one default button, or one that destroys something.
+/// Controls that a key reaches and that have no name to be read aloud; those that the tab key reaches behind
+/// one that lies below them, or to their right in the row, where that is not meant; more than one default
+/// button, or one that destroys something; and a window with buttons in which Esc does nothing.
 QStringList KeyProblems(const QWidget& window);
 
 /// Texts that do not stand out from what is behind them: less than 4.5 to 1, as it is painted.

@@ -28,9 +28,10 @@ public:
     QString Registration() const { return Path(QStringLiteral("Install/rdkinst")); }
     QString Path(const QString& below) const { return office_ + QLatin1Char('/') + below; }
 
-private:
+    /// Runs one of the build's tools to its end. OfficeFailure, with its words, when it fails.
     void Run(const QString& tool, const QStringList& arguments) const;
 
+private:
     QString build_;
     QString office_;
 };

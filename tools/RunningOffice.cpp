@@ -123,7 +123,7 @@ RunningOffice::~RunningOffice() {
 /// The day's text files, and a Links table with all handhelds.
 QString RunningOffice::SamplesFor(const QList<Salesperson>& people,
                                   const std::function<void(const QString& folder)>& samples) const {
-    const QString folder = around_ + QStringLiteral("/samples");
+    QString folder = around_ + QStringLiteral("/samples");
     QDir().mkpath(folder);
     QDir().mkpath(around_ + QStringLiteral("/tmp"));
     QFile::setPermissions(around_ + QStringLiteral("/tmp"),

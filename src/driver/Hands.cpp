@@ -68,14 +68,15 @@ void SendMouse(const QPointer<QWindow>& window, QPointF local, QPointF global, Q
                         modifiers, ++mouseClock);
 }
 
-/// Scrolls a control that lies in a scrolled page into sight, as a person would before clicking.
-void BringIntoSight(QWidget& control) {
+/// Scrolls a control that lies in a scrolled page into sight, as a person would before clicking: of one that
+/// is larger than what is seen, the place that matters.
+void BringIntoSight(QWidget& control, QPoint place) {
     for (QWidget* parent = control.parentWidget(); parent && !control.isWindow();
          parent = parent->parentWidget()) {
         if (auto* area = qobject_cast<QScrollArea*>(parent)) {
             area->ensureWidgetVisible(&control); // of a line, its cursor
-            const QPoint middle = control.mapTo(area->widget(), control.rect().center());
-            area->ensureVisible(middle.x(), middle.y());
+            const QPoint there = control.mapTo(area->widget(), place);
+            area->ensureVisible(there.x(), there.y());
         }
         if (parent->isWindow()) break;
     }
@@ -83,7 +84,7 @@ void BringIntoSight(QWidget& control) {
 
 void ClickAt(QWidget& widget, QPoint at, Qt::KeyboardModifiers modifiers = Qt::NoModifier,
              bool twice = false) {
-    BringIntoSight(widget);
+    BringIntoSight(widget, at);
     QWidget* window = widget.window();
     const QPoint local = widget.mapTo(window, at);
     if (!window->rect().contains(local)) {
@@ -234,6 +235,7 @@ bool WantsTick(const QWidget& control, const QString& value) {
 
 void TickGroup(QGroupBox& group, bool tick) {
     if (group.isChecked() == tick) return;
+    BringIntoSight(group, group.rect().center());
     group.setFocus(Qt::TabFocusReason);
     SendKey(Qt::Key_Space, Qt::NoModifier, TextOfKey(Qt::Key_Space));
 }
@@ -276,7 +278,7 @@ void ChooseInCombo(QComboBox& box, const Choice& choice) {
     if ((index.flags() & usable) != usable) {
         throw Refused(QStringLiteral("entry %1 of %2 cannot be chosen").arg(Named(choice), Where(box)));
     }
-    BringIntoSight(box);
+    BringIntoSight(box, box.rect().center());
     const QPointer<QComboBox> guard = &box;
     box.setFocus(Qt::MouseFocusReason);
     if (!guard) return;
@@ -349,10 +351,7 @@ void ClickEntry(QAction& entry) {
 void ChooseItem(QWidget& control, const Choice& choice) {
     RefuseUnusable(control);
     if (auto* box = qobject_cast<QComboBox*>(&control)) return ChooseInCombo(*box, choice);
-    if (auto* view = qobject_cast<QAbstractItemView*>(&control)) {
-        BringIntoSight(*view);
-        return ChooseInView(*view, choice);
-    }
+    if (auto* view = qobject_cast<QAbstractItemView*>(&control)) return ChooseInView(*view, choice);
     auto* tabs = qobject_cast<QTabBar*>(&control);
     if (auto* pages = qobject_cast<QTabWidget*>(&control)) tabs = pages->tabBar();
     if (!tabs) throw Refused(Where(control) + QStringLiteral(" has no entries to choose from"));
@@ -394,7 +393,6 @@ void ClickHeading(QWidget& control, const QString& heading) {
 
 void SetControl(QWidget& control, const QString& value) {
     RefuseUnusable(control);
-    BringIntoSight(control);
     if (TypeInto(control, value)) return;
     auto* group = qobject_cast<QGroupBox*>(&control);
     if (group && group->isCheckable()) return TickGroup(*group, WantsTick(control, value));

@@ -76,7 +76,7 @@ std::string RowOf(const SweepJob& job, const SweepFindings& findings) {
 
 /// True for a source that puts a file in place, moves or removes one itself, or writes into one.
 bool WritesFiles(const std::string& source) {
-    static const std::regex SafeFileMade("SafeFile [a-z]+\\(");
+    static const std::regex SafeFileMade("\\bSafeFile [A-Za-z_0-9]+[({]");
     constexpr std::array Ways = {
         "make_unique<SafeFile>", "WriteWholeFile(", "CopyOver(",    "TableRewrite ", "TableRewrite(",
         "AppendLine(",           "RemoveQuietly(",  "CreateTable(", "->Rename(",     "->Remove(",

@@ -15,18 +15,19 @@
 
 namespace {
 
-/// What is known and stands: a star is too thin for its colour to be measured, and a customer's code, name
-/// and city are wider than any list at twice the size.
-bool IsKnown(const QString& screen, const QString& problem) {
+/// What is known and stands: a star is too thin for its colour to be measured, and with letters of twice the
+/// size a customer's code, name and city are wider than any list.
+bool IsKnown(const QString& screen, const QString& problem, bool large) {
     return (screen == QLatin1String("frmExport1-calculate") &&
             problem.startsWith(QLatin1String("cmdMultiply has"))) ||
-           (screen == QLatin1String("frmStandInOrder-lines") &&
+           (large && screen == QLatin1String("frmStandInOrder-lines") &&
             problem.startsWith(QLatin1String("cboCustomer cuts")));
 }
 
-/// Screens so full that with texts a third longer they scroll on a small screen.
+/// The fullest screens.
 bool IsWide(const QString& screen) {
-    return screen.startsWith(QLatin1String("frmConfig")) || screen == QLatin1String("frmExport1-calculate");
+    return screen == QLatin1String("frmConfig") || screen == QLatin1String("frmConfig-checked") ||
+           screen == QLatin1String("frmExport1-calculate");
 }
 
 } // namespace
@@ -57,8 +58,9 @@ void Looker::TakeShown(QWidget& window, const QString& name) {
     if (!mayScroll_) problems << ContrastProblems(window); // of larger letters the colours are the same
     if (!IsDarkLook()) problems << LayoutProblems(window);
     if (!IsDarkLook() && window.isWindow()) problems << KeyProblems(window);
-    problems.removeIf([&](const QString& problem) { return IsKnown(name, problem); });
-    if (Scrolls(window) && !mayScroll_ && !IsWide(name)) problems << QStringLiteral("the window scrolls");
+    problems.removeIf([&](const QString& problem) { return IsKnown(name, problem, mayScroll_); });
+    if (Scrolls(window) && !mayScroll_ && !(longer_ && IsWide(name)))
+        problems << QStringLiteral("the window scrolls");
     problems.removeDuplicates();
     for (const QString& problem : problems)
         std::printf("%s%s: %s\n", qPrintable(name), IsDarkLook() ? " (dark)" : "", qPrintable(problem));

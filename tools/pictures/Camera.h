@@ -34,8 +34,9 @@ private:
 /// Looks at the screens in place of a person, instead of taking pictures of them.
 class Looker final : public Camera {
 public:
-    /// `mayScroll`: with letters or a scale for which a small screen has too little room.
-    explicit Looker(bool mayScroll) : mayScroll_(mayScroll) {}
+    /// `mayScroll`: with letters or a scale for which a small screen has too little room. `longer`: with
+    /// texts a third longer, with which the fullest screens scroll there too.
+    Looker(bool mayScroll, bool longer) : mayScroll_(mayScroll), longer_(longer) {}
 
     int Looks() const { return looks_; }
     int Problems() const { return problems_; }
@@ -44,7 +45,7 @@ protected:
     void TakeShown(QWidget& window, const QString& name) override;
 
 private:
-    bool mayScroll_;
+    bool mayScroll_, longer_;
     int looks_ = 0, problems_ = 0;
 };
 

@@ -1,9 +1,10 @@
 #include "ContactSheet.h"
 
 #include "OfficeForDay.h"
+#include "core/SafeFile.h"
+#include "platform/Convert.h"
 
 #include <QDir>
-#include <QFile>
 #include <QImage>
 #include <QPainter>
 #include <QStringList>
@@ -69,7 +70,10 @@ void WriteIndex(const QDir& folder, const QStringList& sets, const QStringList& 
         page += QStringLiteral("<tr id=\"%1\">").arg(screen);
         for (const QString& set : sets) {
             for (const QString& look : looks) {
-                if (!folder.exists(set + QLatin1Char('/') + screen + look + QStringLiteral(".png"))) continue;
+                if (!folder.exists(set + QLatin1Char('/') + screen + look + QStringLiteral(".png"))) {
+                    page += QStringLiteral("<td></td>");
+                    continue;
+                }
                 page +=
                     QStringLiteral("<td><a href=\"%1/%2%3.png\"><img loading=\"lazy\" src=\"%1/%2%3.png\" "
                                    "alt=\"\"></a><br>%2 %1%3</td>")
@@ -79,9 +83,7 @@ void WriteIndex(const QDir& folder, const QStringList& sets, const QStringList& 
         page += QStringLiteral("</tr>\n");
     }
     page += QStringLiteral("</table>\n");
-    QFile file(folder.filePath(QStringLiteral("index.html")));
-    if (!file.open(QIODevice::WriteOnly) || file.write(page.toUtf8()) < 0)
-        throw OfficeFailure("cannot write " + file.fileName().toStdString());
+    WriteWholeFile(PathFromQt(folder.filePath(QStringLiteral("index.html"))), page.toStdString());
 }
 
 } // namespace
@@ -89,7 +91,12 @@ void WriteIndex(const QDir& folder, const QStringList& sets, const QStringList& 
 int MakeContactSheets(const QString& folder) {
     const QDir all(folder);
     const QStringList looks{QStringLiteral("-light"), QStringLiteral("-dark")};
-    const QStringList sets = all.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name);
+    QStringList sets = all.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name);
+    sets.removeIf([&](const QString& set) {
+        return std::all_of(looks.begin(), looks.end(), [&](const QString& look) {
+            return ScreensOf(QDir(all.filePath(set)), look).isEmpty();
+        });
+    });
     QStringList screens;
     for (const QString& set : sets) {
         const QDir one(all.filePath(set));

@@ -355,8 +355,8 @@ void HelpFaces(const QString& build, Camera& camera) {
 
 /// The report of a check of the imported tables, the Configurator behind it, and what the report's
 /// rows lead to.
-void CheckFaces(const QString& build, const OfficeForDay& office, Camera& camera) {
-    BreakTables(build, office);
+void CheckFaces(const OfficeForDay& office, Camera& camera) {
+    BreakTables(office);
     auto& config = The<frmConfig>();
     Press(config, "cmdCheckAll");
     auto& report = The<frmConfigMsg>();
@@ -416,7 +416,7 @@ void TakeAllScreens(const Stage& stage, Camera& camera) {
     HelpFaces(stage.Build, camera);
     InstallFaces(camera);
     RestoreFaces(camera);
-    CheckFaces(stage.Build, stage.Office, camera);
+    CheckFaces(stage.Office, camera);
 }
 
 void PrintReports(Nobody& nobody, const QString& folder) {

@@ -34,7 +34,7 @@ void MakeNarrow(QWidget& window) {
     const int narrow = qobject_cast<QMainWindow*>(&window) != nullptr ? Widest * 6 / 5 : Widest;
     const QSize least = window.minimumSizeHint();
     window.resize(std::max(narrow, least.width()), std::max(window.height() * 4 / 5, least.height()));
-    for (int round = 0; round < 5; ++round) QCoreApplication::processEvents();
+    Settle();
 }
 
 /// The picture with a title above it, where it is that of a window, and a line around it.

@@ -11,11 +11,9 @@
 #include "tools/Notes.h"
 
 #include <QDir>
-#include <QFile>
 #include <QImage>
 #include <QPainter>
 #include <QPainterPath>
-#include <QProcess>
 #include <QTemporaryDir>
 
 #include <sstream>
@@ -25,22 +23,19 @@
 namespace {
 
 /// Fills tables of an office with rows: each with a line of field names above its records.
-void FillTables(const QString& build, const QString& office,
-                const std::vector<std::pair<QString, QByteArray>>& tables) {
+void FillTables(const OfficeForDay& office, const std::vector<std::pair<QString, QByteArray>>& tables) {
     const QTemporaryDir folder;
-    QStringList arguments{office};
+    QStringList arguments{office.Path(QString())};
     for (const auto& [name, content] : tables) {
-        QFile file(folder.filePath(name + QStringLiteral(".tsv")));
-        if (!file.open(QIODevice::WriteOnly)) throw OfficeFailure("cannot write " + name.toStdString());
-        file.write(content);
-        arguments << file.fileName();
+        arguments << folder.filePath(name + QStringLiteral(".tsv"));
+        WriteWholeFile(PathFromQt(arguments.last()), content.toStdString());
     }
-    QProcess::execute(build + QStringLiteral("/filltables"), arguments);
+    office.Run(QStringLiteral("filltables"), arguments);
 }
 
 } // namespace
 
-void FillOffice(const QString& build, const OfficeForDay& office) {
+void FillOffice(const OfficeForDay& office) {
     const QByteArray links = "LK_HOTSYNC\tLK_MACH_ID\nAnna Berg\tA001\nBen Okafor\tB002\n"
                              "Chloé Martin\tC003\nDiego Ruiz\tD004\nEmi Sato\tE005\nFrank Weiss\tF006\n";
     QByteArray totals = "TP_NUMHEAD\tTP_NUMLINE\tTP_DOL_LIN\tTP_CURHEAD\tTP_CURLINE\tTP_CURDOL\tTP_EVENT\t"
@@ -53,7 +48,7 @@ void FillOffice(const QString& build, const OfficeForDay& office) {
         "6\t33\t1726\t6\t33\t1726\tUPLOAD-ADD\t2026-11-21 17:22:58\tDiego Ruiz\tD004"};
     for (const QByteArray& upload : uploads) totals += upload + '\n';
     FillTables(
-        build, office.Path(QString()),
+        office,
         {{QStringLiteral("ZUKLINK"), links},
          {QStringLiteral("ZUKTOTALPC"), totals},
          {QStringLiteral("ZUKCUST"),
@@ -66,9 +61,9 @@ void FillOffice(const QString& build, const OfficeForDay& office) {
          {QStringLiteral("ZUKSTAX"), "ST_CODE\tST_DESC\tST_RATE\nNY\tNew York State\t8.25\n"}});
 }
 
-void FillSettings(const QString& build, const OfficeForDay& office) {
+void FillSettings(const OfficeForDay& office) {
     FillTables(
-        build, office.Path(QString()),
+        office,
         {{QStringLiteral("ZUKCOMP"), "COMPANY\tLINE2\tLINE3\tLINE4\tFOOTNOTE1\nNorth Star Supply Co.\t"
                                      "12 Harbour Road\tPortland, ME 04101\tTel. 207-555-0188\t"
                                      "Goods remain our property until they are paid for in full.\n"},
@@ -102,9 +97,9 @@ void FillSettings(const QString& build, const OfficeForDay& office) {
     if (!dots.save(images + QStringLiteral("A001000124.bmp"))) throw OfficeFailure("no picture of ink");
 }
 
-void BreakTables(const QString& build, const OfficeForDay& office) {
+void BreakTables(const OfficeForDay& office) {
     FillTables(
-        build, office.Path(QString()),
+        office,
         {{QStringLiteral("ZUKCUST"),
           "C_SEARCH\tC_CODE\tC_NAME\tC_STCODE\n\tA100\tAcme Hardware\tNY\nBOLT\tB200\tBolt & Sons\t\n"
           "CRANE CO\tC-300\tCrane Co\tNJ\nDELTA\tD400\tDelta Tools\t\nEAST\tD400\tEast Side Supply\t\n"},

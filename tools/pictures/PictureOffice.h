@@ -6,19 +6,19 @@
 
 #include <string>
 
-/// What stands in the office whose screens are shown. `build` is the folder of the build, whose programs
-/// write the tables. OfficeFailure when a file cannot be written.
+/// What stands in the office whose screens are shown. OfficeFailure or RunTimeFailure when a file cannot be
+/// written.
 
 /// Tables with a few handhelds and uploads, so that the main screen has something to show.
-void FillOffice(const QString& build, const OfficeForDay& office);
+void FillOffice(const OfficeForDay& office);
 
 /// What the handheld is told once, and an order with a signature.
-void FillSettings(const QString& build, const OfficeForDay& office);
+void FillSettings(const OfficeForDay& office);
 
 /// Customers and items with faults in them, in place of the others.
-void BreakTables(const QString& build, const OfficeForDay& office);
+void BreakTables(const OfficeForDay& office);
 
-/// A stand-in handheld with all that the build installs on one. Returns its folder.
+/// A stand-in handheld with all that a build, in the folder `build`, installs on one. Returns its folder.
 std::string MakeStandIn(const QString& build, const QString& folder);
 
 // ---- of the office that Global has been set to ----

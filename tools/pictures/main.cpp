@@ -32,7 +32,7 @@
 
 #include <cstdio>
 #include <memory>
-#include <string_view>
+#include <utility>
 
 namespace {
 
@@ -57,36 +57,45 @@ void SayInShort(QtMsgType, const QMessageLogContext&, const QString& text) {
 
 /// What is wanted of a call.
 struct Wish {
-    explicit Wish(const QStringList& arguments)
-        : Build(arguments.value(1)),
-          Texts(arguments.value(3)),
-          ForPages(arguments.value(2) == QLatin1String("--pages")),
-          Looks(arguments.value(2) == QLatin1String("--look")) {
-        if (!ForPages && !Looks) Folder = QDir(arguments.value(2)).absolutePath();
+    enum class Kind { Folder, Pages, Look, Sheets };
+
+    explicit Wish(const QStringList& arguments) : Build(arguments.value(1)), Texts(arguments.value(3)) {
+        const QString what = arguments.value(2);
+        if (what == QLatin1String("--pages")) How = Kind::Pages;
+        if (what == QLatin1String("--look")) How = Kind::Look;
+        if (what == QLatin1String("--sheets")) How = Kind::Sheets;
+        if (How == Kind::Folder) Folder = QDir(what).absolutePath();
+        if (How == Kind::Sheets) Folder = std::exchange(Texts, QString());
+        const bool unknown = How == Kind::Folder && (what.isEmpty() || what.startsWith(QLatin1String("--")));
+        IsUnderstood = !unknown && arguments.size() <= 4 && (How != Kind::Sheets || !Folder.isEmpty());
     }
 
+    bool IsStretched() const { return Texts == QLatin1String("stretched"); }
+
     QString Build, Folder, Texts;
-    bool ForPages, Looks;
+    Kind How = Kind::Folder;
+    bool IsUnderstood = false;
 };
 
-void PutTexts(const QString& texts, const QString& file) {
-    if (texts == QLatin1String("stretched"))
-        WriteStretchedTexts(PathFromQt(file));
-    else if (!texts.isEmpty() && !QFile::copy(texts, file))
-        throw OfficeFailure("cannot copy " + texts.toStdString());
+void PutTexts(const Wish& wish, const QString& place) {
+    if (wish.IsStretched())
+        WriteStretchedTexts(PathFromQt(place));
+    else if (!wish.Texts.isEmpty() && !QFile::copy(wish.Texts, place))
+        throw OfficeFailure("cannot copy " + wish.Texts.toStdString());
 }
 
 /// Goes through all screens, in both looks where they are wanted.
 void TakeRounds(const Wish& wish, const QString& work, Camera& camera) {
     const OfficeForDay office(wish.Build, work + QStringLiteral("/office"), QStringLiteral("samples/day"));
-    FillOffice(wish.Build, office);
-    FillSettings(wish.Build, office);
-    PutTexts(wish.Texts, office.Path(QStringLiteral("Messages.tsv")));
+    FillOffice(office);
+    FillSettings(office);
+    PutTexts(wish, office.Path(QStringLiteral("Messages.tsv")));
     Nobody nobody;
     SomeManager manager(PathFromQt(work));
     manager.Fill();
     const std::string standIn = MakeStandIn(wish.Build, work + QStringLiteral("/handheld"));
-    const bool onlyLight = wish.ForPages || (wish.Looks && !wish.Texts.isEmpty());
+    const bool looks = wish.How == Wish::Kind::Look;
+    const bool onlyLight = wish.How == Wish::Kind::Pages || (looks && !wish.Texts.isEmpty());
     for (const bool dark : {false, true}) {
         if (dark && onlyLight) break;
         Global = Globals{};
@@ -105,32 +114,49 @@ void TakeRounds(const Wish& wish, const QString& work, Camera& camera) {
         GivenTotals();
         TakeAllScreens({wish.Build, office, nobody, work}, camera);
         // They are black on white in either look.
-        if (dark && !wish.Looks) PrintReports(nobody, wish.Folder);
+        if (dark && !looks) PrintReports(nobody, wish.Folder);
         FormRegistry::Instance().Clear();
     }
 }
 
 int Look(const Wish& wish, const QString& work) {
     const QScreen& screen = *QGuiApplication::primaryScreen();
-    Looker looker(screen.logicalDotsPerInch() > 96 || screen.devicePixelRatio() > 1);
+    Looker looker(screen.logicalDotsPerInch() > 96 || screen.devicePixelRatio() > 1, wish.IsStretched());
     TakeRounds(wish, work, looker);
     std::printf("%d screens, %d problems\n", looker.Looks(), looker.Problems());
     return looker.Problems() == 0 ? 0 : 1;
 }
 
+int Do(const Wish& wish, const QString& work) {
+    switch (wish.How) {
+    case Wish::Kind::Sheets:
+        std::printf("%d sets of pictures\n", MakeContactSheets(wish.Folder));
+        return 0;
+    case Wish::Kind::Look:
+        return Look(wish, work);
+    case Wish::Kind::Pages: {
+        PagePictures pages(QDir::currentPath());
+        TakeRounds(wish, work, pages);
+        pages.Finish();
+        return 0;
+    }
+    case Wish::Kind::Folder:
+        break;
+    }
+    FolderCamera camera(wish.Folder);
+    TakeRounds(wish, work, camera);
+    return 0;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
-    const QTemporaryDir work;
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        UseSmallScreen(work, argc > 2 && std::string_view(argv[2]) == "--look");
-    qInstallMessageHandler(SayInShort);
-    qputenv("XDG_CONFIG_HOME", work.path().toLocal8Bit());
-    const QApplication application(argc, argv);
-    QApplication::setQuitOnLastWindowClosed(false);
-    QApplication::setApplicationVersion(QStringLiteral(TRAMBLE_VERSION));
-    const QStringList arguments = QCoreApplication::arguments();
-    if (arguments.size() != 3 && arguments.size() != 4) {
+    const Wish wish([&] {
+        QStringList arguments;
+        for (int k = 0; k < argc; ++k) arguments << QString::fromLocal8Bit(argv[k]);
+        return arguments;
+    }());
+    if (!wish.IsUnderstood) {
         std::fputs("pictures_of_screens BUILD FOLDER [TEXTS]\n"
                    "pictures_of_screens BUILD --pages\n"
                    "pictures_of_screens BUILD --look [TEXTS]\n"
@@ -139,23 +165,20 @@ int main(int argc, char** argv) {
         return 2;
     }
     try {
-        if (arguments[2] == QLatin1String("--sheets")) {
-            std::printf("%d sets of pictures\n", MakeContactSheets(arguments.value(3)));
-            return 0;
-        }
-        const Wish wish(arguments);
-        if (wish.Looks) return Look(wish, work.path());
-        if (wish.ForPages) {
-            PagePictures pages(QDir::currentPath());
-            TakeRounds(wish, work.path(), pages);
-            pages.Finish();
-        } else {
-            FolderCamera camera(wish.Folder);
-            TakeRounds(wish, work.path(), camera);
-        }
+        const QTemporaryDir work;
+        if (!work.isValid()) throw OfficeFailure(work.errorString().toStdString());
+        // A look needs the small screen, whatever stands on the desk.
+        const QByteArray platform = qgetenv("QT_QPA_PLATFORM");
+        const bool looks = wish.How == Wish::Kind::Look;
+        if (looks || platform.isEmpty() || platform == "offscreen") UseSmallScreen(work, looks);
+        qInstallMessageHandler(SayInShort);
+        qputenv("XDG_CONFIG_HOME", work.path().toLocal8Bit());
+        const QApplication application(argc, argv);
+        QApplication::setQuitOnLastWindowClosed(false);
+        QApplication::setApplicationVersion(QStringLiteral(TRAMBLE_VERSION));
+        return Do(wish, work.path());
     } catch (const std::exception& failure) {
         std::fprintf(stderr, "%s\n", failure.what());
         return 1;
     }
-    return 0;
 }
