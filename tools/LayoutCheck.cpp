@@ -250,7 +250,7 @@ std::pair<const QWidget*, const QWidget*> Branches(const QWidget& a, const QWidg
 }
 
 /// The order that is meant, whatever stands further left: the way out comes first among the buttons of its
-/// row, the help last; and what takes from two lists is behind both.
+/// row, the help last; and what takes from lists is behind them.
 bool IsMeant(const QWidget& later, const QWidget& earlier) {
     const QString name = later.objectName();
     const QString before = earlier.objectName();
@@ -259,7 +259,8 @@ bool IsMeant(const QWidget& later, const QWidget& earlier) {
     if (name == QLatin1String("txtFind") || name == QLatin1String("chkOnTop")) return true;
     if (before == QLatin1String("cmdOK") || before == QLatin1String("cmdCancel"))
         return SameRow(PlaceIn(*later.window(), later), PlaceIn(*earlier.window(), earlier));
-    return before == QLatin1String("lstLiteral") && name.startsWith(QLatin1String("cmdRemove"));
+    return (before == QLatin1String("lstSelected") || before == QLatin1String("lstLiteral")) &&
+           name.startsWith(QLatin1String("cmdRemove"));
 }
 
 void FindJumps(const QWidget& window, QStringList& problems) {

@@ -48,7 +48,7 @@ public:
     void RemoveResource(std::size_t index);
     void RemoveAllResources();
 
-    /// At most 65535 bytes each; an empty block is none.
+    /// At most LongestRecord bytes each; an empty block is none.
     void SetAppInfo(std::string block);
     void SetSortInfo(std::string block);
     /// What it is called and marked with.

@@ -44,7 +44,7 @@ public:
     /// Saves a database under the name that it has now, in the place of the one of its old name, which goes
     /// when the new one is there: a kill between leaves both. Failures as Save and Remove.
     void SaveAs(std::string_view oldName, const Database& database);
-    /// Nothing happens when it is not there. RunTimeFailure 75 when its file cannot go.
+    /// Nothing happens when it is not there. RunTimeFailure as Disk::Remove.
     void Remove(std::string_view name);
     /// The last one first. A failure as Remove leaves the others.
     void RemoveAll();

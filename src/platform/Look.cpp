@@ -78,7 +78,7 @@ const Tones Dark{QColor(0x22272e), QColor(0x1a1e24), QColor(0x262c34), QColor(0x
 
 } // namespace
 
-void ApplyLook(QApplication&, bool dark) {
+void ApplyLook(bool dark) {
     QApplication::setStyle(new Style);
     QApplication::setPalette(MakePalette(dark ? Dark : Light));
 }

@@ -9,7 +9,7 @@
 class QApplication;
 
 /// The program's style, with the light palette or the dark one.
-void ApplyLook(QApplication& application, bool dark);
+void ApplyLook(bool dark);
 bool IsDarkLook();
 
 /// For words that tell of something wrong; readable in either look.

@@ -24,9 +24,8 @@ ScreenFit::ScreenFit(QWidget& window) : QObject(&window), window_(window) {
 
 bool ScreenFit::eventFilter(QObject*, QEvent* event) {
     // Before the first layout, and when a text or a control has come.
-    if (event->type() == QEvent::Polish || event->type() == QEvent::Show ||
-        event->type() == QEvent::LayoutRequest)
-        Fit();
+    if (event->type() == QEvent::Polish || event->type() == QEvent::Show) Fit(true);
+    if (event->type() == QEvent::LayoutRequest) Fit(false);
     return false;
 }
 
@@ -45,12 +44,14 @@ QSize ScreenFit::Needed() const {
     return needed;
 }
 
-void ScreenFit::Fit() {
+void ScreenFit::Fit(bool opens) {
     if (!window_.layout()) return;
     const QSize room = RoomOn(*window_.screen());
     const QSize needed = Needed();
     if (!scrolls_ && (needed.width() > room.width() || needed.height() > room.height())) MakeScroll(needed);
-    const QSize size = (scrolls_ ? window_.size() : window_.size().expandedTo(needed)).boundedTo(room);
+    QSize size = scrolls_ ? window_.size() : window_.size().expandedTo(needed.boundedTo(room));
+    // One that does not scroll may later be drawn over two screens.
+    if (opens || scrolls_) size = size.boundedTo(room);
     if (size != window_.size() && !window_.isMaximized()) window_.resize(size);
 }
 
@@ -66,7 +67,7 @@ void ScreenFit::MakeScroll(const QSize& needed) {
         area->setWidget(main->takeCentralWidget());
         main->setCentralWidget(area);
     } else {
-        auto* content = new QWidget;
+        auto* content = new QWidget(area); // in this window: the tab order stays
         content->setLayout(window_.layout());
         area->setWidget(content);
         auto* around = new QVBoxLayout(&window_);
@@ -74,6 +75,7 @@ void ScreenFit::MakeScroll(const QSize& needed) {
         around->addWidget(area);
     }
     if (focus) focus->setFocus();
+    if (window_.isMaximized()) return;
     const int bar = area->verticalScrollBar()->sizeHint().width();
     window_.resize(window_.size().expandedTo(needed + QSize(bar, bar)).boundedTo(RoomOn(*window_.screen())));
 }

@@ -24,7 +24,8 @@ protected:
     bool eventFilter(QObject* object, QEvent* event) override;
 
 private:
-    void Fit();
+    /// `opens`: the window is about to show.
+    void Fit(bool opens);
     QSize Needed() const;
     void MakeScroll(const QSize& needed);
 

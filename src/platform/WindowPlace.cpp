@@ -39,7 +39,9 @@ void RestorePlace(QWidget& window) {
 void KeepPlace(const QWidget& window) {
     if (!Keeps(window) || !window.isVisible()) return;
     const bool maximized = window.isMaximized();
-    const QRect place = maximized ? window.normalGeometry() : QRect(window.pos(), window.size());
+    const QPoint frame = window.pos() - window.geometry().topLeft();
+    const QRect place =
+        maximized ? window.normalGeometry().translated(frame) : QRect(window.pos(), window.size());
     if (!place.isValid()) return;
     Registry::SetWindowPlace(window.objectName(),
                              {place.left(), place.top(), place.width(), place.height(), maximized ? 1 : 0});

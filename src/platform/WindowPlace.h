@@ -15,5 +15,6 @@ std::optional<QRect> PlaceOnScreen(const QRect& place);
 /// shows.
 void RestorePlace(QWidget& window);
 
-/// Keeps the place of such a window for this office.
+/// Keeps the place of such a window for the office of Global.AppPath; the programs that have none keep one
+/// place for all offices.
 void KeepPlace(const QWidget& window);

@@ -79,7 +79,7 @@ int main(int argc, char** argv) {
     QtOperator atTheScreen;
     Global.TheOperator = &atTheScreen;
     const std::string office = OfficeOfProgram(PathFromQt(QApplication::applicationFilePath()));
-    ApplyLook(application, Registry::DarkLook(office));
+    ApplyLook(Registry::DarkLook(office));
     const int exitCode = RunRegistration(*options);
     FormRegistry::Instance().Clear();
     return exitCode;

@@ -237,6 +237,16 @@ TEST_F(Places, AWindowOpensWhereItWasLeft) {
     EXPECT_EQ(Opened(), QRect(200, 120, 420, 310));
 }
 
+TEST_F(Places, AWindowThatWasDrawnWiderThanAScreenStaysSoWhenATextChanges) {
+    auto& form = Shown();
+    const int wide = form.screen()->availableGeometry().width() + 300;
+    form.resize(wide, 310);
+    QCoreApplication::postEvent(&form, new QEvent(QEvent::LayoutRequest));
+    Settle();
+
+    EXPECT_EQ(form.width(), wide);
+}
+
 TEST_F(Places, APlaceOnAScreenThatHasGoneIsNotTaken) {
     Registry::SetWindowPlace(QStringLiteral("PlacedForm"), {5000, 5000, 420, 310, 0});
 

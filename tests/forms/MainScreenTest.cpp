@@ -286,6 +286,19 @@ TEST_F(MainScreen, LargeNumbersOfAnUploadTakeNoRoomFromTheNameOfItsHandheld) {
     EXPECT_GT(grid.columnWidth(0), grid.fontMetrics().horizontalAdvance(QString::fromStdString(name)));
 }
 
+TEST_F(MainScreen, AVeryLongIdIsCutOnItsBrickAndPushesNoOtherOutOfSight) {
+    const std::string longest(30, 'm');
+    GivenRows("ZUKLINK", {"LK_HOTSYNC", longest, "Ben", "Chloe", "Diego", "Emi"});
+    auto& form = Start();
+    form.GetHHBricks();
+    Settle();
+
+    const QWidget& last = Control(form, "cmdHHHSID_5");
+    EXPECT_FALSE(last.visibleRegion().isEmpty());
+    EXPECT_EQ(last.visibleRegion().boundingRect().width(), last.width());
+    EXPECT_TRUE(Control(form, "cmdHHHSID_1").toolTip().startsWith(QString::fromStdString(longest)));
+}
+
 TEST_F(MainScreen, AUsualNameStandsInFullOnItsBrickBesideTheStatus) {
     GivenRows("ZUKLINK", {"LK_HOTSYNC", "Anna Berg", "Ben Okafor", "Frank Weiss"});
     auto& form = Start();

@@ -105,7 +105,7 @@ void TakeRounds(const Wish& wish, const QString& work, Camera& camera) {
         Global.AppPath = PathFromQt(office.Path(QString()));
         Global.TheManagerDesk = &manager;
         Global.StandInFolder = standIn;
-        ApplyLook(*qApp, dark);
+        ApplyLook(dark);
         The<frmMain1>();
         GivenUnattended();
         GivenClearing();

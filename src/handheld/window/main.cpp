@@ -91,7 +91,7 @@ int main(int argc, char** argv) {
     try {
         LoadTextsOfOffice(office); // the PC program tells what is wrong with them
         help.Help().HHSetHelpFile(HelpFilePath(InstalledSet(FolderOf(program)), office));
-        ApplyLook(application, Registry::DarkLook(office));
+        ApplyLook(Registry::DarkLook(office));
         QApplication::setWindowIcon(Picture("handheld"));
         const bool isThere = FileExists(Global.StandInFolder + "Handheld.txt");
         if (!isThere && options.isSet(QStringLiteral("user")) && !MakeHandheld(Global.StandInFolder, options))

@@ -9,6 +9,7 @@
 #include "hotsync/forms/frmHSSettings.h"
 #include "platform/Convert.h"
 #include "platform/Look.h"
+#include "platform/WindowPlace.h"
 
 #include <QCloseEvent>
 #include <QFontDatabase>
@@ -234,10 +235,12 @@ void frmHSManager::Open() {
 }
 
 void frmHSManager::PutAway() {
-    if (tray_ && tray_->IsThere())
+    if (tray_ && tray_->IsThere()) {
+        KeepPlace(*this); // what is opened from the tray comes where it stood
         hide();
-    else
+    } else {
         showMinimized();
+    }
 }
 
 void frmHSManager::closeEvent(QCloseEvent* event) {

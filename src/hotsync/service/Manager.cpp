@@ -245,7 +245,7 @@ int RunManager(int argc, char** argv, const char* version) {
         if (!SingleInstance::Take(folder)) return 0;
         LoadTextsOfOffice(office); // the PC program tells what is wrong with them
         help.Help().HHSetHelpFile(HelpFilePath(InstalledSet(FolderOf(program)), office));
-        ApplyLook(application, Registry::DarkLook(office));
+        ApplyLook(Registry::DarkLook(office));
         Run(folder, options.isSet(minimised));
     } catch (const std::exception& failure) {
         Tell(Text::Path(std::string_view(failure.what())), Icon::Stop);

@@ -24,7 +24,7 @@ class Brick final : public QToolButton {
 public:
     Brick(const std::string& id, const HHBricks::Face& face, QWidget* parent) : QToolButton(parent) {
         setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
-        setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Fixed);
+        setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
         setIconSize({16, 16});
         // An ampersand in an id is no mark of a mnemonic.
         setText(ToQt(std::string_view(id)).replace(QLatin1Char('&'), QLatin1String("&&")));

@@ -57,7 +57,7 @@ int RunProgram(int argc, char** argv, const char* version) {
         const std::string programFolder = PathFromQt(QApplication::applicationDirPath());
         Global.AppPath = ApplicationDirectory(programFolder, UserDataFolder());
         help.Help().HHSetHelpFile(HelpFilePath(InstalledSet(programFolder), Global.AppPath));
-        ApplyLook(application, Registry::DarkLook());
+        ApplyLook(Registry::DarkLook());
         RegisterManager(programFolder);
         The<frmMain1>().Show();
     } catch (const std::exception& failure) {

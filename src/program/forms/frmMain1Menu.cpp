@@ -363,5 +363,5 @@ void frmMain1::lblNotes_Click() {
 void frmMain1::mnuDarkLook_Click() {
     TraceEvent("frmMain1:mnuDarkLook_Click");
     Registry::SetDarkLook(mnuDarkLook->isChecked());
-    ApplyLook(*qApp, mnuDarkLook->isChecked());
+    ApplyLook(mnuDarkLook->isChecked());
 }
