@@ -48,7 +48,7 @@ public:
     /// Takes a row out, and with it an "and" that is pending at its end. std::out_of_range for a row that is
     /// not there.
     void RemoveSelected(std::size_t row);
-    /// The same of the literals.
+    /// std::out_of_range for a literal that is not there.
     void RemoveLiteral(std::size_t row);
     /// As a new object: nothing is pending either.
     void RemoveAll();

@@ -54,13 +54,15 @@ void ReadRows(TextReader& file, ImportTemplate& content) {
 
 } // namespace
 
+bool IsOfKind(std::string_view fileName, std::string_view extension) {
+    const std::string_view letters = extension.substr(1);
+    return fileName.size() >= letters.size() &&
+           SameText(fileName.substr(fileName.size() - letters.size()), letters);
+}
+
 std::optional<TemplateKind> TemplateKindOf(std::string_view fileName) {
     for (const TemplateKind kind : {TemplateKind::Cust, TemplateKind::Item}) {
-        const std::string_view letters = TemplateExtension(kind).substr(1);
-        if (fileName.size() >= letters.size() &&
-            SameText(fileName.substr(fileName.size() - letters.size()), letters)) {
-            return kind;
-        }
+        if (IsOfKind(fileName, TemplateExtension(kind))) return kind;
     }
     return std::nullopt;
 }

@@ -11,7 +11,11 @@
 /// The two tables that an import template can be for.
 enum class TemplateKind { Cust, Item };
 
-/// By the last three letters of a template's file name, any case; nothing for another name.
+/// Whether a template's file name is of a kind: by the letters of its extension alone, any case, with a point
+/// before them or not. `extension` has one.
+bool IsOfKind(std::string_view fileName, std::string_view extension);
+
+/// As IsOfKind; nothing for another name.
 std::optional<TemplateKind> TemplateKindOf(std::string_view fileName);
 
 /// ".cst" or ".itm".

@@ -201,10 +201,6 @@ bool HaveSameFields(const TableLayout& a, const TableLayout& b) {
     return true;
 }
 
-bool HoldsBridged(std::string_view target, std::string_view source) {
-    return MissingIn(target, source).empty();
-}
-
 std::int32_t AppendMissing(std::string_view target, std::string_view source) {
     RecordCounts missing = MissingIn(target, source);
     if (missing.empty()) return 0;

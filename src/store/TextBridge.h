@@ -47,16 +47,12 @@ void TextToNewDBF(std::string_view target, const TableLayout& structure, const B
 /// Whether two tables have the same fields, so that a record of one is one of the other byte by byte.
 bool HaveSameFields(const TableLayout& a, const TableLayout& b);
 
-/// Whether a table holds all records of another as the bridge appends them, each as often as there, in
-/// whatever order: TextToDBF behind DBFtoText has been done already, also when the table was sorted since, or
-/// would add nothing new. Marks of deletion make no difference. Always so when the source has no record. The
-/// source's records are in memory meanwhile. RunTimeFailure as TableScan and TableLayout::Find.
-bool HoldsBridged(std::string_view target, std::string_view source);
-
 /// Appends the records of another table that a table does not hold yet, in their order and as the bridge
 /// appends them; how many. A record that is there more often than in the table is appended as often as it is
-/// missing; none when HoldsBridged. The table is then as it was, and replaced whole otherwise. RunTimeFailure
-/// as HoldsBridged and TableRewrite.
+/// missing. None where the table holds all of them in whatever order: TextToDBF behind DBFtoText has been
+/// done already, also when the table was sorted since. Marks of deletion make no difference. The table is
+/// then as it was, and replaced whole otherwise. The source's records are in memory meanwhile. RunTimeFailure
+/// as TableScan, TableLayout::Find and TableRewrite.
 std::int32_t AppendMissing(std::string_view target, std::string_view source);
 
 /// Whether two tables have the same fields and the same records, marks of deletion included. RunTimeFailure

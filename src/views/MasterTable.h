@@ -46,7 +46,7 @@ public:
     /// Texts by the place of their field.
     using Cells = std::map<int, std::string>;
 
-    /// Both outlive it. Nothing is open yet.
+    /// The kind outlives it. Nothing is open yet.
     MasterTable(const MasterKind& kind, const RecordRules& rules);
 
     /// Opens it at a record, or at the nearest that there is.

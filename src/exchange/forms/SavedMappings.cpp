@@ -4,7 +4,7 @@
 #include "core/Messages.h"
 #include "core/Operator.h"
 #include "core/Paths.h"
-#include "core/TextCompare.h"
+#include "exchange/ImportTemplate.h"
 #include "exchange/forms/Lists.h"
 #include "platform/Convert.h"
 
@@ -12,16 +12,6 @@
 
 #include <algorithm>
 #include <utility>
-
-namespace {
-
-/// By its letters alone, with a point before them or not.
-bool IsOfKind(std::string_view name, std::string_view extension) {
-    const std::string_view letters = extension.substr(1);
-    return name.size() >= letters.size() && SameText(name.substr(name.size() - letters.size()), letters);
-}
-
-} // namespace
 
 SavedMappings::SavedMappings(Form& form, std::string folder, Deeds deeds)
     : FormPart(form),

@@ -40,7 +40,8 @@ public:
     std::string File() const;
     std::string Path() const { return folder_ + File(); }
 
-    /// Chooses a template by its file's name, without announcing it; none when it is not in the list.
+    /// Chooses a template by its file's name, without announcing it; none when it is not in the list. Behind
+    /// List only.
     void Choose(std::string_view file);
 
     /// Writes what the screen holds under the name in the box. False when it could not: the operator has been

@@ -1,8 +1,10 @@
 #include "tools/forms/NamedFiles.h"
 
+#include "core/Failure.h"
 #include "core/Messages.h"
 #include "core/Operator.h"
 #include "core/Paths.h"
+#include "core/Settings.h"
 #include "core/TextCompare.h"
 #include "exchange/forms/Lists.h"
 #include "platform/Convert.h"
@@ -96,4 +98,15 @@ void GoTo(QWidget& control) {
 
 Text PathText(const std::string& path) {
     return Text::Path(std::string_view(path));
+}
+
+bool SaveSettings() {
+    try {
+        UpdateIniFile();
+        GetIniFile();
+        return true;
+    } catch (const RunTimeFailure& failure) {
+        Tell(Lines(msg::ConfigurationError, Text::Path(std::string_view(failure.what()))), Icon::Stop);
+        return false;
+    }
 }

@@ -68,3 +68,6 @@ void GoTo(QWidget& control);
 
 /// A path in a sentence.
 Text PathText(const std::string& path);
+
+/// Writes the settings of the PC. False when it cannot: the operator has been told.
+bool SaveSettings();

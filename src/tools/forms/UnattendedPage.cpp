@@ -9,7 +9,7 @@
 #include "sync/forms/frmTableSelectCL.h"
 #include "sync/forms/frmTableSelectDL.h"
 #include "sync/forms/frmUploadSelect.h"
-#include "tools/forms/frmOptions.h"
+#include "ui_frmOptions.h"
 
 UnattendedPage::UnattendedPage(Form& form, const Ui::frmOptions& controls)
     : FormPart(form),
@@ -92,7 +92,7 @@ void UnattendedPage::cmdDelete_Click() {
     // What has gone is not to be chosen at the next start, also when nothing else here is saved.
     if (!SameText(Global.RemoteSyncSettings, PathToName(name))) return;
     Global.RemoteSyncSettings.clear();
-    frmOptions::SaveSettings();
+    SaveSettings();
 }
 
 void UnattendedPage::cmdSUDownload_Click() {

@@ -137,17 +137,6 @@ void frmOptions::TakeOptions() const {
     if (optPurge->isChecked()) Global.PurgeDays = static_cast<std::int16_t>(cboPurge->currentData().toInt());
 }
 
-bool frmOptions::SaveSettings() {
-    try {
-        UpdateIniFile();
-        GetIniFile();
-        return true;
-    } catch (const RunTimeFailure& failure) {
-        Tell(Lines(msg::ConfigurationError, Text::Path(std::string_view(failure.what()))), Icon::Stop);
-        return false;
-    }
-}
-
 /// False when it could not be saved: the operator has been told.
 bool frmOptions::SaveLanguage() {
     const std::string shown = PathFromQt(cboLanguage->currentText());

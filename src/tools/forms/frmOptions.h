@@ -22,9 +22,6 @@ public:
     void TurnTo(std::string_view file);
     void TurnToBackup() { GoTo(*optPurge); }
 
-    /// Writes the settings of the PC. False when it cannot: the operator has been told.
-    static bool SaveSettings();
-
     /// That of the tab at hand.
     std::string HelpTopic() const override;
 
