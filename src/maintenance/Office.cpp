@@ -134,6 +134,7 @@ void Renew(const std::string& set, const std::string& app, const std::string& na
     const std::string own = app + "Install/" + name;
     const bool stands = FileExists(own);
     if (stands && (!old || SumOfFile(own).Sum != *old)) return; // the operator's, or renewed already
+    if (!stands && old) return;                                 // the operator has removed it
     if (SameText(ExtensionOf(name), ".dbf")) {
         // The operator's records go into the new structure as with any update, in this start.
         const std::string data = app + "DBFFiles/" + name;
@@ -144,22 +145,6 @@ void Renew(const std::string& set, const std::string& app, const std::string& na
         }
     }
     CopyOver(shipped, own);
-}
-
-/// A newer release has brought another installed set: what the operator has not changed in `Install` becomes
-/// the new one's.
-void RenewInstall(const std::string& set, const std::string& app) {
-    const SetSums now = SumsOf(set + "Install/");
-    const SetSums before = ReadMark(app + "Install/");
-    if (now == before) return;
-    for (const auto& [name, sum] : now) {
-        const auto old = before.find(name);
-        if (old == before.end())
-            Renew(set, app, name, std::nullopt);
-        else if (old->second != sum)
-            Renew(set, app, name, old->second);
-    }
-    WriteMark(app + "Install/", now);
 }
 
 bool CanBeWritten(const std::string& folder) {
@@ -189,6 +174,23 @@ void LayOutOffice(std::string_view installedSet, std::string_view office) {
     WriteMark(install, SumsOf(AddBackslash(set + "Install")));
 }
 
+void RenewInstall(std::string_view installedSet, std::string_view office) {
+    const std::string set = AddBackslash(installedSet);
+    const std::string app = AddBackslash(office);
+    if (set == app || !HoldsSet(set)) return;
+    const SetSums now = SumsOf(set + "Install/");
+    const SetSums before = ReadMark(app + "Install/");
+    if (now == before) return;
+    for (const auto& [name, sum] : now) {
+        const auto old = before.find(name);
+        if (old == before.end())
+            Renew(set, app, name, std::nullopt);
+        else if (old->second != sum)
+            Renew(set, app, name, old->second);
+    }
+    WriteMark(app + "Install/", now);
+}
+
 bool IsInstalledForEverybody(std::string_view programFolder) {
     return !HoldsSet(AddBackslash(programFolder)) && HoldsSet(SetOfPrefix(programFolder));
 }
@@ -209,9 +211,7 @@ std::string ApplicationDirectory(std::string_view programFolder, std::string_vie
         return own;
     }
     std::string app = UsersOffice(userDataFolder);
-    const std::string set = InstalledSet(own);
-    LayOutOffice(set, app);
-    RenewInstall(set, app);
+    LayOutOffice(InstalledSet(own), app);
     return app;
 }
 

@@ -13,6 +13,14 @@
 /// installed set lacks a table.
 void LayOutOffice(std::string_view installedSet, std::string_view office);
 
+/// Where the installed set is another than the one that the office has been laid out from, or was renewed
+/// from last: what the operator has neither changed nor removed in the office's `Install` becomes the newer
+/// one's, a table that is new stands in `DBFFiles` too, and one with other fields waits in `DBFNew` for
+/// UpdateTables. Nothing is done where the set lies in the office itself, or is away. To be called by the one
+/// program that has the office open. A renewal that was cut off is completed by the next call. RunTimeFailure
+/// from the disk.
+void RenewInstall(std::string_view installedSet, std::string_view office);
+
 /// Whether the programs in a folder are installed for everybody: the folder is the `bin` of a prefix, whose
 /// `share/zuk-tramble` has the installed set. Nothing is written there, whoever starts them.
 bool IsInstalledForEverybody(std::string_view programFolder);

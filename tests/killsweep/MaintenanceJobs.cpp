@@ -324,12 +324,13 @@ void PrepareRenewal() {
 }
 
 std::string Renew() {
-    UsersOwn();
+    RenewInstall(InstalledSet(Programs()), Global.AppPath + "Data/ZUKTramble");
     return {};
 }
 
 /// The next start has completed it, and the operator's payments wait for the version update.
 std::string JudgeRenewal() {
+    Renew();
     const std::string office = UsersOwn();
     for (const char* file : Renewed) {
         if (ReadWholeFile(office + "Install/" + file) != ReadWholeFile(Everybodys(file)))

@@ -282,7 +282,9 @@ protected:
         fs::remove(App() + "Install/Office.txt");
         Start();
     }
-    void Start() const { ApplicationDirectory(prefix_ + "bin", Folder() + "user"); }
+    void Start() const {
+        RenewInstall(InstalledSet(prefix_ + "bin"), ApplicationDirectory(prefix_ + "bin", Folder() + "user"));
+    }
     std::string Own(const std::string& name) const { return Bytes(App() + "Install/" + name); }
 
     /// What a start goes on with.
@@ -342,6 +344,30 @@ TEST_F(UpgradeTest, TheSameReleaseChangesNothingSoThatWhatWasRemovedStaysSo) {
     Start();
 
     EXPECT_EQ(FilesBelow(App()), before);
+}
+
+TEST_F(UpgradeTest, WhatTheOperatorHasRemovedDoesNotComeBackWithANewerRelease) {
+    fs::remove(App() + "Install/Tramble.prc");
+    GivenShipped("Tramble.prc", "stand-in, release 2");
+
+    Start();
+
+    EXPECT_FALSE(Exists(App() + "Install/Tramble.prc"));
+}
+
+TEST_F(UpgradeTest, ASetThatIsAwayForAStartIsNoReleaseWithoutFiles) {
+    const auto before = FilesBelow(App());
+    fs::rename(Set(), Folder() + "away");
+    fs::create_directories(Set());
+    Start();
+    EXPECT_EQ(FilesBelow(App()), before);
+    fs::remove(Set());
+    fs::rename(Folder() + "away", Set());
+    GivenShipped("Tramble.prc", "stand-in, release 2");
+
+    Start();
+
+    EXPECT_EQ(Own("Tramble.prc"), "stand-in, release 2");
 }
 
 TEST_F(UpgradeTest, WhatANewerReleaseLacksAndEveryFileOutsideInstallStays) {

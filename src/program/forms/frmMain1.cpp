@@ -128,6 +128,7 @@ void frmMain1::StartUp() {
         if (failure.Number() == 13 || failure.Number() == 6) throw;
         return StopStart(Lines(msg::ConfigurationError, Text::Path(std::string_view(failure.what()))));
     }
+    RenewOffice();
     if (!PrepareOffice([] { Tell(msg::DownloadSelectionMissing, Icon::Information); }, CopyTables))
         return StopStart(msg::TablesMissing);
     TellUnfinishedJobs();
@@ -153,6 +154,15 @@ void frmMain1::StartUp() {
     Timer2->start();
 }
 
+/// What a newer release has brought; the next start tries again where that fails.
+void frmMain1::RenewOffice() {
+    try {
+        RenewInstall(InstalledSet(PathFromQt(QApplication::applicationDirPath())), Global.AppPath);
+    } catch (const RunTimeFailure& failure) {
+        TraceEvent(std::string("frmMain1:RenewOffice ") + failure.what());
+    }
+}
+
 /// Before what was left of an upload changes the tables. In unattended mode the trace has it.
 void frmMain1::TellUnfinishedJobs() {
     const UnfinishedJobs found = FindUnfinishedJobs();
@@ -164,8 +174,9 @@ void frmMain1::TellUnfinishedJobs() {
 
 void frmMain1::PutBackSafetyCopies() {
     try {
-        TellRecovered(RecoverSafetyCopies());
-    } catch (const RunTimeFailure& failure) {
+        TellRecovered(RecoverSafetyCopies(), msg::SessionRecovered);
+    } catch (const RecoveryFailure& failure) {
+        TellRecovered(failure.Recovered, msg::SessionRecovered);
         Tell(Lines(msg::SessionNotRecovered, Text::Path(std::string_view(failure.what()))), Icon::Warning);
     }
 }
@@ -462,6 +473,8 @@ void frmMain1::GetPCTotals() {
 }
 
 void frmMain1::Form_GotFocus() {
+    // As large a window as the screen has room for: the numbers of a larger screen stay.
+    if (!std::exchange(stands_, true)) restored_ = QRect(pos(), size());
     if (!Global.RefreshTotals) return;
     try {
         GetPCTotals();

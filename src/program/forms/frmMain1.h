@@ -129,6 +129,7 @@ protected:
 private:
     void StartUp();
     void StopStart(const Text& reason);
+    static void RenewOffice();
     static void TellUnfinishedJobs();
     void PutBackSafetyCopies();
     static void TakeBackQueuedInstall();
@@ -157,6 +158,7 @@ private:
     std::unique_ptr<UnattendedView> unattended_;
     std::optional<UploadRow> newestUpload_;
     QRect restored_;         ///< the place that was set from the settings, in pixels
+    bool stands_ = false;    ///< on the screen, at that place
     bool operating_ = false; ///< start-up has come to its end
     bool stopAfterSession_ = false;
     bool closeAfterSession_ = false;
