@@ -130,6 +130,7 @@ bool MakeBackup(std::string_view event, const std::vector<std::string>& further,
         if (!TableIsLocked(Global.DBFPath + table)) continue;
         const std::string path = Global.DBFPath + table;
         Global.BackupFault = FileExists(path) ? path : RunTimeFailure(53, path).what();
+        TraceEvent("basCommon:MakeBackup " + Global.BackupFault);
         return false;
     }
     Global.BackupTime = moment ? *moment : Now();

@@ -130,9 +130,11 @@ std::vector<RecoveredTable> RecoverSafetyCopies() {
             RemoveQuietly(copy);
         });
     }
-    if (failure) throw RunTimeFailure(*failure);
-    Global.FailedMerges.clear();
-    DeleteSafetyCopies(SafetyCopies::OfSession);
+    if (!failure) {
+        Global.FailedMerges.clear();
+        NoteFailure(failure, [] { DeleteSafetyCopies(SafetyCopies::OfSession); });
+    }
+    if (failure) throw RecoveryFailure(*failure, std::move(recovered));
     return recovered;
 }
 
@@ -140,8 +142,8 @@ std::vector<RecoveredTable> RecoverBeforeReplacing(std::span<const std::string> 
     if (!HaveKeptCopy(tables)) return {};
     try {
         return RecoverSafetyCopies();
-    } catch (const RunTimeFailure&) {
+    } catch (const RecoveryFailure& failure) {
         if (HaveKeptCopy(tables)) throw;
-        return {};
+        return failure.Recovered;
     }
 }

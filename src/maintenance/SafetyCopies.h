@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/Failure.h"
 #include "core/Progress.h"
 #include "store/TextBridge.h"
 
@@ -8,6 +9,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 /// What the PC held before an upload: a transfer replaces a table by what the handheld has, so each table is
@@ -75,6 +77,16 @@ struct RecoveredTable {
     bool operator==(const RecoveredTable&) const = default;
 };
 
+/// A recovery that could not be done whole.
+class RecoveryFailure : public RunTimeFailure {
+public:
+    RecoveryFailure(const RunTimeFailure& failure, std::vector<RecoveredTable> recovered)
+        : RunTimeFailure(failure),
+          Recovered(std::move(recovered)) {}
+
+    std::vector<RecoveredTable> Recovered; ///< what was put back all the same
+};
+
 /// Where the mark is found: puts each copy of orders, audits and handheld totals back whose table was
 /// replaced by an upload and not merged yet, then deletes all copies of a session, and the mark. A table that
 /// is as it was, or that holds the copy's records as a merge writes them, in whatever order, stays as it is:
@@ -82,14 +94,15 @@ struct RecoveredTable {
 /// the operator has deleted since, the others alone come back: one too many can be deleted once more, and one
 /// that is lost cannot be had again. The barcode index, which no handheld sends, stays as it is. To be called
 /// when no session can run: at the start, with a trace line. Returns the tables whose old records were put
-/// back. RunTimeFailure as AppendMissing, also for a table that cannot be read: the others are done, and the
-/// copies of those that failed stay for the next call, with the mark.
+/// back. RecoveryFailure, with what AppendMissing says, also for a table that cannot be read: the others are
+/// done, and the copies of those that failed stay for the next call, with the mark.
 std::vector<RecoveredTable> RecoverSafetyCopies();
 
 /// Whether one of these tables, by path or file name, has a copy that RecoverSafetyCopies would put back. It
 /// must not be replaced then: the copy would come behind what replaced it.
 bool HaveKeptCopy(std::span<const std::string> tables);
 
-/// To be called before any of these tables is replaced: where HaveKeptCopy, RecoverSafetyCopies, and what it
-/// returns. RunTimeFailure as there when one of these tables still has its copy.
+/// To be called before any of these tables is replaced or taken for whole: where HaveKeptCopy,
+/// RecoverSafetyCopies, and what it has put back. RecoveryFailure as there when one of these tables still has
+/// its copy.
 std::vector<RecoveredTable> RecoverBeforeReplacing(std::span<const std::string> tables);

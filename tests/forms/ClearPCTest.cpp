@@ -229,6 +229,43 @@ TEST_F(ClearPC, ClearedLinksAndCompanyAreGoneFromTheMainScreenToo) {
     EXPECT_EQ(Backups(), Names{});
 }
 
+// ---- what an upload has left to be put back ----
+
+TEST_F(ClearPC, OrdersThatComeBackJustBeforeAreClearedOnlyAfterAnotherYes) {
+    CopyOver(Global.DBFPath + "ZUKOrHdr.dbf", Global.DBFPath + "ZUKOrHdr.dap");
+    WriteWholeFile(Global.DBFPath + "SafetyCopies.txt", "");
+    GivenRows("ZUKOrHdr", {"H_ORDCODE", "H1"});
+    auto& form = Open<frmTableSelectPC>();
+    Tick(form, {"chkOrHdr"});
+    ExpectWarning(Answer::Yes);
+    Operator_.ExpectBeginning(Text(msg::CopiesPutBack)).With(Icon::Information);
+    ExpectWarning(Answer::No);
+
+    Click(form, "cmdOK");
+
+    EXPECT_EQ(RecordCount("ZUKOrHdr"), 3);
+    EXPECT_EQ(Backups(), Names{});
+
+    ExpectWarning(Answer::Yes);
+    Click(form, "cmdOK");
+
+    EXPECT_EQ(RecordCount("ZUKOrHdr"), 0);
+}
+
+TEST_F(ClearPC, OrdersThatCannotBePutBackStopIt) {
+    WriteWholeFile(Global.DBFPath + "ZUKOrHdr.dap", "no table");
+    WriteWholeFile(Global.DBFPath + "SafetyCopies.txt", "");
+    auto& form = Open<frmTableSelectPC>();
+    Tick(form, {"chkOrHdr"});
+    ExpectWarning(Answer::Yes);
+    Operator_.ExpectBeginning(::Lines(msg::FileError, msg::CopiesNotPutBack)).With(Icon::Stop);
+
+    Click(form, "cmdOK");
+
+    EXPECT_EQ(RecordCount("ZUKOrHdr"), 2);
+    EXPECT_EQ(Backups(), Names{});
+}
+
 // ---- when it cannot be done ----
 
 #ifndef _WIN32

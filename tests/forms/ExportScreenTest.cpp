@@ -401,6 +401,19 @@ TEST_F(ExportChecks, YesLeavesOneSetOfTheOrderAndABackupWithBoth) {
     EXPECT_EQ(Cell("ZUKTOTALPC", 1, "TP_EVENT"), "QUALCHECK");
 }
 
+TEST_F(ExportChecks, WhereOrdersCannotBePutBackNoFileIsWrittenThatLacksThem) {
+    auto& form = Ready("chkQC");
+    WriteWholeFile(Global.DBFPath + "ZUKOrLin.dap", "no table");
+    WriteWholeFile(Global.DBFPath + "SafetyCopies.txt", "");
+    Operator_.ExpectBeginning(::Lines(msg::FileError, msg::CopiesNotPutBack)).With(Icon::Stop);
+
+    Click(form, "cmdOK");
+
+    EXPECT_FALSE(Exists(Global.DataOutPath + "out.csv"));
+    EXPECT_FALSE(form.IsGone());
+    EXPECT_TRUE(Enabled(form, "cmdOK"));
+}
+
 TEST_F(ExportChecks, NoAtEveryQuestionLeavesBothTablesSortedAndExportsTheRepeats) {
     auto& form = Ready("chkQC");
     for (int repeat = 0; repeat < 3; ++repeat) Operator_.Expect(msg::DuplicateOrders).Answer(Answer::No);

@@ -216,6 +216,8 @@ TEST_F(InterruptedSession, TheStartSaysNothingWhenEverythingIsInItsPlace) {
 
 TEST_F(InterruptedSession, WhatCannotBePutBackIsToldWithItsFileAndTheProgramStarts) {
     WriteWholeFile(Global.DBFPath + "ZUKAudTH.dbf", "no table");
+    // The other tables have come back, and that is told too.
+    Operator_.ExpectBeginning(msg::SessionRecovered).With(Icon::Information);
     Operator_.ExpectBeginning(msg::SessionNotRecovered).With(Icon::Warning);
 
     Open<frmMain1>();

@@ -405,6 +405,31 @@ TEST_F(SafetyCopiesTest, ATableWhoseCopyIsKeptIsKnownUntilItIsPutBackAndWhatThat
     EXPECT_FALSE(HaveKeptCopy(orders));
 }
 
+TEST_F(SafetyCopiesTest, ARecoveryThatFailsAtATableSaysWhatCameBackAllTheSame) {
+    MakeSafetyCopies(SafetyCopies::OfSession);
+    GivenOrders({"H1"});
+    WriteWholeFile(Path("ZUKAudtH.dbf"), "no table");
+    const std::vector<RecoveredTable> expected = {{"ZUKORHDR.DBF", 2}};
+    std::vector<RecoveredTable> recovered;
+
+    try {
+        RecoverSafetyCopies();
+    } catch (const RecoveryFailure& failure) {
+        recovered = failure.Recovered;
+    }
+
+    EXPECT_EQ(recovered, expected);
+}
+
+TEST_F(SafetyCopiesTest, OrdersThatHaveComeBackAreToldThoughATableThatIsNotReplacedFails) {
+    MakeSafetyCopies(SafetyCopies::OfSession);
+    GivenOrders({"H1"});
+    WriteWholeFile(Path("ZUKAudtH.dbf"), "no table");
+
+    EXPECT_EQ(RecoverBeforeReplacing(Strings{"ZUKOrHdr.dbf", "ZUKOrLin.dbf"}),
+              (std::vector<RecoveredTable>{{"ZUKORHDR.DBF", 2}}));
+}
+
 TEST_F(SafetyCopiesTest, OrdersThatWereExportedBetweenTwoTriesOfARecoveryAreNotPutBackAgain) {
     MakeSafetyCopies(SafetyCopies::OfSession);
     GivenOrders({"H1"});

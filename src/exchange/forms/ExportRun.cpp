@@ -54,12 +54,8 @@ std::span<const std::string> ExportedTables() {
     return tables;
 }
 
-void PutBackOrders() {
-    try {
-        TellRecovered(RecoverBeforeReplacing(ExportedTables()));
-    } catch (const RunTimeFailure& failure) {
-        TraceEvent(std::string("ExportRun:PutBackOrders ") + failure.what());
-    }
+bool PutBackOrders() {
+    return PutCopiesBack(ExportedTables()).has_value();
 }
 
 bool AgreedToDelete(FormBehaviour& form) {

@@ -30,9 +30,9 @@ void TellOrphanLines(const ExportResult& result);
 std::span<const std::string> ExportedTables();
 
 /// Before orders are read for an export: what an upload has left to be put back is put back, so that it is
-/// exported with the others, and the operator is told. Where that fails, the tables stay as they are and may
-/// not be emptied.
-void PutBackOrders();
+/// exported with the others, and the operator is told. False where that fails: an export would lack orders,
+/// or have some without their lines. The operator has been told.
+bool PutBackOrders();
 
 /// Asks whether the exported tables are to go. After a Yes the tables are backed up and the event is
 /// recorded: true when that was done, and they may go.

@@ -337,7 +337,7 @@ bool frmExport1::Export() {
         job.ExportFile = ExportPath(FromQt(txtExpFile->text().trimmed()), job.Delimiter);
         lblProgress->show();
         pgbProgress->show();
-        PutBackOrders();
+        if (!PutBackOrders()) return false;
         // Orders may have come in since the screen was opened: a sort of old copies would lose them.
         book_ = OpenPCOrders(book_.HeaderFile, book_.LineFile);
         const auto result = RunExport(job, book_, *this, *lblProgress, *pgbProgress);

@@ -40,7 +40,7 @@ QuickButtonForm::RowResult frmQBExport::RunRow(std::size_t row, const std::strin
     std::optional<ExportResult> result;
     try {
         job.ExportFile = ExportPath(read.Template.FileName, job.Delimiter);
-        PutBackOrders();
+        if (!PutBackOrders()) return {};
         PCOrders book = OpenPCOrders(Global.DBFPath + "ZUKORHDR.DBF", Global.DBFPath + "ZUKORLIN.DBF");
         result = RunExport(job, book, *this, *lblProgress, *pgbProgress);
     } catch (const RunTimeFailure& failure) {
@@ -56,7 +56,7 @@ QuickButtonForm::RowResult frmQBExport::RunRow(std::size_t row, const std::strin
 
 void frmQBExport::OfferDeletion() {
     try {
-        // What was not put back was not exported, and would come back behind the deletion with what was.
+        // A session that has come meanwhile: what it keeps would come back behind the deletion.
         if (HaveKeptCopy(ExportedTables())) {
             Tell(Lines(msg::FileError, msg::CopiesNotPutBack), Icon::Stop);
             return;

@@ -98,17 +98,12 @@ void frmTableSelectPC::Perform() {
 }
 
 /// What an upload has left to be put back comes first, or it would come back behind the clearing. False when
-/// it cannot be put back: the operator has been told.
+/// it cannot be put back: the operator has been told; or when the operator does not want it cleared.
 bool frmTableSelectPC::CopiesAreIn(const ClearPlan& plan) {
-    try {
-        TellRecovered(RecoverBeforeReplacing(TablesOf(plan)));
-        return true;
-    } catch (const RunTimeFailure& failure) {
-        Tell(
-            Lines(Lines(msg::FileError, msg::CopiesNotPutBack), Text::Path(std::string_view(failure.what()))),
-            Icon::Stop);
-        return false;
-    }
+    const auto back = PutCopiesBack(TablesOf(plan));
+    if (!back) return false;
+    // What came back just now was not there when the clearing was agreed to, and may not be exported.
+    return back->empty() || AskYesNo(msg::ClearWarningPC, Icon::Warning);
 }
 
 /// False when it was stopped: the operator has been told.
