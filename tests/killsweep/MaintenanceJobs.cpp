@@ -324,7 +324,7 @@ void PrepareRenewal() {
 }
 
 std::string Renew() {
-    RenewInstall(InstalledSet(Programs()), Global.AppPath + "Data/ZUKTramble");
+    RenewInstall(::InstalledSet(Programs()), Global.AppPath + "Data/ZUKTramble");
     return {};
 }
 
