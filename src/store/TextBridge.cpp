@@ -101,6 +101,7 @@ RecordCounts MissingIn(std::string_view target, std::string_view source) {
     TableScan table(target);
     const TableLayout& layout = table.Layout();
     RecordCounts missing;
+    if (old.RecordCount() == 0) return missing; // whatever its fields are
     const std::vector<int> places = PlacesIn(layout, FieldsOf(old.Layout()));
     while (old.Next()) ++missing[Bridged(old, layout, places)];
     std::vector<int> own(static_cast<std::size_t>(layout.FieldCount()));
