@@ -6,8 +6,6 @@
 
 #include <string_view>
 
-class QApplication;
-
 /// The program's style, with the light palette or the dark one.
 void ApplyLook(bool dark);
 bool IsDarkLook();

@@ -499,8 +499,7 @@ TEST_F(UploadScreen, WithoutItsBackupNothingIsTransferred) {
     auto& form = Open<frmUploadSelect>();
     Tick(form, "chkAudHH");
     Operator_.Expect(msg::UploadNow).Answer(Answer::Yes);
-    const Text why =
-        T("Permission denied: " + Global.BackupPath);
+    const Text why = T("Permission denied: " + Global.BackupPath);
     Operator_.ExpectBeginning(::Lines(::Lines(msg::FileError, msg::TransferAborted), why)).With(Icon::Stop);
     Global.TheDisk = &disk;
 

@@ -7,7 +7,6 @@
 #include "core/forms/frmProgress.h"
 #include "exchange/forms/ExportRun.h"
 #include "maintenance/Backup.h"
-#include "maintenance/SafetyCopies.h"
 #include "maintenance/forms/BackupRun.h"
 #include "maintenance/forms/CopiesBack.h"
 #include "platform/Convert.h"

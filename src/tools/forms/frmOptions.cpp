@@ -7,7 +7,6 @@
 #include "core/Messages.h"
 #include "core/Operator.h"
 #include "core/Paths.h"
-#include "core/Settings.h"
 #include "exchange/Activity.h"
 #include "exchange/TemplateToRepair.h"
 #include "maintenance/Backup.h"
