@@ -334,6 +334,7 @@ TEST_F(ClearPC, TheErrorsOfTheScreenDecideAndARowThatFailsDoesNotStopTheNext) {
     EXPECT_EQ(Row(form, "1"), "failed: Items.pct, 0 of 2");
     EXPECT_EQ(Row(form, "2"), "succeeded: Customers.pct, 1 of 1");
     EXPECT_EQ(TextOf(form, "cmdCancel").remove(u'&'), QStringLiteral("Done"));
+    EXPECT_TRUE(Global.RefreshTotals);
 }
 
 TEST_F(ClearPC, RowsOfTheSameSecondHaveABackupEachSoThatWhatTheFirstHasClearedIsStillInOne) {

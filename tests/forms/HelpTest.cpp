@@ -75,12 +75,17 @@ protected:
         Settle();
     }
 
-    /// Searches, and waits for the end of it.
-    static void Search(FormBehaviour& form, const QString& words) {
+    static void BeginSearch(FormBehaviour& form, const QString& words) {
         Type(form, "txtWords", words);
         Click(form, "cmdListTopics");
+    }
+    static void AwaitSearch(FormBehaviour& form) {
         WaitInLoop([&] { return TextOf(form, "lblFound") == ToQt(Text(msg::HelpSearching)); });
         Settle();
+    }
+    static void Search(FormBehaviour& form, const QString& words) {
+        BeginSearch(form, words);
+        AwaitSearch(form);
     }
 
     QtHelp help_;
@@ -266,6 +271,49 @@ TEST_F(HelpTest, TheSearchListsTheTopicsThatHaveEveryWordAndShowsTheFirst) {
     Search(form, QStringLiteral("PELI print"));
     EXPECT_EQ(Rows(form, "lstFound"), QStringList{QStringLiteral("Printers")});
     EXPECT_EQ(Shown(form), "Printers.htm");
+}
+
+TEST_F(HelpTest, APageThatIsOpenedWhileASearchRunsStays) {
+    auto& form = OpenTopic("Notes.htm");
+    help_.Help().HHDisplaySearch();
+    BeginSearch(form, QStringLiteral("pelican"));
+
+    ShowHelpTopic("INTRODUCTION.htm");
+    AwaitSearch(form);
+
+    EXPECT_EQ(Rows(form, "lstFound").size(), 2);
+    EXPECT_EQ(Shown(form), "INTRODUCTION.htm");
+}
+
+TEST_F(HelpTest, ThePageThatIsShownAndAskedForAgainWhileASearchRunsStays) {
+    auto& form = OpenTopic("INTRODUCTION.htm");
+    help_.Help().HHDisplaySearch();
+    BeginSearch(form, QStringLiteral("pelican"));
+
+    ShowHelpTopic("INTRODUCTION.htm");
+    AwaitSearch(form);
+
+    EXPECT_EQ(Shown(form), "INTRODUCTION.htm");
+}
+
+TEST_F(HelpTest, AWindowThatIsOpenedAnewKnowsNothingOfTheSearchOfTheOneBefore) {
+    HelpFile file(QStringLiteral(TEST_HELP));
+    const auto open = [&](const char* topic) -> frmHelp& {
+        auto& form = Open<frmHelp>();
+        form.SetFile(&file);
+        form.ShowTopic(QString::fromLatin1(topic));
+        return form;
+    };
+    auto& before = open("INTRODUCTION.htm");
+    BeginSearch(before, QStringLiteral("pelican"));
+    Click(before, "cmdOK");
+
+    auto& form = open("Notes.htm");
+    WaitInLoop([&] { return file.IsSearching(); });
+    Settle();
+
+    EXPECT_TRUE(Rows(form, "lstFound").isEmpty());
+    EXPECT_EQ(Shown(form), "Notes.htm");
 }
 
 TEST_F(HelpTest, ASearchThatFindsNothingSaysSoAndOneWithoutAWordAsksForOne) {

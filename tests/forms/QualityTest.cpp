@@ -458,7 +458,7 @@ protected:
 TEST_F(QualityOnMainScreen, TheMenuAsksAndChecksEverything) {
     GivenCleanOffice();
     auto& main = Main();
-    Operator_.Expect(msg::QCAllQuestion).Answer(Answer::Yes);
+    Operator_.Expect(msg::QCAllQuestion).WithHelp("Quality_Check_.htm").Answer(Answer::Yes);
     Operator_.Expect(msg::NoFatalProblems);
 
     ClickMenu(main, "mnuQC");

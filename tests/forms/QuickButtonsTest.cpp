@@ -158,7 +158,9 @@ TEST_F(QuickButtons, AnImportFillsTheTableAndReportsItsLines) {
     EXPECT_EQ(TextOf(form, "lblProgress"), QStringLiteral("Process completed with no errors!"));
     EXPECT_EQ(TextOf(form, "cmdCancel"), QStringLiteral("Done"));
     EXPECT_TRUE(Enabled(form, "cmdCancel"));
-    EXPECT_FALSE(Enabled(form, "cmdOK"));
+    for (const char* control : {"cmdOK", "cmdSetup", "cboMaster"})
+        EXPECT_FALSE(Enabled(form, control)) << control;
+    EXPECT_TRUE(Global.RefreshTotals);
     EXPECT_EQ(RecordCount("ZUKCust"), 3);
     EXPECT_EQ(Cell("ZUKCust", 2, "C_NAME"), "Bolt");
     EXPECT_EQ(Operator_.Beeps(), 1);
@@ -188,6 +190,27 @@ TEST_F(QuickButtons, TwoErrorsAreCounted) {
     Click(form, "cmdOK");
 
     EXPECT_EQ(TextOf(form, "lblProgress"), QStringLiteral("Process completed with 2 errors!"));
+    EXPECT_FALSE(Global.RefreshTotals) << "nothing was imported";
+}
+
+TEST_F(QuickButtons, EachRowSaysWhatItImportsAndFromWhichFile) {
+    GivenFile("app/DataIn/c.csv", "A1,Acme\r\n");
+    GivenFile("app/DataIn/i.csv", "I1,Nail\r\n");
+    GivenImportTemplate("Cust.cst", "c.csv", {"C_CODE", "C_NAME"});
+    GivenImportTemplate("Items.itm", "i.csv", {"I_ITEMCODE", "I_DESC1"});
+    GivenActivity("Morning.ipm", "Cust.cst", "Items.itm");
+    auto& form = Run<frmQBImport>("Morning");
+    QStringList told;
+    QTimer look;
+    QObject::connect(&look, &QTimer::timeout, [&] { told << TextOf(form, "lblProgress"); });
+    look.start(0);
+
+    Click(form, "cmdOK");
+
+    told.removeDuplicates();
+    EXPECT_TRUE(told.contains(QStringLiteral("Importing Customers from c.csv")))
+        << told.join(u'|').toStdString();
+    EXPECT_TRUE(told.contains(QStringLiteral("Importing Items from i.csv"))) << told.join(u'|').toStdString();
 }
 
 TEST_F(QuickButtons, ATemplateWithAFullPathInItsFirstLineWorksAndThePathIsDropped) {
@@ -390,6 +413,7 @@ TEST_F(QuickButtons, AnExportWritesTheFileAndLeavesTheTablesAtNo) {
     EXPECT_TRUE(Succeeded(form, 1));
     EXPECT_EQ(RecordCount("ZUKOrHdr"), 2);
     EXPECT_EQ(RecordCount("ZUKTOTALPC"), 0);
+    EXPECT_TRUE(Global.RefreshTotals);
 }
 
 TEST_F(QuickButtons, YesMakesABackupRecordsTheEventAndEmptiesTheTables) {

@@ -25,6 +25,11 @@ ScriptedOperator::Expectation& ScriptedOperator::Expectation::With(Icon icon) {
     return *this;
 }
 
+ScriptedOperator::Expectation& ScriptedOperator::Expectation::WithHelp(std::string topic) {
+    script_.expected_[index_].Topic = std::move(topic);
+    return *this;
+}
+
 ScriptedOperator::Expectation& ScriptedOperator::Expectation::Then(std::function<void()> deed) {
     script_.expected_[index_].Deed = std::move(deed);
     return *this;
@@ -78,6 +83,9 @@ std::optional<std::string> ScriptedOperator::OpenFile(const FileQuestion& questi
 
 bool ScriptedOperator::Ask(const Question& question) {
     const Expected* expected = Take(question.Message);
+    if (expected && expected->Topic) {
+        EXPECT_EQ(*expected->Topic, question.HelpTopic) << question.Message.Utf8();
+    }
     return expected && expected->Reply != Answer::No;
 }
 

@@ -21,6 +21,8 @@ public:
         Expectation& Answer(::Answer answer);
         Expectation& Type(std::string text);
         Expectation& With(Icon icon);
+        /// The topic of the help that the question offers.
+        Expectation& WithHelp(std::string topic);
         /// Called when the box comes, before it is answered.
         Expectation& Then(std::function<void()> deed);
 
@@ -62,6 +64,7 @@ private:
         bool Answered = false;
         std::string Typed;
         std::optional<Icon> Picture;
+        std::optional<std::string> Topic;
         std::function<void()> Deed;
         std::function<std::unique_ptr<Printer>()> Paper;
     };

@@ -127,6 +127,21 @@ TEST_F(AboutScreen, FileVersionsOfWindowsProgramsAreReadAndTheProgramsNotRun) {
     EXPECT_EQ(TextOf(form, "lblHotsyncVer1"), QStringLiteral("6.2.0.1"));
 }
 
+TEST_F(AboutScreen, ProgramLogOpensTheTraceAboveIt) {
+    auto& form = Open<frmAbout>();
+    QString seen;
+    QTimer::singleShot(0, qApp, [&] {
+        auto& log = The<frmEventLog>();
+        seen = TextOf(log, "rtbEvents");
+        Click(log, "cmdOK");
+    });
+
+    Click(form, "cmdEventLog");
+
+    EXPECT_TRUE(seen.contains(QStringLiteral("frmAbout:cmdEventLog_Click"))) << seen.toStdString();
+    EXPECT_EQ(IfLoaded<frmEventLog>(), nullptr);
+}
+
 TEST_F(AboutScreen, LogFileWritesSysInfoAndTellsWhere) {
     auto& form = Open<frmAbout>();
     const std::string path = Global.AppPath + "SysInfo.txt";
@@ -417,6 +432,8 @@ TEST_F(NotesScreen, EnterAndADoubleClickOpenTheSelectedNote) {
 TEST_F(NotesScreen, ASavedNoteThatNobodyChangedIsTheSameByteForByte) {
     Note odd = Given("Caf\xE9\r\nline", "Unattended Hotsync", 1e300);
     odd.Resolved = "some day";
+    odd.Resolution = "10\xA0"
+                     "000 orders\nof two\rdays";
     WriteNote(odd);
     const std::string before = Bytes(Path());
     auto& form = OpenNote(1);

@@ -69,7 +69,7 @@ protected:
     /// Presses "Update Hotsync Users", agrees, and does the steps in their order while that waits for the
     /// windows. Returns when it has ended.
     void Update(frmMain1& form, const std::vector<Step>& steps) {
-        Operator_.Expect(Question()).Answer(Answer::Yes);
+        Operator_.Expect(Question()).WithHelp("Update_Hotsync_Users.htm").Answer(Answer::Yes);
         WithSteps(steps, [&] { Click(form, "lblUpdateHSUsers"); });
     }
 

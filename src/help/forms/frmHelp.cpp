@@ -22,6 +22,8 @@
 #include <QTextList>
 #include <QTextTable>
 
+#include <utility>
+
 namespace {
 
 constexpr int AddressRole = Qt::UserRole;
@@ -108,7 +110,10 @@ void frmHelp::Form_Load() {
     WireKeys();
     connect(rtbTopic, &QTextBrowser::backwardAvailable, cmdBack, &QWidget::setEnabled);
     connect(rtbTopic, &QTextBrowser::forwardAvailable, cmdForward, &QWidget::setEnabled);
-    connect(rtbTopic, &QTextBrowser::sourceChanged, this, [this](const QUrl& page) { MarkInContents(page); });
+    connect(rtbTopic, &QTextBrowser::sourceChanged, this, [this](const QUrl& page) {
+        turnsToHit_ = false;
+        MarkInContents(page);
+    });
     connect(rtbTopic, &HelpPage::Followed, this,
             [this](const QUrl& address) { Run([&] { Follow(address); }); });
     connect(barFind, &FindBar::Find, this, [this](bool backwards) { FindInPage(backwards); });
@@ -223,6 +228,7 @@ void frmHelp::ShowTopic(const QString& topic) {
 }
 
 void frmHelp::ShowPage(const QUrl& address) {
+    turnsToHit_ = false;
     if (address != rtbTopic->source()) rtbTopic->ShowPage(address);
     rtbTopic->setFocus();
 }
@@ -355,18 +361,19 @@ void frmHelp::cmdListTopics_Click() {
     TraceEvent("frmHelp:cmdListTopics_Click");
     lstFound->clear();
     if (!file_) return;
-    const bool begun = file_->Search(txtWords->text());
-    lblFound->setText(ToQt(Text(begun ? msg::HelpSearching : msg::HelpEnterWords)));
+    searches_ = turnsToHit_ = file_->Search(txtWords->text());
+    lblFound->setText(ToQt(Text(searches_ ? msg::HelpSearching : msg::HelpEnterWords)));
 }
 
 void frmHelp::ShowHits() {
+    if (!std::exchange(searches_, false)) return; // the search of a window that was closed meanwhile
     lstFound->clear();
     const QList<HelpFile::Hit> hits = file_->Hits();
     for (const HelpFile::Hit& hit : hits) Add(*lstFound, hit.Title, hit.Topic);
     lblFound->setText(
         ToQt(hits.isEmpty() ? Text(msg::HelpNoHits) : Words(msg::HelpTopicsFound, Text::Value(hits.size()))));
-    if (hits.isEmpty()) return;
-    lstFound->setCurrentRow(0); // and so it is shown
+    if (hits.isEmpty() || !turnsToHit_) return; // whoever has opened a page meanwhile reads it
+    lstFound->setCurrentRow(0);                 // and so it is shown
     if (tabSearch->isAncestorOf(focusWidget())) lstFound->setFocus();
 }
 

@@ -67,4 +67,6 @@ private:
     void CloseFindBar();
 
     HelpFile* file_ = nullptr;
+    bool searches_ = false;   ///< this window has begun the search that runs
+    bool turnsToHit_ = false; ///< and no page was asked for since
 };

@@ -32,8 +32,10 @@ QString Shown(const std::string& text) {
 }
 
 std::string Typed(const QPlainTextEdit& text) {
-    QString typed = text.toPlainText();
-    return FromQt(typed.replace(QLatin1Char('\n'), QLatin1String("\r\n")));
+    QString typed = text.document()->toRawText(); // toPlainText would make blanks of no-break blanks
+    for (const QChar end : {QChar(QChar::ParagraphSeparator), QChar(QChar::LineSeparator)})
+        typed.replace(end, QLatin1String("\r\n"));
+    return FromQt(typed);
 }
 
 bool IsKept(const QString& text) {
@@ -87,6 +89,8 @@ void frmNotes::Fill() {
     txtResolved->setText(ToQt(std::string_view(note_.Resolved)));
     txtIssue->setPlainText(Shown(note_.Issue));
     txtNote->setPlainText(Shown(note_.Resolution));
+    shownIssue_ = Typed(*txtIssue);
+    shownResolution_ = Typed(*txtNote);
     const std::vector<MessageId>& processes = NoteProcesses();
     const auto process = std::find_if(processes.begin(), processes.end(),
                                       [this](MessageId each) { return IsKey(note_.Process, each); });
@@ -101,12 +105,14 @@ void frmNotes::Fill() {
 
 Note frmNotes::FromScreen() const {
     Note note = note_;
-    note.Issue = Typed(*txtIssue);
+    // What nobody has touched stays as it is, whichever characters end its lines.
+    if (const std::string issue = Typed(*txtIssue); issue != shownIssue_) note.Issue = issue;
     note.Person = FromQt(txtPerson->text());
     note.Resolved = FromQt(txtResolved->text());
     const auto process = static_cast<std::size_t>(cboProcess->currentIndex()); // none is behind them all
     if (process < NoteProcesses().size()) note.Process = KeyOf(NoteProcesses()[process]);
-    note.Resolution = Typed(*txtNote);
+    if (const std::string resolution = Typed(*txtNote); resolution != shownResolution_)
+        note.Resolution = resolution;
     return note;
 }
 

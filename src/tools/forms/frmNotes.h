@@ -39,4 +39,5 @@ private:
     QCalendarWidget* MonthView1;
     QMenu* mnuPop;
     Note note_; ///< as it was when the form was opened
+    std::string shownIssue_, shownResolution_; ///< its texts as the screen gave them back then
 };
