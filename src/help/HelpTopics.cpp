@@ -85,7 +85,7 @@ constexpr Row Topics[] = {
     {"frmTableSelectCL", "Options_Download.htm"},
     {"frmTableSelectDL", "Setup_Download.htm"},
     {"frmTableSelectPC", "Clearing_PC_Tables_.htm"},
-    {"frmTotalsMsg", TotalsTopic},
+    {"frmTotalsMsg", UploadedTopic},
     {"frmUpdateMsg", "SOFTWARE_UPDATES.htm"},
     {"frmUploadSelect", "Setup_Upload.htm"},
     {"frmView", ViewTopic},

@@ -7,6 +7,7 @@
 #include "core/SafeFile.h"
 #include "core/TextCompare.h"
 #include "hotsync/PlainText.h"
+#include "sync/InstallFolder.h"
 
 #include <algorithm>
 #include <random>
@@ -56,6 +57,10 @@ std::string HotSyncUsers::FolderNamed(std::string_view name) const {
 
 std::string HotSyncUsers::InstallFolder(const HotSyncUser& user) const {
     return AddBackslash(AddBackslash(FolderNamed(user.Name)) + "Install");
+}
+
+bool HotSyncUsers::InstallWaits(const HotSyncUser& user) const {
+    return FileExists(InstallMark(InstallFolder(user)));
 }
 
 std::string HotSyncUsers::StandInFolder(const HotSyncUser& user) const {
@@ -163,6 +168,8 @@ void HotSyncUsers::Rename(std::uint32_t id, std::string_view name) {
     FinishMove();
     const Move move{users_[place].Name, std::string(Trim(name))};
     if (move.From == move.To) return;
+    if (InstallWaits(users_[place]))
+        throw RunTimeFailure(5, "an installation waits for the user " + CodePageToUtf8(move.From));
     if (StandsInTheWay(move))
         throw RunTimeFailure(5, "a folder of this name stands there already: " + FolderNamed(move.To));
     auto users = users_;

@@ -64,6 +64,9 @@ public:
     /// "Install", with a separator at the end.
     std::string InstallFolder(const HotSyncUser& user) const;
 
+    /// Whether a program has begun an install for the user, and it is not over.
+    bool InstallWaits(const HotSyncUser& user) const;
+
     /// Where the user's stand-in handheld lies, if there is one: the folder, the user's name and "Handheld",
     /// with a separator at the end.
     std::string StandInFolder(const HotSyncUser& user) const;

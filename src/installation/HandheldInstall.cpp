@@ -198,11 +198,15 @@ void HandheldInstall::RemoveVersionFiles() const {
 
 std::size_t HandheldInstall::FilesWaiting() const {
     if (!queued_) return files_.size();
+    if (UserHasGone()) return files_.size();
     const std::string folder = InstallFolder(managerFolder_, user_);
-    // It goes with its user, who can be renamed or deleted in the manager: then nothing was installed.
-    if (!Global.TheDisk->IsFolder(ResolvePath(folder))) return files_.size();
     return static_cast<std::size_t>(std::count_if(
         files_.begin(), files_.end(), [&](const std::string& file) { return FileExists(folder + file); }));
+}
+
+/// The manager's mark goes with the folder of its user, also when another user of the name is made.
+bool HandheldInstall::UserHasGone() const {
+    return !begun_.empty() && !FileExists(begun_);
 }
 
 std::size_t HandheldInstall::TablesWaiting() const {
@@ -221,6 +225,7 @@ bool HandheldInstall::AwaitsTables() const {
 }
 
 Text HandheldInstall::Missing() const {
+    if (UserHasGone()) return msg::UserHasGone;
     if (!other_.empty())
         return Lines(Words(msg::OtherHandheld, Text::Value(std::string_view(other_))), msg::PressAgain);
     if (ProgramOnly && !queued_) return Lines(msg::VersionNotRead, msg::PressAgain);
@@ -235,18 +240,17 @@ std::optional<std::string> TakeBackInstall(std::string_view managerFolder) {
     const std::string mark = MarkPath();
     if (!FileExists(mark)) return std::nullopt;
     const std::string content = ReadWholeFile(mark);
-    std::string user(Trim(std::string_view(content).substr(0, content.find('\r'))));
-    bool waits = false;
+    std::optional<std::string> user(Trim(std::string_view(content).substr(0, content.find('\r'))));
     try {
-        const std::string folder = InstallFolder(managerFolder, user);
-        waits = !FilesWithExtension(folder, "").empty();
-        if (waits) ClearHSInstallDir(managerFolder, user);
+        const std::string folder = InstallFolder(managerFolder, *user);
+        ClearHSInstallDir(managerFolder, *user);
         // What could not be removed is known as long as the marks stand; the next start tries again.
         if (!FilesWithExtension(folder, "").empty()) throw RunTimeFailure(75, folder);
         Global.TheDisk->Remove(ResolvePath(InstallMark(folder)));
     } catch (const RunTimeFailure& failure) {
         if (failure.Number() != 52) throw; // a mark that names no user has nothing to take back
+        user.reset();
     }
     RemoveQuietly(mark);
-    return waits ? std::optional(std::move(user)) : std::nullopt;
+    return user;
 }

@@ -76,6 +76,7 @@ private:
     void TestVersion();
     std::optional<std::string> HandheldVersion() const;
     void RemoveVersionFiles() const;
+    bool UserHasGone() const;
     std::size_t FilesWaiting() const;
     std::size_t TablesWaiting() const;
 
@@ -91,8 +92,8 @@ private:
 };
 
 /// At the start, when nothing is queued yet: takes back what an install had queued whose program was killed,
-/// or the next HotSync would replace the orders of a handheld that nobody thinks of any more. For whom, when
-/// files had not been installed; nothing else. RunTimeFailure as ReadWholeFile, 76 without a manager's
-/// folder, and 75 for files, or a mark of the manager, that cannot be removed: the office's mark stands as
-/// long as these lie there.
+/// or the next HotSync would replace the orders of a handheld that nobody thinks of any more. For whom;
+/// nothing when no install was cut off. RunTimeFailure as ReadWholeFile, 76 without a manager's folder, and
+/// 75 for files, or a mark of the manager, that cannot be removed: the office's mark stands as long as these
+/// lie there.
 std::optional<std::string> TakeBackInstall(std::string_view managerFolder);

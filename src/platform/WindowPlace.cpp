@@ -31,17 +31,15 @@ void RestorePlace(QWidget& window) {
     if (kept.size() != KeptNumbers) return;
     const auto place = PlaceOnScreen({kept[Left], kept[Top], kept[Width], kept[Height]});
     if (!place) return;
-    window.move(place->topLeft());
-    window.resize(place->size());
+    window.setGeometry(*place);
     if (kept[Maximized] != 0) window.setWindowState(window.windowState() | Qt::WindowMaximized);
 }
 
 void KeepPlace(const QWidget& window) {
     if (!Keeps(window) || !window.isVisible()) return;
     const bool maximized = window.isMaximized();
-    const QPoint frame = window.pos() - window.geometry().topLeft();
-    const QRect place =
-        maximized ? window.normalGeometry().translated(frame) : QRect(window.pos(), window.size());
+    // Without its frame, of which a window that has not been shown yet knows nothing.
+    const QRect place = maximized ? window.normalGeometry() : window.geometry();
     if (!place.isValid()) return;
     Registry::SetWindowPlace(window.objectName(),
                              {place.left(), place.top(), place.width(), place.height(), maximized ? 1 : 0});

@@ -6,9 +6,8 @@
 
 class QWidget;
 
-/// A place where all of the window's title bar can be reached: cut to a screen that stands there. Nothing
-/// when no screen does, since the one that it was on has gone. `place` is the frame's corner and the window's
-/// size.
+/// A place where all of the window can be reached: cut to a screen that stands there. Nothing when no screen
+/// does, since the one that it was on has gone. `place` is that of the window without its frame.
 std::optional<QRect> PlaceOnScreen(const QRect& place);
 
 /// Opens a window where and as large as it was left, if it has the property "KeepsPlace". Called before it

@@ -5,9 +5,9 @@
 
 /// Messages that the desktop's own mail program is asked to begin. Texts are code page 1252.
 
-/// A text as it stands in a link: "&" and every character below the blank or above "~" become "%" and two
-/// hexadecimal digits of their byte. All others stay, blanks and "%" among them: what reads a link knows that
-/// only those characters are ever written so.
+/// A text as it stands in a link: "&" and every character below the blank or above "~", by the byte and not
+/// as texts are compared, become "%" and two hexadecimal digits of their byte. All others stay, blanks and
+/// "%" among them: what reads a link knows that only those characters are ever written so.
 std::string ReplaceSpecialCharacters(std::string_view text);
 
 /// The link of a message: "mailto:", the address as it stands, and those of the others that are not empty.

@@ -211,6 +211,14 @@ TEST_F(TemplatesTest, ExportTemplateLinesAreTakenByTheirBeginning) {
     EXPECT_EQ(read.Template.Columns, (Rows{"H_ORDCODE", "", "L_QTY"}));
 }
 
+TEST_F(TemplatesTest, AFilterLineOfAnExportTemplateIsNoColumn) {
+    const ExportTemplateRead read =
+        ReadExportTemplate(GivenFile("f.xor", "Filename=out\r\nCSV\r\nFilter: H_ORDCODE=1\r\nH_ORDCODE\r\n"));
+
+    EXPECT_EQ(read.Template.Filter, "H_ORDCODE=1");
+    EXPECT_EQ(read.Template.Columns, std::vector<std::string>{"H_ORDCODE"});
+}
+
 TEST_F(TemplatesTest, ExportFileNameThatIsNoneIsRefused) {
     const ExportTemplateRead read =
         ReadExportTemplate(GivenFile("bad.xor", "Filename=out/..\nCSV\nH_ORDCODE\n"));

@@ -5,6 +5,7 @@
 #include "forms/HotSyncTest.h"
 #include "platform/SFrmUt40.h"
 #include "support/Fails.h"
+#include "sync/forms/frmHSID.h"
 
 #include <QApplication>
 #include <QTimer>
@@ -59,6 +60,37 @@ protected:
     std::unique_ptr<SFrmAX40> control_;
     Statuses came_;
 };
+
+// ---- the manager's window ----
+
+using ManagersWindow = HotSyncTest;
+
+TEST_F(ManagersWindow, IsAskedForAndTheManagerStartedFirst) {
+    Manager.Listen();
+    auto& form = Open<frmHSID>();
+
+    Click(form, "cmdManager");
+
+    Manager.WaitFor("SHOW");
+    EXPECT_EQ(WrittenBy("started").at(2), "--minimised");
+}
+
+TEST_F(ManagersWindow, OfAManagerThatDoesNotAnswerIsToldAbout) {
+    auto& form = Open<frmHSID>();
+    Operator_.Expect(msg::ManagerNotShown).With(Icon::Warning);
+
+    Click(form, "cmdManager");
+
+    EXPECT_FALSE(form.IsGone());
+}
+
+TEST_F(ManagersWindow, WithoutAManagerThatIsTold) {
+    Registry::SetHotSyncManager("");
+    auto& form = Open<frmHSID>();
+    Operator_.Expect(msg::PalmDesktopMissing);
+
+    Click(form, "cmdManager");
+}
 
 // ---- users ----
 

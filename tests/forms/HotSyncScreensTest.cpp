@@ -225,6 +225,18 @@ TEST_F(ManagerWindow, GivingUpTheNameChangesNothing) {
     EXPECT_EQ(Names(), (::Names{"ANNA"}));
 }
 
+TEST_F(ManagerWindow, AUserForWhomAnInstallWaitsIsNotRenamedAndThatIsTold) {
+    GivenUser("ANNA");
+    GivenFile("HotSync/ANNA/InstallBegun.txt", "ANNA\r\n");
+    auto& form = Open<frmHSManager>();
+    SelectUser(form, 1);
+    Operator_.Expect(msg::HSInstallWaits).With(Icon::Warning);
+
+    Click(form, "cmdRename");
+
+    EXPECT_EQ(Names(), ::Names{"ANNA"});
+}
+
 TEST_F(ManagerWindow, RenameAndTheEnterKeyOnARowAskForTheNewName) {
     GivenUser("ANNA");
     GivenUser("BEN");

@@ -395,6 +395,28 @@ TEST_F(InstallScreen, CancelInTheHotSyncTakesBackTheRestAndTellsWhatMayBeOnTheHa
     EXPECT_EQ(List(Open<frmHHInstall>()).at(0), Nobody);
 }
 
+TEST_F(InstallScreen, TheCrossInTheHotSyncTellsWhatMayBeOnTheHandheldToo) {
+    auto& form = OpenFor("Anna");
+    Operator_.Expect(msg::CancelledInHotsync).With(Icon::Warning);
+
+    Press(form, "cmdDemo", {WhenItWaits(form, [&] { progress_.show(); }), WhenFound([&] { form.close(); })});
+
+    EXPECT_TRUE(form.IsGone());
+    EXPECT_TRUE(Waiting().empty());
+}
+
+TEST_F(InstallScreen, WhileAHandheldIsAwaitedTheManagerCanBeOpenedForItsStandIn) {
+    auto& form = OpenFor("Anna");
+
+    Press(form, "cmdDemo", {WhenItWaits(form, [&] {
+              EXPECT_TRUE(Enabled(form, "cmdManager"));
+              EXPECT_FALSE(Enabled(form, "cmdLinks"));
+              Click(form, "cmdCancel");
+          })});
+
+    EXPECT_TRUE(form.IsGone());
+}
+
 TEST_F(InstallScreen, CancelBetweenTheTwoHotSyncsOfALiveInstallNotesNothing) {
     auto& form = OpenFor("Anna");
     ExpectCleanCheck();
@@ -423,6 +445,7 @@ TEST_F(InstallScreen, EscapeAtRestClosesAndWhileItWaitsCancels) {
 
 TEST_F(InstallScreen, AScreenThatIsClosedFromOutsideLeavesNothingQueued) {
     auto& form = OpenFor("Anna");
+    Operator_.Expect(Words(msg::InstallGivenUp, T("Anna"))).With(Icon::Warning);
 
     Press(form, "cmdDemo", {WhenItWaits(form, [&] { FormRegistry::Instance().UnloadSecondary(); })});
 
@@ -525,7 +548,10 @@ TEST_F(InstallScreen, OrdersThatWouldTravelOrBeLostAreAskedAboutBeforeAnythingIs
     EXPECT_EQ(TextOf(form, "lblInstallMsg"), Q(msg::ChooseInstall));
     EXPECT_TRUE(Enabled(form, "cmdLive"));
 
-    Operator_.Expect(risk + msg::InstallAnyway).With(Icon::Warning).Then(look).Answer(Answer::Yes);
+    Operator_.Expect(risk + ::Lines(msg::DemoBeginsAgain, blank) + msg::InstallAnyway)
+        .With(Icon::Warning)
+        .Then(look)
+        .Answer(Answer::Yes);
     Press(form, "cmdDemo", HotSync(WhenItWaits(form, [] {})));
     EXPECT_EQ(List(form).at(0).at(2), "Demo Company");
 }

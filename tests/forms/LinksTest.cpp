@@ -28,10 +28,12 @@ using Names = std::vector<std::string>;
 struct FakeManager {
     class Control final : public IdleControl {
     public:
-        explicit Control(FakeManager& manager) : IdleControl(manager.Users), manager_(manager) {
-            manager_.Controls.push_back(this);
-        }
+        explicit Control(FakeManager& manager) : manager_(manager) { manager_.Controls.push_back(this); }
         ~Control() override { std::erase(manager_.Controls, this); }
+        std::string HotSyncUser(int index) const override {
+            const auto place = static_cast<std::size_t>(index);
+            return place < manager_.Users.size() ? manager_.Users[place] : std::string();
+        }
         std::string UserName() const override { return manager_.InCradle; }
         std::int32_t UserID() const override { return manager_.IDInCradle; }
 
@@ -910,6 +912,31 @@ TEST_F(LinksEditor, WithoutUsersThereIsNothingToConfirmAndAWayOut) {
     Click(form, "cmdCancel");
     EXPECT_EQ(Global.NewHSUser, "Ben");
     EXPECT_EQ(IfLoaded<frmHSID>(), nullptr);
+}
+
+TEST_F(LinksEditor, AUserWhoIsMadeMeanwhileAppearsAndIsChosen) {
+    auto& form = Open<frmHSID>();
+    form.AskForDefault();
+    EXPECT_FALSE(Enabled(form, "cmdOK"));
+    form.findChild<QTimer*>(QStringLiteral("TimerLook"))->start(1);
+    const auto& list = dynamic_cast<QComboBox&>(Control(form, "cboUser"));
+    const auto has = [&](const Names& users) {
+        manager_.Users = users;
+        WaitInLoop([&] { return list.count() != static_cast<int>(users.size()); });
+    };
+
+    has({"Anna"});
+    EXPECT_TRUE(Enabled(form, "cmdOK"));
+    EXPECT_EQ(TextOf(form, "lblMsg").toStdString(), CatalogueText(msg::DefaultUser));
+    EXPECT_FALSE(Visible(form, "cmdCancel"));
+    has({"Anna", "Ben", "Cleo"});
+    EXPECT_EQ(TextOf(form, "cboUser"), QStringLiteral("Cleo"));
+    Choose(form, "cboUser", QStringLiteral("Ben"));
+    has({"Ben", "Cleo"});
+    EXPECT_EQ(TextOf(form, "cboUser"), QStringLiteral("Ben")) << "who was chosen stays chosen";
+    has({});
+    EXPECT_FALSE(Enabled(form, "cmdOK"));
+    EXPECT_TRUE(Visible(form, "cmdCancel"));
 }
 
 TEST_F(LinksEditor, ThePlatformsOwnControlHasNoManager) {

@@ -499,6 +499,23 @@ TEST_F(QuickButtons, TablesWhoseCopiesCannotBePutBackAreNeitherExportedNorEmptie
     EXPECT_TRUE(Exists(Global.DBFPath + "ZUKOrHdr.dap"));
 }
 
+TEST_F(QuickButtons, AHotSyncThatComesBehindTheExportKeepsItsOrdersAndTheFile) {
+    GivenRows("ZUKOrHdr", {"H_ORDCODE|H_BILLNAME", "A1|Acme"});
+    GivenRows("ZUKOrLin", {"L_ORDCODE|L_KEY|L_QTY", "A1|1|2", "A9|1|3"});
+    GivenExportTemplate("Orders.xor", "out.txt", {"H_ORDCODE", "L_QTY"});
+    GivenActivity("Evening.xpm", "Orders.xor");
+    auto& form = Run<frmQBExport>("Evening");
+    Operator_.Expect(Words(Text::Value(1), msg::LinesWithoutHeader)).Then(GivenUnmergedUpload);
+    Operator_.Expect(msg::HotsyncCameMeanwhile).With(Icon::Warning);
+
+    Click(form, "cmdOK");
+
+    EXPECT_TRUE(Succeeded(form, 1));
+    EXPECT_TRUE(Exists(Global.DataOutPath + "out.txt"));
+    EXPECT_EQ(RecordCount("ZUKOrHdr"), 1);
+    EXPECT_TRUE(Exists(Global.DBFPath + "ZUKOrHdr.dap"));
+}
+
 TEST_F(QuickButtons, AFailedBackupIsToldAndTheOrdersStay) {
     GivenOrders();
     GivenExportTemplate("Orders.xor", "out.txt", {"H_ORDCODE"});

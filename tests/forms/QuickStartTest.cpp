@@ -676,7 +676,7 @@ TEST_F(TourInstall, AHandheldThatMayHoldOrdersIsAskedAboutAndNoInstallsNothing) 
         .Expect(::Lines(Words(msg::HandheldMayHoldOrders, msg::LastOrderKnown,
                               Text::Path(std::string_view("B000009"))),
                         ::Lines({}, {})) +
-                msg::InstallAnyway)
+                ::Lines(msg::DemoBeginsAgain, ::Lines({}, {})) + msg::InstallAnyway)
         .With(Icon::Warning)
         .Answer(Answer::No);
 

@@ -132,7 +132,7 @@ TEST_F(AboutScreen, ProgramLogOpensTheTraceAboveIt) {
     QString seen;
     QTimer::singleShot(0, qApp, [&] {
         auto& log = The<frmEventLog>();
-        seen = TextOf(log, "rtbEvents");
+        seen = dynamic_cast<QPlainTextEdit&>(Control(log, "rtbEvents")).toPlainText();
         Click(log, "cmdOK");
     });
 

@@ -157,7 +157,8 @@ bool IsOnTheScreen(const std::string& words) {
     static const std::set<std::string> all = Captions(0, 65535);
     static const std::set<std::string> menus = [] {
         std::set<std::string> entries = Captions(17000, 17399);
-        entries.merge(Captions(msg::mnuWhatsThis.Number, msg::mnuWhatsThis.Number));
+        for (const MessageId entry : {msg::mnuWhatsThis, msg::cmdManager})
+            entries.merge(Captions(entry.Number, entry.Number));
         return entries;
     }();
     if (all.contains(Plain(words))) return true;

@@ -209,6 +209,17 @@ TEST_F(HotSyncUsersTest, ARenamedUsersFolderGoesAlong) {
     EXPECT_EQ(Again().All(), users_.All());
 }
 
+TEST_F(HotSyncUsersTest, AUserForWhomAnInstallWaitsKeepsTheNameUnderWhichItIsTakenBack) {
+    GivenUsers({"ANNA"});
+    GivenFile("HotSync/ANNA/InstallBegun.txt", "ANNA\r\n");
+    EXPECT_TRUE(users_.InstallWaits(*users_.FindName("ANNA")));
+
+    EXPECT_EQ(FailureNumber([&] { users_.Rename(IdOf("ANNA"), "ANNE"); }), 5);
+
+    EXPECT_EQ(Names(users_), (Strings{"ANNA"}));
+    EXPECT_EQ(Names(Again()), (Strings{"ANNA"}));
+}
+
 TEST_F(HotSyncUsersTest, ANameCanChangeItsCaseAlone) {
     GivenUsers({"ANNA"});
     GivenFile("HotSync/ANNA/Install/a.pdb", "x");

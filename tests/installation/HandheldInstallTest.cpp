@@ -79,14 +79,17 @@ TEST_F(DemoInstall, ASessionThatBreaksOffLeavesTheRestForTheNextOne) {
     EXPECT_EQ(Sorted(Control.Installed), Sorted(FilesOf(InstallKind::Demo)));
 }
 
-TEST_F(DemoInstall, AUserWhoIsRenamedMeanwhileTakesTheFilesAlongAndNothingCountsAsInstalled) {
+TEST_F(DemoInstall, NothingCountsAsInstalledOnAUserWhoWasDeletedMeanwhileAlsoWhenAnotherOfTheNameIsMade) {
     Install.Begin(InstallKind::Demo);
+    std::filesystem::rename(Folder() + "HotSync/Anna", Folder() + "HotSync/Anna.deleted");
+    EXPECT_FALSE(Install.IsComplete());
+    EXPECT_EQ(Install.Missing(), Text(msg::UserHasGone));
 
-    std::filesystem::rename(FolderOfAnna(), Folder() + "elsewhere");
+    MakePath(FolderOfAnna());
+    Control.HotSync("Anna");
 
     EXPECT_FALSE(Install.IsComplete());
-    EXPECT_EQ(Install.Missing(),
-              ::Lines(Words(msg::FilesWaiting, Text::Value(std::int64_t{47})), msg::PressAgain));
+    EXPECT_EQ(Install.Missing(), Text(msg::UserHasGone));
 }
 
 TEST_F(DemoInstall, AMissingFileIsNamedAndNothingIsQueued) {
@@ -230,6 +233,28 @@ TEST_F(LiveInstall, TheFirstSessionBringsTheProgramAndTheSecondTheTablesInTheirO
     EXPECT_EQ(Control.Queued.front(), "DOWNLOAD " + Global.DBFPath + "ZUKAUDBH.DBF");
     EXPECT_TRUE(Install.IsComplete());
     EXPECT_TRUE(Install.InstallDone);
+}
+
+TEST_F(LiveInstall, NoTableIsSentToAUserWhoWasMadeAnewBetweenTheTwoSessions) {
+    Install.Begin(InstallKind::Live);
+    Control.HotSync("Anna");
+    ASSERT_TRUE(Install.AwaitsTables());
+    std::filesystem::rename(Folder() + "HotSync/Anna", Folder() + "HotSync/Anna.deleted");
+    MakePath(FolderOfAnna());
+
+    Control.HotSync("Anna");
+
+    EXPECT_TRUE(Queue().empty());
+    EXPECT_FALSE(Install.IsComplete());
+    EXPECT_FALSE(Install.AwaitsTables());
+}
+
+TEST_F(LiveInstall, AKillBetweenTheTwoSessionsIsToldByTheNextStart) {
+    Install.Begin(InstallKind::Live);
+    Control.HotSync("Anna");
+    ASSERT_TRUE(Install.AwaitsTables());
+
+    EXPECT_EQ(TakeBackInstall(Control.ManagerFolder), "Anna");
 }
 
 TEST_F(LiveInstall, AFirstSessionThatBreaksOffIsRepeatedBeforeTheTables) {

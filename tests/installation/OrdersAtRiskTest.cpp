@@ -64,9 +64,13 @@ TEST_F(OrdersAtRisk, AnOrderThatIsMarkedAsDeletedDoesNotTravelAndIsNotCounted) {
 }
 
 TEST_F(OrdersAtRisk, AHandheldThatHasBeenInUseIsAskedAboutWithTheLastNumberThatThePCKnows) {
-    EXPECT_EQ(Asked(InstallKind::Demo, "BEA"), BeasOrders_ + Anyway()) << "whatever the case";
     EXPECT_EQ(Asked(InstallKind::Live, "Bea"), BeasOrders_ + Anyway());
+    EXPECT_EQ(Asked(InstallKind::Live, "BEA"), BeasOrders_ + Anyway()) << "whatever the case";
     EXPECT_EQ(Asked(InstallKind::Program, "Bea"), "nothing") << "its tables stay";
+}
+
+TEST_F(OrdersAtRisk, OfADemoOnAHandheldThatHasUploadedItIsToldThatItsNumbersMayBeginAnew) {
+    EXPECT_EQ(Asked(InstallKind::Demo, "Bea"), BeasOrders_ + "\n\n" + Words(msg::DemoBeginsAgain) + Anyway());
 }
 
 TEST_F(OrdersAtRisk, AHandheldThatWasInstalledButHasNeverUploadedMayHoldItsFirstOrders) {

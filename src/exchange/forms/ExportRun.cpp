@@ -59,7 +59,8 @@ bool PutBackOrders() {
 }
 
 bool AgreedToDelete(FormBehaviour& form) {
-    if (!AskYesNo(Lines(msg::DeleteExported, msg::DeleteExportedNote))) return false;
+    // The icon makes No the default: nobody has looked at the file yet.
+    if (!AskYesNo(Lines(msg::DeleteExported, msg::DeleteExportedNote), Icon::Warning)) return false;
     if (!AwaitOwnSecond(form)) return false;
     if (!MakeBackup("EXPORT")) {
         // Without a backup nothing is emptied: the orders would be gone.

@@ -22,8 +22,9 @@ void QuickButtonForm::SetUp(MessageId caption) {
 
 void QuickButtonForm::Form_Load() {
     Trace("Form_Load");
-    lblProgress->hide();
-    pgbProgress->hide();
+    for (QWidget* control : {static_cast<QWidget*>(lblProgress), static_cast<QWidget*>(lblWritten),
+                             static_cast<QWidget*>(pgbProgress)})
+        control->hide();
     PopMaster();
     EmptyRows();
 }
@@ -48,7 +49,7 @@ void QuickButtonForm::EmptyRows() {
         lblSST[row]->clear();
         for (QWidget* cell : {imgSuccess[row], lblSST[row]}) cell->setToolTip(QString());
     }
-    cmdOK->setEnabled(false);
+    cmdOK->setEnabled(false); // Setup stays: an office makes its first activity there
 }
 
 void QuickButtonForm::cboMaster_Click() {

@@ -345,6 +345,8 @@ bool frmExport1::Export() {
         Tell(
             Words(Text::Value(result->Exported), msg::Of, Text::Value(result->Walked), msg::RecordsExported));
         TellOrphanLines(*result);
+        if (auto* main = IfMainScreen())
+            main->ShowOutcome(Words(msg::FileWritten, Text::Path(std::string_view(job.ExportFile))));
         return true;
     } catch (const RunTimeFailure& failure) {
         Tell(Lines(msg::ExportStopped, Text::Path(std::string_view(failure.what()))), Icon::Stop);

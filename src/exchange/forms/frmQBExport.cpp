@@ -50,17 +50,24 @@ QuickButtonForm::RowResult frmQBExport::RunRow(std::size_t row, const std::strin
     TellOrphanLines(*result);
     const Text report = Words(Text::Value(result->Exported), msg::Of, Text::Value(result->Walked));
     if (result->CouldNotOpen) return {false, report};
+    ShowWritten(job.ExportFile);
     OfferDeletion();
     return {true, report};
+}
+
+/// The file that was written, below those of the rows before.
+void frmQBExport::ShowWritten(const std::string& file) {
+    const QString path = PathToQt(file);
+    const QString before = lblWritten->text();
+    lblWritten->setText(before.isEmpty() ? ToQt(Text(msg::FileWritten)) + QLatin1Char('\n') + path
+                                         : before + QLatin1Char('\n') + path);
+    lblWritten->show();
 }
 
 void frmQBExport::OfferDeletion() {
     try {
         // A session that has come meanwhile: what it keeps would come back behind the deletion.
-        if (HaveKeptCopy(ExportedTables())) {
-            Tell(Lines(msg::FileError, msg::CopiesNotPutBack), Icon::Stop);
-            return;
-        }
+        if (HaveKeptCopy(ExportedTables())) return Tell(msg::HotsyncCameMeanwhile, Icon::Warning);
         if (!AgreedToDelete(*this)) return;
         for (const std::string& table : ExportedTables())
             CopyOver(Global.DBFEmptyPath + table, Global.DBFPath + table);

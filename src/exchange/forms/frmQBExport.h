@@ -15,5 +15,6 @@ protected:
     void FinishRun(bool anyWorked) override;
 
 private:
+    void ShowWritten(const std::string& file);
     void OfferDeletion();
 };

@@ -60,7 +60,6 @@ void frmStandIn::Form_Load() {
     setWindowIcon(Picture("handheld"));
     cmdHotSync->setIcon(Picture("Hotsync16-256"));
     rtbLog->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
-    FG1->SetEmptyText(msg::StandInNoOrders);
     FG2->SetEmptyText(msg::StandInEmpty);
     txtHost->setText(
         QString::fromStdString(Global.StandInDesktop.empty() ? "127.0.0.1" : Global.StandInDesktop));
@@ -115,6 +114,7 @@ void frmStandIn::ShowOrders() {
                                       {msg::ReceiptLines, SortKind::Number},
                                       {msg::StandInTotal, SortKind::Number},
                                       {msg::StandInSigned}};
+    FG1->SetEmptyText(overview_.Databases.empty() ? msg::StandInEmpty : msg::StandInNoOrders);
     FG1->SetContent(std::make_unique<ListGrid>(std::move(headings), std::move(rows)),
                     QStringLiteral("frmStandIn"));
 }
@@ -233,7 +233,11 @@ void frmStandIn::cmdHotSync_Click() {
 /// `why` tells in UTF-8 what went wrong; empty when all went well.
 void frmStandIn::ShowOutcome(const std::string& why) {
     if (!isThere_) return;
-    if (why.empty()) return lblSyncMsg->setText(ToQt(msg::StandInDone));
+    if (why.empty()) {
+        const bool isBare = overview_.Databases.empty(); // nothing was waiting for it
+        return lblSyncMsg->setText(
+            ToQt(isBare ? Lines(msg::StandInDone, msg::StandInEmpty) : msg::StandInDone));
+    }
     QPalette tones = palette();
     tones.setColor(QPalette::WindowText, WarningTone());
     lblSyncMsg->setPalette(tones);

@@ -189,5 +189,6 @@ void frmStandInOrder::cmdOK_Click() {
 
 void frmStandInOrder::cmdCancel_Click() {
     TraceEvent("frmStandInOrder:cmdCancel_Click");
-    Unload();
+    if (!entry_.Lines.empty() && !AskYesNo(msg::StandInAskDrop, Icon::Warning)) return;
+    if (!IsOver()) Unload();
 }

@@ -195,6 +195,7 @@ void frmHSManager::cmdRename_Click() {
     if (!user) return;
     const std::uint32_t id = user->Id;
     std::string name = user->Name;
+    if (Desk().Users().InstallWaits(*user)) return Tell(msg::HSInstallWaits, Icon::Warning);
     // A session may have begun while the operator typed.
     if (IsInSession(id) || !AskName(msg::HSAskName, id, name) || IsInSession(id)) return;
     Change([&] { Desk().Users().Rename(id, name); });
@@ -240,6 +241,9 @@ void frmHSManager::PutAway() {
         hide();
     } else {
         showMinimized();
+        // A dialog that has never been shown finds its place as it opens, and forgets its state over that.
+        setWindowState(windowState() & ~Qt::WindowMinimized);
+        setWindowState(windowState() | Qt::WindowMinimized);
     }
 }
 

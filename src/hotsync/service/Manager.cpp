@@ -56,6 +56,7 @@ OfficeDesk::Services Manager::Services() {
         progress_.Await(Text::Value(std::string_view(caption)));
     };
     services.Disarm = [this] { progress_.StopAwaiting(); };
+    services.Show = [] { The<frmHSManager>().Open(); };
     services.Exit = [this](bool ask) {
         if (ask)
             AskToExit([this] { End(); });

@@ -120,6 +120,8 @@ void OfficeDesk::Take(Program& program, const ManagerMessage& message) {
         Flush(program, message);
     } else if (verb == "UNFLUSH") {
         if (armed_ == &program) Unflush(program, "CANCELLED");
+    } else if (verb == "SHOW") {
+        services_.Show();
     } else if (verb == "EXIT") {
         services_.Exit(message.TextAt(0) != "NOW");
     }

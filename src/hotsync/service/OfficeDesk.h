@@ -22,6 +22,7 @@ public:
         std::function<ManagerMessage()> Welcome;             ///< where the manager is, and listens
         std::function<void(const std::string& caption)> Arm; ///< a program waits for the next handheld
         std::function<void()> Disarm;                        ///< and does no longer
+        std::function<void()> Show; ///< brings the manager's window before the operator
         std::function<void(bool ask)> Exit;
         std::function<Picking(const std::vector<HotSyncUser>&, std::chrono::milliseconds, std::uint32_t&)>
             Pick;

@@ -62,7 +62,7 @@ InstallRun::End InstallRun::Install(InstallKind kind, const std::string& user) {
     if (end == End::Installed) Record(kind, user);
     if (!form_.IsOver()) screen_.SetInactive();
     if (end == End::Stopped) Tell(*install_->Stopped(), Icon::Stop);
-    if (end == End::Cancelled && hotSynced_ && !form_.IsOver()) Tell(msg::CancelledInHotsync, Icon::Warning);
+    if (end == End::Cancelled && !Global.Ending) TellCancelled(user);
     SFInstall.reset();
     install_.reset();
     return end;
@@ -97,7 +97,7 @@ void InstallRun::Arm() {
     inSession_ = hotSynced_ = false;
     begun_ = 0;
     SFInstall->HotSyncStatus = [this](std::int32_t status) {
-        if (status == SessionBegun) ++begun_;
+        if (status == SessionBegun && GoesOn()) ++begun_;
         if (status == SessionBegun || status == SessionEnded) inSession_ = status == SessionBegun;
         install_->SFInstall_HotSyncStatus(status);
     };
@@ -126,6 +126,14 @@ InstallRun::End InstallRun::Await() {
         else
             screen_.SetActive(install_->Missing());
     }
+}
+
+/// Who has pressed Cancel knows it; who has closed the screen, or opened another one in its place, may not.
+void InstallRun::TellCancelled(const std::string& user) {
+    if (hotSynced_)
+        Tell(msg::CancelledInHotsync, Icon::Warning);
+    else if (form_.IsOver())
+        Tell(Words(msg::InstallGivenUp, Text::Value(std::string_view(user))), Icon::Warning);
 }
 
 bool InstallRun::GoesOn() const {

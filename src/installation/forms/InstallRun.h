@@ -61,6 +61,7 @@ private:
     bool Queue(InstallKind kind, const std::string& user);
     void Arm();
     End Await();
+    void TellCancelled(const std::string& user);
     bool GoesOn() const;
     void TakeBack();
     void Record(InstallKind kind, const std::string& user);

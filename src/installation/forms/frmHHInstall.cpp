@@ -10,6 +10,7 @@
 #include "platform/HotSyncManager.h"
 #include "platform/Look.h"
 #include "platform/MainScreen.h"
+#include "platform/ManagerWindow.h"
 #include "platform/Registry.h"
 #include "quality/forms/QCRun.h"
 #include "sync/Status.h"
@@ -38,7 +39,7 @@ void frmHHInstall::Form_Load() {
     const std::pair<QWidget*, MessageId> hints[] = {
         {cmdDemo, msg::HintDemo},       {cmdLive, msg::HintLive},        {cmdProgram, msg::HintProgram},
         {cboHSUsers, msg::HintHSUsers}, {cmdLinks, msg::HintLinksTable}, {cmdReset, msg::HintResetInstalls},
-        {cmdCancel, msg::TipClose}};
+        {cmdManager, msg::TipManager},  {cmdCancel, msg::TipClose}};
     for (const auto& [control, hint] : hints) help_->Add(*control, hint);
     FGTot->SetEmptyText(msg::lblNoHandhelds);
     FGTot->horizontalHeader()->setStretchLastSection(true);
@@ -113,6 +114,12 @@ void frmHHInstall::cmdLinks_Click() {
     if (!LoadUsers()) return Unload();
     Enable(true);
     ShowReady();
+}
+
+/// Open while a handheld is awaited too: whoever has none presses HotSync on the manager's stand-in.
+void frmHHInstall::cmdManager_Click() {
+    TraceEvent("frmHHInstall:cmdManager_Click");
+    ShowHotSyncManager(*this);
 }
 
 void frmHHInstall::cmdReset_Click() {

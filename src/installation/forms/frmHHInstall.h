@@ -22,6 +22,7 @@ private slots:
     void cmdLive_Click();
     void cmdProgram_Click();
     void cmdLinks_Click();
+    void cmdManager_Click();
     void cmdReset_Click();
     void cmdCancel_Click();
 

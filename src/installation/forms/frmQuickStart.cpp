@@ -9,7 +9,7 @@
 #include "platform/HotSyncManager.h"
 #include "platform/MainScreen.h"
 #include "platform/ManagerLine.h"
-#include "platform/TitledWindow.h"
+#include "platform/ManagerWindow.h"
 #include "sync/Links.h"
 #include "sync/Status.h"
 #include "sync/forms/StatusFile.h"
@@ -18,26 +18,19 @@
 #include "sync/forms/frmMainSync.h"
 
 #include <QAbstractButton>
-#include <QDeadlineTimer>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
 
-#include <chrono>
 #include <utility>
-
-namespace {
-
-constexpr std::chrono::seconds LongestStart{10}; ///< of a HotSync Manager
-
-} // namespace
 
 frmQuickStart::frmQuickStart() : QuickStartPage(QuickStart, msg::pageQuickStart) {
     AddText(msg::QuickDemoText);
     AddText(msg::QuickDemoSteps);
     const std::pair<QAbstractButton*, MessageId> labels[] = {
         {&AddLabel("lblCompany", msg::lblDemoCompany), msg::TipQuickCompany},
+        {&AddLabel("lblManager", msg::cmdManager), msg::TipManager},
         {&AddLabel("lblInstall", msg::lblInstall), msg::TipQuickInstall}};
     for (const auto& [label, tip] : labels) label->setToolTip(PlainTip(ToQt(Text(tip))));
     AddText(msg::QuickOwnText);
@@ -78,6 +71,11 @@ void frmQuickStart::lblCompany_Click() {
     ShowHelpTopic("Demo_Company.htm");
 }
 
+void frmQuickStart::lblManager_Click() {
+    Trace("lblManager_Click");
+    ShowHotSyncManager(*this);
+}
+
 // ---- the install ----
 
 void frmQuickStart::lblInstall_Click() {
@@ -85,7 +83,8 @@ void frmQuickStart::lblInstall_Click() {
     if (!IsHotSyncActiveOrTell() || !AgreesToInstall() || IsOver()) return;
     Enable(false);
     const bool ready = UpdateHS(*this);
-    if (ready) AwaitManager();
+    // The manager that was started anew needs a moment before it can tell its users.
+    if (ManagerLine line; ready) AwaitManager(*this, line);
     if (IsOver()) return;
     if (ready) {
         lblQ1->setText(ToQt(Text(msg::lblInstallHH)));
@@ -94,20 +93,14 @@ void frmQuickStart::lblInstall_Click() {
     if (!IsOver()) SetInactive();
 }
 
-/// The manager that was started anew needs a moment before it can tell its users.
-void frmQuickStart::AwaitManager() {
-    const QDeadlineTimer longest(LongestStart);
-    ManagerLine line;
-    LookUntil(*this, [&] { return line.Open(PathToQt(HotSyncManagerFolder())) || longest.hasExpired(); });
-}
-
 bool frmQuickStart::AgreesToInstall() {
     Text question = msg::InstallSteps;
     for (const MessageId step : {msg::InstallStep1, msg::InstallStep2, msg::InstallStep3, msg::InstallStep4,
                                  msg::InstallStep5, msg::InstallStepsGo})
         question = Lines(question, step);
-    return Global.TheOperator->Ask(
-        {question, msg::Yes, msg::No, "Update_Hotsync_Users.htm", msg::lblInstallHH});
+    return Global.TheOperator->Ask({question, msg::Yes, msg::No,
+                                    "Initial_Installation_ZUK_Tramble_on_Handheld_Unit_.htm",
+                                    msg::lblInstallHH});
 }
 
 /// Asks for a user of the HotSync Manager, which leaves it in Global.NewHSUser. In an office without a
@@ -187,13 +180,15 @@ void frmQuickStart::Say(const Text& message) {
     lblInstallMsg->setText(ToQt(message));
 }
 
-/// While something runs there is only the way out of it, and the help.
+/// While something runs there is only the way out of it, the help and the manager.
 void frmQuickStart::Enable(bool enabled) {
     for (auto* button : findChildren<QAbstractButton*>()) {
         const QString name = button->objectName();
         if (name == QLatin1String("cmdPrevious") || button == cmdCancel) continue; // nothing stands before it
-        if (name != QLatin1String("cmdHelp") && name != QLatin1String("lblCompany"))
-            button->setEnabled(enabled);
+        // The stand-in handheld that is to press HotSync is opened in the manager.
+        const bool isAlwaysOpen = name == QLatin1String("cmdHelp") || name == QLatin1String("lblCompany") ||
+                                  name == QLatin1String("lblManager");
+        if (!isAlwaysOpen) button->setEnabled(enabled);
     }
     cmdCancel->setVisible(!enabled);
     if (enabled)

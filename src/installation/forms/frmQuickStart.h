@@ -15,6 +15,7 @@ public:
 
 private slots:
     void lblCompany_Click();
+    void lblManager_Click();
     void lblInstall_Click();
     void cmdCancel_Click();
 
@@ -24,7 +25,6 @@ protected:
 
 private:
     static bool AgreesToInstall();
-    void AwaitManager();
     bool ChooseUser();
     bool EnterInLinks();
     void InstallDemo();

@@ -108,6 +108,7 @@ private slots:
     void lblHelpCompany_Click();
     void lblUpdateHSUsers_Click();
     void mnuUpdateReg_Click();
+    void mnuManager_Click();
     void lblInstallHH_Click();
     void mnuSetupInitial_Click();
     void lblSetupPC_Click();

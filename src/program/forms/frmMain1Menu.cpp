@@ -18,6 +18,7 @@
 #include "installation/forms/frmQuickStart2.h"
 #include "maintenance/forms/frmTableSelectPC.h"
 #include "platform/Look.h"
+#include "platform/ManagerWindow.h"
 #include "platform/Registry.h"
 #include "quality/forms/QCRun.h"
 #include "quality/forms/frmConfig.h"
@@ -170,6 +171,11 @@ void frmMain1::lblUpdateHSUsers_Click() {
 void frmMain1::mnuUpdateReg_Click() {
     TraceEvent("frmMain1:mnuUpdateReg_Click");
     UpdateUsers();
+}
+
+void frmMain1::mnuManager_Click() {
+    TraceEvent("frmMain1:mnuManager_Click");
+    ShowHotSyncManager(*this);
 }
 
 void frmMain1::lblInstallHH_Click() {

@@ -147,7 +147,8 @@ void UpdateHSUsers(FormBehaviour& form) {
 bool UpdateHS(FormBehaviour& form) {
     const OnlyOne registration;
     const WorkingDirectory before;
-    if (std::exchange(Global.TemporaryDirectory, false)) RemoveTemporaryDirectory();
+    RemoveTemporaryDirectory(); // also what a killed run has left there
+    Global.TemporaryDirectory = false;
     if (!StartRegistration()) return false;
     AwaitSetup(form);
     if (!form.IsOver() && AnswerExit(form)) AwaitSetup(form);

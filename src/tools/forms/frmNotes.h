@@ -38,6 +38,6 @@ private:
 
     QCalendarWidget* MonthView1;
     QMenu* mnuPop;
-    Note note_; ///< as it was when the form was opened
+    Note note_;                                ///< as it was when the form was opened
     std::string shownIssue_, shownResolution_; ///< its texts as the screen gave them back then
 };
