@@ -216,6 +216,13 @@ TEST_F(HelpTest, ATopicIsAddressedByNumberByKeywordAndByLink) {
     EXPECT_EQ(Shown(form), "Notes.htm");
     EXPECT_NE(help.HHWndHandle(), 0U);
 
+    for (const bool onTop : {true, false}) {
+        help.HHShowOnTop = onTop;
+        help.HHDisplayTopicID();
+        EXPECT_EQ(form.windowFlags().testFlag(Qt::WindowStaysOnTopHint), onTop);
+        EXPECT_TRUE(form.isVisible());
+    }
+
     help.HHClose();
     Settle();
     EXPECT_EQ(help.HHWndHandle(), 0U);

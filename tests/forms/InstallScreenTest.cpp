@@ -597,11 +597,16 @@ TEST_F(InstallScreen, ProgramOnlyWithoutAVersionIsRefusedAndTheScreenIsReadyAgai
 // ---- the list ----
 
 TEST_F(InstallScreen, AResetForgetsTheInstallsOfAllHandhelds) {
+    auto& main = Open<frmMain1>();
     auto& form = OpenFor("Anna");
+    const auto brick = [&] { return Control(main, "cmdHHHSIDInst_1").accessibleName(); };
+    const QString before = brick();
     Press(form, "cmdDemo", HotSync(WhenItWaits(form, [] {})));
+    EXPECT_NE(brick(), before);
 
     Click(form, "cmdReset");
 
+    EXPECT_EQ(brick(), before) << "on the main screen too";
     EXPECT_EQ(List(form), (std::vector<QStringList>{{"Anna", "", ""}, {"Bea", "", ""}}));
     form.Unload();
     EXPECT_EQ(List(Open<frmHHInstall>()).at(0), Nobody);

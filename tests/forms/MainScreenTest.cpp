@@ -232,6 +232,19 @@ TEST_F(MainScreen, EachQuadrantAndEachPageOfToolsOpensItsTopic) {
                                                        "System_Summary.htm"}));
 }
 
+TEST_F(MainScreen, TheLabelsOfEnteringOrdersAndOfTheUsersHaveTopicsOfTheirOwn) {
+    TopicList help;
+    auto& form = Start();
+
+    Press(form, "lblUpdateHSUsers", Qt::Key_F1);
+    EXPECT_EQ(help.Opened(), std::vector<std::string>{"Update_Hotsync_Users.htm"});
+
+    Click(form, "lblPrev");
+    Click(form, "lblHelpOrders");
+    EXPECT_EQ(help.Opened(), std::vector<std::string>{"QUICK_START_ENTERING_SALES_ORDERS_.htm"});
+    EXPECT_TRUE(form.isVisible());
+}
+
 TEST_F(MainScreen, TheSummaryCountsTheRecordsWhenItIsEntered) {
     auto& form = Start();
     GivenRows("ZUKCUST", {"C_CODE", "A1", "A2", "A3"});

@@ -7,6 +7,7 @@
 #include "platform/PageView.h"
 #include "platform/Printing.h"
 #include "quality/forms/frmConfigMsg.h"
+#include "support/PaperInMemory.h"
 #include "support/RefusingDisk.h"
 #include "views/BoxReport.h"
 #include "views/forms/PrintReport.h"
@@ -271,6 +272,60 @@ TEST_F(Printing, TheQualityCheckPrintsItsRowsWithTitleCompanyAndMomentAndSaysWhe
          {"Quality Check", "Acme Hardware", "Printed on 2026-11-15 at 02:05 PM", "Severity",
           "Configurator Group", "Code field is blank.", "Records: 1, 2", "Fill it."})
         EXPECT_TRUE(all.contains(QString::fromLatin1(words))) << words << "\n" << all.toStdString();
+}
+
+/// A printer that outlives the report: what it is told goes to a paper of the test's.
+class PrinterOnto final : public Printer {
+public:
+    explicit PrinterOnto(PaperInMemory& paper) : paper_(paper) {}
+
+    void SetFont(const PrintFont& font) override { paper_.SetFont(font); }
+    void Print(const Text& line) override { paper_.Print(line); }
+    int LinesPerPage() override { return paper_.LinesPerPage(); }
+    int PageWidth() const override { return paper_.PageWidth(); }
+    int PageHeight() const override { return paper_.PageHeight(); }
+    int TextWidth(const Text& text) override { return paper_.TextWidth(text); }
+    int TextHeight() override { return paper_.TextHeight(); }
+    void PrintAt(int left, int top, const Text& text) override { paper_.PrintAt(left, top, text); }
+    void PrintBox(int left, int top, int width, int height) override {
+        paper_.PrintBox(left, top, width, height);
+    }
+    void NewPage() override { paper_.NewPage(); }
+    void EndDoc() override { paper_.EndDoc(); }
+    Range Pages() const override { return paper_.Pages(); }
+
+private:
+    PaperInMemory& paper_;
+};
+
+TEST_F(Printing, TheRowsOfTheQualityCheckAreAsHighOnPaperAsOnTheScreenAndTheColumnsHaveTheirTwips) {
+    ProblemList problems;
+    for (const char* issue : {"Code field is blank.\nRecords: 1, 2", "One.\nTwo.\nThree.\nFour."}) {
+        ProblemRow row;
+        row.Issue = Text::Value(std::string_view(issue));
+        problems.Add(row);
+    }
+    auto& form = The<frmConfigMsg>();
+    form.ShowProblems(std::move(problems));
+    Settle();
+    const auto& grid = dynamic_cast<GridView&>(Control(form, "FG1"));
+    const std::vector<int> heights{grid.rowHeight(0), grid.rowHeight(1)};
+    EXPECT_LT(heights[0], heights[1]);
+    PaperInMemory paper;
+    Operator_.ExpectPrinterDialog(msg::frmConfigMsg, [&] { return std::make_unique<PrinterOnto>(paper); });
+    Operator_.Expect(msg::PrintingComplete);
+
+    Click(form, "cmdPrint");
+
+    const auto& boxes = paper.Printed.at(0).Boxes;
+    const std::vector<int> widths{1200, 2850, 1425, 2850, 2880};
+    ASSERT_EQ(boxes.size(), 3 * widths.size()) << "the headings and two rows";
+    for (std::size_t k = 0; k < boxes.size(); ++k) {
+        EXPECT_EQ(boxes[k].Width, widths[k % widths.size()]) << k;
+        if (k >= widths.size()) {
+            EXPECT_EQ(boxes[k].Height, heights[k / widths.size() - 1] * 15) << k;
+        }
+    }
 }
 
 TEST_F(Printing, AReportOf116CharactersFitsTheWidthOfA4AndLetterAndNothingOfAWiderLineIsCut) {

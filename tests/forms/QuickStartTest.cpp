@@ -152,6 +152,29 @@ TEST_F(Tour, EachLabelOfEachPageClosesItAndOpensItsOwn) {
     }
 }
 
+TEST_F(Tour, TheLabelsStandBelowEachOtherInTheOrderOfTheStages) {
+    auto& page = Open<frmQuickStart2>();
+    int above = -1;
+    for (const Stage& each : Stages) {
+        const QWidget& label = Control(page, each.Label);
+        const int top = label.mapTo(&page, QPoint()).y();
+        EXPECT_GT(top, above) << each.Label;
+        above = top + label.height() - 1;
+    }
+}
+
+TEST_F(Tour, ALabelUnderTheMouseIsShaded) {
+    QWidget& label = Control(Open<frmQuickStart2>(), "lblExport1");
+    const auto look = [&](bool underMouse) {
+        label.setAttribute(Qt::WA_UnderMouse, underMouse);
+        return label.grab().toImage();
+    };
+
+    const QImage before = look(false);
+    EXPECT_FALSE(look(true) == before);
+    EXPECT_TRUE(look(false) == before);
+}
+
 TEST_F(Tour, TheLabelOfThePageThatIsOpenOpensItAnewInItsPlace) {
     auto& page = Open<frmQuickStart4>();
     page.move(40, 30);
@@ -438,13 +461,17 @@ protected:
                 }),
                 {[this] { return progressWindow_.WasFound(); },
                  [this, user] {
-                     const std::string folder = InstallFolder(ManagerFolder(), user);
-                     for (const std::string& file : FilesWithExtension(folder, "")) {
-                         RemoveQuietly(folder + file);
-                         ++installed_;
-                     }
+                     InstallFiles(user);
                      progress_.hide();
                  }}};
+    }
+
+    void InstallFiles(const std::string& user) {
+        const std::string folder = InstallFolder(ManagerFolder(), user);
+        for (const std::string& file : FilesWithExtension(folder, "")) {
+            RemoveQuietly(folder + file);
+            ++installed_;
+        }
     }
 
     static std::vector<Step> Joined(std::vector<Step> first, const std::vector<Step>& more) {
@@ -666,6 +693,53 @@ TEST_F(TourInstall, AModalScreenAboveTheWaitingInstallEndsItAndBothEndWell) {
     expectBothWell(1);
     installBelow([&] { OpenAbove<frmFindNotes>([&] { Click(main, "lblNotes"); }, "cmdCancel", look); });
     expectBothWell(2);
+}
+
+TEST_F(TourInstall, TheEndOfTheProgramWhileItWaitsTakesBackWhatIsQueued) {
+    auto& main = Open<frmMain1>();
+    std::size_t queued = 0;
+
+    Install(Joined(Joined(Registration(), {Choosing("Ben")}), {WhenItWaits([&] {
+                       queued = FilesWithExtension(InstallFolder(ManagerFolder(), "Ben"), "").size();
+                       EXPECT_TRUE(Exists(Global.InstallPath + "InstallBegun.txt"));
+                       main.close();
+                   })}));
+
+    EXPECT_EQ(queued, FilesOf(InstallKind::Demo).size());
+    EXPECT_TRUE(Global.Ending);
+    EXPECT_EQ(FilesWithExtension(InstallFolder(ManagerFolder(), "Ben"), ""), std::vector<std::string>());
+    EXPECT_FALSE(Exists(Global.InstallPath + "InstallBegun.txt"));
+}
+
+TEST_F(TourInstall, AQuestionThatStandsWhileTheHandheldSynchronisesHoldsUpOnlyTheRecord) {
+    auto& main = Open<frmMain1>();
+    const auto recorded = [] {
+        const std::vector<InstallRow> rows = GetList(Registry());
+        return !rows.empty() && rows[0].HHStatusType == "Demo Company";
+    };
+    bool heldUp = false;
+    Operator_.Expect(Question()).Answer(Answer::Yes);
+    Operator_.Expect(msg::ResetQuestion)
+        .Then([&] {
+            progress_.show();
+            WaitInLoop([&] { return !progressWindow_.WasFound() && !Global.Ending; });
+            InstallFiles("Ben");
+            progress_.hide();
+            Settle();
+            heldUp = !recorded();
+        })
+        .Answer(Answer::No);
+    auto& page = Open<frmQuickStart>();
+
+    WithSteps(
+        Joined(Joined(Registration(), {Choosing("Ben")}), {WhenItWaits([&] { Click(main, "cmdReset"); })}),
+        [&] { Click(page, "lblInstall"); });
+
+    EXPECT_TRUE(heldUp);
+    EXPECT_TRUE(recorded());
+    EXPECT_EQ(installed_, FilesOf(InstallKind::Demo).size());
+    EXPECT_FALSE(Exists(Global.InstallPath + "InstallBegun.txt"));
+    ExpectAtRest();
 }
 
 TEST_F(TourInstall, AHandheldThatMayHoldOrdersIsAskedAboutAndNoInstallsNothing) {

@@ -14,6 +14,7 @@
 #include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QTest>
 #include <QTimer>
 
@@ -208,6 +209,9 @@ TEST_F(SharedScreens, AboutShowsTheVersionAndThePaths) {
     EXPECT_EQ(TextOf(form, "lblZUKVer1"), QStringLiteral("1.2.3"));
     EXPECT_EQ(TextOf(form, "lblDataInPath1").toStdString(), Global.DataInPath);
     EXPECT_EQ(TextOf(form, "lblPalmDTVer1"), QString());
+    EXPECT_FALSE(TextOf(form, "lblOSName1").isEmpty());
+    static const QRegularExpression version(QStringLiteral("^Version \\d+\\.\\d+, Build ."));
+    EXPECT_TRUE(TextOf(form, "lblOSVer1").contains(version)) << TextOf(form, "lblOSVer1").toStdString();
     PressKey(form, Qt::Key_Escape);
     EXPECT_EQ(IfLoaded<frmAbout>(), nullptr);
 }

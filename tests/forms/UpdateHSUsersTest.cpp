@@ -223,6 +223,20 @@ TEST_F(HotSyncOnTheMainScreen, AnUpdateWithoutAManagerOnlySaysWhatIsMissing) {
     EXPECT_FALSE(Global.HSUsersUpdated);
 }
 
+TEST_F(HotSyncOnTheMainScreen, AnUpdateRemovesWhatAKilledRunLeftInTheTemporaryDirectory) {
+    SetTemporaryFolder(Folder() + "tmp");
+    const std::string stray = GivenFile("tmp/ZUKTemp/stray.prc", "x");
+    auto& form = Start();
+
+    Update(form, {WhenRegistered([&] { setup_.show(); }), WhenFound(setup_, [&] {
+                      setup_.hide();
+                      setup_.show();
+                  })});
+
+    EXPECT_TRUE(Global.HSUsersUpdated);
+    EXPECT_FALSE(Exists(stray));
+}
+
 TEST_F(HotSyncOnTheMainScreen, ACommandThatCannotBeStartedIsRunOnceMoreFromACopy) {
     GivenScript(Program(), "registered", false);
     SetTemporaryFolder(Folder() + "tmp");

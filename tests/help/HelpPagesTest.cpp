@@ -3,6 +3,7 @@
 #include "core/Messages.h"
 #include "core/SafeFile.h"
 #include "core/Trace.h"
+#include "help/HelpTopics.h"
 #include "hotsync/HotSyncUsers.h"
 #include "hotsync/ManagerSettings.h"
 #include "maintenance/Totals.h"
@@ -257,6 +258,15 @@ TEST_F(HelpPagesTest, EachPageIsWellFormedAndHasItsTitleItsHeadingAndAPicture) {
         EXPECT_EQ(page.Headings.size(), 1U);
         EXPECT_EQ(page.Titles, page.Headings);
         EXPECT_GE(page.Pictures.size(), 1U);
+    }
+}
+
+TEST_F(HelpPagesTest, EachViewOfATableOpensAPageThatIsThere) {
+    for (std::size_t flag = 0; flag < ViewFlags; ++flag) {
+        for (const char* otherwise : {"INTRODUCTION.htm", "Viewing_Tables.htm"}) {
+            const std::string topic = HelpTopicOfView(static_cast<ViewFlag>(flag), otherwise);
+            EXPECT_TRUE(Pages().contains(topic)) << flag << ": " << topic;
+        }
     }
 }
 

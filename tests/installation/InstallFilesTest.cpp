@@ -20,6 +20,41 @@ TEST_F(InstallFiles, ADemoIsTheProgramThenThePreparedDataThenRuntimeAndPrinting)
     EXPECT_EQ(files.back(), "ZUK2_Screenlock.prc");
 }
 
+TEST_F(InstallFiles, EachSetHasItsFilesInTheirOrder) {
+    EXPECT_EQ(ProgramSet(),
+              (Strings{"Tramble.prc", "SF41RDK.prc", "ZUK2_PocketUtils.prc", "ZUK2_SerialPort.prc",
+                       "ZUK2_SFRecordUtils.prc", "ZUK2_Symbol_Control.prc", "ZUK2_DP4SF.prc",
+                       "TZUK20000#TRAMBLE.prc", "TZUK20000$TRAMBLE.pdb"}));
+    EXPECT_EQ(DemoSet(),
+              (Strings{"TZUK20000_ZUKAUDTH.pdb", "TZUK20000_ZUKAUDTL.pdb", "TZUK20000_ZUKBARIN.pdb",
+                       "TZUK20000_ZUKCOMP.pdb",  "TZUK20000_ZUKCUST.pdb",  "TZUK20000_ZUKHELP.pdb",
+                       "TZUK20000_ZUKITEM.pdb",  "TZUK20000_ZUKORHDR.pdb", "TZUK20000_ZUKORLIN.pdb",
+                       "TZUK20000_ZUKPRINT.pdb", "TZUK20000_ZUKSETUP.pdb", "TZUK20000_ZUKTCUST.pdb",
+                       "TZUK20000_ZUKTITEM.pdb", "TZUK20000_ZUKAUDHH.pdb", "TZUK20000_ZUKSTAX.pdb",
+                       "TZUK20000_ZUKTORLI.pdb", "TZUK20000_ZUKTORHD.pdb", "TZUK20000_ZUKAUDBH.pdb",
+                       "TZUK20000_ZUKAUDBL.pdb", "TZUK20000_ZUKPAY.pdb",   "TZUK20000_ZUKXPDAT.pdb",
+                       "TZUK20000_ZUKLINK.pdb"}));
+    EXPECT_EQ(RuntimeSet(),
+              (Strings{"ZUK2_PAG-BPM.prc", "PageMgr.prc", "TZUK20000_ZUKTPMNT.pdb", "ZUK2_SFInkview.prc",
+                       "BPMConfig.prc", "IrMgr.prc", "BPMGeneric.prc", "BPMEpson.prc", "BPMDeskJet.prc",
+                       "BPMLaserJet.prc", "BSSFontDB.pdb", "ZUK2_PrtComm.prc", "TZUK20000_ZUKPRN.pdb",
+                       "TZUK20000_ZUKVER.pdb", "TZUK20000_ZUKTEMP.pdb", "ZUK2_Screenlock.prc"}));
+}
+
+TEST_F(InstallFiles, TheTablesOfALiveInstallAreQueuedInTheirOrder) {
+    Strings names;
+    for (const std::string& path : LiveTables()) {
+        EXPECT_EQ(path.substr(0, path.size() - FileNameOf(path).size()), Global.DBFPath);
+        names.emplace_back(FileNameOf(path));
+    }
+
+    EXPECT_EQ(names, (Strings{"ZUKAUDBH.DBF", "ZUKAUDBL.DBF", "ZUKAudTH.dbf", "ZUKAUDTL.DBF", "ZUKAUDHH.DBF",
+                              "ZUKBarin.dbf", "ZUKCOMP.DBF",  "ZUKCust.dbf",  "ZUKHELP.DBF",  "ZUKItem.dbf",
+                              "ZUKLINK.DBF",  "ZUKORHDR.DBF", "ZUKORLIN.DBF", "ZUKPAY.DBF",   "ZUKPRINT.DBF",
+                              "ZUKSETUP.DBF", "ZUKStax.dbf",  "ZUKTCUST.DBF", "ZUKTITEM.DBF", "ZUKTORHD.DBF",
+                              "ZUKTORLI.DBF", "ZUKTPMNT.DBF", "ZUKXPDAT.DBF"}));
+}
+
 TEST_F(InstallFiles, LiveAndProgramOnlyCarryNoPreparedData) {
     Strings both = ProgramSet();
     for (const std::string& file : RuntimeSet()) both.push_back(file);

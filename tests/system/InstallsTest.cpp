@@ -7,6 +7,8 @@
 #include "platform/Convert.h"
 #include "support/Tables.h"
 
+#include <algorithm>
+#include <functional>
 #include <map>
 #include <set>
 
@@ -36,6 +38,9 @@ protected:
         program.Start();
         program.WaitForm(Main);
         ASSERT_TRUE(QTest::qWaitFor([&] { return ManagerAnswers(); }, Patience));
+        OpenScreen(program);
+    }
+    static void OpenScreen(DriverClient& program) {
         program.Click(Main, "lblInstallHH");
         program.WaitForm(Screen);
         program.Choose(Screen, "cboHSUsers", "ANNA");
@@ -45,8 +50,37 @@ protected:
         program.Click(Screen, button);
         program.WaitTextContaining(Screen, "lblInstallMsg", Ready);
     }
+    void BeginLive(DriverClient& program) const {
+        program.ExpectContaining("The system will now perform a Quality Check");
+        program.ExpectContaining("No fatal problems found");
+        program.ExpectContaining("NOTE: This process requires two HotSync actions");
+        program.ExpectContaining("Do you want to install nevertheless?", "Yes"); // the office holds orders
+        Begin(program, "cmdLive");
+    }
     int HotSync(const QStringList& options = {}) {
         return Handheld(QStringList{"hotsync", Address()} + options);
+    }
+
+    /// Does something while a HotSync runs, over a line of so many bytes a second.
+    void InAHotSync(const QString& speed, const std::function<void()>& deed) const {
+        QProcess handheld;
+        handheld.start(HandheldProgram(),
+                       {folder_.filePath("handheld"), "hotsync", Address(), "--slow", speed});
+        deed();
+        EXPECT_TRUE(handheld.waitForFinished(Patience));
+        EXPECT_EQ(handheld.exitCode(), 0);
+    }
+    static void CancelInAHotSync(DriverClient& program) {
+        program.ExpectContaining("The installation was cancelled before it was complete");
+        program.Click(Screen, "cmdCancel");
+        program.WaitGone(Screen);
+        EXPECT_TRUE(program.Expectations().isEmpty());
+    }
+    /// The screen once more, behind an install that came to nothing.
+    void ReopenWithNothingDone(DriverClient& program) const {
+        EXPECT_TRUE(FilesWaiting().isEmpty());
+        OpenScreen(program);
+        EXPECT_EQ(program.Rows(Screen, "FGTot").Cell(0, "TYPE"), "");
     }
     static void Close(DriverClient& program) {
         program.WaitEnabled(Screen, "cmdDemo");
@@ -150,11 +184,7 @@ TEST_F(Installs, TheDemoCompanyGoesToAFreshHandheldWhichCanTakeAnOrderThen) {
 TEST_F(Installs, LiveTakesTwoHotSyncsOfWhichTheSecondBringsTheOfficesTables) {
     DriverClient program(InOffice());
     Open(program);
-    program.ExpectContaining("The system will now perform a Quality Check");
-    program.ExpectContaining("No fatal problems found");
-    program.ExpectContaining("NOTE: This process requires two HotSync actions");
-    program.ExpectContaining("Do you want to install nevertheless?", "Yes"); // the office holds orders
-    Begin(program, "cmdLive");
+    BeginLive(program);
 
     ASSERT_EQ(HotSync(), 0) << said_.toStdString();
     program.WaitTextContaining(Screen, "lblInstallMsg", "Press the hotsync button once more");
@@ -207,6 +237,43 @@ TEST_F(Installs, CancelledBeforeTheHotSyncNothingReachesTheHandheld) {
     EXPECT_TRUE(FilesWaiting().isEmpty());
     EXPECT_EQ(OnHandheld(), before);
     EXPECT_EQ(program.Quit(), 0);
+}
+
+TEST_F(Installs, CancelledInAHotSyncOrBetweenTheTwoOfALiveInstallTheRestStaysAwayAndNothingIsNoted) {
+    DriverClient program(InOffice());
+    Open(program);
+    PutVersion("100");
+
+    // Program Only, while the version is fetched.
+    Begin(program, "cmdProgram");
+    InAHotSync("500", [&] {
+        ASSERT_TRUE(QTest::qWaitFor([&] { return program.IsVisible(Screen, "lblSyncMsg"); }, Patience));
+        CancelInAHotSync(program);
+        EXPECT_FALSE(ManagerLog().contains(" from the handheld: ")) << "the version has gone over";
+    });
+    EXPECT_EQ(Names(), std::set<std::string>{"TZUK20000_ZUKVER"});
+    ReopenWithNothingDone(program);
+
+    // Live, between its two HotSyncs.
+    BeginLive(program);
+    ASSERT_EQ(HotSync(), 0) << said_.toStdString();
+    program.WaitTextContaining(Screen, "lblInstallMsg", "Press the hotsync button once more");
+    CancelInAHotSync(program);
+    ASSERT_EQ(HotSync(), 0) << said_.toStdString();
+    EXPECT_EQ(Names(), NamesOf(InstallKind::Live)) << "the program, and no table of the office";
+    ReopenWithNothingDone(program);
+
+    // A Demo, while its files go over.
+    Begin(program, "cmdDemo");
+    InAHotSync("60000", [&] {
+        ASSERT_TRUE(QTest::qWaitFor([&] { return FilesWaiting().size() < 47; }, Patience));
+        EXPECT_FALSE(FilesWaiting().isEmpty());
+        CancelInAHotSync(program);
+    });
+    const std::set<std::string> arrived = Names();
+    EXPECT_FALSE(std::ranges::includes(arrived, NamesOf(InstallKind::Demo)));
+    ReopenWithNothingDone(program);
+    Close(program);
 }
 
 TEST_F(Installs, AProgramThatIsKilledWhileItWaitsLeavesTheHandheldAsItIsAndTheNextStartTakesBackTheFiles) {

@@ -108,9 +108,19 @@ protected:
     std::int32_t Orders() const {
         return TableScan(office_.Path("DBFFiles/ZUKOrHdr.dbf").toStdString()).RecordCount();
     }
+
+    /// What a field of a table of the handheld holds, record by record.
+    QStringList OnHandheld(const char* table, const char* field) const {
+        const ::Handheld handheld(folder_.filePath("handheld").toStdString());
+        const HandheldTable rows(handheld.Store, table);
+        QStringList values;
+        for (std::size_t row = 0; row < rows.Count(); ++row)
+            values << QString::fromLatin1(std::string(rows.Get(row, field)));
+        return values;
+    }
 };
 
-TEST_F(FirstMorning, TheDemoCompanyGoesToAHandheldAndItsFirstOrderComesHomeByTheKeyboard) {
+TEST_F(FirstMorning, TheDemoCompanyGoesToAHandheldAndItsFirstOrderComesHomeAndIsExportedByTheKeyboard) {
     ASSERT_EQ(Handheld({"new", "--user", "ANNA", "--id", "7"}), 0) << said_.toStdString();
     DriverClient program(InOffice());
     program.Start();
@@ -131,16 +141,12 @@ TEST_F(FirstMorning, TheDemoCompanyGoesToAHandheldAndItsFirstOrderComesHomeByThe
     ASSERT_EQ(Handheld({"hotsync", Address()}), 0) << said_.toStdString();
     program.WaitTextContaining(tour.Page(), "lblInstallMsg", "Demo Company was installed on handheld ANNA");
 
-    QString customer;
-    QString item;
-    {
-        const ::Handheld handheld(folder_.filePath("handheld").toStdString());
-        customer =
-            QString::fromLatin1(std::string(HandheldTable(handheld.Store, "ZUKCUST").Get(0, "C_CODE")));
-        item =
-            QString::fromLatin1(std::string(HandheldTable(handheld.Store, "ZUKITEM").Get(0, "I_ITEMCODE")));
-    }
-    ASSERT_EQ(Handheld({"order", "--customer", customer, "--line", item + ":2"}), 0) << said_.toStdString();
+    const QString customer = OnHandheld("ZUKCUST", "C_CODE").first();
+    const QStringList items = OnHandheld("ZUKITEM", "I_ITEMCODE").first(2);
+    ASSERT_EQ(
+        Handheld({"order", "--customer", customer, "--line", items[0] + ":2", "--line", items[1] + ":7"}), 0)
+        << said_.toStdString();
+    const QString order = OnHandheld("ZUKORHDR", "H_ORDCODE").last();
 
     tour.PressButton("lblUpload1");
     tour.TurnTo(6);
@@ -158,6 +164,30 @@ TEST_F(FirstMorning, TheDemoCompanyGoesToAHandheldAndItsFirstOrderComesHomeByThe
     program.WaitGone("frmUploadSelect");
     EXPECT_TRUE(program.IsShown(tour.Page()));
     EXPECT_EQ(Orders(), before + 13) << "those of the Demo Company, and the new one";
+
+    tour.Press("Alt+N");
+    tour.TurnTo(7);
+    tour.PressButton("cmdExport");
+    const QString screen = "frmExport1";
+    program.WaitForm(screen);
+    tour.TabTo(screen, "cboSettings");
+    tour.Press("Down");
+    EXPECT_EQ(program.Text(screen, "cboSettings"), "DemoOrders");
+    program.ExpectContaining("records successfully exported!");
+    program.ExpectContaining("records in the Order Lines table appear to have no"); // of the office before
+    program.ExpectContaining("Delete Exported Tables on PC?", "No");
+    tour.TabTo(screen, "cmdOK");
+    tour.Press("Return");
+    program.WaitGone(screen);
+    const QStringList lines = QString::fromLatin1(Bytes(office_.Path("DataOut/orders.csv")))
+                                  .split("\r\n")
+                                  .filter('"' + order + '"');
+    ASSERT_EQ(lines.size(), 2) << order.toStdString();
+    EXPECT_TRUE(lines[0].contains("\"WEB\",1,\"" + items[0] + "\",") && lines[0].contains(",2,\""))
+        << lines[0].toStdString();
+    EXPECT_TRUE(lines[1].contains("\"WEB\",2,\"" + items[1] + "\",") && lines[1].contains(",7,\""))
+        << lines[1].toStdString();
+    EXPECT_TRUE(program.IsShown(tour.Page())) << "the page again";
     tour.Press("Escape");
     program.WaitGone(tour.Page());
     EXPECT_EQ(program.Quit(), 0);
