@@ -311,8 +311,10 @@ TEST_F(Browser, AnEmptyTableShowsAnEmptyGridThatSaysWhatToDo) {
     auto& form = OpenGrid(ViewCust);
 
     EXPECT_TRUE(GridRows(form, "FG1").empty());
-    EXPECT_EQ(Grid(form).accessibleDescription(),
-              QStringLiteral("This table has no records yet. Use File > Import to fill it."));
+    EXPECT_EQ(
+        Grid(form).accessibleDescription(),
+        QStringLiteral("This table has no records yet. Use File > Import to fill it, or press 'Edit' to "
+                       "type them in."));
     EXPECT_TRUE(Enabled(form, "cmdDataView"));
 }
 

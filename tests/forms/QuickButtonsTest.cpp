@@ -403,10 +403,16 @@ TEST_F(QuickButtons, AnExportWritesTheFileAndLeavesTheTablesAtNo) {
     GivenExportTemplate("Orders.xor", "out", {"H_ORDCODE", "H_BILLNAME", "L_QTY"});
     GivenActivity("Evening.xpm", "Orders.xor");
     auto& form = Run<frmQBExport>("Evening");
-    Operator_.Expect(::Lines(msg::DeleteExported, msg::DeleteExportedNote)).Answer(Answer::No);
+    // The icon makes No the default.
+    Operator_.Expect(::Lines(msg::DeleteExported, msg::DeleteExportedNote))
+        .With(Icon::Warning)
+        .Then(
+            [&form] { EXPECT_TRUE(TextOf(form, "lblWritten").endsWith(QStringLiteral("/DataOut/out.csv"))); })
+        .Answer(Answer::No);
 
     Click(form, "cmdOK");
 
+    EXPECT_TRUE(Visible(form, "lblWritten"));
     EXPECT_EQ(Bytes(Global.DataOutPath + "out.csv"), "A1,Acme,2\r\nA1,Acme,3\r\nA2,Bolt,1\r\n");
     EXPECT_EQ(TextOf(form, "lblHeading2"), QStringLiteral("Records Exported:"));
     EXPECT_EQ(TextOf(form, "lblSST_1"), QStringLiteral("3 of 3"));

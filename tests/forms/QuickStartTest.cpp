@@ -504,6 +504,9 @@ protected:
         open();
     }
 
+    /// Who has opened another screen is told what became of the install.
+    void ExpectGivenUp() { Operator_.Expect(Words(msg::InstallGivenUp, T("Ben"))).With(Icon::Warning); }
+
     void ExpectAtRest() {
         auto& page = The<frmQuickStart>();
         EXPECT_EQ(TextOf(page, "lblQ1"), QStringLiteral("QuickStart"));
@@ -643,8 +646,10 @@ TEST_F(TourInstall, CancelEndsTheInstallAndKeepsTheTour) {
 }
 
 TEST_F(TourInstall, AScreenThatIsOpenedMeanwhileEndsTheInstallAndTheTour) {
-    Install(Joined(Joined(Registration(), {Choosing("Ben")}),
-                   {WhenItWaits([] { The<frmQuickStart>().Unload(); })}));
+    Install(Joined(Joined(Registration(), {Choosing("Ben")}), {WhenItWaits([this] {
+                       ExpectGivenUp();
+                       The<frmQuickStart>().Unload();
+                   })}));
 
     EXPECT_EQ(IfLoaded<frmQuickStart>(), nullptr);
     EXPECT_EQ(FilesWithExtension(InstallFolder(ManagerFolder(), "Ben"), ""), std::vector<std::string>());
@@ -653,6 +658,7 @@ TEST_F(TourInstall, AScreenThatIsOpenedMeanwhileEndsTheInstallAndTheTour) {
 TEST_F(TourInstall, WhatIsQueuedIsTakenBackBeforeAScreenThatWaitsForTheHandheldIsOpenedAboveIt) {
     std::vector<std::string> queued{"not looked at"};
     Install(Joined(Joined(Registration(), {Choosing("Ben")}), {WhenItWaits([&] {
+                       ExpectGivenUp();
                        The<frmQuickStart>().Unload();
                        queued = FilesWithExtension(InstallFolder(ManagerFolder(), "Ben"), "");
                    })}));
@@ -685,7 +691,10 @@ TEST_F(TourInstall, AModalScreenAboveTheWaitingInstallEndsItAndBothEndWell) {
     };
     const auto installBelow = [&](const std::function<void()>& open) {
         std::filesystem::remove(Folder() + "registered");
-        Install(Joined(Joined(Registration(), {Choosing("Ben")}), {WhenItWaits(open)}));
+        Install(Joined(Joined(Registration(), {Choosing("Ben")}), {WhenItWaits([&] {
+                           ExpectGivenUp();
+                           open();
+                       })}));
     };
 
     installBelow(

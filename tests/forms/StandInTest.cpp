@@ -196,15 +196,21 @@ TEST_F(StandInWindow, ALineThatWasRemovedIsNotOrdered) {
     EXPECT_EQ(LastOrder("H_TOTITEMS"), "12.5");
 }
 
-TEST_F(StandInWindow, CancelTakesNoOrderAndNoNumber) {
+TEST_F(StandInWindow, CancelAsksBeforeItDropsLinesAndTakesNoOrderAndNoNumber) {
     GivenDemoHandheld();
     auto& form = Open<frmStandIn>();
+    Operator_.Expect(msg::StandInAskDrop).With(Icon::Warning).Answer(Answer::No);
+    Operator_.Expect(msg::StandInAskDrop).With(Icon::Warning).Answer(Answer::Yes);
 
     OnOrderForm(form, [](frmStandInOrder& order) {
         Choose(order, "cboCustomer", LoonLake);
         AddLine(order, Tea, "2");
         Click(order, "cmdCancel");
+        EXPECT_FALSE(order.IsGone());
+        Click(order, "cmdCancel");
+        EXPECT_TRUE(order.IsGone());
     });
+    OnOrderForm(form, [](frmStandInOrder& order) { Click(order, "cmdCancel"); });
 
     EXPECT_EQ(Headers().Count(), 12U);
     EXPECT_EQ(HandheldTable(Handheld(Global.StandInFolder).Store, "ZUKLINK").Get(0, "LK_LSTONUM"), "000114");
@@ -214,6 +220,8 @@ TEST_F(StandInWindow, AHandheldWithNothingOnItSaysWhatToDo) {
     GivenEmptyHandheld();
     auto& form = Open<frmStandIn>();
     Operator_.Expect(msg::StandInNoTables).With(Icon::Information);
+    EXPECT_EQ(Control(form, "FG1").accessibleDescription(),
+              QString::fromStdString(Text(msg::StandInEmpty).Utf8()));
 
     Click(form, "cmdTake");
 

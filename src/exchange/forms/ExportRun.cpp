@@ -58,9 +58,8 @@ bool PutBackOrders() {
     return PutCopiesBack(ExportedTables()).has_value();
 }
 
-bool AgreedToDelete(FormBehaviour& form) {
-    // The icon makes No the default: nobody has looked at the file yet.
-    if (!AskYesNo(Lines(msg::DeleteExported, msg::DeleteExportedNote), Icon::Warning)) return false;
+bool AgreedToDelete(FormBehaviour& form, Icon icon) {
+    if (!AskYesNo(Lines(msg::DeleteExported, msg::DeleteExportedNote), icon)) return false;
     if (!AwaitOwnSecond(form)) return false;
     if (!MakeBackup("EXPORT")) {
         // Without a backup nothing is emptied: the orders would be gone.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/Operator.h"
 #include "exchange/OrderCheck.h"
 #include "platform/Form.h"
 
@@ -35,8 +36,8 @@ std::span<const std::string> ExportedTables();
 bool PutBackOrders();
 
 /// Asks whether the exported tables are to go. After a Yes the tables are backed up and the event is
-/// recorded: true when that was done, and they may go.
-bool AgreedToDelete(FormBehaviour& form);
+/// recorded: true when that was done, and they may go. A Warning's default is No, a Question's Yes.
+bool AgreedToDelete(FormBehaviour& form, Icon icon);
 
 /// Shows the new state of the orders on the main screen, if there is one.
 void RefreshMainScreen();

@@ -12,6 +12,7 @@
 #include "exchange/forms/ExportRun.h"
 #include "exchange/forms/Lists.h"
 #include "platform/Convert.h"
+#include "platform/MainScreen.h"
 
 namespace {
 
@@ -356,7 +357,7 @@ bool frmExport1::Export() {
 
 /// The tables stay as they are here: the backup is all that a Yes does.
 void frmExport1::OfferBackup() {
-    Try([this] { AgreedToDelete(*this); });
+    Try([this] { AgreedToDelete(*this, Icon::Question); });
 }
 
 void frmExport1::cmdCancel_Click() {

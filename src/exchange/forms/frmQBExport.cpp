@@ -68,7 +68,8 @@ void frmQBExport::OfferDeletion() {
     try {
         // A session that has come meanwhile: what it keeps would come back behind the deletion.
         if (HaveKeptCopy(ExportedTables())) return Tell(msg::HotsyncCameMeanwhile, Icon::Warning);
-        if (!AgreedToDelete(*this)) return;
+        // No is the default: nobody has looked at the file yet.
+        if (!AgreedToDelete(*this, Icon::Warning)) return;
         for (const std::string& table : ExportedTables())
             CopyOver(Global.DBFEmptyPath + table, Global.DBFPath + table);
     } catch (const RunTimeFailure& failure) {
