@@ -24,6 +24,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QPlainTextEdit>
 #include <QTabWidget>
 #include <QThread>
 #include <QTimer>
@@ -86,7 +87,17 @@ void Prepare(FormBehaviour& form) {
                                            {"lblDataOutPath1", "/home/anna/office/DataOut/"}})
             form.Window().findChild<QLabel*>(QLatin1String(label))->setText(QString::fromLatin1(words));
     }
-    if (dynamic_cast<TableSelectForm*>(&form)) Press(form, "cmdSelectAll");
+    if (dynamic_cast<frmEventLog*>(&form)) {
+        auto* events = form.Window().findChild<QPlainTextEdit*>(QStringLiteral("rtbEvents"));
+        const QString office = PathToQt(Global.AppPath);
+        events->setPlainText(events->toPlainText().replace(office, QLatin1String("/home/anna/office/")));
+    }
+    // Of these two only the orders are usual: the rest would be lost to the office.
+    if (dynamic_cast<frmUploadSelect*>(&form) || dynamic_cast<frmTableSelectPC*>(&form)) {
+        for (const char* const box : {"chkOrHdr", "chkAudtH", "chkAudHH"}) Press(form, box);
+    } else if (dynamic_cast<TableSelectForm*>(&form)) {
+        Press(form, "cmdSelectAll");
+    }
     if (dynamic_cast<frmChgLink*>(&form)) {
         form.Window()
             .findChild<QLineEdit*>(QStringLiteral("txtHotSync"))
@@ -167,8 +178,8 @@ void UnattendedFaces(Camera& camera) {
     main.ShowPhase(SyncPhaseImage::Upload, PhaseLook::Queued);
     main.ShowPhase(SyncPhaseImage::Clear, PhaseLook::Queued);
     window.ShowSession("Anna Berg");
-    main.StopAfterSession(msg::StopsAfterHotsync);
     camera.Take(main, QStringLiteral("frmMain1-session"));
+    main.StopAfterSession(msg::StopsAfterHotsync);
     camera.Take(window, QStringLiteral("frmRemoteSync-stopping"));
     main.ShowWaiting();
     main.ShowUnattendedOff();

@@ -76,7 +76,12 @@ void FillSettings(const OfficeForDay& office) {
           "CASH\tNO\t\tNO\n"},
          {QStringLiteral("ZUKORHDR"), "H_ORDCODE\tH_CUSTCODE\tH_BILLNAME\tH_CUSTFONE\tH_ORDDATE\n"
                                       "A001000124\tA100\tAcme Hardware\t212-555-0142\t20261121\n"
-                                      "A001000125\tB200\tBolt & Sons\t\t20261121\n"}});
+                                      "A001000125\tB200\tBolt & Sons\t\t20261121\n"},
+         {QStringLiteral("ZUKORLIN"),
+          "L_ORDCODE\tL_KEY\tL_NUMBER\tL_ITEMCODE\tL_ITEMDES1\tL_QTY\tL_QTY_UM\tL_PRICE\tL_TOTPRICE\n"
+          "A001000124\tA00100012401\t1\tH1\tClaw hammer\t4\tEach\t12.50\t50.00\n"
+          "A001000124\tA00100012402\t2\tN10\tNails, 10 mm\t20\tBox\t3.20\t64.00\n"
+          "A001000125\tA00100012501\t1\tH1\tClaw hammer\t2\tEach\t12.50\t25.00\n"}});
     QImage ink(160, 48, QImage::Format_RGB32);
     ink.fill(Qt::white);
     QPainterPath stroke(QPointF(8, 34));

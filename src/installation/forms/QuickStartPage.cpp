@@ -43,7 +43,7 @@ constexpr FormBehaviour& (*Opened[])() = {Open<frmQuickStart>,  Open<frmQuickSta
 
 /// Size of a page in average letters and lines.
 constexpr int LettersAcross = 120;
-constexpr int LinesDown = 36;
+constexpr int LinesDown = 41;
 constexpr int Margin = 16; // pixels
 constexpr int Gap = 10;
 

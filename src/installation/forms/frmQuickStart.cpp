@@ -22,6 +22,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
+#include <QScrollArea>
 
 #include <utility>
 
@@ -176,8 +177,12 @@ void frmQuickStart::SetInactive() {
     Enable(true);
 }
 
+/// On a small screen the page scrolls, and what is said stands at its foot.
 void frmQuickStart::Say(const Text& message) {
     lblInstallMsg->setText(ToQt(message));
+    auto& area = *findChild<QScrollArea*>(QStringLiteral("scrPage"));
+    area.widget()->layout()->activate();
+    area.ensureWidgetVisible(lblInstallMsg);
 }
 
 /// While something runs there is only the way out of it, the help and the manager.
