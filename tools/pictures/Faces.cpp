@@ -221,7 +221,12 @@ void StandInFaces(Camera& camera, const QString& work) {
     std::ostringstream out, err;
     RunCommand({Global.StandInFolder, "new", "--no-user"}, {out, err, nullptr, nullptr});
     auto& empty = The<frmStandIn>();
-    Press(empty, "cmdHotSync"); // nobody waits for it
+    // A place where nobody waits: the usual one may be that of a HotSync Manager at work on this computer.
+    auto& place = *empty.findChild<QLineEdit*>(QStringLiteral("txtHost"));
+    const QString usualPlace = place.text();
+    place.setText(QStringLiteral("127.0.0.1:1"));
+    Press(empty, "cmdHotSync");
+    place.setText(usualPlace);
     camera.Take(empty, QStringLiteral("frmStandIn-empty"));
     empty.Unload();
     Global.StandInFolder = usual;
