@@ -75,6 +75,22 @@ QList<QRgb> MainColours(const QImage& picture) {
     return colours;
 }
 
+/// What has become of a picture; nothing when it looks the same.
+QString Difference(const QImage& was, const QImage& now) {
+    if (was.isNull()) return QStringLiteral("new");
+    const auto size = [](const QImage& of) {
+        return QStringLiteral("%1x%2").arg(of.width()).arg(of.height());
+    };
+    if (was.size() != now.size()) return QStringLiteral("%1, was %2").arg(size(now), size(was));
+    // A file may hold the same colours in another order.
+    const auto plain = [](const QImage& of) { return of.convertToFormat(QImage::Format_RGB32); };
+    return plain(was) == plain(now) ? QString() : QStringLiteral("changed");
+}
+
+void Say(const QString& path, const QString& what) {
+    std::printf("%s: %s\n", path.toLocal8Bit().constData(), qPrintable(what));
+}
+
 } // namespace
 
 PagePictures::PagePictures(const QString& sources) : sources_(sources + QLatin1Char('/')) {
@@ -110,18 +126,25 @@ void PagePictures::Write(const QImage& picture, const QString& path) {
         picture.convertToFormat(QImage::Format_Indexed8, MainColours(picture), Qt::ThresholdDither);
     constexpr int Smallest = 0; // the quality of a PNG file says how hard it is compressed
     const QString full = sources_ + path;
+    taken_ << path;
+    const QString difference = Difference(QImage(full), small);
+    if (difference.isEmpty()) return;
     QDir().mkpath(QFileInfo(full).path());
     if (!small.save(full, "PNG", Smallest)) throw OfficeFailure("cannot write " + path.toStdString());
-    taken_ << path;
-    std::printf("%s\n", path.toLocal8Bit().constData());
+    Say(path, difference);
+    ++changed_;
 }
 
-void PagePictures::Finish() const {
+void PagePictures::Finish() {
     for (const QString& folder : Folders) {
         const QDir there(sources_ + folder, QStringLiteral("*.png"));
-        for (const QString& name : there.entryList())
-            if (!wanted_.contains(folder + name)) QFile::remove(sources_ + folder + name);
+        for (const QString& name : there.entryList()) {
+            if (wanted_.contains(folder + name) || !QFile::remove(sources_ + folder + name)) continue;
+            Say(folder + name, QStringLiteral("removed"));
+            ++changed_;
+        }
     }
+    std::printf("%d pictures, %d changed\n", static_cast<int>(taken_.size()), changed_);
     QStringList missing = (wanted_ - taken_).values();
     missing.sort();
     if (missing.isEmpty()) return;

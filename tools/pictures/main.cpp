@@ -10,10 +10,10 @@
 // reports as a printer would have them. TEXTS is a translation, a file of rows as in Messages.tsv, or the
 // word "stretched" for the built-in texts, each a third longer. At another scale: set QT_SCALE_FACTOR before,
 // or QT_FONT_DPI for larger letters alone. The second, in the folder of the sources, makes anew the pictures
-// that the help and README.md refer to, in the light look. The third takes no pictures: it looks for what is
-// cut, lies upon another, cannot be reached or read (LayoutCheck.h), says so, and fails when there is
-// something. The dark look is gone through with the built-in texts only. The fourth lays the pictures in the
-// folders below FOLDER side by side (ContactSheet.h).
+// that the help and README.md refer to, in the light look, and names those that have changed. The third takes
+// no pictures: it looks for what is cut, lies upon another, cannot be reached or read (LayoutCheck.h), says
+// so, and fails when there is something. The dark look is gone through with the built-in texts only. The
+// fourth lays the pictures in the folders below FOLDER side by side (ContactSheet.h).
 
 #include "ContactSheet.h"
 #include "Faces.h"
