@@ -57,7 +57,7 @@ std::optional<Text> AskBeforeInstall(InstallKind kind, std::string_view user, co
             warning = Words(warning, msg::LastOrderKnown, Text::Value(std::string_view(use.LastOrder)));
         warnings.push_back(warning);
         // A reset handheld keeps its machine id, and the prepared data knows no last order.
-        if (kind == InstallKind::Demo && !use.LastOrder.empty()) warnings.push_back(msg::DemoBeginsAgain);
+        if (kind == InstallKind::Demo && !use.LastOrder.empty()) warnings.emplace_back(msg::DemoBeginsAgain);
     }
     if (warnings.empty()) return std::nullopt;
     Text question;
