@@ -9,6 +9,7 @@
 #include <QComboBox>
 #include <QListWidget>
 #include <QPlainTextEdit>
+#include <QStatusBar>
 
 #include <filesystem>
 
@@ -90,6 +91,20 @@ TEST_F(ExportScreen, ExportsInTheOrderOfTheTablesAndLeavesThem) {
     EXPECT_EQ(IfLoaded<frmExport1>(), nullptr);
     EXPECT_EQ(RecordCount("ZUKOrHdr"), 2);
     EXPECT_TRUE(Global.RefreshTotals);
+}
+
+TEST_F(ExportScreen, TheFootOfTheMainScreenSaysWhereTheFileLies) {
+    Operator_.Expect(msg::PalmDesktopMissing);
+    auto& main = Open<frmMain1>();
+    auto& form = Open<frmExport1>();
+    Add(form, {Q("H_ORDCODE")});
+    Type(form, "txtExpFile", Q("out"));
+    ExpectEnd("2 of 2");
+
+    Click(form, "cmdOK");
+
+    const auto& outcome = dynamic_cast<QStatusBar&>(Control(main, "sbrOutcome"));
+    EXPECT_EQ(outcome.currentMessage().toStdString(), "Written: " + Global.DataOutPath + "out.csv");
 }
 
 TEST_F(ExportScreen, ThePreviewShowsTheFirstLinesAsTheyWouldComeOut) {
